@@ -1,0 +1,46 @@
+// The seam between the class library and the platform: integer types, characters and literals. This is the only file of
+// the portable core that asks which platform it is.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#ifdef _WIN32
+#include "NyServer/base/WindowsPrelude.h"
+
+#include <tchar.h>
+#else
+typedef uint8_t BYTE;
+typedef uint16_t WORD;
+typedef uint32_t DWORD;
+typedef int32_t LONG;
+typedef int BOOL;
+typedef unsigned int UINT;
+typedef intptr_t INT_PTR;
+typedef uintptr_t UINT_PTR;
+typedef int64_t LONGLONG;
+typedef uint64_t ULONGLONG;
+typedef char16_t WCHAR;
+typedef WCHAR TCHAR;
+typedef const char* LPCSTR;
+typedef char* LPSTR;
+typedef const WCHAR* LPCWSTR;
+typedef WCHAR* LPWSTR;
+typedef LPCWSTR LPCTSTR;
+typedef LPWSTR LPTSTR;
+#define TRUE 1
+#define FALSE 0
+#define _T(literal) u##literal
+#define PASCAL
+#endif
+
+// REQUIRES: NYBASE_EXPORTS while NyBaseDll itself is built, NYBASE_STATIC for one static program, neither for users.
+#if defined(NYBASE_EXPORTS) && defined(NYBASE_STATIC)
+#error "Define NYBASE_EXPORTS (building the DLL) or NYBASE_STATIC (one static program), not both."
+#elif defined(NYBASE_EXPORTS)
+#define NYBASE_API __declspec(dllexport)
+#elif defined(NYBASE_STATIC)
+#define NYBASE_API
+#else
+#define NYBASE_API __declspec(dllimport)
+#endif

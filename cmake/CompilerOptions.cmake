@@ -1,0 +1,17 @@
+# ny_options: what every target of this project is compiled with.
+add_library(ny_options INTERFACE)
+target_compile_options(ny_options INTERFACE
+  -Wall -Wextra -Wpedantic -Werror
+  -Wshadow -Wnon-virtual-dtor -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wunused)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(ny_options INTERFACE -Wduplicated-cond -Wlogical-op -Wsuggest-override)
+endif()
+
+if(WIN32)
+  target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE)
+endif()
+
+if(NY_SANITIZE)
+  add_compile_options(-fsanitize=${NY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${NY_SANITIZE})
+endif()
