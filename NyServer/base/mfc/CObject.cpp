@@ -1,1 +1,67 @@
-#include "afxplatform.h"
+#include "afx.h"
+
+#include <cstring>
+#include <new>
+
+namespace {
+
+// Registered classes, newest first. Constant-initialised: classes register from static constructors
+// of every module.
+CRuntimeClass* registeredClasses = nullptr;
+
+}  // namespace
+
+CRuntimeClass CObject::classCObject = {
+    "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
+
+CRuntimeClass* CObject::GetRuntimeClass() const {
+    return &classCObject;
+}
+void CObject::Serialize(CArchive&) {}
+void CObject::AssertValid() const {}
+void CObject::Dump(CDumpContext&) const {}
+
+CObject* CRuntimeClass::CreateObject() const {
+    if (m_pfnCreateObject == nullptr) return nullptr;
+    try {
+        return m_pfnCreateObject();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const {
+    for (const CRuntimeClass* current = this; current != nullptr;) {
+        if (current == base) return TRUE;
+        current = current->m_pfnGetBaseClass != nullptr ? current->m_pfnGetBaseClass() : nullptr;
+    }
+    return FALSE;
+}
+
+CRuntimeClass* PASCAL CRuntimeClass::FromName(LPCSTR className) {
+    if (className == nullptr) return nullptr;
+    for (CRuntimeClass* current = registeredClasses; current != nullptr;
+         current = current->m_pNextClass) {
+        if (std::strcmp(current->m_lpszClassName, className) == 0) return current;
+    }
+    return nullptr;
+}
+
+CRuntimeClass* PASCAL CRuntimeClass::FromName(LPCWSTR className) {
+    if (className == nullptr) return nullptr;
+    std::string ascii;
+    for (; *className != 0; ++className) {
+        if (*className > 0x7F) return nullptr;
+        ascii += static_cast<char>(*className);
+    }
+    return FromName(ascii.c_str());
+}
+
+void AFXAPI AfxClassInit(CRuntimeClass* newClass) {
+    newClass->m_pNextClass = registeredClasses;
+    registeredClasses = newClass;
+}
+
+CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* wanted, CObject* object) {
+    return object != nullptr && object->IsKindOf(wanted) ? object : nullptr;
+}

@@ -1,5 +1,5 @@
-// The seam between the class library and the platform: integer types, characters and literals. This is the only file of
-// the portable core that asks which platform it is.
+// The seam between the class library and the platform: integer types, characters and literals. This
+// is the only file of the portable core that asks which platform it is.
 #pragma once
 
 #include <cstddef>
@@ -34,7 +34,8 @@ typedef LPWSTR LPTSTR;
 #define PASCAL
 #endif
 
-// REQUIRES: NYBASE_EXPORTS while NyBaseDll itself is built, NYBASE_STATIC for one static program, neither for users.
+// REQUIRES: NYBASE_EXPORTS while NyBaseDll itself is built, NYBASE_STATIC for one static program,
+// neither for users.
 #if defined(NYBASE_EXPORTS) && defined(NYBASE_STATIC)
 #error "Define NYBASE_EXPORTS (building the DLL) or NYBASE_STATIC (one static program), not both."
 #elif defined(NYBASE_EXPORTS)

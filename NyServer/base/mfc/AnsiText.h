@@ -1,0 +1,9 @@
+// Text between UTF-16 and the active ANSI code page. One implementation per platform, in windows/
+// and native/.
+#pragma once
+
+#include "afxplatform.h"
+
+#include <string>
+
+std::basic_string<WCHAR> textFromAnsi(LPCSTR text, size_t byteCount);

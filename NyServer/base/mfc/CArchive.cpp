@@ -1,0 +1,175 @@
+#include "afx.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "CArchiveObjects.h"
+
+// The operators copy values as they lie in memory.
+static_assert(std::endian::native == std::endian::little);
+
+namespace {
+
+// A smaller window could not hold every value whole.
+constexpr size_t kSmallestBuffer = 128;
+
+}  // namespace
+
+CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
+    : m_strFileName(file->GetFilePath()),
+      m_file(file),
+      m_mode(mode),
+      m_direct((file->GetBufferPtr(CFile::bufferCheck) & CFile::bufferDirect) != 0),
+      m_bufferSize(bufferSize > 0 ? static_cast<size_t>(bufferSize) : 0),
+      m_buffer(static_cast<BYTE*>(buffer)) {}
+
+CArchive::~CArchive() noexcept(false) {
+    if (m_file == nullptr) return;
+    if ((m_mode & bNoFlushOnDelete) != 0) {
+        Abort();
+    } else {
+        Close();
+    }
+}
+
+void CArchive::Close() {
+    Flush();
+    m_file = nullptr;
+}
+
+void CArchive::Abort() noexcept {
+    closeWindow();
+    m_file = nullptr;
+}
+
+void CArchive::Flush() {
+    if (m_start == nullptr) return;
+    const UINT written = static_cast<UINT>(m_cur - m_start);
+    const LONGLONG unread = m_max - m_cur;
+    BYTE* const start = m_start;
+    closeWindow();
+    if (IsLoading()) {
+        if (unread > 0) m_file->Seek(-unread, CFile::current);
+    } else if (m_direct) {
+        if (written > 0) m_file->GetBufferPtr(CFile::bufferCommit, written);
+    } else if (written > 0) {
+        m_file->Write(start, written);
+    }
+}
+
+void CArchive::throwWrongDirection() const {
+    AfxThrowArchiveException(
+        IsLoading() ? CArchiveException::readOnly : CArchiveException::writeOnly, m_strFileName);
+}
+
+void CArchive::openWindow(size_t count) {
+    if (m_direct) {
+        void* start = nullptr;
+        void* max = nullptr;
+        m_file->GetBufferPtr(CFile::bufferWrite, static_cast<UINT>(count), &start, &max);
+        m_start = m_cur = static_cast<BYTE*>(start);
+        m_max = static_cast<BYTE*>(max);
+    } else {
+        useOwnBuffer();
+        m_start = m_cur = m_buffer;
+        m_max = m_buffer + m_bufferSize;
+    }
+}
+
+void CArchive::useOwnBuffer() {
+    if (m_bufferSize < kSmallestBuffer) {
+        m_bufferSize = kSmallestBuffer;
+        m_buffer = nullptr;
+    }
+    if (m_buffer != nullptr) return;
+    m_ownBuffer = std::make_unique<BYTE[]>(m_bufferSize);
+    m_buffer = m_ownBuffer.get();
+}
+
+void CArchive::makeRoom(size_t count) {
+    Flush();
+    openWindow(count);
+    if (static_cast<size_t>(m_max - m_cur) < count) AfxThrowMemoryException();
+}
+
+void CArchive::Write(const void* buffer, int count) {
+    if (IsLoading()) throwWrongDirection();
+    if (count <= 0) return;
+    const size_t bytes = static_cast<size_t>(count);
+    if (static_cast<size_t>(m_max - m_cur) < bytes) {
+        if (!m_direct && bytes > std::max(m_bufferSize, kSmallestBuffer)) {
+            Flush();
+            m_file->Write(buffer, static_cast<UINT>(count));
+            return;
+        }
+        makeRoom(bytes);
+    }
+    std::memcpy(m_cur, buffer, bytes);
+    m_cur += bytes;
+}
+
+bool CArchive::tryFetch(size_t count) {
+    if (m_direct) {
+        // The window was the rest of the file; look again in case the file has grown since.
+        Flush();
+        void* start = nullptr;
+        void* max = nullptr;
+        m_file->GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &max);
+        m_start = m_cur = static_cast<BYTE*>(start);
+        m_max = static_cast<BYTE*>(max);
+        return static_cast<size_t>(m_max - m_cur) >= count;
+    }
+    useOwnBuffer();
+    size_t held = static_cast<size_t>(m_max - m_cur);
+    if (held > 0) std::memmove(m_buffer, m_cur, held);
+    while (held < count) {
+        const UINT got = m_file->Read(m_buffer + held, static_cast<UINT>(m_bufferSize - held));
+        if (got == 0) break;
+        held += got;
+    }
+    m_start = m_cur = m_buffer;
+    m_max = m_buffer + held;
+    return held >= count;
+}
+
+void CArchive::fetch(size_t count) {
+    if (!tryFetch(count)) AfxThrowArchiveException(CArchiveException::endOfFile, m_strFileName);
+}
+
+UINT CArchive::Read(void* buffer, UINT count) {
+    if (IsStoring()) throwWrongDirection();
+    BYTE* target = static_cast<BYTE*>(buffer);
+    UINT left = count;
+    while (left > 0 && (m_cur != m_max || tryFetch(1))) {
+        const UINT part = static_cast<UINT>(std::min<size_t>(left, m_max - m_cur));
+        std::memcpy(target, m_cur, part);
+        m_cur += part;
+        target += part;
+        left -= part;
+    }
+    return count - left;
+}
+
+ULONGLONG CArchive::BytesLeft() const {
+    const ULONGLONG length = m_file->GetLength();
+    const ULONGLONG position = m_file->GetPosition();
+    return static_cast<ULONGLONG>(m_max - m_cur) + (length > position ? length - position : 0);
+}
+
+void CArchive::WriteCount(size_t count) {
+    if (count < 0xFFFF) {
+        *this << static_cast<WORD>(count);
+        return;
+    }
+    if (count > 0xFFFFFFFE) AfxThrowInvalidArgException();
+    *this << static_cast<WORD>(0xFFFF) << static_cast<DWORD>(count);
+}
+
+size_t CArchive::ReadCount() {
+    WORD shortCount;
+    *this >> shortCount;
+    if (shortCount != 0xFFFF) return shortCount;
+    DWORD longCount;
+    *this >> longCount;
+    return longCount;
+}

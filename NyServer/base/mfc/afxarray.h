@@ -1,0 +1,88 @@
+// The operations that all of the class library's arrays share. Internal: use CArray, CObArray or
+// CStringArray.
+#pragma once
+
+#include "CArchive.h"
+
+#include <utility>
+#include <vector>
+
+// Indices and counts outside the array throw CInvalidArgException. One array may be used by one
+// thread at a time. Elements are values; where they are pointers, the objects are not the array's.
+template <class TYPE, class ARG_TYPE = const TYPE&>
+class AfxArray : public CObject {
+  public:
+    INT_PTR GetSize() const { return static_cast<INT_PTR>(m_elements.size()); }
+    INT_PTR GetCount() const { return GetSize(); }
+    INT_PTR GetUpperBound() const { return GetSize() - 1; }
+    BOOL IsEmpty() const { return m_elements.empty(); }
+
+    // New elements are null or empty.
+    void SetSize(INT_PTR size) {
+        require(size >= 0);
+        m_elements.resize(static_cast<size_t>(size));
+    }
+    void RemoveAll() { std::vector<TYPE>().swap(m_elements); }
+
+    const TYPE& GetAt(INT_PTR index) const { return m_elements[checked(index)]; }
+    TYPE& ElementAt(INT_PTR index) { return m_elements[checked(index)]; }
+    const TYPE& operator[](INT_PTR index) const { return GetAt(index); }
+    TYPE& operator[](INT_PTR index) { return ElementAt(index); }
+    void SetAt(INT_PTR index, ARG_TYPE element) { ElementAt(index) = element; }
+
+    const TYPE* GetData() const { return m_elements.data(); }
+    TYPE* GetData() { return m_elements.data(); }
+
+    // The index of the new last element.
+    INT_PTR Add(ARG_TYPE element) {
+        m_elements.push_back(element);
+        return GetUpperBound();
+    }
+    // These two grow the array to reach `index`; the gap is filled with null or empty elements.
+    void SetAtGrow(INT_PTR index, ARG_TYPE element) {
+        require(index >= 0);
+        if (index >= GetSize()) SetSize(index + 1);
+        SetAt(index, element);
+    }
+    void InsertAt(INT_PTR index, ARG_TYPE element, INT_PTR count = 1) {
+        require(index >= 0 && count > 0);
+        if (index > GetSize()) SetSize(index);
+        m_elements.insert(m_elements.begin() + index, static_cast<size_t>(count), element);
+    }
+    void RemoveAt(INT_PTR index, INT_PTR count = 1) {
+        require(index >= 0 && count >= 0 && index <= GetSize() && count <= GetSize() - index);
+        m_elements.erase(m_elements.begin() + index, m_elements.begin() + index + count);
+    }
+
+  protected:
+    AfxArray() = default;
+
+    static void require(bool condition) {
+        if (!condition) AfxThrowInvalidArgException();
+    }
+
+  private:
+    size_t checked(INT_PTR index) const {
+        require(index >= 0 && index < GetSize());
+        return static_cast<size_t>(index);
+    }
+
+    std::vector<TYPE> m_elements;
+};
+
+// The archive form of an array whose elements have their own: a count, then each element in turn.
+// Loading replaces the contents and grows with the elements that are there, whatever the count
+// says.
+template <class ARRAY, class TYPE>
+void afxSerializeElements(CArchive& ar, ARRAY& array, TYPE element) {
+    if (ar.IsStoring()) {
+        ar.WriteCount(static_cast<size_t>(array.GetSize()));
+        for (INT_PTR i = 0; i < array.GetSize(); ++i) ar << array.GetAt(i);
+        return;
+    }
+    array.RemoveAll();
+    for (size_t left = ar.ReadCount(); left > 0; --left) {
+        ar >> element;
+        array.Add(element);
+    }
+}

@@ -1,0 +1,20 @@
+// Arrays of objects and of strings.
+#pragma once
+
+#include "afx.h"
+#include "afxarray.h"
+
+// Pointers to objects, which stay whoever's they are.
+class NYBASE_API CObArray : public AfxArray<CObject*, CObject*> {
+    DECLARE_SERIAL(CObArray)
+  public:
+    // A count, then each object as WriteObject writes it. Loaded objects are the caller's.
+    void Serialize(CArchive& ar) override;
+};
+
+class NYBASE_API CStringArray : public AfxArray<CString> {
+    DECLARE_SERIAL(CStringArray)
+  public:
+    // A count, then each string.
+    void Serialize(CArchive& ar) override;
+};
