@@ -1,0 +1,165 @@
+// QoArray2: an array of pointers to records that owns them, sorts them and finds them.
+#pragma once
+
+#include <afxtempl.h>
+
+#include "QoObject2.h"
+
+// An owning array deletes the elements that it removes and those it holds when it is destroyed; an
+// element given to it must come from new and belong to nobody else. A copy held by an owning array
+// is a clone, so that no element ever has two owners; an array that does not own its elements
+// shares them. One array may be used by one thread at a time.
+template <class BASE, class OBJECT>
+class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
+    using Base = CTypedPtrArray<BASE, OBJECT*>;
+
+  public:
+    QoArray2() = default;
+    QoArray2(const QoArray2& other) : Base(), m_deleteObject(other.m_deleteObject) {
+        *this = other;
+    }
+    ~QoArray2() override { QoArray2::RemoveAll(); }
+
+    // Takes the sort criteria and the elements of `other`; the ownership flag stays as it is.
+    QoArray2& operator=(const QoArray2& other) {
+        if (this == &other) return *this;
+        RemoveAll();
+        m_sortKey = other.m_sortKey;
+        m_sorted = other.m_sorted;
+        addFrom(other);
+        return *this;
+    }
+
+    // Under `key`: the order of the first pair of elements that differ, then the shorter array
+    // first.
+    virtual QoSort::CompareResult vCompareTo(const QoArray2& other, short key) const {
+        if (this == &other) return QoSort::equal;
+        for (INT_PTR i = 0; i < GetSize() && i < other.GetSize(); ++i) {
+            const QoSort::CompareResult result = this->GetAt(i)->vCompareTo(*other.GetAt(i), key);
+            if (result != QoSort::equal) return result;
+        }
+        if (GetSize() == other.GetSize()) return QoSort::equal;
+        return GetSize() < other.GetSize() ? QoSort::before : QoSort::after;
+    }
+
+    virtual const QoArray2& vCopyFrom(const QoArray2& other) { return *this = other; }
+
+    // The texts of at most `maxCount` elements with `separator` between them, and `more` behind
+    // them when some are left out.
+    virtual CString toString(short format, const CString& separator, int maxCount,
+                             const CString& more) const {
+        CString text;
+        for (INT_PTR i = 0; i < GetSize(); ++i) {
+            if (i == maxCount) return text + more;
+            if (i > 0) text += separator;
+            text += this->GetAt(i)->toString(format);
+        }
+        return text;
+    }
+
+    virtual INT_PTR GetSize() const { return Base::GetSize(); }
+
+    virtual void RemoveAll() {
+        if (m_deleteObject) deleteElements(0, GetSize());
+        Base::RemoveAll();
+    }
+
+    // Called at the end of every search under the sort criteria, with the index found and how
+    // `probe` compares with the element there (noOrder behind the last); a derived array may change
+    // both.
+    virtual void onEndSearchIfSorted(const QoObject2&, bool, INT_PTR&,
+                                     QoSort::CompareResult&) const {}
+
+    // Deletes the removed elements when this array owns them.
+    void RemoveAt(INT_PTR index, INT_PTR count = 1) {
+        Base::require(index >= 0 && count >= 0 && index <= GetSize() && count <= GetSize() - index);
+        if (m_deleteObject) deleteElements(index, count);
+        Base::RemoveAt(index, count);
+    }
+
+    void setSortCriteria(short key, bool sorted) {
+        m_sortKey = key;
+        m_sorted = sorted;
+    }
+
+    // Inserts at the sorted place, behind the elements that compare equal; at the end when there
+    // are no sort criteria. Returns the index.
+    INT_PTR add(OBJECT* element) {
+        if (!m_sorted) return append(element);
+        const INT_PTR index = searchIfSorted(element, true);
+        this->InsertAt(index, element);
+        return index;
+    }
+
+    // Inserts at the end, whatever the order. Returns the index.
+    INT_PTR append(OBJECT* element) { return this->Add(element); }
+
+    // Appends every element of `other`: clones when this array owns its elements, the same pointers
+    // when it does not.
+    void addFrom(const QoArray2& other) { addFrom(other, false); }
+    // The same; sorted: each at its sorted place.
+    void addFrom(const QoArray2& other, bool sorted) {
+        // The size is taken first: `other` may be this array.
+        const INT_PTR count = other.GetSize();
+        for (INT_PTR i = 0; i < count; ++i) {
+            OBJECT* element = m_deleteObject ? cloneOf(other.GetAt(i)) : other.GetAt(i);
+            if (sorted) {
+                add(element);
+            } else {
+                append(element);
+            }
+        }
+    }
+
+    // The first element in index order that compares equal to `probe` under `key`, or null. The
+    // array need not be sorted.
+    OBJECT* find(const OBJECT* probe, short key) const {
+        const INT_PTR index = lookFor(probe, key);
+        return index >= 0 ? this->GetAt(index) : nullptr;
+    }
+
+    // The index of that element, or -1.
+    INT_PTR lookFor(const OBJECT* probe, short key) const {
+        for (INT_PTR i = 0; i < GetSize(); ++i) {
+            if (this->GetAt(i)->vCompareTo(*probe, key) == QoSort::equal) return i;
+        }
+        return -1;
+    }
+
+    // REQUIRES: the elements are in the order of the sort criteria.
+    // The index where `probe` belongs: before the elements that compare equal, or behind them.
+    INT_PTR searchIfSorted(const OBJECT* probe, bool behindEqual) const {
+        INT_PTR low = 0;
+        INT_PTR high = GetSize();
+        while (low < high) {
+            const INT_PTR middle = low + (high - low) / 2;
+            const QoSort::CompareResult result = this->GetAt(middle)->vCompareTo(*probe, m_sortKey);
+            if (result == QoSort::before || (behindEqual && result == QoSort::equal)) {
+                low = middle + 1;
+            } else {
+                high = middle;
+            }
+        }
+        QoSort::CompareResult result =
+            low < GetSize() ? probe->vCompareTo(*this->GetAt(low), m_sortKey) : QoSort::noOrder;
+        onEndSearchIfSorted(*probe, behindEqual, low, result);
+        return low;
+    }
+
+    // Whether this array owns its elements.
+    bool getDeleteObject() const { return m_deleteObject; }
+    void setDeleteObject(bool deleteObject) { m_deleteObject = deleteObject; }
+
+  private:
+    static OBJECT* cloneOf(const OBJECT* element) {
+        return element != nullptr ? element->vClone() : nullptr;
+    }
+
+    void deleteElements(INT_PTR index, INT_PTR count) {
+        for (INT_PTR i = index; i < index + count; ++i) delete this->GetAt(i);
+    }
+
+    short m_sortKey = 0;
+    bool m_sorted = false;
+    bool m_deleteObject = true;
+};

@@ -1,0 +1,32 @@
+// QoArraySerial2: a table of records with an archive form.
+#pragma once
+
+#include <memory>
+
+#include "QoArray2.h"
+
+// Archive form: a count, then each record in class-tagged object form.
+class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
+    DECLARE_DYNAMIC(QoArraySerial2)
+  public:
+    // The flag word of a table that does not own its records.
+    static constexpr unsigned long kDoNotDelete = 0x10000;
+
+    QoArraySerial2() = default;
+    explicit QoArraySerial2(unsigned long flags) { setDeleteObject((flags & kDoNotDelete) == 0); }
+
+    // Loading replaces the contents. Each record must be new to the archive and of the element
+    // class: throws CArchiveException badClass for null and for any other class, badIndex for a
+    // record read before, which has an owner already. Whatever else goes wrong passes through; the
+    // table is empty then, and what had been read is deleted.
+    void Serialize(CArchive& ar) override;
+
+  protected:
+    // The class that loaded records must be of; QoObject2 unless a table says more.
+    void setElementClass(const CRuntimeClass* elementClass) { m_elementClass = elementClass; }
+
+  private:
+    std::unique_ptr<QoObject2> readElement(CArchive& ar) const;
+
+    const CRuntimeClass* m_elementClass = nullptr;
+};

@@ -1,0 +1,15 @@
+// How comparisons answer.
+#pragma once
+
+namespace QoSort {
+
+// The result of comparing one object with another under a key. Hosts test these numbers: do not
+// change them.
+enum CompareResult : int {
+    noOrder = -2,  // the key is not one that the object knows
+    before = -1,
+    equal = 0,
+    after = 1
+};
+
+}  // namespace QoSort

@@ -1,0 +1,130 @@
+#include "NyServer/framing/NySeMemFile.h"
+
+#include <cstdlib>
+
+#include "NyServer/records/NySeUser.h"
+
+namespace {
+
+constexpr UINT kGrowBytes = 1024;
+
+struct FreeBlock {
+    void operator()(BYTE* block) const { std::free(block); }
+};
+
+UINT versionable(UINT schema) {
+    return schema | VERSIONABLE_SCHEMA;
+}
+
+// A message leaves without what cannot be archived; other exceptions pass.
+template <class Archive>
+void dropArchiveErrors(Archive archive) {
+    try {
+        archive();
+    } catch (CFileException* error) {
+        error->Delete();
+    } catch (CArchiveException* error) {
+        error->Delete();
+    }
+}
+
+}  // namespace
+
+NySeMemFile::NySeMemFile() : CMemFile(kGrowBytes) {}
+
+NySeMemFile::~NySeMemFile() = default;
+
+void NySeMemFile::openForWriting(unsigned int headerBytes, NySe::SchemaType schema) {
+    m_archive.reset();
+    m_schemaType = schema;
+    SetLength(headerBytes);
+    Seek(headerBytes, begin);
+    m_archive = std::make_unique<CArchive>(this, CArchive::store);
+    m_archive->SetObjectSchema(versionable(schema));
+}
+
+void NySeMemFile::startWrite(NySe::SchemaType schema) {
+    m_actionMode = false;
+    openForWriting(NySe::kLengthBytes, schema);
+}
+
+void NySeMemFile::startWriteAction(NySe::ActionType action, NySe::SchemaType schema) {
+    m_actionType = action;
+    m_actionMode = true;
+    openForWriting(NySe::kActionHeaderBytes, schema);
+}
+
+void NySeMemFile::stopWriting() {
+    if (m_archive == nullptr) return;
+    m_archive.reset();
+    if (!m_actionMode) {
+        writeHeader(NySe::kLengthBytes);
+    } else if (m_actionType != NySe::noAction) {
+        writeHeader(NySe::kActionHeaderBytes);
+    }
+}
+
+void NySeMemFile::writeHeader(unsigned int headerBytes) {
+    const LONG length = static_cast<LONG>(GetLength() - headerBytes);
+    SeekToBegin();
+    if (m_actionMode) {
+        const LONG action = m_actionType;
+        Write(&action, sizeof action);
+    }
+    Write(&length, sizeof length);
+    SeekToBegin();
+}
+
+void NySeMemFile::writeAction(NySe::ActionType action, NySe::SchemaType schema) {
+    startWriteAction(action, schema);
+    stopWriting();
+}
+
+void NySeMemFile::startReading() {
+    m_archive.reset();
+    m_archive = std::make_unique<CArchive>(this, CArchive::load);
+}
+
+void NySeMemFile::stopReading() {
+    m_archive.reset();
+}
+
+void NySeMemFile::writeInteger(LONG value) {
+    if (isWriting()) *m_archive << value;
+}
+
+void NySeMemFile::writeString(const CString& text) {
+    if (isWriting()) *m_archive << text;
+}
+
+void NySeMemFile::writeObject(const CObject& object) {
+    if (isWriting()) dropArchiveErrors([&] { m_archive->WriteObject(&object); });
+}
+
+void NySeMemFile::writeObject(const NySeUser& user) {
+    // An archive of its own knows no class yet, so the description is always a full one.
+    CMemFile scratch(kGrowBytes);
+    dropArchiveErrors([&] {
+        CArchive archive(&scratch, CArchive::store);
+        archive.SetObjectSchema(versionable(static_cast<UINT>(user.getSchema())));
+        archive.WriteObject(&user);
+    });
+    const UINT length = static_cast<UINT>(scratch.GetLength());
+    const std::unique_ptr<BYTE, FreeBlock> bytes(scratch.Detach());
+    if (length > 0) m_archive->Write(bytes.get(), static_cast<int>(length));
+}
+
+bool NySeMemFile::writeMemfile(CMemFile& source) {
+    const UINT length = static_cast<UINT>(source.GetLength());
+    const std::unique_ptr<BYTE, FreeBlock> bytes(source.Detach());
+    Write(bytes.get(), length);
+    return true;
+}
+
+BYTE* NySeMemFile::getBuffer() {
+    const UINT length = static_cast<UINT>(GetLength());
+    BYTE* bytes = Detach();
+    Attach(bytes, length);
+    m_bAutoDelete = TRUE;
+    return bytes;
+}

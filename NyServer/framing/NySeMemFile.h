@@ -1,0 +1,81 @@
+// NySeMemFile: the message in which every exchange travels.
+//
+//   offset  bytes  content
+//   0       4      action, signed        only when the message was started with an action
+//   4 (0)   4      payload length N      signed
+//   8 (4)   N      payload: an archive
+//
+// All integers are little-endian. The schema number is not among the bytes: both sides agree on it
+// beforehand, and the records find it as their archive's object schema.
+#pragma once
+
+#include <afx.h>
+
+#include <memory>
+
+#include "NyServer/framing/NySeActions.h"
+#include "NyServer/NyServerApi.h"
+
+class NySeUser;
+
+// Owns its archive, of which at most one is open at a time. One object may be used by one thread at
+// a time.
+class NYSERVER_API NySeMemFile : public CMemFile {
+  public:
+    NySeMemFile();
+    // Deletes the open archive, which flushes a storing one.
+    ~NySeMemFile() override;
+
+    // Begin a message without or with an action: what was written before is dropped, and a storing
+    // archive is opened behind the header, under `schema`.
+    void startWrite(NySe::SchemaType schema);
+    void startWriteAction(NySe::ActionType action, NySe::SchemaType schema);
+    // Closes the archive, fills the header in and goes to the start. A message started with
+    // noAction keeps its header unwritten and its position at the end. Nothing happens when no
+    // archive is open.
+    void stopWriting();
+    // A whole message without payload.
+    void writeAction(NySe::ActionType action, NySe::SchemaType schema);
+
+    // Opens a loading archive at the current position.
+    void startReading();
+    void stopReading();
+
+    // Write into the open archive; nothing happens when none is open or it is loading.
+    void writeInteger(LONG value);
+    void writeString(const CString& text);
+    // The object in class-tagged form. When it cannot be archived, the message simply lacks or
+    // truncates it.
+    void writeObject(const CObject& object);
+    // The user in class-tagged form under the user's own schema, with a class description of its
+    // own whatever the message holds already. REQUIRES: an open storing archive.
+    void writeObject(const NySeUser& user);
+    // Moves the content of `source` into this file, not through the archive; `source` is empty
+    // then. Always true. REQUIRES: the archive holds nothing unflushed, as right after
+    // startWriteAction.
+    bool writeMemfile(CMemFile& source);
+
+    // The bytes, which stay this file's. The file cannot grow any more; null when it is empty.
+    BYTE* getBuffer();
+    // In bytes.
+    ULONGLONG getLength() const { return GetLength(); }
+    CMemFile& getMemFile() { return *this; }
+    // The open archive, or null.
+    CArchive* getArchive() { return m_archive.get(); }
+
+    const NySe::ActionType& getActionType() const { return m_actionType; }
+    const NySe::SchemaType& getSchemaType() const { return m_schemaType; }
+    // These two do not touch the bytes or an open archive.
+    void setActionType(const NySe::ActionType& action) { m_actionType = action; }
+    void setSchemaType(const NySe::SchemaType& schema) { m_schemaType = schema; }
+
+  private:
+    void openForWriting(unsigned int headerBytes, NySe::SchemaType schema);
+    bool isWriting() const { return m_archive != nullptr && m_archive->IsStoring(); }
+    void writeHeader(unsigned int headerBytes);
+
+    NySe::ActionType m_actionType = NySe::noAction;
+    NySe::SchemaType m_schemaType = NySe::noSchema;
+    std::unique_ptr<CArchive> m_archive;
+    bool m_actionMode = false;
+};

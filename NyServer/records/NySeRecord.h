@@ -1,0 +1,140 @@
+// The pattern that every record and every table of records follows, told once.
+//
+// A record is copied, cloned and compared through its base class. It says only what is its own: its
+// fields, their archive order (Serialize), what a copy takes (typeCopyFrom) and how two compare
+// under each key (typeCompareTo).
+#pragma once
+
+#include <afx.h>
+
+#include <new>
+
+#include "NyServer/NyServerApi.h"
+#include "QoArraySerial2.h"
+
+namespace NySe {
+
+// Or-ed with VERSIONABLE_SCHEMA, the declared schema of every record and table. It travels: do not
+// change it.
+inline constexpr UINT kRecordSchema = 2015;
+
+// The object schema in force in `ar`, without the versionable flag; it stays in force.
+inline UINT objectSchema(CArchive& ar) {
+    const UINT schema = ar.GetObjectSchema();
+    ar.SetObjectSchema(schema);
+    return schema & ~VERSIONABLE_SCHEMA;
+}
+
+// The order of two numbers by their signed 32-bit difference.
+inline QoSort::CompareResult compareNumbers(LONG left, LONG right) {
+    const LONG difference = static_cast<LONG>(static_cast<DWORD>(left) - static_cast<DWORD>(right));
+    if (difference == 0) return QoSort::equal;
+    return difference < 0 ? QoSort::before : QoSort::after;
+}
+
+// The order of two texts, whatever their letter case.
+inline QoSort::CompareResult compareTexts(const CString& left, const CString& right) {
+    const int order = left.CompareNoCase(right);
+    if (order == 0) return QoSort::equal;
+    return order < 0 ? QoSort::before : QoSort::after;
+}
+
+template <class T>
+T* cloneRecord(const T& record) {
+    try {
+        return new T(record);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+template <class T>
+const QoObject2& copyRecord(T& record, const QoObject2& other) {
+    if (&other == &record) return record;
+    if (!other.IsKindOf(RUNTIME_CLASS(T))) return record.QoObject2::vCopyFrom(other);
+    record.typeCopyFrom(static_cast<const T&>(other));
+    return record;
+}
+
+template <class T>
+QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, short key) {
+    if (&other == &record) return QoSort::equal;
+    if (!other.IsKindOf(RUNTIME_CLASS(T))) return record.QoObject2::vCompareTo(other, key);
+    QoSort::CompareResult result = QoSort::noOrder;
+    record.typeCompareTo(static_cast<const T&>(other), key, result);
+    return result;
+}
+
+}  // namespace NySe
+
+// What a record and a table have in common: serialisable by class name, a clone, the class name,
+// and a down-cast.
+//
+//   clone()   a new object with this one's contents, owned by the caller; null when no memory is
+//   left cast()    `object` when it is of this class, else null; null for null desc()    the class
+//   name in ASCII, for the life of the process
+#define NYSE_DECLARE_SERIAL(Class)                                              \
+    DECLARE_DYNCREATE(Class)                                                    \
+    friend NYSERVER_API CArchive& AFXAPI operator>>(CArchive& ar, Class*& pOb); \
+                                                                                \
+    Class* clone() const {                                                      \
+        return NySe::cloneRecord(*this);                                        \
+    }                                                                           \
+    static Class* cast(QoObject2* object) {                                     \
+        return DYNAMIC_DOWNCAST(Class, object);                                 \
+    }                                                                           \
+    static const char* desc() {                                                 \
+        return class##Class.m_lpszClassName;                                    \
+    }
+
+// Opens a record's class body. operator== asks for key 0, which no record knows, so that it is true
+// only of one and the same object: find and lookFor compare contents. vCompareTo gives noOrder for
+// a key that typeCompareTo leaves alone.
+#define NYSE_DECLARE_RECORD(Record)                                                      \
+    NYSE_DECLARE_SERIAL(Record)                                                          \
+    Record() = default;                                                                  \
+    Record(const Record& other) : QoObject2() {                                          \
+        vCopyFrom(other);                                                                \
+    }                                                                                    \
+    ~Record() override = default;                                                        \
+    Record& operator=(const Record& other) {                                             \
+        vCopyFrom(other);                                                                \
+        return *this;                                                                    \
+    }                                                                                    \
+    bool operator==(const Record& other) const {                                         \
+        return vCompareTo(other, 0) == QoSort::equal;                                    \
+    }                                                                                    \
+    void Serialize(CArchive& ar) override;                                               \
+    QoObject2* vClone() const override {                                                 \
+        return clone();                                                                  \
+    }                                                                                    \
+    const QoObject2& vCopyFrom(const QoObject2& other) override {                        \
+        return NySe::copyRecord(*this, other);                                           \
+    }                                                                                    \
+    QoSort::CompareResult vCompareTo(const QoObject2& other, short key) const override { \
+        return NySe::compareRecord(*this, other, key);                                   \
+    }                                                                                    \
+    void typeCopyFrom(const Record& other);                                              \
+    void typeCompareTo(const Record& other, short key, QoSort::CompareResult& result) const;
+
+// Opens a table's class body: an array of `Record`, sorted by its key 1, that owns its records
+// unless the flag word says QoArraySerial2::kDoNotDelete.
+#define NYSE_DECLARE_TABLE(Table, Record)                          \
+    NYSE_DECLARE_SERIAL(Table)                                     \
+    Table() : Table(0UL) {}                                        \
+    explicit Table(unsigned long flags) : QoArraySerial2(flags) {  \
+        setSortCriteria(1, true);                                  \
+        setElementClass(RUNTIME_CLASS(Record));                    \
+    }                                                              \
+    Table(const Table& other) = default;                           \
+    ~Table() override = default;                                   \
+    Table& operator=(const Table& other) = default;                \
+    Record* GetAt(INT_PTR index) const {                           \
+        return static_cast<Record*>(QoArraySerial2::GetAt(index)); \
+    }                                                              \
+    Record* ElementAt(INT_PTR index) const {                       \
+        return GetAt(index);                                       \
+    }                                                              \
+    Record* operator[](INT_PTR index) const {                      \
+        return GetAt(index);                                       \
+    }

@@ -1,0 +1,49 @@
+// NySeUser: one connected user session.
+#pragma once
+
+#include "NyServer/records/NySeRecord.h"
+
+// Who the user is, on which machine, where the user's notification listener is reached, and under
+// which session number and schema the user's client speaks. A fresh user has no session and no
+// port. One object may be used by one thread at a time.
+//
+// Compare keys: 1 user name, 2 session number, 3 user name and then session number. Names compare
+// without letter case.
+class NYSERVER_API NySeUser : public QoObject2 {
+    NYSE_DECLARE_RECORD(NySeUser)
+
+  public:
+    const CString& getStrHostName() const { return m_strHostName; }
+    void setStrHostName(const CString& hostName) { m_strHostName = hostName; }
+
+    const CString& getStrUserName() const { return m_strUserName; }
+    void setStrUserName(const CString& userName) { m_strUserName = userName; }
+
+    const CString& getStrComputerName() const { return m_strComputerName; }
+    void setStrComputerName(const CString& computerName) { m_strComputerName = computerName; }
+
+    // The port of the user's notification listener.
+    const LONG& getPort() const { return m_port; }
+    void setPort(const LONG& port) { m_port = port; }
+
+    // Given by the central server; locks know their holders by it alone.
+    const LONG& getSessionNumber() const { return m_sessionNumber; }
+    void setSessionNumber(const LONG& sessionNumber) { m_sessionNumber = sessionNumber; }
+
+    // The request schema that the user's client speaks.
+    const LONG& getSchema() const { return m_schema; }
+    void setSchema(const LONG& schema) { m_schema = schema; }
+
+    // The kind of client application; carried, never interpreted.
+    const LONG& getSoftType() const { return m_softType; }
+    void setSoftType(const LONG& softType) { m_softType = softType; }
+
+  private:
+    CString m_strHostName;
+    CString m_strUserName;
+    CString m_strComputerName;
+    LONG m_port = -1;
+    LONG m_sessionNumber = -1;
+    LONG m_schema = 0;
+    LONG m_softType = 0;
+};
