@@ -65,6 +65,16 @@ int setTimeOut(SOCKET socket, int option, int milliseconds);
 // Mode 1 is non-blocking, 0 blocking. False if the stack refused.
 bool setBlockingMode(SOCKET socket, int mode);
 
+// What the error number of a failed peek says about the connection.
+enum class PeekError {
+    dead,        // broken; the mode of the socket is left alone
+    reset,       // by the peer
+    inProgress,  // another call is under way: taken for connected
+    wouldBlock,  // nothing to read
+    other,       // nothing about the connection
+};
+PeekError classifyPeekError(int error);
+
 // Whether the peer still holds the connection, found by peeking one byte in non-blocking mode.
 // `setMode` is called with 1 and then 0. The socket ends blocking, except when the error of the
 // peek says that the connection is dead: then it stays non-blocking.
