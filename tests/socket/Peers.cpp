@@ -87,13 +87,6 @@ void Connection::finishSending() {
     ::shutdown(m_socket.get(), SD_SEND);
 }
 
-void Connection::reset() {
-    const linger atOnce{1, 0};
-    ::setsockopt(m_socket.get(), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&atOnce),
-                 sizeof atOnce);
-    m_socket.reset();
-}
-
 Peer::Peer(Script script)
     : m_listener(listenOnLoopback(5)), m_script(std::move(script)), m_thread([this] { run(); }) {}
 
@@ -168,16 +161,11 @@ Script sendingPieces(std::vector<std::string> pieces, int pauseMs) {
     };
 }
 
-Script resetting() {
-    return [](Connection& peer) {
-        peer.receive();
-        peer.reset();
-    };
-}
-
 Script collecting(std::string& received) {
     return [&received](Connection& peer) { received = peer.receiveAll(); };
 }
+
+ResettingPort::ResettingPort() : m_listener(listenOnLoopback(5)) {}
 
 UnansweringPort::UnansweringPort() {
     ::listen(m_listener.get(), 0);

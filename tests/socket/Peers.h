@@ -48,8 +48,6 @@ class Connection {
 
     void finishSending();
 
-    // Closes with a reset instead of an orderly end.
-    void reset();
     void close() { m_socket.reset(); }
 
   private:
@@ -93,7 +91,6 @@ Script sending(std::string data);                 // sends, then as silent
 Script sendingAndClosing(std::string data = "");  // sends and closes
 Script halfClosing(std::string data = "");        // sends and ends its side, then as silent
 Script dripping(std::string data, int pauseMs);   // one byte per send, then as silent
-Script resetting();                               // resets when the first byte has come
 Script collecting(std::string& received);         // keeps all that comes until the client closes
 Script sendingPieces(std::vector<std::string> pieces,
                      int pauseMs);  // a pause between pieces, then as silent
@@ -106,6 +103,20 @@ class RefusingPort {
   private:
     WinsockSession m_winsock;
     UniqueSocket m_socket = bindToLoopback();
+};
+
+// A listener that never accepts. Its queued connections are reset when it closes: the one way to a
+// reset that does not depend on how a stack ends an accepted connection (lingering for no time is
+// an orderly end in some).
+class ResettingPort {
+  public:
+    ResettingPort();
+    unsigned int port() const { return static_cast<unsigned int>(portOf(m_listener)); }
+    void resetConnections() { m_listener.reset(); }
+
+  private:
+    WinsockSession m_winsock;
+    UniqueSocket m_listener;
 };
 
 // A listener whose queue is full: a connect to it stays unanswered.
