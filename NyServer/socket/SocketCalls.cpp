@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "NyServer/socket/SocketCodes.h"
 
@@ -70,16 +71,45 @@ sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddr
     return address;
 }
 
-int localPort(SOCKET socket) {
+bool bindTo(SOCKET socket, const sockaddr_in& address) {
+    return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+sockaddr_in localAddress(SOCKET socket) {
     sockaddr_in address{};
     int length = sizeof address;
     ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length);
-    return ::ntohs(address.sin_port);
+    return address;
+}
+
+int localPort(SOCKET socket) {
+    return ::ntohs(localAddress(socket).sin_port);
 }
 
 const char* dottedText(const sockaddr_in& address) {
     const char* text = ::inet_ntoa(address.sin_addr);
     return text ? text : "";
+}
+
+const char* firstAddress(const hostent& host) {
+    if (host.h_addrtype != AF_INET || !host.h_addr_list[0]) return nullptr;
+    in_addr address{};
+    std::memcpy(&address, host.h_addr_list[0], sizeof address);
+    return ::inet_ntoa(address);
+}
+
+const char* hostPart(const char* name) {
+    for (std::size_t index = std::strlen(name); index > 1; --index) {
+        if (name[index - 1] == '@') return name + index;
+    }
+    return name;
+}
+
+void copyText(const char* text, char* target, int size) {
+    if (size < 1) return;
+    const std::size_t length = std::min(std::strlen(text), static_cast<std::size_t>(size) - 1);
+    std::memcpy(target, text, length);
+    target[length] = '\0';
 }
 
 bool isReadable(SOCKET socket, long seconds, long microseconds) {

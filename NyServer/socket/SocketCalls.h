@@ -25,12 +25,28 @@ bool startWinsock(WSADATA& data);
 
 sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddress);
 
-// The port of the socket's own end, host order; 0 if the stack cannot say.
+// False if the stack refused.
+bool bindTo(SOCKET socket, const sockaddr_in& address);
+
+// The address of the socket's own end; all zero if the stack cannot say.
+sockaddr_in localAddress(SOCKET socket);
+
+// Its port in host order.
 int localPort(SOCKET socket);
 
 // The address in dotted text; "" if the stack cannot say. The text lives until the thread's next
 // call.
 const char* dottedText(const sockaddr_in& address);
+
+// The first address of a look-up in dotted text, or null if there is none; lives as dottedText.
+const char* firstAddress(const hostent& host);
+
+// The text behind the last '@' that is not the first character: a user and host pair stands for
+// its host.
+const char* hostPart(const char* name);
+
+// Copies at most `size` - 1 characters and a terminator; nothing if `size` is below 1.
+void copyText(const char* text, char* target, int size);
 
 // Whether select reports exactly this socket within {seconds, microseconds}.
 bool isReadable(SOCKET socket, long seconds, long microseconds);
