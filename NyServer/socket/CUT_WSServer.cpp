@@ -118,6 +118,10 @@ int CUT_WSServer::SetPort(unsigned int port) {
     return OnError(UTE_SUCCESS);
 }
 
+unsigned int CUT_WSServer::GetBoundPort() const {
+    return static_cast<unsigned int>(socketcalls::localPort(m_listenSocket));
+}
+
 int CUT_WSServer::Pause() {
     return 0;
 }

@@ -69,6 +69,10 @@ class NYSERVER_API CUT_WSServer {
     int SetPort(unsigned int port);
     unsigned int GetPort() const { return m_port; }
 
+    // The port that the listening socket is bound to, which answers a request for port 0; 0 when it
+    // is not bound.
+    unsigned int GetBoundPort() const;
+
     // For the listening socket that ConnectToPort makes next. The value.
     int SetProtocol(int protocol) { return m_protocol = protocol; }
     int GetProtocol() const { return m_protocol; }
