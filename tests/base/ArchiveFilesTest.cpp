@@ -4,56 +4,15 @@
 #include <afxtempl.h>
 
 #include <algorithm>
-#include <cstring>
 #include <tuple>
 
+#include "tests/base/StreamFile.h"
 #include "tests/base/TestRecords.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
 #include "tests/support/Thrown.h"
 
 namespace {
-
-// A file without memory of its own to offer, which reads at most `step` bytes at a time.
-class StreamFile : public CFile {
-  public:
-    explicit StreamFile(UINT step = UINT(-1), Bytes bytes = {})
-        : m_step(step), m_bytes(std::move(bytes)) {}
-
-    ULONGLONG GetPosition() const override { return m_position; }
-    ULONGLONG Seek(LONGLONG offset, UINT from) override {
-        if (from == current) offset += static_cast<LONGLONG>(m_position);
-        if (from == end) offset += static_cast<LONGLONG>(m_bytes.size());
-        return m_position = static_cast<size_t>(offset);
-    }
-    void SetLength(ULONGLONG length) override { m_bytes.resize(length); }
-    ULONGLONG GetLength() const override { return m_bytes.size() + m_lie; }
-    UINT Read(void* buffer, UINT count) override {
-        if (m_failsIn-- == 0) AfxThrowFileException(CFileException::hardIO);
-        const size_t left = m_bytes.size() - std::min(m_position, m_bytes.size());
-        const UINT part = static_cast<UINT>(std::min<size_t>({left, count, m_step}));
-        if (part > 0) std::memcpy(buffer, m_bytes.data() + m_position, part);
-        m_position += part;
-        return part;
-    }
-    void Write(const void* buffer, UINT count) override {
-        if (m_failsIn-- == 0) AfxThrowFileException(CFileException::diskFull);
-        ++m_writes;
-        if (m_bytes.size() < m_position + count) m_bytes.resize(m_position + count);
-        std::memcpy(m_bytes.data() + m_position, buffer, count);
-        m_position += count;
-    }
-    void Abort() override {}
-    void Flush() override {}
-    void Close() override {}
-
-    UINT m_step;
-    Bytes m_bytes;
-    size_t m_position = 0;
-    ULONGLONG m_lie = 0;  // what GetLength adds
-    int m_failsIn = -1;   // how many calls until one throws; negative: none does
-    int m_writes = 0;
-};
 
 // One of everything, so that values, strings, blocks and objects meet every edge of a buffer.
 void writeAll(CArchive& ar) {
@@ -286,6 +245,16 @@ TEST_P(BothFiles, AreKnownToTheirArchive) {
     EXPECT_EQ(out.GetFile(), nullptr);
 }
 
+TEST_P(BothFiles, HaveNothingLeftBeyondTheirEnd) {
+    put("01 02");
+    file().Seek(9, CFile::begin);
+    CArchive ar(&file(), CArchive::load);
+    EXPECT_EQ(ar.BytesLeft(), 0u);
+    BYTE byte = 9;
+    EXPECT_EQ(ar.Read(&byte, 1), 0u);
+    EXPECT_EQ(byte, 9);
+}
+
 TEST_P(BothFiles, CloseAndAbortMayComeTwice) {
     CArchive ar(&file(), CArchive::store);
     ar << BYTE{1};
@@ -293,6 +262,30 @@ TEST_P(BothFiles, CloseAndAbortMayComeTwice) {
     ar.Close();
     ar.Abort();
     EXPECT_EQ(bytes(), "01");
+}
+
+TEST_P(BothFiles, CloseAndFlushDoNothingAfterAbort) {
+    CArchive ar(&file(), CArchive::store);
+    ar << BYTE{1};
+    ar.Abort();
+    ar.Flush();
+    ar.Close();
+    EXPECT_EQ(bytes(), "");
+}
+
+// The bytes that are too few for one value are still there for smaller ones.
+TEST_P(BothFiles, KeepTheBytesBeforeTheirEnd) {
+    put("01 02 03");
+    file().Seek(0, CFile::begin);
+    CArchive ar(&file(), CArchive::load);
+    BYTE byte = 0;
+    int number = 9;
+    WORD word = 0;
+    ar >> byte;
+    EXPECT_EQ(archiveCause([&] { ar >> number; }), CArchiveException::endOfFile);
+    EXPECT_EQ(number, 9);
+    ar >> word;
+    EXPECT_EQ(word, 0x0302);
 }
 
 TEST(ArchiveFiles, ThatCannotGrowRefuseValuesWhole) {

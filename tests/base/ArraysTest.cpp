@@ -241,6 +241,15 @@ TEST(ArrayArchives, OfStringsComeBack) {
     EXPECT_EQ(array[2], _T("x"));
 }
 
+TEST(ArrayArchives, OfStringsByPointerComeBack) {
+    Loading in(fromHex("FF FF 00 00 0C 00 'CStringArray' 01 00 01 'x'"));
+    CStringArray* array = nullptr;
+    in.ar >> array;
+    const std::unique_ptr<CStringArray> owner(array);
+    ASSERT_EQ(array->GetSize(), 1);
+    EXPECT_EQ(array->GetAt(0), _T("x"));
+}
+
 TEST(ArrayArchives, OfValuesAreACountAndTheirBytes) {
     Numbers array;
     EXPECT_EQ(storedHex(array), "00 00");
