@@ -47,7 +47,7 @@ telling_lines() {
 as_command() {
   case $1 in
     configure) echo "cmake --preset $2" ;;
-    build) echo "cmake --build --preset $2 ${*:3}" ;;
+    build) echo "cmake --build --preset ${*:2}" ;;
     run_ctest) echo "ctest --preset $2 --rerun-failed" ;;
     *) echo "$*" ;;
   esac
