@@ -1,7 +1,7 @@
 #include "NyServer/socket/SocketCalls.h"
 
 #include <algorithm>
-#include <array>
+#include <cstring>
 
 #include "NyServer/socket/SocketCodes.h"
 
@@ -22,15 +22,6 @@ int selectReadable(SOCKET socket, long seconds, long microseconds) {
     OneSocketSet set(socket);
     timeval timeOut{seconds, microseconds};
     return ::select(0, &set, nullptr, nullptr, &timeOut);
-}
-
-// Errors of the peek after which the connection is taken for dead and the mode is left alone.
-bool isDeadConnection(int error) {
-    static constexpr std::array kDead = {
-        WSAEINTR,    WSAEFAULT,    WSAEINVAL,       WSAENOTSOCK, WSAEMSGSIZE,  WSAEOPNOTSUPP,
-        WSAENETDOWN, WSAENETRESET, WSAECONNABORTED, WSAEISCONN,  WSAESHUTDOWN, WSAETIMEDOUT,
-    };
-    return std::find(kDead.begin(), kDead.end(), error) != kDead.end();
 }
 
 bool isNoSocket(int error) {
@@ -70,16 +61,45 @@ sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddr
     return address;
 }
 
-int localPort(SOCKET socket) {
+bool bindTo(SOCKET socket, const sockaddr_in& address) {
+    return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+}
+
+sockaddr_in localAddress(SOCKET socket) {
     sockaddr_in address{};
     int length = sizeof address;
     ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length);
-    return ::ntohs(address.sin_port);
+    return address;
+}
+
+int localPort(SOCKET socket) {
+    return ::ntohs(localAddress(socket).sin_port);
 }
 
 const char* dottedText(const sockaddr_in& address) {
     const char* text = ::inet_ntoa(address.sin_addr);
     return text ? text : "";
+}
+
+const char* firstAddress(const hostent& host) {
+    if (host.h_addrtype != AF_INET || !host.h_addr_list[0]) return nullptr;
+    in_addr address{};
+    std::memcpy(&address, host.h_addr_list[0], sizeof address);
+    return ::inet_ntoa(address);
+}
+
+const char* hostPart(const char* name) {
+    for (std::size_t index = std::strlen(name); index > 1; --index) {
+        if (name[index - 1] == '@') return name + index;
+    }
+    return name;
+}
+
+void copyText(const char* text, char* target, int size) {
+    if (size < 1) return;
+    const std::size_t length = std::min(std::strlen(text), static_cast<std::size_t>(size) - 1);
+    std::memcpy(target, text, length);
+    target[length] = '\0';
 }
 
 bool isReadable(SOCKET socket, long seconds, long microseconds) {
@@ -113,6 +133,32 @@ bool setBlockingMode(SOCKET socket, int mode) {
     return ::ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) == 0;
 }
 
+PeekError classifyPeekError(int error) {
+    switch (error) {
+        case WSAEINTR:
+        case WSAEFAULT:
+        case WSAEINVAL:
+        case WSAENOTSOCK:
+        case WSAEMSGSIZE:
+        case WSAEOPNOTSUPP:
+        case WSAENETDOWN:
+        case WSAENETRESET:
+        case WSAECONNABORTED:
+        case WSAEISCONN:
+        case WSAESHUTDOWN:
+        case WSAETIMEDOUT:
+            return PeekError::dead;
+        case WSAECONNRESET:
+            return PeekError::reset;
+        case WSAEINPROGRESS:
+            return PeekError::inProgress;
+        case WSAEWOULDBLOCK:
+            return PeekError::wouldBlock;
+        default:
+            return PeekError::other;
+    }
+}
+
 bool isConnected(SOCKET socket, const std::function<void(int)>& setMode) {
     const int ready = selectReadable(socket, 0, 0);
     if (ready == SOCKET_ERROR && isNoSocket(::WSAGetLastError())) return false;
@@ -121,15 +167,12 @@ bool isConnected(SOCKET socket, const std::function<void(int)>& setMode) {
     char byte = 0;
     int peeked = ::recv(socket, &byte, 1, MSG_PEEK);
     if (peeked == SOCKET_ERROR) {
-        const int error = ::WSAGetLastError();
-        if (isDeadConnection(error)) return false;
-        if (error == WSAEWOULDBLOCK) {
-            setMode(0);
-            peeked = 0;
-        } else if (error == WSAEINPROGRESS || error == WSAECONNRESET) {
-            setMode(0);
-            return error == WSAEINPROGRESS;
-        }
+        const PeekError error = classifyPeekError(::WSAGetLastError());
+        if (error == PeekError::dead) return false;
+        if (error != PeekError::other) setMode(0);
+        if (error == PeekError::reset) return false;
+        if (error == PeekError::inProgress) return true;
+        if (error == PeekError::wouldBlock) peeked = 0;
     }
     setMode(0);
     const bool peerClosed = peeked == 0 && ready == 1;

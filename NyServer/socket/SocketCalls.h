@@ -25,12 +25,28 @@ bool startWinsock(WSADATA& data);
 
 sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddress);
 
-// The port of the socket's own end, host order; 0 if the stack cannot say.
+// False if the stack refused.
+bool bindTo(SOCKET socket, const sockaddr_in& address);
+
+// The address of the socket's own end; all zero if the stack cannot say.
+sockaddr_in localAddress(SOCKET socket);
+
+// Its port in host order.
 int localPort(SOCKET socket);
 
 // The address in dotted text; "" if the stack cannot say. The text lives until the thread's next
 // call.
 const char* dottedText(const sockaddr_in& address);
+
+// The first address of a look-up in dotted text, or null if there is none; lives as dottedText.
+const char* firstAddress(const hostent& host);
+
+// The text behind the last '@' that is not the first character: a user and host pair stands for
+// its host.
+const char* hostPart(const char* name);
+
+// Copies at most `size` - 1 characters and a terminator; nothing if `size` is below 1.
+void copyText(const char* text, char* target, int size);
 
 // Whether select reports exactly this socket within {seconds, microseconds}.
 bool isReadable(SOCKET socket, long seconds, long microseconds);
@@ -48,6 +64,16 @@ int setTimeOut(SOCKET socket, int option, int milliseconds);
 
 // Mode 1 is non-blocking, 0 blocking. False if the stack refused.
 bool setBlockingMode(SOCKET socket, int mode);
+
+// What the error number of a failed peek says about the connection.
+enum class PeekError {
+    dead,        // broken; the mode of the socket is left alone
+    reset,       // by the peer
+    inProgress,  // another call is under way: taken for connected
+    wouldBlock,  // nothing to read
+    other,       // nothing about the connection
+};
+PeekError classifyPeekError(int error);
 
 // Whether the peer still holds the connection, found by peeking one byte in non-blocking mode.
 // `setMode` is called with 1 and then 0. The socket ends blocking, except when the error of the

@@ -45,3 +45,10 @@ class ScriptedSource : public CUT_DataSource {
   private:
     size_t m_position = 0;
 };
+
+// `size` bytes of a pattern that does not repeat at the sizes of pieces.
+inline std::string patternOf(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>((i * 7 + i / 251) & 0xFF);
+    return bytes;
+}
