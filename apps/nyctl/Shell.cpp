@@ -1,8 +1,11 @@
 #include "apps/nyctl/Shell.h"
 
 #include <iostream>
+#include <string_view>
 
 namespace {
+
+constexpr std::string_view kEcho = "echo ";
 
 ExitStatus runLine(const std::string& line, Session& session, const Output& output) {
     ExitStatus status = exitYes;
@@ -25,9 +28,12 @@ ExitStatus runShell(Session& session, const Output& output) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.empty() || line.front() == '#') continue;
         if (line == "exit") break;
+        if (line.rfind(kEcho, 0) == 0) {
+            std::cout << line.substr(kEcho.size()) << std::endl;
+            continue;
+        }
         const ExitStatus status = runLine(line, session, output);
         if (status != exitYes) worst = status;
-        std::cout.flush();
     }
     return worst;
 }

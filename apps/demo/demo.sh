@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# demo.sh: a central server and two users, told as a story. Starts what it needs and stops it again.
+set -eu
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+bin=$root/build/windows/bin
+work=$(mktemp -d)
+central=
+
+# Background uses get a process of their own name and number: nothing of this script stays in between.
+run() { exec "$root/tools/run-in-wine" "$bin/$1.exe" "${@:2}"; }
+
+# stop PID: as Ctrl+C does, and waits; by force when that does not help.
+stop() {
+  kill -INT "$1" 2> /dev/null || return 0
+  for _ in $(seq 100); do
+    kill -0 "$1" 2> /dev/null || break
+    sleep 0.1
+  done
+  kill -KILL "$1" 2> /dev/null || true
+  wait "$1"
+}
+
+cleanup() {
+  exec 3>&- 4>&-  # a shell ends with its input
+  [ -z "$central" ] || stop "$central" || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+tell() { printf '\n* %s\n' "$*"; }
+
+# says NAME COMMAND: gives the user's shell one line and shows what comes back, up to the mark.
+says() {
+  local name=$1 descriptor=${shells[$1]} line
+  shift
+  printf '%s> nyctl %s\n' "$name" "$*"
+  printf '%s\necho =\n' "$*" >&"$descriptor"
+  while IFS= read -r -t 20 line <&"${answers[$name]}"; do
+    line=${line%$'\r'}
+    [ "$line" != = ] || return 0
+    printf '    %s\n' "$line"
+  done
+  echo "demo: no answer to: $*" >&2
+  exit 1
+}
+
+# starts NAME DESCRIPTOR: a shell of that user, on one connection, fed through the descriptor.
+declare -A shells answers
+starts() {
+  local name=$1
+  mkfifo "$work/$name.in" "$work/$name.out"
+  run nyctl --server "$server" --user "$name" shell < "$work/$name.in" > "$work/$name.out" 2>&1 &
+  case $name in
+    anna) exec 3> "$work/$name.in" 5< "$work/$name.out"; shells[$name]=3 answers[$name]=5 ;;
+    bob) exec 4> "$work/$name.in" 6< "$work/$name.out"; shells[$name]=4 answers[$name]=6 ;;
+  esac
+}
+
+tell "A central server starts on a free port"
+set -m  # a background program ignores Ctrl+C unless it is a job of its own
+run nycentral --port-file "$work/port" > "$work/central.log" 2>&1 &
+central=$!
+set +m
+for _ in $(seq 100); do
+  [ ! -s "$work/port" ] || break
+  sleep 0.1
+done
+[ -s "$work/port" ] || { cat "$work/central.log" >&2; exit 1; }
+server=127.0.0.1:$(tr -d '\r\n' < "$work/port")
+sed 's/^/    /' "$work/central.log"
+
+starts anna
+starts bob
+
+tell "Anna asks whether it is alive, and registers"
+says anna ping
+says anna register
+
+tell "Bob registers too, and gets a session and a port of his own"
+says bob register
+
+tell "Both are in the server's table of users"
+says anna users
+
+tell "Bob leaves; the server forgets him"
+exec 4>&-
+for _ in $(seq 50); do
+  [[ $(run nyctl --server "$server" --json users) == *bob* ]] || break
+  sleep 0.1
+done
+says anna users
+
+tell "The server stops"
+exec 3>&-
+stop "$central"
+central=
+sed -n 's/^stopping/    stopping/p' "$work/central.log"
+echo
+echo "That was it."

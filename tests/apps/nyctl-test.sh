@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# nyctl-test.sh NYCENTRAL NYCTL: the two programs from outside: what they print, and with what status they end.
+set -eu
+nycentral=$1
+nyctl=$2
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+work=$(mktemp -d)
+failures=0
+central=
+
+cleanup() {
+  [ -z "$central" ] || kill -INT "$central" 2> /dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+fail() {
+  echo "FAILED: $*"
+  failures=$((failures + 1))
+}
+
+# expect STATUS TEXT ARGUMENT...: nyctl with the arguments ends with the status, and its output holds the text.
+expect() {
+  local status=$1 text=$2 output actual=0
+  shift 2
+  output=$("$root/tools/run-in-wine" "$nyctl" "$@" 2>&1 | tr -d '\r'; exit "${PIPESTATUS[0]}") || actual=$?
+  [ $actual -eq "$status" ] || fail "nyctl $* ended with $actual instead of $status: $output"
+  [[ $output == *"$text"* ]] || fail "nyctl $* should say \"$text\"; it says: $output"
+}
+
+set -m  # a background program ignores Ctrl+C unless it is a job of its own
+"$root/tools/run-in-wine" "$nycentral" --port-file "$work/port" > "$work/central.log" 2>&1 &
+central=$!
+set +m
+for _ in $(seq 200); do
+  [ ! -s "$work/port" ] || break
+  sleep 0.1
+done
+port=$(tr -d '\r\n' < "$work/port")
+export NYCTL_SERVER=127.0.0.1:$port
+
+[ "$(tr -d '\r' < "$work/central.log")" = "listening on 127.0.0.1:$port" ] || fail "nycentral says: $(cat "$work/central.log")"
+
+expect 0 'alive: true' ping
+expect 0 'version: 1.0' ping
+expect 0 'schema: 2015' ping
+expect 0 '{"alive":true,"version":1.0,"schema":2015}' --json ping
+expect 0 'user: Anna' --user Anna register
+expect 0 '"user":"Anna","session":' --json --user Anna register
+expect 0 'user  session  port' users
+expect 0 '' --json users
+expect 0 'ping' --help
+
+expect 2 'subcommand is required'
+expect 2 'subcommand is required' no-such-command
+expect 2 'not expected' ping --no-such-option
+expect 3 'no answer' --server 127.0.0.1:1 ping
+expect 3 'no answer' --server 127.0.0.1:1 register
+expect 3 'no answer' --server 127.0.0.1:1 users
+expect 3 'no answer' --server nonsense ping
+
+# The shell holds one connection: who registers on its first line is a user on its last.
+expect_shell() {
+  local status=$1 text=$2
+  expect "$status" "$text" --user Bob shell < "$work/lines"
+}
+printf 'register\r\n\n# a comment\nusers\n' > "$work/lines"
+expect_shell 0 'Bob  '
+printf 'no-such-command\nping\n' > "$work/lines"
+expect_shell 2 'alive: true'
+printf 'echo one  two\nexit\nping\n' > "$work/lines"
+expect_shell 0 'one  two'
+
+stopping=$central
+central=
+kill -INT "$stopping"
+wait "$stopping" || fail "nycentral ended with $?"
+grep -q '^stopping' "$work/central.log" || fail "nycentral did not say that it stops"
+
+[ $failures -eq 0 ] || exit 1
+echo "all as expected"

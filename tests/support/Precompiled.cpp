@@ -1,0 +1,1 @@
+// A library needs a source; the headers are what it is for.
