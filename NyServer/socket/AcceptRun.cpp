@@ -35,6 +35,10 @@ bool CUT_WSServer::AcceptRun::awaitEnd() const {
     return ::WaitForSingleObject(m_thread.get(), kLongestWait) == WAIT_OBJECT_0;
 }
 
+void CUT_WSServer::AcceptRun::awaitBegin() const {
+    for (DWORD waited = 0; !m_hasBegun && waited < kLongestWait; ++waited) ::Sleep(1);
+}
+
 void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread) {
     if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd()) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
@@ -45,6 +49,7 @@ void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread) {
 
 void CUT_WSServer::AcceptRun::runThread(void* run) {
     auto* self = static_cast<AcceptRun*>(run);
+    self->m_hasBegun = true;
     SOCKET listener = INVALID_SOCKET;
     while (self->mayAccept(listener) && self->serveNext(listener)) {
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -25,6 +26,10 @@ class CUT_WSServer::AcceptRun {
     // Waits at most 30 s for the thread. False when it is still there.
     bool awaitEnd() const;
 
+    // Waits at most 30 s for the thread to run our code: one that is ended by force before would
+    // take the loader's lock with it, and no thread could start any more.
+    void awaitBegin() const;
+
     // Ends the thread by force and takes back what it held. Failure is ignored: the thread then
     // ends by itself once the listening socket is closed. REQUIRES: the door's lock, and that the
     // thread has not signed off.
@@ -43,6 +48,7 @@ class CUT_WSServer::AcceptRun {
 
     CUT_WSServer& m_server;
     std::shared_ptr<ServerDoor> m_door;
+    std::atomic<bool> m_hasBegun = false;
     // A handle of our own: the one that _beginthread returns closes itself when the thread ends.
     UniqueKernelHandle m_thread;
     UniqueSocket m_accepted;

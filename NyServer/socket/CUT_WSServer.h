@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -157,6 +158,9 @@ class NYSERVER_API CUT_WSServer {
     friend class ServerConnection;
 
     bool StartAcceptThread();
+    int WakeAcceptThread();
+    int ConnectAndClose(unsigned int port, const char* address,
+                        const std::function<bool()>& isPointless);
     void EndAcceptThreadByForce();
     void CloseListenSocket();
     void CloseUnusedListenSocket();
