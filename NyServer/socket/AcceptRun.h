@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <string>
 
@@ -23,12 +22,8 @@ class CUT_WSServer::AcceptRun {
     // lock go. What the server is to note of it, or -1. REQUIRES: the door's lock.
     static uintptr_t start(const std::shared_ptr<AcceptRun>& run);
 
-    // Waits at most 30 s for the thread. False when it is still there.
-    bool awaitEnd() const;
-
-    // Waits at most 30 s for the thread to run our code: one that is ended by force before would
-    // take the loader's lock with it, and no thread could start any more.
-    void awaitBegin() const;
+    // False when the thread is still there after so long.
+    bool awaitEnd(DWORD milliseconds) const;
 
     // Ends the thread by force and takes back what it held. Failure is ignored: the thread then
     // ends by itself once the listening socket is closed. REQUIRES: the door's lock, and that the
@@ -48,7 +43,6 @@ class CUT_WSServer::AcceptRun {
 
     CUT_WSServer& m_server;
     std::shared_ptr<ServerDoor> m_door;
-    std::atomic<bool> m_hasBegun = false;
     // A handle of our own: the one that _beginthread returns closes itself when the thread ends.
     UniqueKernelHandle m_thread;
     UniqueSocket m_accepted;

@@ -11,6 +11,8 @@
 namespace {
 
 constexpr int kHighestMaximum = 32000;
+constexpr DWORD kLongestWait = 30000;
+constexpr DWORD kGrace = 500;
 constexpr long kConnectTick = 20000;  // microseconds
 
 bool isListening(SOCKET socket) {
@@ -93,9 +95,9 @@ int CUT_WSServer::StopAccept() {
         m_accepting = 0;
         m_stopRequested = 1;
         if (WakeAcceptThread() == UTE_SUCCESS)
-            m_acceptRun->awaitEnd();
+            m_acceptRun->awaitEnd(kLongestWait);
         else
-            EndAcceptThreadByForce();
+            EndAcceptThread();
         CloseListenSocket();
     }
     if (m_startUpCount >= 1) {
@@ -105,10 +107,15 @@ int CUT_WSServer::StopAccept() {
     return 0;
 }
 
-void CUT_WSServer::EndAcceptThreadByForce() {
-    m_acceptRun->awaitBegin();
-    const ServerDoor::Lock lock(*m_door);
-    if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+// A thread that is ended by force takes what it has locked with it, the heap or the loader among
+// them. It is therefore given the chance to end by itself first, which a failing accept makes it
+// do; what then remains is one in OnCanAccept.
+void CUT_WSServer::EndAcceptThread() {
+    CloseListenSocket();
+    if (!m_acceptRun->awaitEnd(kGrace)) {
+        const ServerDoor::Lock lock(*m_door);
+        if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+    }
     m_acceptThread = kNoThread;
 }
 

@@ -161,7 +161,7 @@ class NYSERVER_API CUT_WSServer {
     int WakeAcceptThread();
     int ConnectAndClose(unsigned int port, const char* address,
                         const std::function<bool()>& isPointless);
-    void EndAcceptThreadByForce();
+    void EndAcceptThread();
     void CloseListenSocket();
     void CloseUnusedListenSocket();
     int FreeThreadList();
