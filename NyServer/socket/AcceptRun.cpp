@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr DWORD kLongestWait = 30000;
+constexpr DWORD kLongestDying = 30000;
 
 HANDLE asHandle(uintptr_t thread) {
     return reinterpret_cast<HANDLE>(thread);
@@ -31,12 +31,12 @@ uintptr_t CUT_WSServer::AcceptRun::start(const std::shared_ptr<AcceptRun>& run) 
     return thread;
 }
 
-bool CUT_WSServer::AcceptRun::awaitEnd() const {
-    return ::WaitForSingleObject(m_thread.get(), kLongestWait) == WAIT_OBJECT_0;
+bool CUT_WSServer::AcceptRun::awaitEnd(DWORD milliseconds) const {
+    return ::WaitForSingleObject(m_thread.get(), milliseconds) == WAIT_OBJECT_0;
 }
 
 void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread) {
-    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd()) return;
+    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd(kLongestDying)) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
     m_door->leave(m_visit);
     dropAccepted();

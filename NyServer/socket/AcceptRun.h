@@ -22,8 +22,8 @@ class CUT_WSServer::AcceptRun {
     // lock go. What the server is to note of it, or -1. REQUIRES: the door's lock.
     static uintptr_t start(const std::shared_ptr<AcceptRun>& run);
 
-    // Waits at most 30 s for the thread. False when it is still there.
-    bool awaitEnd() const;
+    // False when the thread is still there after so long.
+    bool awaitEnd(DWORD milliseconds) const;
 
     // Ends the thread by force and takes back what it held. Failure is ignored: the thread then
     // ends by itself once the listening socket is closed. REQUIRES: the door's lock, and that the

@@ -1,5 +1,7 @@
 #include "NyServer/socket/CUT_WSServer.h"
 
+#include <optional>
+
 #include "NyServer/socket/AcceptRun.h"
 #include "NyServer/socket/ServerDoor.h"
 #include "NyServer/socket/SocketCalls.h"
@@ -9,12 +11,30 @@
 namespace {
 
 constexpr int kHighestMaximum = 32000;
+constexpr DWORD kLongestWait = 30000;
+constexpr DWORD kGrace = 500;
+constexpr long kConnectTick = 20000;  // microseconds
 
 bool isListening(SOCKET socket) {
     int answer = 0;
     int length = sizeof answer;
     ::getsockopt(socket, SOL_SOCKET, SO_ACCEPTCONN, reinterpret_cast<char*>(&answer), &length);
     return answer != 0;
+}
+
+// Whether the connect succeeded; nothing once it goes unanswered and is pointless.
+std::optional<bool> connectUnless(const std::function<bool()>& isPointless, SOCKET socket,
+                                  const sockaddr_in& peer) {
+    socketcalls::setBlockingMode(socket, 1);
+    const int result = ::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
+    if (result == 0 || ::WSAGetLastError() != WSAEWOULDBLOCK) return result == 0;
+    for (;;) {
+        fd_set done{1, {socket}};
+        fd_set failed{1, {socket}};
+        timeval tick{0, kConnectTick};
+        if (::select(0, nullptr, &done, &failed, &tick) != 0) return failed.fd_count == 0;
+        if (isPointless()) return std::nullopt;
+    }
 }
 
 }  // namespace
@@ -74,10 +94,10 @@ int CUT_WSServer::StopAccept() {
     if (m_accepting == 1) {
         m_accepting = 0;
         m_stopRequested = 1;
-        if (TempConnect(m_port, "127.0.0.1") == UTE_SUCCESS)
-            m_acceptRun->awaitEnd();
+        if (WakeAcceptThread() == UTE_SUCCESS)
+            m_acceptRun->awaitEnd(kLongestWait);
         else
-            EndAcceptThreadByForce();
+            EndAcceptThread();
         CloseListenSocket();
     }
     if (m_startUpCount >= 1) {
@@ -87,25 +107,46 @@ int CUT_WSServer::StopAccept() {
     return 0;
 }
 
-void CUT_WSServer::EndAcceptThreadByForce() {
-    const ServerDoor::Lock lock(*m_door);
-    if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+// A thread that is ended by force takes what it has locked with it, the heap or the loader among
+// them. It is therefore given the chance to end by itself first, which a failing accept makes it
+// do; what then remains is one in OnCanAccept.
+void CUT_WSServer::EndAcceptThread() {
+    CloseListenSocket();
+    if (!m_acceptRun->awaitEnd(kGrace)) {
+        const ServerDoor::Lock lock(*m_door);
+        if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+    }
     m_acceptThread = kNoThread;
 }
 
 int CUT_WSServer::TempConnect(unsigned int port, const char* address) {
+    return ConnectAndClose(port, address, [] { return false; });
+}
+
+// A full listen queue may leave the connect unanswered for minutes; when the accepting thread has
+// left by itself meanwhile there is nobody to wake.
+int CUT_WSServer::WakeAcceptThread() {
+    return ConnectAndClose(m_port, "127.0.0.1", [this] { return m_acceptThread == kNoThread; });
+}
+
+int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address,
+                                  const std::function<bool()>& isPointless) {
     const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
     if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
-    auto report = [&](int result) {
-        if (result == SOCKET_ERROR) OnStatus(SocketErrorText(&socket, nullptr));
-        return result;
+    auto report = [&](bool succeeded) {
+        if (!succeeded) OnStatus(SocketErrorText(&socket, nullptr));
+        return succeeded;
     };
-    const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
-    const int connected =
-        report(::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer));
-    report(::shutdown(socket, SD_BOTH));
-    report(::closesocket(socket));
-    return OnError(connected == SOCKET_ERROR ? UTE_SOCK_CONNECT_FAILED : UTE_SUCCESS);
+    const auto connected = connectUnless(
+        isPointless, socket, socketcalls::makeAddress(AF_INET, port, ::inet_addr(address)));
+    if (!connected) {
+        ::closesocket(socket);
+        return OnError(UTE_SUCCESS);
+    }
+    report(*connected);
+    report(::shutdown(socket, SD_BOTH) == 0);
+    report(::closesocket(socket) == 0);
+    return OnError(*connected ? UTE_SUCCESS : UTE_SOCK_CONNECT_FAILED);
 }
 
 int CUT_WSServer::SetMaxConnections(int n) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -161,7 +162,10 @@ class NYSERVER_API CUT_WSServer {
     friend class ServerConnection;
 
     bool StartAcceptThread();
-    void EndAcceptThreadByForce();
+    int WakeAcceptThread();
+    int ConnectAndClose(unsigned int port, const char* address,
+                        const std::function<bool()>& isPointless);
+    void EndAcceptThread();
     void CloseListenSocket();
     void CloseUnusedListenSocket();
     int FreeThreadList();
