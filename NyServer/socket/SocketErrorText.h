@@ -3,8 +3,7 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 
-// The English text of the socket's pending error, which this call clears, as asking for it does;
-// the calling thread's last error is not what is described. When the socket cannot be asked, the
-// text of that failure. The text is static. `code` may be null; otherwise it receives the error
-// number that the text describes.
+// The English text of the socket's pending error, not of the calling thread's last error; when the
+// socket cannot be asked, the text of that failure. The text is static. `code` may be null;
+// otherwise it receives the error number that the text describes.
 NYSERVER_API const wchar_t* SocketErrorText(const SOCKET* socket, int* code);
