@@ -65,13 +65,37 @@ TEST(ClientClose, ReportsAFailedClose) {
     expectForgotten(client);
 }
 
-// A datagram socket has nothing to shut down, and an attempt fails while it is not connected.
-TEST(ClientClose, ShutsDownStreamsOnly) {
+// Another handle of the socket keeps it open past the close and shows whether it was shut down.
+UniqueSocket otherHandleOf(SOCKET socket) {
+    WSAPROTOCOL_INFOW info{};
+    ::WSADuplicateSocketW(socket, ::GetCurrentProcessId(), &info);
+    return UniqueSocket(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
+                                     &info, 0, WSA_FLAG_OVERLAPPED));
+}
+
+TEST(ClientClose, ShutsDownAStreamFirst) {
+    peers::Peer peer(peers::silent());
+    ProbeClient client;
+    ASSERT_EQ(client.connectTo(peer.port()), UTE_SUCCESS);
+    const UniqueSocket other = otherHandleOf(client.GetSocket());
+    ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
+    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
+    EXPECT_EQ(peer.waitForServed(1), 1) << "the peer sees the end";
+    EXPECT_EQ(::send(other.get(), "x", 1, 0), SOCKET_ERROR);
+}
+
+TEST(ClientClose, DoesNotShutDownADatagramSocket) {
+    const peers::WinsockSession winsock;
+    const UniqueSocket peer = peers::bindToLoopback(SOCK_DGRAM);
     ProbeClient client;
     char loopback[] = "127.0.0.1";
-    ASSERT_EQ(client.CreateUDPSocket(0, 9, loopback, loopback), UTE_SUCCESS);
+    const auto port = static_cast<unsigned int>(peers::portOf(peer));
+    ASSERT_EQ(client.Connect(port, loopback, -1, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
+    const UniqueSocket other = otherHandleOf(client.GetSocket());
+    ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
     EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
     expectForgotten(client);
+    EXPECT_EQ(::send(other.get(), "x", 1, 0), 1);
 }
 
 TEST(ClientClose, ClosesTheListeningSocketToo) {

@@ -158,6 +158,13 @@ TEST_F(ClientConnect, ReportsARefusal) {
     EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
 }
 
+// Only writability is waited for, and a refused socket never gets there.
+TEST_F(ClientConnect, WithATimeOutReportsARefusalAsTheTimeOut) {
+    peers::RefusingPort port;
+    EXPECT_EQ(m_client.Connect(port.port(), "127.0.0.1", 1), UTE_CONNECT_TIMEOUT);
+    EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
+}
+
 TEST_F(ClientConnect, CanConnectAgainAfterAFailure) {
     peers::RefusingPort port;
     ASSERT_EQ(m_client.Connect(port.port(), "127.0.0.1", -1), UTE_SOCK_CONNECT_FAILED);

@@ -76,6 +76,7 @@ TEST_F(ClientReceiveToSource, EndsAtTheLimit) {
     EXPECT_EQ(m_client.Receive(m_target, OM_WRITE, 10, 300), UTE_SUCCESS);
     EXPECT_EQ(m_target.content, patternOf(600).substr(0, 300));
     EXPECT_EQ(m_target.written, (std::vector<unsigned int>{256, 44}));
+    EXPECT_EQ(m_client.receives, 2) << "none for nothing";
     char rest[600];
     EXPECT_EQ(m_client.Receive(rest, sizeof rest, 10), 300) << "what is behind stays";
 }

@@ -28,8 +28,8 @@ TEST_F(ClientSendLine, EndsEachPieceWithALineEnd) {
     EXPECT_EQ(arrived(), "abc\r\ndef\r\ngh\r\n");
 }
 
-TEST_F(ClientSendLine, AddsNoEmptyLineBehindAFullOne) {
-    EXPECT_EQ(m_client.SendAsLine("abcdef", 6, 3), 6);
+TEST_F(ClientSendLine, AddsNothingBehindAFullLine) {
+    EXPECT_EQ(m_client.SendAsLine("abcdef, not sent", 6, 3), 6);
     EXPECT_EQ(arrived(), "abc\r\ndef\r\n");
 }
 
