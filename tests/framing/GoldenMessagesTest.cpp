@@ -7,6 +7,9 @@
 #include <string>
 
 #include "NyServer/framing/NySeMemFile.h"
+#include "NyServer/records/NySeConnectionArray.h"
+#include "NyServer/records/NySeLockArray.h"
+#include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
@@ -41,6 +44,12 @@ NySeUser bob() {
 const CString kConnection = _T("Server=a;Db=b");
 const CString kLock = _T("part/42");
 
+NySeMessage saved() {
+    NySeMessage message;
+    message.setStrMessage(_T("saved"));
+    return message;
+}
+
 using Write = std::function<void(NySeMemFile&)>;
 struct Request {
     ActionType action;
@@ -74,6 +83,21 @@ const std::map<std::string, Request>& requests() {
           }}},
         {"getAllUser", {NySe::actionGetAllUser, nothing}},
         {"getAnotherPort", {NySe::actionGetAnotherPort, nothing}},
+        {"sendConnectionData",
+         {NySe::actionSendConnectionData,
+          [](auto& file) {
+              file.writeInteger(1);
+              file.writeInteger(2);
+              file.writeObject(saved());
+          }}},
+        {"sendUserData",
+         {NySe::actionSendUserData,
+          [](auto& file) {
+              file.writeObject(anna());
+              file.writeObject(saved());
+          }}},
+        {"sendAllUserData",
+         {NySe::actionSendAllUserData, [](auto& file) { file.writeObject(saved()); }}},
         {"updateUserName",
          {NySe::actionUpdateUserName, [](auto& file) { file.writeString(_T("Anna")); }}},
         {"shutDownServer", {NySe::actionShutDownServer, nothing}},
@@ -113,6 +137,13 @@ TEST(GoldenMessages, BareCodesAreTheirActions) {
         const LONG code = action;
         const auto* bytes = reinterpret_cast<const unsigned char*>(&code);
         EXPECT_EQ(toHex(golden("request-" + call).bytes), toHex(Bytes(bytes, bytes + 4)));
+    }
+}
+
+TEST(GoldenMessages, NoRequestIsLeftOut) {
+    for (const Golden& vector : goldenNamed("request-")) {
+        const std::string call = vector.name.substr(8);
+        EXPECT_EQ(1u, requests().count(call) + kBare.count(call)) << call;
     }
 }
 
@@ -188,6 +219,51 @@ TEST(GoldenMessages, UserReply) {
               replyBytes([](auto& file) { file.writeObject(anna()); }));
     const auto read = Received("reply-user", NySe::kLengthBytes).readRecord<NySeUser>();
     EXPECT_EQ(40123, read->getPort());
+}
+
+TEST(GoldenMessages, LocksReply) {
+    NySeLockArray locks;
+    NySeUser nine;
+    nine.setSessionNumber(9);
+    locks.addLock(_T("part/42"), anna(), 24);
+    auto* holder = new NySeSessionLock;
+    holder->setSessionNumber(1);
+    holder->setLockState(1);
+    locks.GetAt(0)->getHolders().add(holder);
+    locks.addLock(_T("Part/43"), nine, 16);
+    EXPECT_EQ(toHex(golden("reply-locks").bytes),
+              replyBytes([&](auto& file) { file.writeObject(locks); }));
+    const auto read = Received("reply-locks", NySe::kLengthBytes).readRecord<NySeLockArray>();
+    ASSERT_EQ(2, read->GetSize());
+    EXPECT_EQ(7, read->GetAt(0)->getHolders().GetAt(1)->getSessionNumber());
+}
+
+TEST(GoldenMessages, ConnectionsReply) {
+    NySeConnectionArray table;
+    for (const WCHAR name : {'A', 'B', 'C', 'D', 'E', 'A', 'C'})
+        table.openConnection(CString(name));
+    for (const LONG id : {4, 3, 1}) table.closeConnection(id);
+    EXPECT_EQ(toHex(golden("reply-connections").bytes),
+              replyBytes([&](auto& file) { file.writeObject(table); }));
+    const auto read =
+        Received("reply-connections", NySe::kLengthBytes).readRecord<NySeConnectionArray>();
+    EXPECT_EQ(1, read->openConnection(_T("x")));
+}
+
+TEST(GoldenMessages, NotificationWithMessage) {
+    NySeMemFile file;
+    file.startWriteAction(NySe::actionFirstNotification, schema2015);
+    file.writeObject(saved());
+    file.stopWriting();
+    EXPECT_EQ(toHex(golden("notification-50-with-message").bytes), toHex(contentsOf(file)));
+    const auto read = Received("notification-50-with-message", NySe::kActionHeaderBytes)
+                          .readRecord<NySeMessage>();
+    EXPECT_EQ(CString("saved"), read->getStrMessage());
+}
+
+TEST(GoldenMessages, NoReplyOrNotificationIsLeftOut) {
+    EXPECT_EQ(6u, goldenNamed("reply-").size());
+    EXPECT_EQ(1u, goldenNamed("notification-").size());
 }
 
 TEST(GoldenMessages, StringReply) {

@@ -2,6 +2,9 @@
 
 #include <stdexcept>
 
+#include "NyServer/records/NySeConnectionArray.h"
+#include "NyServer/records/NySeLockArray.h"
+#include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/Utf8.h"
@@ -20,7 +23,7 @@ std::vector<int> units(const CString& text) {
     return all;
 }
 
-void fill(NySeUser& user, const json& value) {
+void fillIn(NySeUser& user, const json& value) {
     user.setPort(value.value("port", -1));
     user.setStrHostName(text(value, "host"));
     user.setStrUserName(text(value, "user"));
@@ -40,11 +43,39 @@ json show(const NySeUser& user) {
             {"soft_type", user.getSoftType()}};
 }
 
+void fillIn(NySeConnection& connection, const json& value) {
+    connection.setStrConnection(text(value, "connection"));
+    connection.setId(value.value("id", 0));
+    connection.setRefCount(value.value("ref_count", 0));
+}
+json show(const NySeConnection& connection) {
+    return {{"connection", units(connection.getStrConnection())},
+            {"id", connection.getId()},
+            {"ref_count", connection.getRefCount()}};
+}
+
+void fillIn(NySeSessionLock& lock, const json& value) {
+    lock.setSessionNumber(value.value("session", 0));
+    lock.setLockState(value.value("state", 0u));
+}
+json show(const NySeSessionLock& lock) {
+    return {{"session", lock.getSessionNumber()}, {"state", lock.getLockState()}};
+}
+void fillIn(NySeMessage& message, const json& value) {
+    message.setStrMessage(text(value, "message"));
+}
+json show(const NySeMessage& message) {
+    return {{"message", units(message.getStrMessage())}};
+}
+
+void fillIn(NySeLock& lock, const json& value);
+json show(const NySeLock& lock);
+
 template <class Table, class Record>
 void fillTable(Table& table, const json& values) {
     for (const json& value : values) {
         auto record = std::make_unique<Record>();
-        fill(*record, value);
+        fillIn(*record, value);
         table.append(record.release());
     }
 }
@@ -56,11 +87,46 @@ json showTable(const Table& table) {
     return values;
 }
 
-void fill(NySeUserPtrArray& users, const json& values) {
+void fillIn(NySeUserPtrArray& users, const json& values) {
     fillTable<NySeUserPtrArray, NySeUser>(users, values);
 }
 json show(const NySeUserPtrArray& users) {
     return showTable(users);
+}
+
+// The last id and the free ids have no accessors: they are what opening and closing leaves.
+void fillIn(NySeConnectionArray& table, const json& value) {
+    for (LONG id = 0; id <= value.at("last_id").get<LONG>(); ++id) {
+        table.openConnection(CString(static_cast<WCHAR>('a' + id)));
+    }
+    for (const json& id : value.at("free_ids")) table.closeConnection(id.get<LONG>());
+    for (const json& entry : value.at("connections")) {
+        fillIn(*table.findById(entry.at("id").get<LONG>()), entry);
+    }
+}
+json show(const NySeConnectionArray& table) {
+    return showTable(table);
+}
+
+void fillIn(NySeSessionLockPtrArray& table, const json& values) {
+    fillTable<NySeSessionLockPtrArray, NySeSessionLock>(table, values);
+}
+json show(const NySeSessionLockPtrArray& table) {
+    return showTable(table);
+}
+
+void fillIn(NySeLock& lock, const json& value) {
+    lock.setStrLockName(text(value, "name"));
+    fillIn(lock.getHolders(), value.value("holders", json::array()));
+}
+json show(const NySeLock& lock) {
+    return {{"name", units(lock.getStrLockName())}, {"holders", show(lock.getHolders())}};
+}
+void fillIn(NySeLockArray& table, const json& values) {
+    fillTable<NySeLockArray, NySeLock>(table, values);
+}
+json show(const NySeLockArray& table) {
+    return showTable(table);
 }
 
 // Calls `action` with the object as what it is.
@@ -82,7 +148,8 @@ struct Among {
     }
 };
 
-using Known = Among<NySeUser, NySeUserPtrArray>;
+using Known = Among<NySeUser, NySeUserPtrArray, NySeConnection, NySeConnectionArray,
+                    NySeSessionLock, NySeSessionLockPtrArray, NySeLock, NySeLockArray, NySeMessage>;
 
 std::unique_ptr<CObject> makeEmpty(const Golden& vector) {
     return std::unique_ptr<CObject>(
@@ -98,7 +165,7 @@ void setSchema(const Golden& vector, CArchive& ar) {
 
 std::unique_ptr<CObject> makeGolden(const Golden& vector) {
     std::unique_ptr<CObject> record = makeEmpty(vector);
-    Known::visit(*record, [&](auto& known) { fill(known, vector.value); });
+    Known::visit(*record, [&](auto& known) { fillIn(known, vector.value); });
     return record;
 }
 
@@ -135,9 +202,7 @@ std::unique_ptr<CObject> loadAs(const Golden& vector, const Bytes& bytes) {
 std::vector<Golden> goldenRecords() {
     std::vector<Golden> records;
     for (const Golden& vector : allGolden()) {
-        if (vector.className == "NySeUser" || vector.className == "NySeUserPtrArray") {
-            records.push_back(vector);
-        }
+        if (!vector.className.empty()) records.push_back(vector);
     }
     return records;
 }

@@ -20,5 +20,5 @@ Bytes storeAs(const Golden& vector, CObject& record);
 // What the bytes hold, read in the vector's form. Throws as the archive does.
 std::unique_ptr<CObject> loadAs(const Golden& vector, const Bytes& bytes);
 
-// All vectors that show a record or a table, or those of one class.
+// All vectors that show a record or a table.
 std::vector<Golden> goldenRecords();

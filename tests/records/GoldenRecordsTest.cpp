@@ -58,10 +58,6 @@ TEST_P(GoldenRecord, DamagedAnywhereLoadsOrIsRefused) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Vectors, GoldenRecord, ::testing::ValuesIn(goldenRecords()),
-                         [](const auto& vector) {
-                             std::string name = vector.param.name;
-                             for (char& c : name) c = c == '-' ? '_' : c;
-                             return name;
-                         });
+                         [](const auto& vector) { return testNameOf(vector.param); });
 
 }  // namespace

@@ -24,7 +24,7 @@ class RecordPattern : public ::testing::Test {
     }
 };
 
-using Records = ::testing::Types<NySeUser>;
+using Records = ::testing::Types<NySeUser, NySeConnection, NySeSessionLock, NySeLock, NySeMessage>;
 TYPED_TEST_SUITE(RecordPattern, Records);
 
 TYPED_TEST(RecordPattern, KnowsItsName) {

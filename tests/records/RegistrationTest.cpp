@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "NyServer/records/NySeUserPtrArray.h"
+#include "NyServer/records/NySeUser.h"
 
 namespace {
 
 // The names on the list of classes, oldest first.
 std::vector<std::string> registeredRecords() {
     std::vector<std::string> names;
-    const CRuntimeClass* newest = CRuntimeClass::FromName("NySeUserPtrArray");
+    const CRuntimeClass* newest = CRuntimeClass::FromName("NySeSessionLockPtrArray");
     for (const CRuntimeClass* one = newest; one != nullptr; one = one->m_pNextClass) {
         const std::string name = one->m_lpszClassName;
         if (name.compare(0, 4, "NySe") == 0) names.push_back(name);
@@ -23,7 +23,11 @@ std::vector<std::string> registeredRecords() {
 }
 
 TEST(Registration, HappensInAFixedOrder) {
-    EXPECT_EQ((std::vector<std::string>{"NySeUser", "NySeUserPtrArray"}), registeredRecords());
+    EXPECT_EQ(
+        (std::vector<std::string>{"NySeConnection", "NySeConnectionArray", "NySeLock",
+                                  "NySeLockArray", "NySeMessage", "NySeUser", "NySeUserPtrArray",
+                                  "NySeSessionLock", "NySeSessionLockPtrArray"}),
+        registeredRecords());
 }
 
 TEST(Registration, KnowsWideNamesToo) {

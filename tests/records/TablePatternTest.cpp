@@ -30,7 +30,8 @@ class TablePattern : public ::testing::Test {
     }
 };
 
-using Tables = ::testing::Types<NySeUserPtrArray>;
+using Tables =
+    ::testing::Types<NySeUserPtrArray, NySeConnectionArray, NySeSessionLockPtrArray, NySeLockArray>;
 TYPED_TEST_SUITE(TablePattern, Tables);
 
 TYPED_TEST(TablePattern, KnowsItsName) {
