@@ -1,7 +1,9 @@
-// A record that cannot be archived.
+// Records that cannot be archived.
 #pragma once
 
 #include <afx.h>
+
+#include "NyServer/records/NySeUser.h"
 
 enum class Failure { archive, file, memory };
 
@@ -14,4 +16,14 @@ class FailingRecord : public CObject {
 
   private:
     Failure m_failure;
+};
+
+// A user that fails in the same way.
+class FailingUser : public NySeUser {
+  public:
+    explicit FailingUser(Failure failure) : m_failing(failure) {}
+    void Serialize(CArchive& ar) override { m_failing.Serialize(ar); }
+
+  private:
+    FailingRecord m_failing;
 };

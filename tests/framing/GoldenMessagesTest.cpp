@@ -7,10 +7,7 @@
 #include <string>
 
 #include "NyServer/framing/NySeMemFile.h"
-#include "NyServer/records/NySeConnectionArray.h"
-#include "NyServer/records/NySeLockArray.h"
-#include "NyServer/records/NySeMessage.h"
-#include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/records/RecordSamples.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
 #include "tests/support/Golden.h"
@@ -22,15 +19,7 @@ using NySe::ActionType;
 using NySe::schema2015;
 
 NySeUser anna() {
-    NySeUser user;
-    user.setPort(40123);
-    user.setStrHostName(_T("ws-01"));
-    user.setStrUserName(_T("Anna"));
-    user.setStrComputerName(_T("WS-01"));
-    user.setSessionNumber(7);
-    user.setSchema(2015);
-    user.setSoftType(3);
-    return user;
+    return Sample<NySeUser>::make();
 }
 
 NySeUser bob() {
@@ -45,9 +34,7 @@ const CString kConnection = _T("Server=a;Db=b");
 const CString kLock = _T("part/42");
 
 NySeMessage saved() {
-    NySeMessage message;
-    message.setStrMessage(_T("saved"));
-    return message;
+    return Sample<NySeMessage>::make();
 }
 
 using Write = std::function<void(NySeMemFile&)>;

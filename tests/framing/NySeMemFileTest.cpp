@@ -264,10 +264,22 @@ TEST_F(MemFile, ArchiveErrorsLeaveATruncatedObject) {
     }
 }
 
+TEST_F(MemFile, ArchiveErrorsLeaveATruncatedUser) {
+    for (const Failure failure : {Failure::archive, Failure::file}) {
+        m_file.startWrite(schema2015);
+        m_file.writeObject(FailingUser(failure));
+        m_file.writeInteger(1);
+        m_file.stopWriting();
+        EXPECT_EQ(hex(std::string("16000000") + kUserHead + "07000000 01000000"), bytes());
+    }
+}
+
 TEST_F(MemFile, OtherErrorsPass) {
     m_file.startWrite(schema2015);
     EXPECT_TRUE(
         throwsA<CMemoryException>([&] { m_file.writeObject(FailingRecord(Failure::memory)); }));
+    EXPECT_TRUE(
+        throwsA<CMemoryException>([&] { m_file.writeObject(FailingUser(Failure::memory)); }));
     EXPECT_TRUE(throwsA<CNotSupportedException>([&] { m_file.writeObject(m_file); }));
 }
 

@@ -32,12 +32,15 @@ class Loading {
     explicit Loading(Bytes bytes)
         : m_bytes(std::move(bytes)),
           m_file(m_bytes.data(), static_cast<UINT>(m_bytes.size())),
-          ar(&m_file, CArchive::load) {}
+          m_archive(&m_file, CArchive::load) {}
+    Loading(const Loading&) = delete;
+    Loading& operator=(const Loading&) = delete;
 
   private:
     Bytes m_bytes;
     CMemFile m_file;
+    CArchive m_archive;
 
   public:
-    CArchive ar;
+    CArchive& ar = m_archive;
 };
