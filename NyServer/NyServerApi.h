@@ -1,16 +1,19 @@
 // What every header of NyServerDll shares: the export macro and the rules of the module's boundary.
 //
-//  1. No exception leaves an exported function that talks to a socket, a window or a file: failures are return values.
-//     The archive operations of records and tables throw the class library's own archive exceptions.
-//  2. Objects made with new have one owner. A table deletes its records unless its delete-ownership flag is cleared;
-//     finders return borrowed pointers.
+//  1. No exception leaves an exported function that talks to a socket, a window or a file: failures
+//     are return values. The archive operations of records and tables throw the class library's own
+//     archive exceptions.
+//  2. Objects made with new have one owner. A table deletes its records unless its delete-ownership
+//     flag is cleared; finders return borrowed pointers.
 //  3. A pointer argument may be null only where its comment says so.
 //  4. Text is UTF-16 in CString; the socket layer's char text is in the active ANSI code page.
-//  5. Every module of a process shares one C++ runtime, so memory and exceptions may cross between modules.
+//  5. Every module of a process shares one C++ runtime, so memory and exceptions may cross between
+//     modules.
 #pragma once
 
 #if defined(NYSERVER_EXPORTS) && defined(NYSERVER_STATIC)
-#error "Define NYSERVER_EXPORTS (building the DLL) or NYSERVER_STATIC (one static program), not both."
+#error \
+    "Define NYSERVER_EXPORTS (building the DLL) or NYSERVER_STATIC (one static program), not both."
 #elif defined(NYSERVER_EXPORTS)
 #define NYSERVER_API __declspec(dllexport)
 #elif defined(NYSERVER_STATIC)

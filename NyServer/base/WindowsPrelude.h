@@ -1,9 +1,11 @@
-// The one way into the Windows headers: their version, without the rarely used parts, Winsock 2 before windows.h.
+// The one way into the Windows headers: their version, without the rarely used parts, Winsock 2
+// before windows.h.
 #pragma once
 
 #ifdef _WINSOCKAPI_
 #ifndef _WINSOCK2API_
-#error "winsock.h came first: include this project's headers before <windows.h>, or define WIN32_LEAN_AND_MEAN."
+#error \
+    "winsock.h came first: include this project's headers before <windows.h>, or define WIN32_LEAN_AND_MEAN."
 #endif
 #endif
 

@@ -1,5 +1,5 @@
-// The result codes of the socket layer: number, name and meaning, once. Hosts compare against the numbers: do not change
-// them, and never give an old number a new meaning.
+// The result codes of the socket layer: number, name and meaning, once. Hosts compare against the
+// numbers: do not change them, and never give an old number a new meaning.
 #pragma once
 
 #include "NyServer/NyServerApi.h"
@@ -8,6 +8,7 @@
 #define NY_SOCKET_CODES(X)                                                                         \
     X(UTE_SUCCESS, 0, "success")                                                                   \
     X(UTE_ERROR, 1, "a socket call failed")                                                        \
+    X(UTE_WORKER_SEND_FAILED, 4, "a send of a server's worker failed")                             \
     X(UTE_CONNECT_TIMEOUT, 5, "the connect did not finish within the time-out")                    \
     X(UTE_NAME_LOOKUP_FAILED, 7, "the host look-up found nothing")                                 \
     X(UTE_SOCK_NOT_OPEN, 15, "the socket is not open")                                             \

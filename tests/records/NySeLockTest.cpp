@@ -163,6 +163,21 @@ TEST_F(Lock, HoldersAreWrittenWhereTheFileStands) {
     EXPECT_EQ(hex("'ab' FFFF DF07 1700 'NySeSessionLockPtrArray' 0000"), toHex(contentsOf(file)));
 }
 
+// Sees the schema under which it is stored.
+class SchemaSpy : public NySeSessionLock {
+  public:
+    void Serialize(CArchive& ar) override { m_schema = ar.GetObjectSchema(); }
+    UINT m_schema = 0;
+};
+
+TEST_F(Lock, HoldersTravelUnderTheRecordsSchema) {
+    auto* holder = new SchemaSpy;
+    m_lock.getHolders().add(holder);
+    CMemFile file;
+    m_lock.writeUserArray(file);
+    EXPECT_EQ(2015u, holder->m_schema);
+}
+
 TEST_F(Lock, HoldersMissInAFileThatCannotGrow) {
     BYTE block[10];
     CMemFile file(block, sizeof block);

@@ -9,10 +9,10 @@
 #error "Slots are read from pointers to members as the Itanium C++ ABI lays them out."
 #endif
 
-// The slot of `function`, counted from 0. The destructor takes slots 0 and 1 (complete and deleting), so that in a
-// class that declares its destructor first the second virtual function has slot 2, the third 3, and so on.
-// REQUIRES: `function` is virtual. For an overloaded function, cast to the type meant; for a protected one, take the
-// pointer inside a derived class.
+// The slot of `function`, counted from 0. The destructor takes slots 0 and 1 (complete and
+// deleting), so that in a class that declares its destructor first the second virtual function has
+// slot 2, the third 3, and so on. REQUIRES: `function` is virtual. For an overloaded function, cast
+// to the type meant; for a protected one, take the pointer inside a derived class.
 template <class Member>
 std::size_t slotOf(Member function) {
     struct Layout {

@@ -120,16 +120,18 @@ bool CArchive::tryFetch(size_t count) {
         return static_cast<size_t>(m_max - m_cur) >= count;
     }
     useOwnBuffer();
-    size_t held = static_cast<size_t>(m_max - m_cur);
+    const size_t held = static_cast<size_t>(m_max - m_cur);
     if (held > 0) std::memmove(m_buffer, m_cur, held);
-    while (held < count) {
-        const UINT got = m_file->Read(m_buffer + held, static_cast<UINT>(m_bufferSize - held));
-        if (got == 0) break;
-        held += got;
-    }
     m_start = m_cur = m_buffer;
+    // Kept up to date, so that nothing is lost when the file throws.
     m_max = m_buffer + held;
-    return held >= count;
+    while (static_cast<size_t>(m_max - m_cur) < count) {
+        const UINT room = static_cast<UINT>(m_buffer + m_bufferSize - m_max);
+        const UINT got = m_file->Read(m_max, room);
+        if (got == 0) return false;
+        m_max += got;
+    }
+    return true;
 }
 
 void CArchive::fetch(size_t count) {
@@ -148,6 +150,12 @@ UINT CArchive::Read(void* buffer, UINT count) {
         left -= part;
     }
     return count - left;
+}
+
+void CArchive::EnsureRead(void* buffer, UINT count) {
+    if (Read(buffer, count) != count) {
+        AfxThrowArchiveException(CArchiveException::endOfFile, m_strFileName);
+    }
 }
 
 ULONGLONG CArchive::BytesLeft() const {

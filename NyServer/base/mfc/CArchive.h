@@ -54,6 +54,8 @@ class NYBASE_API CArchive {
 
     // The number of bytes read, less than `count` at the end of the data.
     UINT Read(void* buffer, UINT count);
+    // Reads all `count` bytes or throws CArchiveException endOfFile.
+    void EnsureRead(void* buffer, UINT count);
     void Write(const void* buffer, int count);
 
     template <class T>
@@ -71,6 +73,14 @@ class NYBASE_API CArchive {
         if (static_cast<size_t>(m_max - m_cur) < sizeof value) fetch(sizeof value);
         std::memcpy(&value, m_cur, sizeof value);
         m_cur += sizeof value;
+        return *this;
+    }
+
+    // Any byte but 0 is true.
+    CArchive& operator>>(bool& value) {
+        BYTE byte;
+        *this >> byte;
+        value = byte != 0;
         return *this;
     }
 

@@ -105,7 +105,7 @@ DWORD CArchive::readNewClass() {
     *this >> schema >> nameLength;
     if (nameLength == 0 || nameLength > kLongestClassName) throwBad(CArchiveException::badIndex);
     char name[kLongestClassName + 1] = {};
-    if (Read(name, nameLength) != nameLength) throwBad(CArchiveException::endOfFile);
+    EnsureRead(name, nameLength);
 
     CRuntimeClass* pClass = CRuntimeClass::FromName(name);
     if (pClass == nullptr || pClass->m_pfnCreateObject == nullptr || !pClass->IsSerializable() ||

@@ -17,8 +17,8 @@ class NYBASE_API CFile : public CObject {
     virtual void SetFilePath(LPCTSTR path) { m_strFileName = path; }
 
     // The new position. Throws CFileException badSeek, with the position unchanged, for one before
-    // the beginning. A position beyond the end is legal; the file grows when something is written
-    // there.
+    // the beginning or above the largest LONGLONG. A position beyond the end is legal; the file
+    // grows when something is written there.
     virtual ULONGLONG Seek(LONGLONG offset, UINT from) = 0;
     virtual void SetLength(ULONGLONG length) = 0;
     virtual ULONGLONG GetLength() const = 0;

@@ -7,6 +7,13 @@
 
 IMPLEMENT_DYNAMIC(CMemFile, CFile)
 
+namespace {
+
+// No block of memory is larger.
+constexpr size_t kLargestBlock = std::numeric_limits<ptrdiff_t>::max();
+
+}  // namespace
+
 CMemFile::CMemFile(UINT growBytes) : m_nGrowBytes(growBytes) {}
 
 CMemFile::CMemFile(BYTE* buffer, UINT bufferSize, UINT growBytes) : m_nGrowBytes(growBytes) {
@@ -41,11 +48,12 @@ void CMemFile::Close() {
 }
 
 ULONGLONG CMemFile::Seek(LONGLONG offset, UINT from) {
-    LONGLONG target = offset;
-    if (from == current) target += static_cast<LONGLONG>(m_nPosition);
-    if (from == end) target += static_cast<LONGLONG>(m_nFileSize);
-    if (target < 0) AfxThrowFileException(CFileException::badSeek, -1, m_strFileName);
-    m_nPosition = static_cast<size_t>(target);
+    const size_t origin = from == current ? m_nPosition : from == end ? m_nFileSize : 0;
+    const LONGLONG start = static_cast<LONGLONG>(origin);
+    if (offset < -start || offset > std::numeric_limits<LONGLONG>::max() - start) {
+        AfxThrowFileException(CFileException::badSeek, -1, m_strFileName);
+    }
+    m_nPosition = static_cast<size_t>(start + offset);
     return m_nPosition;
 }
 
@@ -136,7 +144,7 @@ void CMemFile::GrowFile(size_t bytes) {
     // At least half as much again, so that a file written in small steps is not moved at every
     // step.
     const size_t wanted = std::max(bytes, m_nBufferSize + m_nBufferSize / 2);
-    if (wanted > std::numeric_limits<size_t>::max() - m_nGrowBytes) AfxThrowMemoryException();
+    if (wanted > kLargestBlock - m_nGrowBytes) AfxThrowMemoryException();
     const size_t size = (wanted + m_nGrowBytes - 1) / m_nGrowBytes * m_nGrowBytes;
     BYTE* block = m_lpBuffer != nullptr ? Realloc(m_lpBuffer, size) : Alloc(size);
     if (block == nullptr) AfxThrowMemoryException();

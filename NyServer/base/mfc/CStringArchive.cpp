@@ -61,10 +61,11 @@ CArchive& operator>>(CArchive& ar, CString& text) {
     const int characters = static_cast<int>(length);
     CString read;
     if (charSize == sizeof(WCHAR)) {
-        ar.Read(read.GetBufferSetLength(characters), static_cast<UINT>(length * sizeof(WCHAR)));
+        ar.EnsureRead(read.GetBufferSetLength(characters),
+                      static_cast<UINT>(length * sizeof(WCHAR)));
     } else {
         std::string narrow(length, 0);
-        ar.Read(narrow.data(), static_cast<UINT>(length));
+        ar.EnsureRead(narrow.data(), static_cast<UINT>(length));
         read = CString(narrow.c_str(), characters);
     }
     text = std::move(read);

@@ -40,14 +40,17 @@ class AfxArray : public CObject {
     }
     // These two grow the array to reach `index`; the gap is filled with null or empty elements.
     void SetAtGrow(INT_PTR index, ARG_TYPE element) {
-        require(index >= 0);
-        if (index >= GetSize()) SetSize(index + 1);
-        SetAt(index, element);
+        if (index >= GetSize()) {
+            InsertAt(index, element);
+        } else {
+            SetAt(index, element);
+        }
     }
     void InsertAt(INT_PTR index, ARG_TYPE element, INT_PTR count = 1) {
         require(index >= 0 && count > 0);
+        const TYPE kept = element;  // it may be one of the array's own, which growing moves
         if (index > GetSize()) SetSize(index);
-        m_elements.insert(m_elements.begin() + index, static_cast<size_t>(count), element);
+        m_elements.insert(m_elements.begin() + index, static_cast<size_t>(count), kept);
     }
     void RemoveAt(INT_PTR index, INT_PTR count = 1) {
         require(index >= 0 && count >= 0 && index <= GetSize() && count <= GetSize() - index);

@@ -4,6 +4,10 @@
 #include "afx.h"
 #include "afxarray.h"
 
+// The extraction operators of these classes are exported with them.
+#undef AFX_API
+#define AFX_API NYBASE_API
+
 // Pointers to objects, which stay whoever's they are.
 class NYBASE_API CObArray : public AfxArray<CObject*, CObject*> {
     DECLARE_SERIAL(CObArray)
@@ -18,3 +22,6 @@ class NYBASE_API CStringArray : public AfxArray<CString> {
     // A count, then each string.
     void Serialize(CArchive& ar) override;
 };
+
+#undef AFX_API
+#define AFX_API

@@ -18,8 +18,8 @@ typedef int BOOL;
 typedef unsigned int UINT;
 typedef intptr_t INT_PTR;
 typedef uintptr_t UINT_PTR;
-typedef int64_t LONGLONG;
-typedef uint64_t ULONGLONG;
+typedef long long LONGLONG;  // as there; a native long is no archive value
+typedef unsigned long long ULONGLONG;
 typedef char16_t WCHAR;
 typedef WCHAR TCHAR;
 typedef const char* LPCSTR;

@@ -22,7 +22,7 @@ class CArray : public AfxArray<TYPE, ARG_TYPE> {
             AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
         }
         this->SetSize(static_cast<INT_PTR>(count));
-        ar.Read(this->GetData(), static_cast<UINT>(byteCount()));
+        ar.EnsureRead(this->GetData(), static_cast<UINT>(byteCount()));
     }
 
   private:

@@ -31,7 +31,7 @@ void QoArraySerial2::Serialize(CArchive& ar) {
         for (size_t left = ar.ReadCount(); left > 0; --left) {
             std::unique_ptr<QoObject2> element = readElement(ar);
             append(element.get());
-            element.release();
+            static_cast<void>(element.release());
         }
     } catch (...) {
         deleteLoaded();

@@ -1,0 +1,120 @@
+// The connection, the transport and the session calls. The requests are in one source per family.
+#include "NyServer/client/NySeClientApp.h"
+
+#include "NyServer/client/ClientExchange.h"
+#include "NyServer/socket/CUT_WSClient.h"
+
+namespace {
+
+constexpr int kConnected = 0;
+constexpr int kNotConnected = 90;
+
+void switchOffNagle(SOCKET socket) {
+    // A request without an answer must not hold the next one back.
+    const BOOL on = TRUE;
+    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+}
+
+}  // namespace
+
+NySeClientApp::NySeClientApp() : m_socket(new CUT_WSClient) {}
+
+NySeClientApp::~NySeClientApp() {
+    delete m_socket;
+}
+
+int NySeClientApp::connect(int port, const char* address, int) {
+    m_socket->Reset();
+    const int result =
+        m_socket->Connect(static_cast<unsigned int>(port), address, -1, AF_INET, SOCK_STREAM);
+    if (result != UTE_SUCCESS) return kNotConnected;
+    switchOffNagle(m_socket->GetSocket());
+    return kConnected;
+}
+
+bool NySeClientApp::disconnect() {
+    const LONG code = NySe::actionDisconnect;
+    sendBinary(&code, sizeof code);
+    return m_socket->CloseConnection() == UTE_SUCCESS;
+}
+
+int NySeClientApp::IsConnected() {
+    return m_socket->IsConnected();
+}
+
+unsigned NySeClientApp::getPort() const {
+    return ::ntohs(m_socket->getsockAddr().sin_port);
+}
+
+CString NySeClientApp::getStrAddress() const {
+    return CString(m_socket->getszAddress());
+}
+
+CString NySeClientApp::getHostName() const {
+    WCHAR name[255];
+    DWORD length = 255;
+    return ::GetComputerNameW(name, &length) ? CString(name) : CString();
+}
+
+int NySeClientApp::sendBinary(const void* data, int length) {
+    return m_socket->Send(static_cast<const char*>(data), length);
+}
+
+int NySeClientApp::receiveBinary(char* buffer, int length, int timeout) {
+    return m_socket->Receive(buffer, length, timeout);
+}
+
+bool NySeClientApp::sendMemFile(NySeMemFile& message) {
+    if (message.getActionType() > NySe::lastSendableAction) return false;
+    const int length = static_cast<int>(message.getLength());
+    const int sent = sendBinary(message.getBuffer(), length);
+    return sent != 0 && sent == length;
+}
+
+bool NySeClientApp::receiveMemfile(CMemFile& into) {
+    LONG length = 0;
+    if (!receiveScalarInto(length)) return false;
+    // A negative length counts as an empty reply.
+    LONG missing = length;
+    const bool received = NySe::succeeds([&] {
+        missing = NySe::receiveBody(into, length, [this](char* buffer, int count) {
+            return receiveBinary(buffer, count, clientexchange::kChunkTimeOut);
+        });
+    });
+    return received && missing == 0;
+}
+
+bool NySeClientApp::receiveString(CString& into) {
+    NySeMemFile reply;
+    if (!receiveMemfile(reply)) return false;
+    NySe::readReplyString(reply, into);
+    return true;
+}
+
+void NySeClientApp::transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
+    const bool toOwns = to.getDeleteObject();
+    to.setDeleteObject(false);
+    to.addFrom(from);
+    to.setDeleteObject(toOwns);
+
+    const bool fromOwns = from.getDeleteObject();
+    from.setDeleteObject(false);
+    from.RemoveAll();
+    from.setDeleteObject(fromOwns);
+}
+
+void NySeClientApp::initializeSchema() {
+    const LONG asked = NySe::schema2015;
+    if (!requestUnder(NySe::schema2015, NySe::actionInitializeSchema, asked)) return;
+    receiveScalarInto(m_schema);
+}
+
+bool NySeClientApp::isAlive() {
+    return request(NySe::actionIsAlive) && receiveScalar<LONG>(0) == NySe::kAliveAnswer;
+}
+
+double NySeClientApp::getVersion() {
+    const LONG code = NySe::actionGetVersion;
+    sendBinary(&code, sizeof code);
+    return receiveScalar<double>(-1.0);
+}

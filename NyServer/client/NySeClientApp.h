@@ -1,0 +1,92 @@
+// NySeClientApp: an application's handle on the central server.
+#pragma once
+
+#include <afx.h>
+
+#include <memory>
+
+#include "NyServer/framing/NySeMemFile.h"
+#include "NyServer/NyServerApi.h"
+#include "NyServer/records/NySeUserPtrArray.h"
+
+class CUT_WSClient;
+
+// Each request is one exchange on one TCP connection: the call sends a message and, where an answer
+// is due, waits for it. Construct; connect; initializeSchema; any requests; disconnect; destroy.
+//
+// Threads: replies are matched to requests by their order alone, so an object carries one exchange
+// at a time; callers on several threads lock around each call.
+//
+// Ownership: the object owns its socket. A copy shares it, and each destructor deletes it: at most
+// one of an object and its copies may live to be destroyed.
+//
+// No call throws for what the network or the server does; a request that could not be sent or got
+// no usable answer returns its failure value. A scalar answer must come in one piece within 15
+// seconds; a longer one may come in pieces, at most 30 seconds apart. Records that a call appends
+// to a table are the table's, by its own delete-ownership flag.
+class NYSERVER_API NySeClientApp {
+  public:
+    NySeClientApp();
+    NySeClientApp(const NySeClientApp& other) = default;
+    NySeClientApp& operator=(const NySeClientApp& other) = default;
+    virtual ~NySeClientApp();
+
+    // 0 when connected, 90 on any failure. address: a dotted IPv4 address or a host name, in ANSI
+    // characters. The time-out is ignored: connecting takes as long as the system lets it.
+    // REQUIRES: not connected; the socket of an open connection would be lost.
+    int connect(int port, const char* address, int timeout);
+    // Says good-bye and closes. False when the close failed.
+    bool disconnect();
+    // 1 while the server holds the connection, else 0.
+    int IsConnected();
+
+    // Of the connection's other end; 0 and empty when there is none.
+    unsigned getPort() const;
+    CString getStrAddress() const;
+    // This computer's name; the server is not asked.
+    CString getHostName() const;
+
+    // Agrees on the schema of all later requests. It stays as it was when the request cannot be
+    // sent.
+    void initializeSchema();
+    NySe::SchemaType getSchemaType() const { return m_schema; }
+    // True when the server answered as a living one does.
+    bool isAlive();
+    // The server's version; -1.0 when it does not say.
+    double getVersion();
+
+    // Appends the server's users to `users`, which stays as it was on failure.
+    void getAllUser(NySeUserPtrArray& users);
+    // Registers `user` and returns the port for the user's notification listener. `user` takes
+    // every field as the server completed it. 0 on failure, with `user` as it was.
+    int getPortClient(NySeUser& user);
+
+  private:
+    friend struct NySeClientAppAccess;  // the tests' way to the transport
+
+    int sendBinary(const void* data, int length);
+    int receiveBinary(char* buffer, int length, int timeout);
+    bool sendMemFile(NySeMemFile& message);
+    bool receiveMemfile(CMemFile& into);
+    bool receiveString(CString& into);
+    // Hands all records of `from` to `to` without a copy; `from` is empty then.
+    static void transfertObject(QoArraySerial2& from, QoArraySerial2& to);
+
+    // What every request is made of, in ClientExchange.h.
+    template <class... Arguments>
+    bool request(NySe::ActionType action, const Arguments&... arguments);
+    template <class... Arguments>
+    bool requestUnder(NySe::SchemaType schema, NySe::ActionType action,
+                      const Arguments&... arguments);
+    template <class Scalar>
+    bool receiveScalarInto(Scalar& value);
+    template <class Scalar>
+    Scalar receiveScalar(Scalar failure);
+    template <class Record>
+    std::shared_ptr<Record> receiveRecord();
+    template <class Table>
+    void receiveTable(Table& into);
+
+    CUT_WSClient* m_socket;
+    NySe::SchemaType m_schema = NySe::noSchema;
+};

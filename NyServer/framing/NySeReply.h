@@ -1,0 +1,58 @@
+// How a reply is taken apart once its bytes are there. Nothing here touches a socket.
+#pragma once
+
+#include <algorithm>
+
+#include "NyServer/framing/NySeMemFile.h"
+
+namespace NySe {
+
+// Announced lengths are believed in steps of this many bytes: memory is asked for only as bytes
+// arrive.
+inline constexpr LONG kReceiveStep = 64 * 1024;
+
+// Fills `into` with `length` bytes from `receive(char* buffer, int length)`, which returns the
+// number of bytes that it put there, less than 1 when no more will come. `into` ends at its start,
+// with what arrived. Returns the number of bytes that are missing; a length of 0 or less misses
+// none.
+template <class Receive>
+LONG receiveBody(CMemFile& into, LONG length, Receive receive) {
+    LONG missing = std::max<LONG>(length, 0);
+    while (missing > 0) {
+        void* room = nullptr;
+        void* end = nullptr;
+        into.GetBufferPtr(CFile::bufferWrite, static_cast<UINT>(std::min(missing, kReceiveStep)),
+                          &room, &end);
+        const LONG fits = static_cast<LONG>(static_cast<char*>(end) - static_cast<char*>(room));
+        const int received = receive(static_cast<char*>(room), std::min(missing, fits));
+        if (received < 1) break;
+        into.GetBufferPtr(CFile::bufferCommit, static_cast<UINT>(received));
+        missing -= received;
+    }
+    into.SeekToBegin();
+    return missing;
+}
+
+// Runs `action` and drops whatever it throws. False when it threw.
+template <class Action>
+bool succeeds(Action action) {
+    try {
+        action();
+        return true;
+    } catch (CException* error) {
+        error->Delete();
+    } catch (...) {
+        // Whatever a caller's own record throws ends here too: no exception leaves the library.
+    }
+    return false;
+}
+
+// The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
+// of another class than `expected`.
+NYSERVER_API CObject* readReplyObject(CMemFile& reply, const CRuntimeClass* expected);
+
+// The one string in `reply`. When the bytes are no string, `text` stays as it was and false is
+// returned.
+NYSERVER_API bool readReplyString(NySeMemFile& reply, CString& text);
+
+}  // namespace NySe

@@ -1,0 +1,119 @@
+#include "NyServer/socket/AcceptRun.h"
+
+#include <process.h>
+
+#include "NyServer/socket/ServerConnection.h"
+
+namespace {
+
+constexpr DWORD kLongestWait = 30000;
+
+HANDLE asHandle(uintptr_t thread) {
+    return reinterpret_cast<HANDLE>(thread);
+}
+
+UniqueKernelHandle duplicate(HANDLE handle) {
+    HANDLE copy = nullptr;
+    ::DuplicateHandle(::GetCurrentProcess(), handle, ::GetCurrentProcess(), &copy, 0, FALSE,
+                      DUPLICATE_SAME_ACCESS);
+    return UniqueKernelHandle(copy);
+}
+
+}  // namespace
+
+uintptr_t CUT_WSServer::AcceptRun::start(const std::shared_ptr<AcceptRun>& run) {
+    run->m_self = run;
+    const uintptr_t thread = ::_beginthread(runThread, 0, run.get());
+    if (thread == kNoThread)
+        run->m_self.reset();
+    else
+        run->m_thread = duplicate(asHandle(thread));
+    return thread;
+}
+
+bool CUT_WSServer::AcceptRun::awaitEnd() const {
+    return ::WaitForSingleObject(m_thread.get(), kLongestWait) == WAIT_OBJECT_0;
+}
+
+void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread) {
+    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd()) return;
+    const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
+    m_door->leave(m_visit);
+    dropAccepted();
+    m_self.reset();
+}
+
+void CUT_WSServer::AcceptRun::runThread(void* run) {
+    auto* self = static_cast<AcceptRun*>(run);
+    SOCKET listener = INVALID_SOCKET;
+    while (self->mayAccept(listener) && self->serveNext(listener)) {
+    }
+    const std::shared_ptr<AcceptRun> last = std::move(self->m_self);
+}
+
+bool CUT_WSServer::AcceptRun::mayAccept(SOCKET& listener) {
+    const ServerDoor::Lock lock(*m_door);
+    if (!isCurrent()) return false;
+    if (m_server.m_stopRequested == 1) {
+        m_server.m_accepting = 0;
+        m_server.m_stopRequested = 0;
+        m_server.m_acceptThread = kNoThread;
+        return false;
+    }
+    listener = m_server.m_listenSocket;
+    return true;
+}
+
+// False when the thread is to end.
+bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
+    sockaddr_in peer{};
+    int length = sizeof peer;
+    m_accepted.reset(::accept(listener, reinterpret_cast<sockaddr*>(&peer), &length));
+    if (!keepsAccepted()) return false;
+    if (isWelcome(peer))
+        handOver(listener, peer);
+    else
+        dropAccepted();
+    return true;
+}
+
+bool CUT_WSServer::AcceptRun::keepsAccepted() {
+    const ServerDoor::Lock lock(*m_door);
+    const bool isOurs = isCurrent();
+    if (m_accepted && isOurs && m_server.m_stopRequested != 1) return true;
+    dropAccepted();
+    if (isOurs) m_server.m_acceptThread = kNoThread;
+    return false;
+}
+
+// Under the lock because it may allocate, and nobody may be ended by force who holds the heap's own
+// lock.
+std::string CUT_WSServer::AcceptRun::addressText(const sockaddr_in& peer) {
+    const ServerDoor::Lock lock(*m_door);
+    return socketcalls::dottedText(peer);
+}
+
+bool CUT_WSServer::AcceptRun::isWelcome(const sockaddr_in& peer) {
+    const std::string address = addressText(peer);
+    if (!m_door->enterToJudge(m_visit)) return false;
+    bool isWelcome = false;
+    try {
+        isWelcome = m_server.OnCanAccept(address.c_str()) != 0;
+    } catch (...) {
+        // A judge that fails lets nobody in.
+    }
+    m_door->leave(m_visit);
+    return isWelcome;
+}
+
+void CUT_WSServer::AcceptRun::handOver(SOCKET listener, const sockaddr_in& peer) {
+    const ServerDoor::Lock lock(*m_door);
+    if (!isCurrent()) return dropAccepted();
+    const bool isTooMany = m_server.m_maxConnections <= m_server.m_connectionCount;
+    ServerConnection::start({std::move(m_accepted), listener, peer, isTooMany, &m_server, m_door});
+}
+
+void CUT_WSServer::AcceptRun::dropAccepted() {
+    const ServerDoor::Lock lock(*m_door);
+    if (m_accepted) socketcalls::closeSocket(m_accepted.release());
+}

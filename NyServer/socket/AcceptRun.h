@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "NyServer/base/KernelHandle.h"
+#include "NyServer/socket/CUT_WSServer.h"
+#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/SocketCalls.h"
+
+// One run of a server's accepting thread, from StartAccept to its end. It may last longer than the
+// server or than the server's interest in it, for example while OnCanAccept does not return; the
+// thread then touches neither the server nor the run that has taken its place.
+//
+// The thread is at all times in accept, in OnCanAccept, or in a step that it does under the door's
+// lock. Whoever ends it by force holds that lock and so does not interrupt such a step.
+class CUT_WSServer::AcceptRun {
+  public:
+    explicit AcceptRun(CUT_WSServer& server) : m_server(server), m_door(server.m_door) {}
+
+    // Starts the thread, which keeps `run` alive; it does nothing before the caller lets the door's
+    // lock go. What the server is to note of it, or -1. REQUIRES: the door's lock.
+    static uintptr_t start(const std::shared_ptr<AcceptRun>& run);
+
+    // Waits at most 30 s for the thread. False when it is still there.
+    bool awaitEnd() const;
+
+    // Ends the thread by force and takes back what it held. Failure is ignored: the thread then
+    // ends by itself once the listening socket is closed. REQUIRES: the door's lock, and that the
+    // thread has not signed off.
+    void endByForce(uintptr_t startedThread);
+
+  private:
+    static void runThread(void* run);
+    bool isCurrent() const { return !m_door->isGone() && m_server.m_acceptRun.get() == this; }
+    bool mayAccept(SOCKET& listener);
+    bool serveNext(SOCKET listener);
+    bool keepsAccepted();
+    std::string addressText(const sockaddr_in& peer);
+    bool isWelcome(const sockaddr_in& peer);
+    void handOver(SOCKET listener, const sockaddr_in& peer);
+    void dropAccepted();
+
+    CUT_WSServer& m_server;
+    std::shared_ptr<ServerDoor> m_door;
+    // A handle of our own: the one that _beginthread returns closes itself when the thread ends.
+    UniqueKernelHandle m_thread;
+    UniqueSocket m_accepted;
+    ServerDoor::Visit m_visit;
+    std::shared_ptr<AcceptRun> m_self;  // the thread's share
+};

@@ -1,0 +1,163 @@
+#include "NyServer/socket/CUT_WSServer.h"
+
+#include "NyServer/socket/AcceptRun.h"
+#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/SocketCalls.h"
+#include "NyServer/socket/SocketCodes.h"
+#include "NyServer/socket/SocketErrorText.h"
+
+namespace {
+
+constexpr int kHighestMaximum = 32000;
+
+bool isListening(SOCKET socket) {
+    int answer = 0;
+    int length = sizeof answer;
+    ::getsockopt(socket, SOL_SOCKET, SO_ACCEPTCONN, reinterpret_cast<char*>(&answer), &length);
+    return answer != 0;
+}
+
+}  // namespace
+
+CUT_WSServer::CUT_WSServer() : m_door(std::make_shared<ServerDoor>()) {
+    ::InitializeCriticalSection(&m_threadListLock);
+    socketcalls::startWinsock(m_winsockData);
+}
+
+CUT_WSServer::~CUT_WSServer() {
+    m_door->shut();
+    SetShutDownFlag(1);
+    StopAccept();
+    CloseListenSocket();
+    m_door->forgetServer();
+    FreeThreadList();
+    ::DeleteCriticalSection(&m_threadListLock);
+    ::WSACleanup();
+}
+
+int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family,
+                                unsigned long address) {
+    ++m_startUpCount;
+    if (!socketcalls::startWinsock(m_winsockData)) return OnError(UTE_ERROR);
+    CloseUnusedListenSocket();
+    m_serverAddress = socketcalls::makeAddress(family, port, address);
+    m_listenSocket = ::socket(AF_INET, SOCK_STREAM, m_protocol);
+    if (m_listenSocket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
+    if (::bind(m_listenSocket, reinterpret_cast<sockaddr*>(&m_serverAddress),
+               sizeof m_serverAddress) == SOCKET_ERROR)
+        return OnError(UTE_SOCK_BIND_FAILED);
+    if (::listen(m_listenSocket, queueSize) == SOCKET_ERROR) return OnError(UTE_SOCK_LISTEN_ERROR);
+    m_port = port;
+    return OnError(UTE_SUCCESS);
+}
+
+int CUT_WSServer::StartAccept() {
+    if (m_accepting == 1) return OnError(UTE_ERROR);
+    return OnError(StartAcceptThread() ? UTE_SUCCESS : UTE_ERROR);
+}
+
+// The thread waits for the lock and so finds everything noted about it, however short its life is.
+bool CUT_WSServer::StartAcceptThread() try {
+    const ServerDoor::Lock lock(*m_door);
+    m_stopRequested = 0;
+    m_acceptRun = std::make_shared<AcceptRun>(*this);
+    const uintptr_t thread = AcceptRun::start(m_acceptRun);
+    if (thread == kNoThread) return false;
+    m_acceptThread = thread;
+    m_accepting = 1;
+    return true;
+} catch (...) {
+    return false;
+}
+
+int CUT_WSServer::StopAccept() {
+    if (m_accepting == 1) {
+        m_accepting = 0;
+        m_stopRequested = 1;
+        if (TempConnect(m_port, "127.0.0.1") == UTE_SUCCESS)
+            m_acceptRun->awaitEnd();
+        else
+            EndAcceptThreadByForce();
+        CloseListenSocket();
+    }
+    if (m_startUpCount >= 1) {
+        --m_startUpCount;
+        ::WSACleanup();
+    }
+    return 0;
+}
+
+void CUT_WSServer::EndAcceptThreadByForce() {
+    const ServerDoor::Lock lock(*m_door);
+    if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+    m_acceptThread = kNoThread;
+}
+
+int CUT_WSServer::TempConnect(unsigned int port, const char* address) {
+    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
+    auto report = [&](int result) {
+        if (result == SOCKET_ERROR) OnStatus(SocketErrorText(&socket, nullptr));
+        return result;
+    };
+    const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
+    const int connected =
+        report(::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer));
+    report(::shutdown(socket, SD_BOTH));
+    report(::closesocket(socket));
+    return OnError(connected == SOCKET_ERROR ? UTE_SOCK_CONNECT_FAILED : UTE_SUCCESS);
+}
+
+int CUT_WSServer::SetMaxConnections(int n) {
+    if (n < 1 || n > kHighestMaximum) return -1;
+    return m_maxConnections = n;
+}
+
+int CUT_WSServer::SetPort(unsigned int port) {
+    m_port = port;
+    return OnError(UTE_SUCCESS);
+}
+
+unsigned int CUT_WSServer::GetBoundPort() const {
+    return static_cast<unsigned int>(socketcalls::localPort(m_listenSocket));
+}
+
+int CUT_WSServer::Pause() {
+    return 0;
+}
+
+int CUT_WSServer::Resume() {
+    return 0;
+}
+
+long CUT_WSServer::OnCanAccept(const char*) {
+    return 1;
+}
+
+int CUT_WSServer::OnStatus(const wchar_t*) {
+    return 0;
+}
+
+int CUT_WSServer::OnError(int code) {
+    return code;
+}
+
+bool CUT_WSServer::CloseDoorIfIdle() {
+    return m_door->shutIfIdle();
+}
+
+void CUT_WSServer::CloseDoor() {
+    m_door->shut();
+    m_door->awaitEmpty();
+}
+
+void CUT_WSServer::CloseListenSocket() {
+    const SOCKET socket = m_listenSocket.exchange(INVALID_SOCKET);
+    if (socket != INVALID_SOCKET) socketcalls::closeSocket(socket);
+}
+
+// What a failed ConnectToPort has left.
+void CUT_WSServer::CloseUnusedListenSocket() {
+    if (m_listenSocket != INVALID_SOCKET && !isListening(m_listenSocket))
+        ::closesocket(m_listenSocket.exchange(INVALID_SOCKET));
+}

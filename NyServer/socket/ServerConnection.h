@@ -1,0 +1,40 @@
+#pragma once
+
+#include <memory>
+
+#include "NyServer/socket/CUT_WSServer.h"
+#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/SocketCalls.h"
+
+// One accepted connection of a CUT_WSServer: what the accepting thread hands to the thread that
+// serves it.
+class ServerConnection {
+  public:
+    struct Accepted {
+        UniqueSocket socket;
+        SOCKET listenSocket;
+        sockaddr_in peer;
+        bool isTooMany;
+        CUT_WSServer* server;
+        std::shared_ptr<ServerDoor> door;
+    };
+
+    // Starts the connection's thread, which owns everything from then on. When there is no thread
+    // to be had the connection is closed.
+    static void start(Accepted accepted);
+
+  private:
+    explicit ServerConnection(Accepted accepted) : m_accepted(std::move(accepted)) {}
+    ~ServerConnection();
+
+    static void runThread(void* connection);
+    void serve();
+    CUT_WSThread* makeWorker();
+    void introduce(CUT_WSThread& worker);
+    void runHandler(CUT_WSThread& worker);
+    void dismiss(CUT_WSThread* worker);
+    void release(CUT_WSThread* worker);
+
+    Accepted m_accepted;
+    ServerDoor::Visit m_visit;
+};

@@ -1,0 +1,72 @@
+// nycentral: the reference central server as a program.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fstream>
+
+#include "apps/central/CentralServer.h"
+#include "apps/common/Utf8.h"
+
+namespace {
+
+HANDLE stopRequested;
+
+BOOL WINAPI requestStop(DWORD) {
+    ::SetEvent(stopRequested);
+    return TRUE;
+}
+
+// The whole number at once: who waits for the file reads it as soon as it is there.
+bool writePortFile(const std::string& path, unsigned int port) {
+    if (path.empty()) return true;
+    const std::string unfinished = path + ".new";
+    {
+        std::ofstream file(unfinished, std::ios::trunc);
+        file << port << '\n';
+        if (!file.flush()) return false;
+    }
+    return ::MoveFileExW(fromUtf8(unfinished), fromUtf8(path), MOVEFILE_REPLACE_EXISTING) != 0;
+}
+
+int run(const std::string& address, unsigned short port, const std::string& portFile) {
+    CentralServer server;
+    if (const int code = server.start(::inet_addr(address.c_str()), port); code != 0) {
+        std::fprintf(stderr, "cannot listen on %s:%u (code %d)\n", address.c_str(), port, code);
+        return 1;
+    }
+    if (!writePortFile(portFile, server.GetPort())) {
+        std::fprintf(stderr, "cannot write %s\n", portFile.c_str());
+        return 1;
+    }
+    std::printf("listening on %s:%u\n", address.c_str(), server.GetPort());
+    std::fflush(stdout);
+    ::WaitForSingleObject(stopRequested, INFINITE);
+    std::printf("stopping\n");
+    return 0;
+}
+
+}  // namespace
+
+int main() {
+    CLI::App app("The reference central server: who is connected, and who holds what.",
+                 "nycentral");
+    std::string address = "127.0.0.1";
+    unsigned short port = 0;
+    std::string portFile;
+    app.add_option("--bind", address, "The IPv4 address to listen on")
+        ->capture_default_str()
+        ->check(CLI::ValidIPV4);
+    app.add_option("--port", port, "The port to listen on; 0 takes a free one")
+        ->capture_default_str();
+    app.add_option("--port-file", portFile, "A file to write the port to once it is open");
+
+    std::vector<std::string> arguments = commandLineArguments();
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    try {
+        app.parse(arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    stopRequested = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    ::SetConsoleCtrlHandler(&requestStop, TRUE);
+    return run(address, port, portFile);
+}

@@ -1,0 +1,13 @@
+// Text between the programs' UTF-8 and the library's UTF-16.
+#pragma once
+
+#include <afx.h>
+
+#include <string>
+#include <vector>
+
+std::string toUtf8(const CString& text);
+CString fromUtf8(const std::string& text);
+
+// The program's arguments in UTF-8, without its own name.
+std::vector<std::string> commandLineArguments();

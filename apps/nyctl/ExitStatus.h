@@ -1,0 +1,9 @@
+// What nyctl tells the program that started it. Scripts test these numbers: do not change them.
+#pragma once
+
+enum ExitStatus : int {
+    exitYes = 0,      // yes, granted, done
+    exitNo = 1,       // no, refused
+    exitUsage = 2,    // the command line was wrong
+    exitNoAnswer = 3  // no connection, or no answer
+};

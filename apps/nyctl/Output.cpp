@@ -1,0 +1,66 @@
+#include "apps/nyctl/Output.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+std::string cell(const Record& value) {
+    return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+// Characters, not bytes: the bytes that continue a character do not count.
+size_t width(const std::string& utf8) {
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char byte) {
+        return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+    }));
+}
+
+void printRow(const std::vector<std::string>& cells, const std::vector<size_t>& widths) {
+    std::string line;
+    for (size_t i = 0; i < cells.size(); ++i) {
+        line += cells[i];
+        if (i + 1 < cells.size()) line.append(widths[i] - width(cells[i]) + 2, ' ');
+    }
+    std::printf("%s\n", line.c_str());
+}
+
+void printJson(const Record& record) {
+    std::printf("%s\n", record.dump(-1, ' ', false, Record::error_handler_t::replace).c_str());
+}
+
+}  // namespace
+
+void Output::record(const Record& record) const {
+    if (m_options.json) {
+        printJson(record);
+    } else {
+        for (const auto& [name, value] : record.items()) {
+            std::printf("%s: %s\n", name.c_str(), cell(value).c_str());
+        }
+    }
+    std::fflush(stdout);
+}
+
+void Output::table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const {
+    if (m_options.json) {
+        for (const Record& row : rows) printJson(row);
+    } else {
+        std::vector<std::vector<std::string>> lines{columns};
+        for (const Record& row : rows) {
+            std::vector<std::string>& line = lines.emplace_back();
+            for (const std::string& column : columns) line.push_back(cell(row.at(column)));
+        }
+        std::vector<size_t> widths(columns.size());
+        for (const auto& line : lines) {
+            for (size_t i = 0; i < line.size(); ++i)
+                widths[i] = std::max(widths[i], width(line[i]));
+        }
+        for (const auto& line : lines) printRow(line, widths);
+    }
+    std::fflush(stdout);
+}
+
+void Output::complain(const std::string& text) {
+    std::fprintf(stderr, "nyctl: %s\n", text.c_str());
+}

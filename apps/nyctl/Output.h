@@ -1,0 +1,26 @@
+// Output: what the commands find, as a table for people or as JSON for programs.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "apps/nyctl/Options.h"
+
+using Record = nlohmann::ordered_json;
+
+class Output {
+  public:
+    // The options are read when something is printed; they must outlive this object.
+    explicit Output(const Options& options) : m_options(options) {}
+
+    // One thing: "name: value" lines, or one object.
+    void record(const Record& record) const;
+    // Many things of one kind: a row each under `columns`, or an object each.
+    void table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const;
+    // Why a command failed, on standard error.
+    static void complain(const std::string& text);
+
+  private:
+    const Options& m_options;
+};

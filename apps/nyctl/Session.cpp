@@ -1,0 +1,47 @@
+#include "apps/nyctl/Session.h"
+
+#include <charconv>
+
+#include "apps/common/Utf8.h"
+
+namespace {
+
+// False when `server` is not HOST:PORT.
+bool splitServer(const std::string& server, std::string& host, int& port) {
+    const size_t colon = server.rfind(':');
+    if (colon == std::string::npos || colon == 0) return false;
+    host = server.substr(0, colon);
+    const char* const end = server.data() + server.size();
+    const auto [last, error] = std::from_chars(server.data() + colon + 1, end, port);
+    return error == std::errc() && last == end && port > 0 && port <= 0xFFFF;
+}
+
+}  // namespace
+
+Session::~Session() {
+    if (m_connected) m_client.disconnect();
+}
+
+bool Session::open() {
+    if (m_connected) return true;
+    std::string host;
+    int port = 0;
+    if (!splitServer(m_options.server, host, port)) return false;
+    m_connected = m_client.connect(port, host.c_str(), -1) == 0;
+    if (m_connected) m_client.initializeSchema();
+    return m_connected;
+}
+
+bool Session::isOpen() {
+    return m_connected && m_client.IsConnected() != 0;
+}
+
+bool Session::registerUser() {
+    if (m_registered || !open()) return m_registered;
+    m_user.setStrUserName(fromUtf8(m_options.user));
+    m_user.setStrHostName(m_client.getHostName());
+    m_user.setStrComputerName(m_client.getHostName());
+    m_user.setSchema(NySe::schema2015);
+    m_registered = m_client.getPortClient(m_user) != 0;
+    return m_registered;
+}

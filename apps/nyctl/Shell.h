@@ -1,0 +1,8 @@
+// The shell: commands from standard input, one a line, all on one connection.
+#pragma once
+
+#include "apps/nyctl/Commands.h"
+
+// Runs until the end of the input or the line "exit". Empty lines and lines that begin with # are
+// passed over. Returns the outcome of the last command that was not exitYes, or exitYes.
+ExitStatus runShell(Session& session, const Output& output);

@@ -1,0 +1,58 @@
+// nyctl: the central server from the command line.
+#include <algorithm>
+#include <exception>
+
+#include "apps/common/Utf8.h"
+#include "apps/nyctl/Shell.h"
+
+namespace {
+
+std::string loginName() {
+    WCHAR name[256];
+    DWORD length = 256;
+    return ::GetUserNameW(name, &length) ? toUtf8(CString(name)) : std::string("user");
+}
+
+int run() {
+    Options options;
+    options.user = loginName();
+    Session session(options);
+    const Output output(options);
+    ExitStatus status = exitYes;
+
+    CLI::App app("Talks to a central server.", "nyctl");
+    app.require_subcommand(1);
+    app.add_option("--server", options.server, "HOST:PORT of the central server")
+        ->envname("NYCTL_SERVER")
+        ->capture_default_str();
+    app.add_option("--user", options.user, "The name to register under")
+        ->envname("NYCTL_USER")
+        ->capture_default_str();
+    app.add_flag("--json", options.json, "One JSON object a line instead of tables");
+    addCommands(app, session, output, status);
+    app.add_subcommand("shell", "Commands from standard input, one a line, on one connection")
+        ->callback([&] { status = runShell(session, output); });
+    app.footer(
+        "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
+        "answer.");
+
+    std::vector<std::string> arguments = commandLineArguments();
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    try {
+        app.parse(arguments);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? exitYes : exitUsage;
+    }
+    return status;
+}
+
+}  // namespace
+
+int main() {
+    try {
+        return run();
+    } catch (const std::exception& error) {
+        Output::complain(error.what());
+        return exitNoAnswer;
+    }
+}

@@ -1,0 +1,277 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/base/TestRecords.h"
+#include "tests/support/ArchiveBytes.h"
+#include "tests/support/Thrown.h"
+
+namespace {
+
+template <class Write>
+std::string storedHex(Write write) {
+    return toHex(stored(write));
+}
+
+// Takes `count` numbers in either direction.
+void skipNumbers(CArchive& ar, DWORD count) {
+    for (DWORD i = 0; i < count; ++i) ar.MapObject(nullptr);
+}
+
+TEST(ArchiveObjects, NullIsTwoZeroBytes) {
+    EXPECT_EQ(storedHex([](CArchive& ar) { ar << static_cast<CObject*>(nullptr); }), "00 00");
+    CObject* object = reinterpret_cast<CObject*>(8);
+    Loading(fromHex("00 00")).ar >> object;
+    EXPECT_EQ(object, nullptr);
+}
+
+TEST(ArchiveObjects, BearTheirClassOnce) {
+    Foo one(1), two(2);
+    EXPECT_EQ(storedHex([&](CArchive& ar) { ar << &one << &two; }),
+              hex("FF FF DF 07 03 00 'Foo' 01 00 00 00  01 80 02 00 00 00"));
+}
+
+TEST(ArchiveObjects, AreStoredOnce) {
+    Foo one(1);
+    EXPECT_EQ(storedHex([&](CArchive& ar) { ar << &one << &one; }),
+              hex("FF FF DF 07 03 00 'Foo' 01 00 00 00  02 00"));
+}
+
+TEST(ArchiveObjects, ShareOneSequenceOfNumbersWithClasses) {
+    Foo foo(1);
+    SubFoo sub;
+    Fixed fixed;
+    EXPECT_EQ(storedHex([&](CArchive& ar) { ar << &foo << &sub << &fixed << &fixed << &sub; }),
+              hex("FF FF DF 07 03 00 'Foo' 01 00 00 00"
+                  "FF FF 03 00 06 00 'SubFoo' 00 00 00 00 00"
+                  "FF FF 07 00 05 00 'Fixed' 00 00"
+                  "06 00  04 00"));
+}
+
+TEST(ArchiveObjects, AreNumberedBeforeTheirBody) {
+    Link outer, inner;
+    outer.m_other = &inner;
+    inner.m_other = &outer;
+    EXPECT_EQ(storedHex([&](CArchive& ar) { ar << &outer; }),
+              hex("FF FF 09 00 04 00 'Link'  01 80  02 00"));
+}
+
+TEST(ArchiveObjects, CyclesComeBackAsCycles) {
+    Loading in(fromHex("FF FF 09 00 04 00 'Link'  01 80  02 00"));
+    Link* outer = nullptr;
+    in.ar >> outer;
+    Link* inner = static_cast<Link*>(outer->m_other);
+    EXPECT_EQ(inner->m_other, outer);
+    delete inner;
+    delete outer;
+}
+
+TEST(ArchiveObjects, SecondArchiveOnTheFileNumbersAfresh) {
+    Foo one(1);
+    CMemFile file;
+    for (int i = 0; i < 2; ++i) {
+        CArchive ar(&file, CArchive::store);
+        ar << &one;
+    }
+    EXPECT_EQ(toHex(contentsOf(file)), hex("FF FF DF 07 03 00 'Foo' 01 00 00 00"
+                                           "FF FF DF 07 03 00 'Foo' 01 00 00 00"));
+}
+
+TEST(ArchiveObjects, ComeBackWithTheirClassAndFields) {
+    SubFoo sub;
+    sub.m_value = -5;
+    sub.m_extra = 7;
+    Loading in(stored([&](CArchive& ar) { ar << &sub; }));
+    CObject* object = nullptr;
+    in.ar >> object;
+    const std::unique_ptr<CObject> owner(object);
+    ASSERT_EQ(object->GetRuntimeClass(), RUNTIME_CLASS(SubFoo));
+    EXPECT_EQ(static_cast<SubFoo*>(object)->m_value, -5);
+    EXPECT_EQ(static_cast<SubFoo*>(object)->m_extra, 7);
+}
+
+TEST(ArchiveObjects, ReferencesComeBackAsTheSameObject) {
+    Loading in(fromHex("FF FF DF 07 03 00 'Foo' 01 00 00 00  02 00  02 00"));
+    Foo *first = nullptr, *second = nullptr;
+    CObject* third = nullptr;
+    in.ar >> first >> second >> third;
+    EXPECT_EQ(first, second);
+    EXPECT_EQ(first, third);
+    EXPECT_EQ(first->m_value, 1);
+    delete first;
+}
+
+TEST(ArchiveObjects, OfDerivedClassesPassTypedExtraction) {
+    Loading in(fromHex("FF FF 03 00 06 00 'SubFoo' 05 00 00 00 07"));
+    Foo* foo = nullptr;
+    in.ar >> foo;
+    const std::unique_ptr<Foo> owner(foo);
+    EXPECT_TRUE(foo->IsKindOf(RUNTIME_CLASS(SubFoo)));
+}
+
+TEST(ArchiveObjects, LinkedDirectlyAddNoBytes) {
+    Foo foo(1);
+    EXPECT_EQ(storedHex([&](CArchive& ar) { foo.Serialize(ar); }), "01 00 00 00");
+    EXPECT_EQ(storedHex([](CArchive& ar) { CreatableOnly().Serialize(ar); }), "");
+    EXPECT_EQ(storedHex([&](CArchive& ar) {
+                  foo.Serialize(ar);
+                  ar << &foo << &foo;
+              }),
+              hex("01 00 00 00  FF FF DF 07 03 00 'Foo' 01 00 00 00  02 00"));
+}
+
+TEST(ArchiveObjects, MapObjectTakesANumberAndWritesNothing) {
+    Foo owner(1), element(2);
+    const auto write = [&](CArchive& ar) {
+        ar.MapObject(&owner);
+        ar << &element << &owner << &element;
+    };
+    EXPECT_EQ(storedHex(write), hex("FF FF DF 07 03 00 'Foo' 02 00 00 00  01 00  03 00"));
+}
+
+TEST(ArchiveObjects, MapObjectIsFoundWhenReading) {
+    Loading in(fromHex("FF FF DF 07 03 00 'Foo' 02 00 00 00  01 00  03 00"));
+    Foo owner;
+    in.ar.MapObject(&owner);
+    Foo *element = nullptr, *first = nullptr, *again = nullptr;
+    in.ar >> element >> first >> again;
+    EXPECT_EQ(first, &owner);
+    EXPECT_EQ(again, element);
+    delete element;
+}
+
+TEST(ArchiveObjects, WriteClassMovesOnlyTheClassPart) {
+    Foo foo(1);
+    const auto write = [&](CArchive& ar) {
+        ar.WriteClass(RUNTIME_CLASS(Foo));
+        ar.WriteClass(RUNTIME_CLASS(Foo));
+        ar << &foo << &foo;
+    };
+    EXPECT_EQ(storedHex(write), hex("FF FF DF 07 03 00 'Foo'  01 80  01 80 01 00 00 00  02 00"));
+}
+
+TEST(ArchiveObjects, ReadClassGivesClassAndSchema) {
+    Loading in(fromHex("FF FF 05 00 03 00 'Foo'  01 80  01 80 01 00 00 00  02 00"));
+    UINT schema = 0;
+    EXPECT_EQ(in.ar.ReadClass(RUNTIME_CLASS(Foo), &schema), RUNTIME_CLASS(Foo));
+    EXPECT_EQ(schema, 5u);
+    EXPECT_EQ(in.ar.ReadClass(), RUNTIME_CLASS(Foo));
+    Foo *foo = nullptr, *again = nullptr;
+    in.ar >> foo >> again;
+    EXPECT_EQ(foo, again);
+    delete foo;
+}
+
+TEST(ArchiveObjects, ReadClassGivesTheNumberOfAnObject) {
+    Loading in(fromHex("05 00  00 00  FF 7F 01 80 00 00"));
+    DWORD tag = 99;
+    EXPECT_EQ(in.ar.ReadClass(nullptr, nullptr, &tag), nullptr);
+    EXPECT_EQ(tag, 5u);
+    EXPECT_EQ(in.ar.ReadClass(nullptr, nullptr, &tag), nullptr);
+    EXPECT_EQ(tag, 0u);
+    EXPECT_EQ(in.ar.ReadClass(nullptr, nullptr, &tag), nullptr);
+    EXPECT_EQ(tag, 0x8001u);
+}
+
+TEST(ArchiveObjects, ClassNamesHaveAtMost63Characters) {
+    Name63xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx longest;
+    const Bytes bytes = stored([&](CArchive& ar) { ar << &longest; });
+    EXPECT_EQ(bytes.size(), 6u + 63u);
+    CObject* object = nullptr;
+    Loading(bytes).ar >> object;
+    EXPECT_TRUE(object->IsKindOf(longest.GetRuntimeClass()));
+    delete object;
+
+    Name64xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx tooLong;
+    EXPECT_TRUE(
+        throwsA<CNotSupportedException>([&] { stored([&](CArchive& ar) { ar << &tooLong; }); }));
+}
+
+TEST(ArchiveNumbers, ShortTagsEndAt7ffe) {
+    Foo one(1), two(2);
+    const auto write = [&](CArchive& ar) {
+        skipNumbers(ar, 0x7FFD);
+        ar << &one << &two << &one << &two;
+    };
+    EXPECT_EQ(storedHex(write), hex("FF FF DF 07 03 00 'Foo' 01 00 00 00  FE FF 02 00 00 00"
+                                    "FF 7F FF 7F 00 00  FF 7F 00 80 00 00"));
+}
+
+TEST(ArchiveNumbers, LastShortObjectTag) {
+    Foo one(1);
+    const auto write = [&](CArchive& ar) {
+        skipNumbers(ar, 0x7FFC);
+        ar << &one << &one;
+    };
+    EXPECT_EQ(storedHex(write), hex("FF FF DF 07 03 00 'Foo' 01 00 00 00  FE 7F"));
+}
+
+TEST(ArchiveNumbers, LongTagsForClassesAndObjects) {
+    Foo one(1), two(2);
+    const auto write = [&](CArchive& ar) {
+        skipNumbers(ar, 0x7FFE);
+        ar << &one << &two << &two;
+    };
+    EXPECT_EQ(storedHex(write), hex("FF FF DF 07 03 00 'Foo' 01 00 00 00"
+                                    "FF 7F FF 7F 00 80 02 00 00 00  FF 7F 01 80 00 00"));
+}
+
+TEST(ArchiveNumbers, LongTagsAreRead) {
+    Loading in(
+        fromHex("FF FF DF 07 03 00 'Foo' 01 00 00 00"
+                "FF 7F FF 7F 00 80 02 00 00 00  FF 7F 01 80 00 00  FF 7F 00 80 00 00"));
+    skipNumbers(in.ar, 0x7FFE);
+    Foo *one = nullptr, *two = nullptr, *twoAgain = nullptr, *oneAgain = nullptr;
+    in.ar >> one >> two >> twoAgain >> oneAgain;
+    EXPECT_EQ(two->m_value, 2);
+    EXPECT_EQ(two, twoAgain);
+    EXPECT_EQ(one, oneAgain);
+    delete one;
+    delete two;
+}
+
+// Seventy thousand objects, then each once more as a reference.
+TEST(ArchiveNumbers, ManyObjectsComeBackEachOnce) {
+    constexpr INT_PTR kObjects = 70000;
+    CObArray written;
+    for (INT_PTR i = 0; i < kObjects; ++i) written.Add(new Foo(static_cast<int>(i)));
+    for (INT_PTR i = 0; i < kObjects; ++i) written.Add(written[i]);
+    Loading in(stored([&](CArchive& ar) { written.Serialize(ar); }));
+    for (INT_PTR i = 0; i < kObjects; ++i) delete written[i];
+
+    CObArray read;
+    read.Serialize(in.ar);
+    ASSERT_EQ(read.GetSize(), 2 * kObjects);
+    EXPECT_EQ(in.ar.BytesLeft(), 0u);
+    for (INT_PTR i = 0; i < kObjects; ++i) {
+        ASSERT_EQ(static_cast<Foo*>(read[i])->m_value, i);
+        ASSERT_EQ(read[i], read[kObjects + i]);
+    }
+    for (INT_PTR i = 0; i < kObjects; ++i) delete read[i];
+}
+
+TEST(ArchiveNumbers, LongArchivesTakeTheExpectedBytes) {
+    CObArray written;
+    for (int i = 0; i < 70000; ++i) written.Add(new Foo(i));
+    const Bytes bytes = stored([&](CArchive& ar) { written.Serialize(ar); });
+    for (int i = 0; i < 70000; ++i) delete written[i];
+    // The class has number 1, so its tag stays short however many objects follow.
+    EXPECT_EQ(bytes.size(), 6u + 9u + 4u + 69999u * (2u + 4u));
+    EXPECT_EQ(toHex(Bytes(bytes.begin(), bytes.begin() + 25)),
+              hex("FF FF 70 11 01 00  FF FF DF 07 03 00 'Foo' 00 00 00 00  01 80 01 00 00 00"));
+}
+
+TEST(ArchiveObjects, UnserialisableClassesAreNotSupported) {
+    const auto notSupported = [](auto action) { return throwsA<CNotSupportedException>(action); };
+    DynamicOnly dynamic;
+    CreatableOnly creatable;
+    const auto store = [](auto write) { return [write] { stored(write); }; };
+    EXPECT_TRUE(notSupported(store([&](CArchive& ar) { ar << &dynamic; })));
+    EXPECT_TRUE(notSupported(store([&](CArchive& ar) { ar << &creatable; })));
+    EXPECT_TRUE(notSupported(store([](CArchive& ar) { ar.WriteClass(RUNTIME_CLASS(CObject)); })));
+    Loading in(fromHex("00 00"));
+    EXPECT_TRUE(notSupported([&] { in.ar.ReadClass(RUNTIME_CLASS(DynamicOnly)); }));
+    EXPECT_TRUE(notSupported([&] { in.ar.ReadObject(RUNTIME_CLASS(CreatableOnly)); }));
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/base/TestRecords.h"
+#include "tests/support/ArchiveBytes.h"
+#include "tests/support/Thrown.h"
+
+namespace {
+
+constexpr UINT kUnknown = static_cast<UINT>(-1);
+
+template <class T>
+std::unique_ptr<T> next(CArchive& ar) {
+    T* object = nullptr;
+    ar >> object;
+    return std::unique_ptr<T>(object);
+}
+
+TEST(ArchiveSchemas, AreUnknownAtFirst) {
+    CMemFile file;
+    CArchive storing(&file, CArchive::store);
+    CArchive loading(&file, CArchive::load);
+    EXPECT_EQ(storing.GetObjectSchema(), kUnknown);
+    EXPECT_EQ(loading.GetObjectSchema(), kUnknown);
+}
+
+TEST(ArchiveSchemas, SetIsGivenOnce) {
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    ar.SetObjectSchema(0x800007DF);
+    EXPECT_EQ(ar.GetObjectSchema(), 0x800007DFu);
+    EXPECT_EQ(ar.GetObjectSchema(), kUnknown);
+    ar.SetObjectSchema(0);
+    EXPECT_EQ(ar.GetObjectSchema(), 0u);
+}
+
+TEST(ArchiveSchemas, OfADirectReadIsUnknown) {
+    Loading in(fromHex("01 00 00 00"));
+    Foo foo;
+    foo.Serialize(in.ar);
+    EXPECT_EQ(foo.m_schema, kUnknown);
+}
+
+TEST(ArchiveSchemas, StoredOneReachesEveryObjectOfItsClass) {
+    Loading in(
+        fromHex("FF FF 05 00 03 00 'Foo' 01 00 00 00"
+                "FF FF 06 00 06 00 'SubFoo' 02 00 00 00 00"
+                "01 80 03 00 00 00  03 80 04 00 00 00 00"));
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 5u);
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 6u);
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 5u);
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 6u);
+}
+
+TEST(ArchiveSchemas, StoredZeroReachesEveryObjectOfItsClass) {
+    Loading in(fromHex("FF FF 00 00 03 00 'Foo' 01 00 00 00  01 80 02 00 00 00"));
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 0u);
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 0u);
+}
+
+TEST(ArchiveSchemas, StoredFfffIsASchemaLikeAnyOther) {
+    Loading in(fromHex("FF FF FF FF 03 00 'Foo' 01 00 00 00"));
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 0xFFFFu);
+}
+
+TEST(ArchiveSchemas, AreKnownThroughReadClassToo) {
+    Loading in(fromHex("FF FF 04 00 03 00 'Foo'  01 80 02 00 00 00"));
+    in.ar.ReadClass();
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 4u);
+}
+
+TEST(ArchiveSchemas, OuterOneIsBackAfterANestedObject) {
+    Loading in(fromHex("FF FF 0B 00 04 00 'Link'  FF FF 05 00 03 00 'Foo' 01 00 00 00"));
+    const auto link = next<Link>(in.ar);
+    const std::unique_ptr<Foo> nested(static_cast<Foo*>(link->m_other));
+    EXPECT_EQ(nested->m_schema, 5u);
+    EXPECT_EQ(link->m_schemaAfter, 11u);
+}
+
+TEST(ArchiveSchemas, CallersIsBackAfterAnObject) {
+    Loading in(fromHex("FF FF 05 00 03 00 'Foo' 01 00 00 00  01 80 01"));
+    in.ar.SetObjectSchema(77);
+    EXPECT_EQ(next<Foo>(in.ar)->m_schema, 5u);
+    EXPECT_EQ(in.ar.GetObjectSchema(), 77u);
+}
+
+TEST(ArchiveSchemas, CallersIsBackAfterAFailedObject) {
+    Loading in(fromHex("FF FF 05 00 03 00 'Foo' 01 00"));
+    in.ar.SetObjectSchema(77);
+    EXPECT_EQ(archiveCause([&] { next<Foo>(in.ar); }), CArchiveException::endOfFile);
+    EXPECT_EQ(in.ar.GetObjectSchema(), 77u);
+}
+
+TEST(ArchiveSchemas, StoringLeavesTheSetOneToTheObject) {
+    Foo foo(1);
+    stored([&](CArchive& ar) {
+        ar.SetObjectSchema(77);
+        ar << &foo;
+        EXPECT_EQ(ar.GetObjectSchema(), 77u);
+    });
+}
+
+TEST(ArchiveSchemas, WithoutTheFlagMustBeEqual) {
+    EXPECT_EQ(next<Fixed>(Loading(fromHex("FF FF 07 00 05 00 'Fixed' 09 00")).ar)->m_value, 9);
+    for (const char* bytes :
+         {"FF FF 06 00 05 00 'Fixed' 09 00", "FF FF 08 00 05 00 'Fixed' 09 00",
+          "FF FF 00 00 05 00 'Fixed' 09 00", "FF FF 07 80 05 00 'Fixed' 09 00"}) {
+        EXPECT_EQ(archiveCause([&] { next<Fixed>(Loading(fromHex(bytes)).ar); }),
+                  CArchiveException::badSchema)
+            << bytes;
+    }
+}
+
+TEST(ArchiveSchemas, FlagIsNotStored) {
+    const Bytes bytes = stored([](CArchive& ar) { ar.WriteClass(RUNTIME_CLASS(Foo)); });
+    EXPECT_EQ(toHex(bytes), hex("FF FF DF 07 03 00 'Foo'"));
+}
+
+}  // namespace

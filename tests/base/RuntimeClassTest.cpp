@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "tests/base/TestRecords.h"
+#include "tests/support/CStringPrinter.h"
+
+namespace {
+
+TEST(RuntimeClass, DescribesItsClass) {
+    const CRuntimeClass* foo = RUNTIME_CLASS(Foo);
+    EXPECT_EQ(foo, &Foo::classFoo);
+    EXPECT_STREQ(foo->m_lpszClassName, "Foo");
+    EXPECT_EQ(foo->m_nObjectSize, static_cast<int>(sizeof(Foo)));
+    EXPECT_EQ(foo->m_wSchema, 0x800007DFu);
+    EXPECT_EQ(foo->m_pfnGetBaseClass(), RUNTIME_CLASS(CObject));
+    EXPECT_EQ(RUNTIME_CLASS(SubFoo)->m_pfnGetBaseClass(), RUNTIME_CLASS(Foo));
+    EXPECT_EQ(RUNTIME_CLASS(Fixed)->m_wSchema, 7u);
+}
+
+TEST(RuntimeClass, ObjectsGiveTheClassTheyWereMadeAs) {
+    const SubFoo object;
+    const CObject& base = object;
+    EXPECT_EQ(base.GetRuntimeClass(), RUNTIME_CLASS(SubFoo));
+}
+
+TEST(RuntimeClass, KindsFollowTheHierarchy) {
+    const SubFoo object;
+    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(SubFoo)));
+    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(Foo)));
+    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(CObject)));
+    EXPECT_FALSE(object.IsKindOf(RUNTIME_CLASS(Fixed)));
+    EXPECT_FALSE(Foo().IsKindOf(RUNTIME_CLASS(SubFoo)));
+    EXPECT_TRUE(OwningArray().IsKindOf(RUNTIME_CLASS(CObArray)));
+    EXPECT_FALSE(RUNTIME_CLASS(CObject)->IsDerivedFrom(RUNTIME_CLASS(Foo)));
+    EXPECT_FALSE(RUNTIME_CLASS(Foo)->IsDerivedFrom(nullptr));
+}
+
+TEST(RuntimeClass, BaseModulesClassesAreRelatedToo) {
+    const CMemFile file;
+    EXPECT_TRUE(file.IsKindOf(RUNTIME_CLASS(CFile)));
+    EXPECT_FALSE(file.IsKindOf(RUNTIME_CLASS(CObArray)));
+    EXPECT_EQ(RUNTIME_CLASS(CObArray)->m_wSchema, 0u);
+    EXPECT_EQ(RUNTIME_CLASS(CStringArray)->m_wSchema, 0u);
+}
+
+TEST(RuntimeClass, CreatesObjectsInTheirDefaultState) {
+    const std::unique_ptr<CObject> object(RUNTIME_CLASS(SubFoo)->CreateObject());
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->GetRuntimeClass(), RUNTIME_CLASS(SubFoo));
+    EXPECT_EQ(static_cast<SubFoo*>(object.get())->m_value, 0);
+}
+
+TEST(RuntimeClass, CreatesNothingWhereItCannot) {
+    EXPECT_EQ(RUNTIME_CLASS(DynamicOnly)->CreateObject(), nullptr);
+    EXPECT_EQ(RUNTIME_CLASS(CObject)->CreateObject(), nullptr);
+    EXPECT_EQ(RUNTIME_CLASS(Unmakeable)->CreateObject(), nullptr);
+    const std::unique_ptr<CObject> made(RUNTIME_CLASS(CreatableOnly)->CreateObject());
+    EXPECT_NE(made, nullptr);
+}
+
+CObject* PASCAL runOutOfMemory() {
+    throw std::bad_alloc();
+}
+
+TEST(RuntimeClass, CreatesNothingWithoutMemory) {
+    const CRuntimeClass poor = {"Poor", 8, 1, &runOutOfMemory, nullptr, nullptr};
+    EXPECT_EQ(poor.CreateObject(), nullptr);
+}
+
+TEST(RuntimeClass, OnlyDeclaredClassesAreSerializable) {
+    EXPECT_TRUE(Foo().IsSerializable());
+    EXPECT_TRUE(Fixed().IsSerializable());
+    EXPECT_TRUE(CObArray().IsSerializable());
+    EXPECT_FALSE(DynamicOnly().IsSerializable());
+    EXPECT_FALSE(CreatableOnly().IsSerializable());
+    EXPECT_FALSE(CMemFile().IsSerializable());
+}
+
+TEST(RuntimeClass, IsFoundByName) {
+    EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
+    EXPECT_EQ(CRuntimeClass::FromName(_T("Foo")), RUNTIME_CLASS(Foo));
+    EXPECT_EQ(CRuntimeClass::FromName("SubFoo"), RUNTIME_CLASS(SubFoo));
+    EXPECT_EQ(CRuntimeClass::FromName("CObArray"), RUNTIME_CLASS(CObArray));
+    EXPECT_EQ(CRuntimeClass::FromName("CStringArray"), RUNTIME_CLASS(CStringArray));
+}
+
+TEST(RuntimeClass, IsNotFoundByAnyOtherName) {
+    EXPECT_EQ(CRuntimeClass::FromName("foo"), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("Fo"), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("Fooo"), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName(""), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName(_T("\u0146oo")), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName(static_cast<LPCSTR>(nullptr)), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName(static_cast<LPCWSTR>(nullptr)), nullptr);
+    EXPECT_EQ(CRuntimeClass::FromName("CreatableOnly"), nullptr);
+}
+
+TEST(RuntimeClass, DownCastGivesTheObjectOrNull) {
+    SubFoo object;
+    CObject* base = &object;
+    EXPECT_EQ(DYNAMIC_DOWNCAST(SubFoo, base), &object);
+    EXPECT_EQ(DYNAMIC_DOWNCAST(Foo, base), &object);
+    EXPECT_EQ(DYNAMIC_DOWNCAST(Fixed, base), nullptr);
+    EXPECT_EQ(DYNAMIC_DOWNCAST(Foo, static_cast<CObject*>(nullptr)), nullptr);
+    EXPECT_EQ(AfxDynamicDownCast(RUNTIME_CLASS(Foo), base), base);
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// A client connected to a server that follows a script.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "NyServer/client/NySeClientApp.h"
+#include "tests/socket/Peers.h"
+#include "tests/support/Golden.h"
+
+// Reaches the private transport.
+struct NySeClientAppAccess {
+    static bool sendMemFile(NySeClientApp& client, NySeMemFile& message) {
+        return client.sendMemFile(message);
+    }
+    static bool receiveMemfile(NySeClientApp& client, CMemFile& into) {
+        return client.receiveMemfile(into);
+    }
+    static bool receiveString(NySeClientApp& client, CString& into) {
+        return client.receiveString(into);
+    }
+    static void transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
+        NySeClientApp::transfertObject(from, to);
+    }
+    static SOCKET socket(const NySeClientApp& client);
+};
+
+// Bytes as they go over a socket, from hex text or from the golden file.
+std::string wire(std::string_view hexText);
+std::string goldenWire(const std::string& name);
+template <class Scalar>
+std::string wireOf(Scalar value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+class ClientTest : public ::testing::Test {
+  protected:
+    void TearDown() override;
+
+    // What the server does with one request: reads as many bytes as `request` has, then sends
+    // `answer` in pieces.
+    struct Step {
+        std::string request;
+        std::vector<std::string> answer;
+    };
+    enum class Then { wait, close };
+
+    // Starts a server that takes one connection through the steps, and connects to it.
+    void serve(std::vector<Step> steps, Then then = Then::wait);
+    void serveRequest(const std::string& request, const std::string& answer,
+                      Then then = Then::wait) {
+        serve({{request, {answer}}}, then);
+    }
+    // Expects that what the server read is exactly the steps' requests, and nothing behind them.
+    // Ends the connection.
+    void expectRequestsSent();
+
+    NySeClientApp client;
+
+  private:
+    void follow(peers::Connection& connection, Then then);
+
+    std::vector<Step> m_steps;
+    std::string m_received;
+    std::unique_ptr<peers::Peer> m_peer;
+};
+
+// Each byte alone, for peers that send with pauses.
+std::vector<std::string> inSingleBytes(const std::string& bytes);

@@ -1,0 +1,218 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+#include "tests/socket/ProbeServer.h"
+#include "tests/support/Threads.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Stopping : public testing::Test {
+  protected:
+    void TearDown() override { m_gate.open(); }
+
+    bool isReachable() { return static_cast<bool>(peers::connectTo(m_listeningPort)); }
+    void start() {
+        ASSERT_TRUE(m_server.start());
+        m_listeningPort = m_server.GetPort();
+        m_server.codes.clear();
+    }
+    // Makes the server's own connection, which wakes the accepting thread, fail.
+    void misdirect() {
+        m_server.SetPort(m_nobody.port());
+        m_server.codes.clear();
+    }
+    // The accepting thread waits in OnCanAccept.
+    peers::Connection connectionBeingJudged() {
+        m_server.onJudge = [this] { m_gate.pass(); };
+        peers::Connection peer = m_server.connection();
+        EXPECT_TRUE(m_gate.awaitArrivals());
+        return peer;
+    }
+
+    peers::WinsockSession m_winsock;
+    peers::RefusingPort m_nobody;
+    Gate m_gate;
+    ProbeServer m_server;
+    unsigned int m_listeningPort = 0;
+    std::atomic<bool> m_judging = false;
+};
+
+TEST_F(Stopping, ClosesTheListeningSocket) {
+    start();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_FALSE(isReachable());
+    EXPECT_THAT(m_server.codes, ElementsAre(0));  // of its own connection
+    EXPECT_THAT(m_server.statuses, IsEmpty());
+}
+
+TEST_F(Stopping, DoesNotJudgeItsOwnConnection) {
+    start();
+    m_server.StopAccept();
+    EXPECT_THAT(m_server.log->events(), IsEmpty());
+}
+
+TEST_F(Stopping, LeavesNoAcceptingThread) {
+    const int before = countThreads();
+    start();
+    EXPECT_EQ(countThreads(), before + 1);
+    m_server.StopAccept();
+    EXPECT_EQ(countThreads(), before);
+}
+
+TEST_F(Stopping, MayBeRepeated) {
+    start();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    m_server.codes.clear();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_THAT(m_server.codes, IsEmpty());
+}
+
+TEST_F(Stopping, MayBeFollowedByAnotherStart) {
+    for (int i = 0; i < 3; ++i) {
+        start();
+        peers::Connection peer = m_server.connection();
+        peer.send("hi\r\n");
+        EXPECT_NE(peer.receiveAll(), "");
+        EXPECT_EQ(m_server.StopAccept(), 0);
+        EXPECT_FALSE(isReachable());
+    }
+}
+
+TEST_F(Stopping, LetsWorkersRunOn) {
+    start();
+    m_server.onConnect = [this](LoggingWorker& worker) {
+        m_gate.pass();
+        worker.Send("still here", -1, 0);
+    };
+    peers::Connection peer = m_server.connection();
+    ASSERT_TRUE(m_gate.awaitArrivals());
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_EQ(m_server.GetNumConnections(), 1);
+    m_gate.open();
+    EXPECT_EQ(peer.receiveAll(), "still here");
+    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
+}
+
+TEST_F(Stopping, WaitsForAPeerThatIsBeingJudgedAndLetsItIn) {
+    start();
+    peers::Connection peer = connectionBeingJudged();
+    peer.send("hi\r\n");
+    std::thread opener([this] {
+        ::Sleep(200);
+        m_gate.open();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(150));
+    opener.join();
+    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+}
+
+TEST_F(Stopping, EndsTheThreadByForceWhenItCannotBeWoken) {
+    const int before = countThreads();
+    start();
+    misdirect();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_THAT(m_server.codes, ElementsAre(19));
+    EXPECT_EQ(m_server.statuses.at(0), L"Connection refused.");
+    EXPECT_EQ(countThreads(), before);
+    EXPECT_FALSE(isReachable());
+}
+
+TEST_F(Stopping, MayBeFollowedByAnotherStartAfterForce) {
+    for (int i = 0; i < 3; ++i) {
+        start();
+        misdirect();
+        EXPECT_EQ(m_server.StopAccept(), 0);
+    }
+    start();
+    EXPECT_TRUE(isReachable());
+}
+
+TEST_F(Stopping, LosesNoHandlesByForce) {
+    const auto countHandles = [] {
+        DWORD count = 0;
+        ::GetProcessHandleCount(::GetCurrentProcess(), &count);
+        return count;
+    };
+    const auto stopByForce = [this] {
+        start();
+        misdirect();
+        m_server.StopAccept();
+    };
+    stopByForce();
+    const DWORD before = countHandles();
+    for (int i = 0; i < 10; ++i) stopByForce();
+    EXPECT_LE(countHandles(), before + 2);
+}
+
+TEST_F(Stopping, ClosesOnAPeerWhoseJudgeIsEndedByForce) {
+    start();
+    m_server.onJudge = [this] {
+        m_judging = true;
+        ::Sleep(20000);
+    };
+    peers::Connection peer = m_server.connection();
+    ASSERT_TRUE(eventually([this] { return m_judging.load(); }));
+    misdirect();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_EQ(peer.receiveAll(), "");
+    EXPECT_TRUE(m_server.CloseDoorIfIdle());
+}
+
+TEST_F(Stopping, ConnectsToTheLoopbackAddressOnly) {
+    ASSERT_EQ(m_server.ConnectToPort(peers::freePort(), 5, AF_INET, ::htonl(0x7F000002)), 0);
+    ASSERT_EQ(m_server.StartAccept(), 0);
+    m_server.codes.clear();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_THAT(m_server.codes, ElementsAre(19));
+}
+
+TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
+    const int before = countThreads();
+    EXPECT_EQ(m_server.StartAccept(), 0);
+    EXPECT_TRUE(eventually([&] { return countThreads() == before; }));
+    EXPECT_EQ(m_server.StartAccept(), 1);
+    misdirect();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_THAT(m_server.codes, ElementsAre(19));
+    start();
+    EXPECT_TRUE(isReachable());
+}
+
+TEST_F(Stopping, HappensInTheDestructor) {
+    unsigned int port = 0;
+    const int before = countThreads();
+    {
+        ProbeServer server;
+        ASSERT_TRUE(server.start());
+        port = server.GetPort();
+    }
+    EXPECT_FALSE(peers::connectTo(port));
+    EXPECT_EQ(countThreads(), before);
+}
+
+TEST_F(Stopping, ClosesAListeningSocketThatWasNeverUsedInTheDestructor) {
+    unsigned int port = 0;
+    {
+        ProbeServer server;
+        ASSERT_EQ(server.listen(), 0);
+        port = server.GetPort();
+        EXPECT_TRUE(peers::connectTo(port));
+    }
+    EXPECT_FALSE(peers::connectTo(port));
+}
+
+TEST_F(Stopping, OnlyStoresAPortThatIsSetLater) {
+    start();
+    misdirect();
+    EXPECT_TRUE(isReachable());
+    EXPECT_FALSE(peers::connectTo(m_server.GetPort()));
+}
+
+}  // namespace

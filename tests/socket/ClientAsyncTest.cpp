@@ -1,0 +1,251 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "tests/socket/Peers.h"
+#include "tests/socket/ProbeClient.h"
+
+namespace {
+
+class AsyncClient : public ProbeClient {
+  public:
+    struct Event {
+        int event;
+        int error;
+        bool operator==(const Event&) const = default;
+    };
+    std::vector<Event> events;
+    std::vector<int> nameErrors;
+    std::vector<int> addressErrors;
+    DWORD notifiedThread = 0;
+    bool throws = false;
+
+    HWND window() const { return m_notificationWindow; }
+    const hostent& host() const { return *reinterpret_cast<const hostent*>(m_hostBuffer); }
+
+  protected:
+    void OnAsyncNotify(int event, int error) override {
+        notifiedThread = ::GetCurrentThreadId();
+        events.push_back({event, error});
+        if (throws) throw std::runtime_error("from a hook");
+    }
+    void OnAsyncGetNameNotify(int error) override { nameErrors.push_back(error); }
+    void OnAsyncGetAddressNotify(int error) override { addressErrors.push_back(error); }
+};
+
+class ClientAsync : public testing::Test {
+  protected:
+    static HINSTANCE instance() { return ::GetModuleHandleW(nullptr); }
+
+    void init() {
+        ASSERT_EQ(m_client.InitAsync(instance()), UTE_SUCCESS);
+        m_client.codes.clear();
+    }
+    void connectAndSelect(const peers::Peer& peer, long events) {
+        init();
+        ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
+        ASSERT_EQ(m_client.SetAsyncNotify(events), UTE_SUCCESS);
+    }
+    // Dispatches messages until `isDone`; false after kPatience.
+    template <class Condition>
+    static bool pumpUntil(Condition isDone) {
+        const auto deadline = std::chrono::steady_clock::now() + peers::kPatience;
+        while (!isDone()) {
+            if (std::chrono::steady_clock::now() > deadline) return false;
+            MSG message;
+            while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) ::DispatchMessageW(&message);
+            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        }
+        return true;
+    }
+    bool gets(AsyncClient::Event event) {
+        return pumpUntil([&] {
+            for (const auto& seen : m_client.events) {
+                if (seen == event) return true;
+            }
+            return false;
+        });
+    }
+    LRESULT send(UINT message, WPARAM wParam, LPARAM lParam) {
+        return ::SendMessageW(m_client.window(), message, wParam, lParam);
+    }
+
+    AsyncClient m_client;
+};
+
+TEST_F(ClientAsync, MakesAHiddenWindowOfItsClass) {
+    EXPECT_EQ(m_client.InitAsync(instance()), UTE_SUCCESS);
+    EXPECT_EQ(m_client.codes, std::vector<int>{0});
+    wchar_t name[32] = L"";
+    ::GetClassNameW(m_client.window(), name, 32);
+    EXPECT_STREQ(name, L"CUT_WSClient");
+    EXPECT_FALSE(::IsWindowVisible(m_client.window()));
+    EXPECT_EQ(::GetParent(m_client.window()), nullptr);
+    EXPECT_EQ(::GetWindowTextLengthW(m_client.window()), 0);
+}
+
+TEST_F(ClientAsync, RegistersTheClassOnce) {
+    init();
+    WNDCLASSW found{};
+    ASSERT_TRUE(::GetClassInfoW(instance(), L"CUT_WSClient", &found));
+    EXPECT_EQ(found.cbWndExtra, 20);
+    EXPECT_EQ(found.cbClsExtra, 0);
+    EXPECT_EQ(found.style, 0u);
+    EXPECT_EQ(found.hIcon, nullptr);
+    EXPECT_EQ(found.hCursor, nullptr);
+    EXPECT_EQ(found.hbrBackground, nullptr);
+    AsyncClient second;
+    EXPECT_EQ(second.InitAsync(instance()), UTE_SUCCESS);
+    EXPECT_NE(second.window(), m_client.window());
+}
+
+TEST_F(ClientAsync, ReportsAWindowThatCannotBeMadeWithoutTheFunnel) {
+    const HOOKPROC refuse = [](int code, WPARAM wParam, LPARAM lParam) -> LRESULT {
+        return code == HCBT_CREATEWND ? 1 : ::CallNextHookEx(nullptr, code, wParam, lParam);
+    };
+    const HHOOK hook = ::SetWindowsHookExW(WH_CBT, refuse, nullptr, ::GetCurrentThreadId());
+    ASSERT_NE(hook, nullptr);
+    EXPECT_EQ(m_client.InitAsync(instance()), UTE_ERROR);
+    ::UnhookWindowsHookEx(hook);
+    EXPECT_EQ(m_client.codes, std::vector<int>{});
+    EXPECT_EQ(m_client.window(), nullptr);
+}
+
+TEST_F(ClientAsync, DestroysTheWindowWithTheObject) {
+    auto client = std::make_unique<AsyncClient>();
+    ASSERT_EQ(client->InitAsync(instance()), UTE_SUCCESS);
+    const HWND window = client->window();
+    EXPECT_TRUE(::IsWindow(window));
+    client.reset();
+    EXPECT_FALSE(::IsWindow(window));
+}
+
+TEST_F(ClientAsync, ReplacesTheWindowOfAnEarlierCall) {
+    init();
+    const HWND first = m_client.window();
+    ASSERT_EQ(m_client.InitAsync(instance()), UTE_SUCCESS);
+    EXPECT_FALSE(::IsWindow(first));
+    EXPECT_TRUE(::IsWindow(m_client.window()));
+}
+
+TEST_F(ClientAsync, WindowMessagesReachTheHooks) {
+    init();
+    EXPECT_EQ(send(1152, 5, MAKELPARAM(FD_CLOSE, 10054)), 0);
+    EXPECT_EQ(send(1153, 5, MAKELPARAM(7, 11001)), 0);
+    EXPECT_EQ(send(1154, 5, MAKELPARAM(7, 11004)), 0);
+    EXPECT_EQ(m_client.events, (std::vector<AsyncClient::Event>{{FD_CLOSE, 10054}}));
+    EXPECT_EQ(m_client.nameErrors, std::vector<int>{11001});
+    EXPECT_EQ(m_client.addressErrors, std::vector<int>{11004});
+}
+
+TEST_F(ClientAsync, BindMessageChoosesTheObject) {
+    init();
+    AsyncClient other;
+    EXPECT_EQ(send(1151, 0, reinterpret_cast<LPARAM>(&other)), 1);
+    EXPECT_EQ(send(1152, 0, FD_READ), 0);
+    EXPECT_EQ(other.events.size(), 1u);
+    EXPECT_EQ(m_client.events.size(), 0u);
+    EXPECT_EQ(send(1151, 0, 0), 1);
+    send(1152, 0, FD_READ);
+    EXPECT_EQ(other.events.size(), 1u) << "a window without an object notifies nobody";
+}
+
+TEST_F(ClientAsync, CreationMessageClearsTheObject) {
+    init();
+    EXPECT_EQ(send(WM_NCCREATE, 0, 0), 1);
+    send(1152, 0, FD_READ);
+    EXPECT_EQ(m_client.events.size(), 0u);
+}
+
+TEST_F(ClientAsync, OtherMessagesGetTheSystemsAnswer) {
+    init();
+    EXPECT_EQ(send(WM_ERASEBKGND, 0, 0), ::DefWindowProcW(m_client.window(), WM_ERASEBKGND, 0, 0));
+    EXPECT_TRUE(::SetWindowTextW(m_client.window(), L"title"));
+    EXPECT_EQ(::GetWindowTextLengthW(m_client.window()), 5);
+}
+
+TEST_F(ClientAsync, AHookThatThrowsDoesNotLeaveTheWindowProcedure) {
+    init();
+    m_client.throws = true;
+    EXPECT_EQ(send(1152, 0, FD_READ), 0);
+    EXPECT_EQ(m_client.events.size(), 1u);
+}
+
+TEST_F(ClientAsync, BaseHooksDoNothing) {
+    CUT_WSClient client;
+    ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
+    const HWND window = ::FindWindowW(L"CUT_WSClient", nullptr);
+    ASSERT_NE(window, nullptr);
+    for (UINT message : {1152u, 1153u, 1154u}) EXPECT_EQ(::SendMessageW(window, message, 0, 0), 0);
+}
+
+TEST_F(ClientAsync, AnnouncesDataOnTheThreadOfTheWindow) {
+    peers::Peer peer(peers::echo());
+    connectAndSelect(peer, FD_READ | FD_CLOSE);
+    ASSERT_EQ(m_client.Send("x", 1), 1);
+    EXPECT_TRUE(gets({FD_READ, 0}));
+    EXPECT_EQ(m_client.notifiedThread, ::GetCurrentThreadId());
+}
+
+TEST_F(ClientAsync, AnnouncesTheClose) {
+    peers::Peer peer(peers::sendingAndClosing());
+    connectAndSelect(peer, FD_READ | FD_CLOSE);
+    EXPECT_TRUE(gets({FD_CLOSE, 0}));
+}
+
+TEST_F(ClientAsync, SelectingMakesTheSocketNonBlocking) {
+    peers::Peer peer(peers::silent());
+    connectAndSelect(peer, FD_READ);
+    EXPECT_EQ(m_client.GetBlockingMode(), 1);
+    char byte = 0;
+    EXPECT_EQ(::recv(m_client.GetSocket(), &byte, 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(::WSAGetLastError(), WSAEWOULDBLOCK);
+}
+
+TEST_F(ClientAsync, SelectingFailsOnAClosedSocket) {
+    init();
+    EXPECT_EQ(m_client.SetAsyncNotify(FD_READ), UTE_ERROR);
+    EXPECT_EQ(m_client.GetBlockingMode(), 0);
+    EXPECT_EQ(m_client.codes, std::vector<int>{UTE_ERROR});
+}
+
+TEST_F(ClientAsync, LooksUpAnAddressIntoTheObject) {
+    init();
+    char unused[4] = "abc";
+    EXPECT_EQ(m_client.AsyncGetAddressFromName("localhost", unused, sizeof unused), UTE_SUCCESS);
+    EXPECT_EQ(m_client.codes, std::vector<int>{0});
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.addressErrors.empty(); }));
+    EXPECT_EQ(m_client.addressErrors, std::vector<int>{0});
+    EXPECT_EQ(std::string(m_client.host().h_addr_list[0], 4), std::string("\x7f\0\0\1", 4));
+    EXPECT_STREQ(unused, "abc");
+}
+
+TEST_F(ClientAsync, LooksUpTheHostOfAUserAndHostPair) {
+    init();
+    EXPECT_EQ(m_client.AsyncGetAddressFromName("a@b@localhost", nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.addressErrors.empty(); }));
+    EXPECT_EQ(m_client.addressErrors, std::vector<int>{0});
+}
+
+TEST_F(ClientAsync, AnnouncesALookUpThatFindsNothing) {
+    init();
+    const std::string impossible(64, 'x');
+    EXPECT_EQ(m_client.AsyncGetAddressFromName(impossible.c_str(), nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.addressErrors.empty(); }));
+    EXPECT_NE(m_client.addressErrors.front(), 0);
+}
+
+TEST_F(ClientAsync, LooksUpANameIntoTheObject) {
+    init();
+    char unused[4] = "abc";
+    EXPECT_EQ(m_client.AsyncGetNameFromAddress("127.0.0.1", unused, sizeof unused), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.nameErrors.empty(); }));
+    EXPECT_EQ(m_client.nameErrors, std::vector<int>{0});
+    EXPECT_STREQ(m_client.host().h_name, "localhost");
+    EXPECT_STREQ(unused, "abc");
+}
+
+}  // namespace

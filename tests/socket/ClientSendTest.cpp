@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/socket/Peers.h"
+#include "tests/socket/ProbeClient.h"
+
+namespace {
+
+class ClientSend : public testing::Test {
+  protected:
+    void SetUp() override { ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS); }
+
+    // What the peer got in all.
+    std::string arrived() {
+        m_client.CloseConnection();
+        m_peer.waitForServed(1);
+        return m_received;
+    }
+
+    std::string m_received;
+    peers::Peer m_peer{peers::collecting(m_received)};
+    ProbeClient m_client;
+};
+
+TEST_F(ClientSend, SendsTheBytesGiven) {
+    m_client.codes.clear();
+    EXPECT_EQ(m_client.Send("ab\0cd", 5), 5);
+    EXPECT_EQ(m_client.codes, std::vector<int>{}) << "counts do not pass the funnel";
+    EXPECT_EQ(arrived(), std::string("ab\0cd", 5));
+}
+
+TEST_F(ClientSend, SendsNoMoreThanTheLength) {
+    EXPECT_EQ(m_client.Send("abcdef", 2), 2);
+    EXPECT_EQ(arrived(), "ab");
+}
+
+TEST_F(ClientSend, TakesTheStringsLengthForZeroAndBelow) {
+    EXPECT_EQ(m_client.Send("zero", 0), 4);
+    EXPECT_EQ(m_client.Send("negative", -5), 8);
+    EXPECT_EQ(arrived(), "zeronegative");
+}
+
+TEST_F(ClientSend, SendsNothingOfAnEmptyString) {
+    EXPECT_EQ(m_client.Send("", 0), 0);
+    EXPECT_EQ(m_client.Send("", -1), 0);
+    EXPECT_EQ(arrived(), "");
+}
+
+TEST_F(ClientSend, GivesZeroOnAnError) {
+    m_client.CloseConnection();
+    EXPECT_EQ(m_client.Send("lost", 4), 0);
+}
+
+TEST_F(ClientSend, WaitForSendFindsAnIdleSocketReady) {
+    m_client.codes.clear();
+    EXPECT_EQ(m_client.WaitForSend(0, 0), UTE_SUCCESS);
+    EXPECT_EQ(m_client.codes, std::vector<int>{0});
+}
+
+TEST_F(ClientSend, WaitForSendFindsAFullSocketNotReady) {
+    CUT_WSClient client;
+    peers::Peer stuck([](peers::Connection&) { ::Sleep(500); });
+    ASSERT_EQ(client.Connect(stuck.port(), "127.0.0.1", 10), UTE_SUCCESS);
+    ASSERT_EQ(client.SetBlockingMode(1), UTE_SUCCESS);
+    const std::string block(1 << 16, 'x');
+    for (int i = 0; i < 1000 && client.Send(block.data(), 1 << 16) > 0; ++i) {
+    }
+    EXPECT_EQ(client.WaitForSend(0, 1000), UTE_ERROR);
+}
+
+TEST_F(ClientSend, WaitForSendFailsOnAClosedSocket) {
+    m_client.CloseConnection();
+    EXPECT_EQ(m_client.WaitForSend(0, 0), UTE_ERROR);
+}
+
+}  // namespace

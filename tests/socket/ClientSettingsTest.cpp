@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/socket/Peers.h"
+#include "tests/socket/ProbeClient.h"
+
+namespace {
+
+using Codes = std::vector<int>;
+
+class ClientSettings : public testing::Test {
+  protected:
+    void connect() {
+        ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS);
+        m_client.codes.clear();
+    }
+    int optionOf(int option) {
+        int value = -1;
+        EXPECT_EQ(m_client.GetSocketOption(option, &value), 0);
+        return value;
+    }
+
+    peers::Peer m_peer{peers::silent()};
+    ProbeClient m_client;
+};
+
+TEST_F(ClientSettings, StartClosedAndEmpty) {
+    EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
+    EXPECT_EQ(m_client.GetRemotePort(), 0);
+    EXPECT_EQ(m_client.GetLocalPort(), 0);
+    EXPECT_EQ(m_client.GetAcceptPort(), 0);
+    EXPECT_STREQ(m_client.getszAddress(), "");
+    EXPECT_EQ(m_client.getsockAddr().sin_port, 0);
+    EXPECT_EQ(m_client.getsockAddr().sin_addr.s_addr, 0u);
+    EXPECT_EQ(m_client.GetBlockingMode(), 0);
+    EXPECT_EQ(m_client.GetReceiveTimeOut(), 30000);
+    EXPECT_EQ(m_client.GetSendTimeOut(), 30000);
+}
+
+TEST_F(ClientSettings, TimeOutsReachTheSocketAndAreStored) {
+    connect();
+    EXPECT_EQ(m_client.SetReceiveTimeOut(1500), 0);
+    EXPECT_EQ(m_client.SetSendTimeOut(2500), 0);
+    EXPECT_EQ(optionOf(SO_RCVTIMEO), 1500);
+    EXPECT_EQ(optionOf(SO_SNDTIMEO), 2500);
+    EXPECT_EQ(m_client.GetReceiveTimeOut(), 1500);
+    EXPECT_EQ(m_client.GetSendTimeOut(), 2500);
+    EXPECT_EQ(m_client.codes, (Codes{0, 0}));
+}
+
+TEST_F(ClientSettings, TimeOutsOfAClosedSocketKeepTheirValues) {
+    EXPECT_EQ(m_client.SetReceiveTimeOut(1500), SOCKET_ERROR);
+    EXPECT_EQ(m_client.SetSendTimeOut(2500), SOCKET_ERROR);
+    EXPECT_EQ(m_client.GetReceiveTimeOut(), 30000);
+    EXPECT_EQ(m_client.GetSendTimeOut(), 30000);
+    EXPECT_EQ(m_client.codes, (Codes{-1, -1}));
+}
+
+TEST_F(ClientSettings, StoredTimeOutsReachTheSocketAtTheNextConnect) {
+    m_client.setRecvTimeOut(1234);
+    m_client.setSendTimeOut(4321);
+    EXPECT_EQ(m_client.GetReceiveTimeOut(), 1234);
+    EXPECT_EQ(m_client.GetSendTimeOut(), 4321);
+    EXPECT_EQ(m_client.codes, Codes{});
+    connect();
+    EXPECT_EQ(optionOf(SO_RCVTIMEO), 1234);
+    EXPECT_EQ(optionOf(SO_SNDTIMEO), 4321);
+}
+
+TEST_F(ClientSettings, StoredTimeOutsLeaveAnOpenSocketAlone) {
+    connect();
+    m_client.setRecvTimeOut(1234);
+    m_client.setSendTimeOut(4321);
+    EXPECT_EQ(optionOf(SO_RCVTIMEO), 30000);
+    EXPECT_EQ(optionOf(SO_SNDTIMEO), 30000);
+}
+
+TEST_F(ClientSettings, BufferSizesAreSetAndReadWithoutTheFunnel) {
+    connect();
+    EXPECT_EQ(m_client.SetMaxReceive(20000), 0);
+    EXPECT_EQ(m_client.SetMaxSend(30000), 0);
+    EXPECT_EQ(m_client.GetMaxReceive(), optionOf(SO_RCVBUF));
+    EXPECT_EQ(m_client.GetMaxSend(), optionOf(SO_SNDBUF));
+    EXPECT_GE(m_client.GetMaxReceive(), 20000);
+    EXPECT_GE(m_client.GetMaxSend(), 30000);
+    EXPECT_NE(m_client.GetMaxReceive(), m_client.GetMaxSend());
+    EXPECT_EQ(m_client.codes, Codes{});
+}
+
+TEST_F(ClientSettings, BufferSizesOfAClosedSocketFail) {
+    EXPECT_EQ(m_client.SetMaxReceive(20000), SOCKET_ERROR);
+    EXPECT_EQ(m_client.SetMaxSend(30000), SOCKET_ERROR);
+    EXPECT_EQ(m_client.GetMaxReceive(), -1);
+    EXPECT_EQ(m_client.GetMaxSend(), -1);
+    EXPECT_EQ(m_client.codes, Codes{});
+}
+
+TEST_F(ClientSettings, AnOptionIsReadIntoFourBytes) {
+    connect();
+    unsigned char value[8];
+    std::memset(value, 0xCC, sizeof value);
+    EXPECT_EQ(m_client.GetSocketOption(SO_TYPE, value), 0);
+    const unsigned char expected[8] = {SOCK_STREAM, 0, 0, 0, 0xCC, 0xCC, 0xCC, 0xCC};
+    EXPECT_EQ(std::memcmp(value, expected, sizeof value), 0);
+    EXPECT_EQ(m_client.codes, Codes{});
+}
+
+TEST_F(ClientSettings, AnOptionIsSetFromAnEightByteValue) {
+    connect();
+    long long on = 1;
+    EXPECT_EQ(m_client.SetSocketOption(SO_KEEPALIVE, &on), 0);
+    EXPECT_NE(optionOf(SO_KEEPALIVE), 0);
+    EXPECT_EQ(m_client.codes, Codes{});
+}
+
+// Only a value of 8 readable bytes can be set: the one that ends at an inaccessible page.
+TEST_F(ClientSettings, AnOptionIsSetFromAllEightBytes) {
+    connect();
+    const SIZE_T page = 4096;
+    auto* pages = static_cast<char*>(::VirtualAlloc(nullptr, 2 * page, MEM_RESERVE, PAGE_NOACCESS));
+    ASSERT_NE(::VirtualAlloc(pages, page, MEM_COMMIT, PAGE_READWRITE), nullptr);
+    EXPECT_EQ(m_client.SetSocketOption(SO_RCVBUF, pages + page - 8), 0);
+    EXPECT_EQ(m_client.SetSocketOption(SO_RCVBUF, pages + page - 4), SOCKET_ERROR);
+    ::VirtualFree(pages, 0, MEM_RELEASE);
+}
+
+TEST_F(ClientSettings, OptionsOfAClosedSocketFail) {
+    long long value = 0;
+    EXPECT_EQ(m_client.GetSocketOption(SO_TYPE, &value), SOCKET_ERROR);
+    EXPECT_EQ(m_client.SetSocketOption(SO_KEEPALIVE, &value), SOCKET_ERROR);
+    EXPECT_EQ(m_client.codes, Codes{});
+}
+
+TEST_F(ClientSettings, BlockingModeReachesTheSocketAndIsStored) {
+    connect();
+    EXPECT_EQ(m_client.SetBlockingMode(1), UTE_SUCCESS);
+    EXPECT_EQ(m_client.GetBlockingMode(), 1);
+    char byte = 0;
+    EXPECT_EQ(::recv(m_client.GetSocket(), &byte, 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(::WSAGetLastError(), WSAEWOULDBLOCK);
+    EXPECT_EQ(m_client.SetBlockingMode(0), UTE_SUCCESS);
+    EXPECT_EQ(m_client.GetBlockingMode(), 0);
+    EXPECT_EQ(m_client.codes, (Codes{0, 0}));
+}
+
+TEST_F(ClientSettings, BlockingModeOfAClosedSocketIsKept) {
+    EXPECT_EQ(m_client.SetBlockingMode(1), UTE_ERROR);
+    EXPECT_EQ(m_client.GetBlockingMode(), 0);
+    EXPECT_EQ(m_client.codes, Codes{UTE_ERROR});
+}
+
+TEST_F(ClientSettings, ResultsAreWhatTheFunnelReturns) {
+    struct Renaming : CUT_WSClient {
+        int OnError(int code) override { return code + 1000; }
+    } client;
+    EXPECT_EQ(client.SetBlockingMode(1), 1001);
+    EXPECT_EQ(client.SetReceiveTimeOut(1), 999);
+    EXPECT_EQ(client.CloseConnection(), 1000);
+    EXPECT_EQ(client.IsConnected(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,58 @@
+// Plain connections to this host, for tests that are the peer themselves.
+#pragma once
+
+#include <atomic>
+
+#include "tests/socket/Peers.h"
+
+namespace peers {
+
+inline const std::atomic<bool> kNeverStopping = false;
+
+inline sockaddr_in loopbackAddress(unsigned int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = ::htons(static_cast<u_short>(port));
+    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+// An invalid socket when nobody listens.
+inline UniqueSocket connectTo(unsigned int port) {
+    UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+    const sockaddr_in address = loopbackAddress(port);
+    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
+        socket.reset();
+    return socket;
+}
+
+inline Connection connectionTo(unsigned int port) {
+    return {connectTo(port), kNeverStopping};
+}
+
+// A port that was free a moment ago.
+inline unsigned short freePort() {
+    return static_cast<unsigned short>(portOf(bindToLoopback()));
+}
+
+// The two ends of one connection.
+class SocketPair {
+  public:
+    SocketPair() {
+        const UniqueSocket listener = bindToLoopback();
+        ::listen(listener.get(), 1);
+        m_near = connectTo(static_cast<unsigned int>(portOf(listener)));
+        m_far.reset(::accept(listener.get(), nullptr, nullptr));
+    }
+
+    SOCKET nearEnd() const { return m_near.get(); }
+    Connection takeFarEnd() { return {std::move(m_far), kNeverStopping}; }
+    void closeNear() { m_near.reset(); }
+
+  private:
+    WinsockSession m_winsock;
+    UniqueSocket m_near;
+    UniqueSocket m_far;
+};
+
+}  // namespace peers

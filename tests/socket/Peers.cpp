@@ -1,0 +1,190 @@
+#include "tests/socket/Peers.h"
+
+#include <stdexcept>
+
+namespace peers {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr long kTickMicroseconds = 10000;
+
+bool isReadable(SOCKET socket) {
+    fd_set set{};
+    set.fd_count = 1;
+    set.fd_array[0] = socket;
+    timeval tick{0, kTickMicroseconds};
+    return ::select(0, &set, nullptr, nullptr, &tick) == 1;
+}
+
+sockaddr_in loopback(int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = ::htons(static_cast<u_short>(port));
+    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+UniqueSocket listenOnLoopback(int queueSize) {
+    UniqueSocket socket = bindToLoopback();
+    if (::listen(socket.get(), queueSize) != 0) throw std::runtime_error("cannot listen");
+    return socket;
+}
+
+}  // namespace
+
+WinsockSession::WinsockSession() {
+    WSADATA data{};
+    if (::WSAStartup(MAKEWORD(2, 2), &data) != 0) throw std::runtime_error("no Winsock");
+}
+
+WinsockSession::~WinsockSession() {
+    ::WSACleanup();
+}
+
+UniqueSocket bindToLoopback(int type) {
+    UniqueSocket socket(::socket(AF_INET, type, 0));
+    const sockaddr_in address = loopback(0);
+    if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        throw std::runtime_error("cannot bind to 127.0.0.1");
+    }
+    return socket;
+}
+
+int portOf(const UniqueSocket& socket) {
+    sockaddr_in address{};
+    int length = sizeof address;
+    ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &length);
+    return ::ntohs(address.sin_port);
+}
+
+bool Connection::waitForData() {
+    const auto deadline = Clock::now() + kPatience;
+    while (m_socket && !m_isStopping && Clock::now() < deadline) {
+        if (isReadable(m_socket.get())) return true;
+    }
+    return false;
+}
+
+void Connection::send(std::string_view data) {
+    ::send(m_socket.get(), data.data(), static_cast<int>(data.size()), 0);
+}
+
+std::string Connection::receive() {
+    if (!waitForData()) return {};
+    char buffer[4096];
+    const int count = ::recv(m_socket.get(), buffer, sizeof buffer, 0);
+    return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
+}
+
+std::string Connection::receiveAll() {
+    std::string all;
+    for (std::string piece; !(piece = receive()).empty();) all += piece;
+    return all;
+}
+
+void Connection::finishSending() {
+    ::shutdown(m_socket.get(), SD_SEND);
+}
+
+Peer::Peer(Script script)
+    : m_listener(listenOnLoopback(5)), m_script(std::move(script)), m_thread([this] { run(); }) {}
+
+Peer::~Peer() {
+    m_isStopping = true;
+    m_thread.join();
+}
+
+void Peer::run() {
+    while (!m_isStopping) {
+        if (!isReadable(m_listener.get())) continue;
+        Connection connection(UniqueSocket(::accept(m_listener.get(), nullptr, nullptr)),
+                              m_isStopping);
+        m_script(connection);
+        connection.close();
+        ++m_served;
+    }
+}
+
+int Peer::waitForServed(int count) {
+    const auto deadline = Clock::now() + kPatience;
+    while (m_served < count && Clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    return m_served;
+}
+
+Script echo() {
+    return [](Connection& peer) {
+        for (std::string piece; !(piece = peer.receive()).empty();) peer.send(piece);
+    };
+}
+
+Script silent() {
+    return sending("");
+}
+
+Script sending(std::string data) {
+    return [data](Connection& peer) {
+        if (!data.empty()) peer.send(data);
+        peer.receiveAll();
+    };
+}
+
+Script sendingAndClosing(std::string data) {
+    return [data](Connection& peer) {
+        if (!data.empty()) peer.send(data);
+    };
+}
+
+Script halfClosing(std::string data) {
+    return [data](Connection& peer) {
+        if (!data.empty()) peer.send(data);
+        peer.finishSending();
+        peer.receiveAll();
+    };
+}
+
+Script dripping(std::string data, int pauseMs) {
+    std::vector<std::string> bytes;
+    for (char byte : data) bytes.emplace_back(1, byte);
+    return sendingPieces(bytes, pauseMs);
+}
+
+Script sendingPieces(std::vector<std::string> pieces, int pauseMs) {
+    return [pieces, pauseMs](Connection& peer) {
+        for (const std::string& piece : pieces) {
+            peer.send(piece);
+            std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
+        }
+        peer.receiveAll();
+    };
+}
+
+Script collecting(std::string& received) {
+    return [&received](Connection& peer) { received = peer.receiveAll(); };
+}
+
+ResettingPort::ResettingPort() : m_listener(listenOnLoopback(5)) {}
+
+UnansweringPort::UnansweringPort() {
+    ::listen(m_listener.get(), 0);
+    const sockaddr_in address = loopback(portOf(m_listener));
+    // Connects are queued until one is left without an answer.
+    for (int attempt = 0; attempt < 16; ++attempt) {
+        UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+        u_long nonBlocking = 1;
+        ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
+        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        fd_set set{};
+        set.fd_count = 1;
+        set.fd_array[0] = socket.get();
+        timeval patience{0, 200000};
+        const bool isAnswered = ::select(0, nullptr, &set, nullptr, &patience) == 1;
+        m_queued.push_back(std::move(socket));
+        if (!isAnswered) return;
+    }
+    throw std::runtime_error("the listener's queue does not fill");
+}
+
+}  // namespace peers

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "NyServer/socket/CUT_WSServer.h"
+#include "NyServer/socket/SocketCodes.h"
+#include "tests/socket/LocalConnection.h"
+#include "tests/socket/ProbeWorker.h"
+#include "tests/support/Gate.h"
+
+// What happened in a server, in its order. It outlives the server.
+class ServerLog {
+  public:
+    void add(std::string event) {
+        const std::lock_guard lock(m_mutex);
+        m_events.push_back(std::move(event));
+        m_threads.push_back(::GetCurrentThreadId());
+    }
+    std::vector<std::string> events() const {
+        const std::lock_guard lock(m_mutex);
+        return m_events;
+    }
+    std::vector<DWORD> threads() const {
+        const std::lock_guard lock(m_mutex);
+        return m_threads;
+    }
+    int count(std::string_view event) const {
+        const std::lock_guard lock(m_mutex);
+        return static_cast<int>(std::count(m_events.begin(), m_events.end(), event));
+    }
+    bool await(std::string_view event, int times = 1) const {
+        return eventually([&] { return count(event) >= times; });
+    }
+
+  private:
+    mutable std::mutex m_mutex;
+    std::vector<std::string> m_events;
+    std::vector<DWORD> m_threads;
+};
+
+// A worker that runs a test's handler in place of the base's.
+class LoggingWorker : public ProbeWorker {
+  public:
+    using Handler = std::function<void(LoggingWorker&)>;
+
+    LoggingWorker(std::shared_ptr<ServerLog> log, Handler onConnect)
+        : m_log(std::move(log)), m_onConnect(std::move(onConnect)) {}
+    ~LoggingWorker() override { m_log->add("worker deleted"); }
+
+    void OnConnect() override {
+        m_log->add("OnConnect");
+        m_onConnect ? m_onConnect(*this) : ProbeWorker::OnConnect();
+    }
+    void OnMaxConnect() override {
+        m_log->add("OnMaxConnect");
+        ProbeWorker::OnMaxConnect();
+    }
+
+  private:
+    std::shared_ptr<ServerLog> m_log;
+    Handler m_onConnect;
+};
+
+// A server that records its virtual calls and lets a test take part in them.
+class ProbeServer : public CUT_WSServer {
+  public:
+    enum class Ending { WaitsForWorkers, ClosesTheDoor, LeavesTheDoorOpen };
+
+    std::shared_ptr<ServerLog> log = std::make_shared<ServerLog>();
+    std::vector<int> codes;              // all that OnError was given
+    std::vector<std::wstring> statuses;  // all that OnStatus was given
+    LoggingWorker::Handler onConnect;
+    std::function<void()> onCreate = [] {};
+    std::function<void(CUT_WSThread*)> onRelease = [](CUT_WSThread*) {};
+    std::function<void()> onJudge = [] {};
+    bool hasWorkers = true;
+    long verdict = 1;
+    Ending ending = Ending::WaitsForWorkers;
+
+    ~ProbeServer() override {
+        if (ending == Ending::ClosesTheDoor) CloseDoor();
+        if (ending == Ending::WaitsForWorkers) {
+            SetShutDownFlag(1);
+            while (!CloseDoorIfIdle()) ::Sleep(1);
+        }
+    }
+
+    using CUT_WSServer::CloseDoor;
+    using CUT_WSServer::CloseDoorIfIdle;
+    using CUT_WSServer::ThreadListAdd;
+    using CUT_WSServer::ThreadListEntry;
+    using CUT_WSServer::ThreadListFirst;
+    using CUT_WSServer::ThreadListGetLength;
+    using CUT_WSServer::ThreadListKill;
+    using CUT_WSServer::ThreadListLock;
+    using CUT_WSServer::ThreadListRemove;
+    using CUT_WSServer::ThreadListResume;
+    using CUT_WSServer::ThreadListSuspend;
+
+    // Listens on a free port of 127.0.0.1. The result of ConnectToPort.
+    int listen(int queueSize = 5) {
+        int result = UTE_SOCK_BIND_FAILED;
+        for (int attempt = 0; result == UTE_SOCK_BIND_FAILED && attempt < 20; ++attempt)
+            result = ConnectToPort(peers::freePort(), queueSize, AF_INET, ::htonl(INADDR_LOOPBACK));
+        codes.clear();
+        return result;
+    }
+    bool start() { return listen() == UTE_SUCCESS && StartAccept() == UTE_SUCCESS; }
+    peers::Connection connection() { return peers::connectionTo(GetPort()); }
+
+  protected:
+    CUT_WSThread* CreateInstance() override {
+        log->add("CreateInstance");
+        onCreate();
+        return hasWorkers ? new LoggingWorker(log, onConnect) : nullptr;
+    }
+    void ReleaseInstance(CUT_WSThread* worker) override {
+        log->add("ReleaseInstance");
+        onRelease(worker);
+        delete worker;
+    }
+    long OnCanAccept(const char* address) override {
+        log->add(std::string("OnCanAccept ") + address);
+        onJudge();
+        return verdict;
+    }
+    int OnStatus(const wchar_t* text) override {
+        statuses.push_back(text);
+        return 0;
+    }
+    int OnError(int code) override {
+        codes.push_back(code);
+        return code;
+    }
+};

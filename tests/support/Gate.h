@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include "NyServer/base/WindowsPrelude.h"
+
+// Holds threads back until it is opened, so that a test can look at what happens meanwhile. No wait
+// is longer than 10 s.
+class Gate {
+  public:
+    // Waits for the gate to open. False when it did not.
+    bool pass() {
+        std::unique_lock lock(m_mutex);
+        ++m_arrived;
+        m_changed.notify_all();
+        return m_changed.wait_for(lock, kPatience, [this] { return m_isOpen; });
+    }
+
+    // Waits until so many threads have come to the gate.
+    bool awaitArrivals(int count = 1) {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait_for(lock, kPatience, [&] { return m_arrived >= count; });
+    }
+
+    void open() {
+        const std::lock_guard lock(m_mutex);
+        m_isOpen = true;
+        m_changed.notify_all();
+    }
+
+  private:
+    static constexpr std::chrono::seconds kPatience{10};
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_arrived = 0;
+    bool m_isOpen = false;
+};
+
+// Asks again and again, at most 10 s. Whether the answer was yes at last.
+template <class Question>
+bool eventually(Question question) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!question()) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        ::Sleep(1);
+    }
+    return true;
+}

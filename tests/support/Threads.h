@@ -1,0 +1,17 @@
+#pragma once
+
+#include "NyServer/base/KernelHandle.h"
+// After windows.h.
+#include <tlhelp32.h>
+
+// The threads of this process.
+inline int countThreads() {
+    const UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    int count = 0;
+    for (BOOL more = ::Thread32First(snapshot.get(), &entry); more;
+         more = ::Thread32Next(snapshot.get(), &entry))
+        if (entry.th32OwnerProcessID == ::GetCurrentProcessId()) ++count;
+    return count;
+}

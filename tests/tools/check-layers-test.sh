@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# check-layers allows what the order of the layers allows and names each kind of wrong include.
+set -eu
+. "$(dirname "$0")/testing.sh"
+
+cd "$project"
+mkdir -p tests NyServer/{base/mfc/windows,base/qo,records,framing,socket,client}
+touch tests/Helper.h NyServer/{NyServerApi.h,base/WindowsPrelude.h,base/mfc/afx.h,base/qo/QoObject2.h} \
+  NyServer/{records/NySeUser.h,framing/NySeMemFile.h}
+
+# after_adding LINE FILE: the project with LINE in one more file of the library.
+after_adding() {
+  find NyServer -name 'Added.*' -delete
+  echo "$1" > "NyServer/$2"
+}
+
+after_adding '#include "NyServer/NyServerApi.h"' base/qo/Added.h
+accepts check-layers
+after_adding '#include <QoObject2.h>' records/Added.h
+accepts check-layers
+after_adding '#include <vector>' records/Added.h
+accepts check-layers
+after_adding '#include "NyServer/base/WindowsPrelude.h"' socket/Added.cpp
+accepts check-layers
+after_adding '#include "NyServer/base/WindowsPrelude.h"' base/mfc/windows/Added.cpp
+accepts check-layers
+
+after_adding '#include "NyServer/framing/NySeMemFile.h"' records/Added.h
+rejects check-layers 'records must not include NyServer/framing/NySeMemFile.h of layer framing'
+after_adding '#include <QoObject2.h>' base/mfc/Added.h
+rejects check-layers 'base/mfc must not include NyServer/base/qo/QoObject2.h'
+after_adding '  #  include "../records/NySeUser.h"' socket/Added.cpp
+rejects check-layers 'socket must not include NyServer/records/NySeUser.h'
+after_adding '#include <afx.h>' socket/Added.cpp
+rejects check-layers 'socket must not include NyServer/base/mfc/afx.h'
+after_adding '#include "NyServer/base/WindowsPrelude.h"' framing/Added.h
+rejects check-layers 'framing must not include NyServer/base/WindowsPrelude.h'
+after_adding '#include <process.h>' records/Added.h
+rejects check-layers 'is portable and includes <process.h>'
+after_adding '#include <winsock2.h>' socket/Added.cpp
+rejects check-layers 'include "NyServer/base/WindowsPrelude.h" instead'
+after_adding '#include "NyServer/records/Nowhere.h"' client/Added.cpp
+rejects check-layers 'does not exist'
+after_adding '#ifdef _WIN32' records/Added.h
+rejects check-layers 'ask for the platform in'
+after_adding '#include "tests/Helper.h"' client/Added.cpp
+rejects check-layers 'of the library includes tests/Helper.h'
+
+finish

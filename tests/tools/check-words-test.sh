@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# check-words finds each kind of text that does not belong.
+set -eu
+. "$(dirname "$0")/testing.sh"
+
+# written TEXT [FILE]: $project holds one file with TEXT, where \n is a line's end.
+written() {
+  rm -rf "${project:?}"/*
+  printf '%b' "$1" > "$project/${2-source.cpp}"
+}
+
+written 'int a;\nint b;\n'
+accepts check-words
+written 'see tests/data/home/base/\n'
+accepts check-words
+written 'see /ro''ot/x\n'
+rejects check-words 'only their writer has'
+written 'cd "/ho''me/me/x"\n' script
+rejects check-words 'only their writer has'
+written 'as Pa''rt 2.1 says\n'
+rejects check-words 'only their writer has'
+written 'int a; \n'
+rejects check-words 'white space at the end'
+written 'int a;'
+rejects check-words 'no newline at the end'
+written "$(printf 'int a;\\n%.0s' {1..450})"
+accepts check-words
+written "$(printf 'int a;\\n%.0s' {1..451})"
+rejects check-words '451 lines, more than 450'
+written "$(printf 'text\\n%.0s' {1..451})" guide.md
+accepts check-words
+
+finish
