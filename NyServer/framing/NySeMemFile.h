@@ -51,11 +51,13 @@ class NYSERVER_API NySeMemFile : public CMemFile {
     // own whatever the message holds already. REQUIRES: an open storing archive.
     void writeObject(const NySeUser& user);
     // Moves the content of `source` into this file, not through the archive; `source` is empty
-    // then. Always true. REQUIRES: the archive holds nothing unflushed, as right after
-    // startWriteAction.
+    // then. Always true. REQUIRES: the block of `source` comes from malloc, as its own does; the
+    // archive holds nothing unflushed, as right after startWriteAction.
     bool writeMemfile(CMemFile& source);
 
-    // The bytes, which stay this file's. The file cannot grow any more; null when it is empty.
+    // The bytes, getLength() of them, which stay this file's and live as long as it does or until
+    // it is detached or attached; null when it never held any. The file then stands at its start
+    // and cannot grow any more: writing past its capacity throws CMemoryException.
     BYTE* getBuffer();
     // In bytes.
     ULONGLONG getLength() const { return GetLength(); }

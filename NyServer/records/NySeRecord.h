@@ -25,6 +25,11 @@ inline UINT objectSchema(CArchive& ar) {
     return schema & ~VERSIONABLE_SCHEMA;
 }
 
+// The sum in 32 bits; numbers that were loaded may be anything, so that it may wrap.
+inline LONG sum(LONG left, LONG right) {
+    return static_cast<LONG>(static_cast<DWORD>(left) + static_cast<DWORD>(right));
+}
+
 // The order of two numbers by their signed 32-bit difference.
 inline QoSort::CompareResult compareNumbers(LONG left, LONG right) {
     const LONG difference = static_cast<LONG>(static_cast<DWORD>(left) - static_cast<DWORD>(right));
@@ -67,12 +72,13 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
 
 }  // namespace NySe
 
-// What a record and a table have in common: serialisable by class name, a clone, the class name,
-// and a down-cast.
+// What a record and a table have in common: serialisable by class name, and these three.
 //
-//   clone()   a new object with this one's contents, owned by the caller; null when no memory is
-//   left cast()    `object` when it is of this class, else null; null for null desc()    the class
-//   name in ASCII, for the life of the process
+// clone(): a new object with this one's contents, owned by the caller; null when no memory is left.
+//
+// cast(): `object` when it is of this class, else null; null for null.
+//
+// desc(): the class name in ASCII, for the life of the process.
 #define NYSE_DECLARE_SERIAL(Class)                                              \
     DECLARE_DYNCREATE(Class)                                                    \
     friend NYSERVER_API CArchive& AFXAPI operator>>(CArchive& ar, Class*& pOb); \

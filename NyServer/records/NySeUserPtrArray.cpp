@@ -1,5 +1,7 @@
 #include "NyServer/records/NySeUserPtrArray.h"
 
+#include "NyServer/records/NySeSessionLockPtrArray.h"
+
 NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
     NySeUser probe;
     probe.setSessionNumber(sessionNumber);
@@ -10,4 +12,12 @@ NySeUser* NySeUserPtrArray::findByUserName(const CString& userName) const {
     NySeUser probe;
     probe.setStrUserName(userName);
     return NySeUser::cast(find(&probe, 1));
+}
+
+void NySeUserPtrArray::addFromSessionArray(NySeUserPtrArray& users,
+                                           NySeSessionLockPtrArray& sessions) {
+    for (INT_PTR i = 0; i < sessions.GetSize(); ++i) {
+        NySeUser* user = users.findBySessionNumber(sessions.GetAt(i)->getSessionNumber());
+        if (user != nullptr) add(user);
+    }
 }

@@ -3,6 +3,8 @@
 
 #include "NyServer/records/NySeUser.h"
 
+class NySeSessionLockPtrArray;
+
 // Sorted by user name. One table may be used by one thread at a time.
 class NYSERVER_API NySeUserPtrArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeUserPtrArray, NySeUser)
@@ -12,4 +14,9 @@ class NYSERVER_API NySeUserPtrArray : public QoArraySerial2 {
     // when there is none.
     NySeUser* findBySessionNumber(int sessionNumber) const;
     NySeUser* findByUserName(const CString& userName) const;
+
+    // Adds the very users of `users` that `sessions` name, once for each session lock, at their
+    // sorted places; session locks without a user are passed over. REQUIRES: this table does not
+    // own its records.
+    void addFromSessionArray(NySeUserPtrArray& users, NySeSessionLockPtrArray& sessions);
 };

@@ -1,5 +1,6 @@
 #include "tests/support/Golden.h"
 
+#include <algorithm>
 #include <fstream>
 #include <stdexcept>
 
@@ -28,6 +29,12 @@ const Golden& golden(const std::string& name) {
         if (one.name == name) return one;
     }
     throw std::out_of_range("no golden bytes named " + name);
+}
+
+std::string testNameOf(const Golden& vector) {
+    std::string name = vector.name;
+    std::replace(name.begin(), name.end(), '-', '_');
+    return name;
 }
 
 std::vector<Golden> goldenNamed(const std::string& start) {

@@ -22,5 +22,8 @@ const std::vector<Golden>& allGolden();
 // Throws std::out_of_range when there is none of that name.
 const Golden& golden(const std::string& name);
 
+// The name in the characters that a test name may have.
+std::string testNameOf(const Golden& vector);
+
 // Those whose name starts so.
 std::vector<Golden> goldenNamed(const std::string& start);

@@ -3,30 +3,39 @@
 
 #include <afxtempl.h>
 
+#include <memory>
+#include <new>
+#include <vector>
+
 #include "QoObject2.h"
 
 // An owning array deletes the elements that it removes and those it holds when it is destroyed; an
 // element given to it must come from new and belong to nobody else. A copy held by an owning array
 // is a clone, so that no element ever has two owners; an array that does not own its elements
-// shares them. One array may be used by one thread at a time.
+// shares them. SetAt and SetSize are the class library's: what they drop is not deleted. Sorting
+// and searching need elements that are not null. One array may be used by one thread at a time.
 template <class BASE, class OBJECT>
 class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     using Base = CTypedPtrArray<BASE, OBJECT*>;
 
   public:
     QoArray2() = default;
-    QoArray2(const QoArray2& other) : Base(), m_deleteObject(other.m_deleteObject) {
+    QoArray2(const QoArray2& other) : QoArray2() {
+        m_deleteObject = other.m_deleteObject;
         *this = other;
     }
     ~QoArray2() override { QoArray2::RemoveAll(); }
 
-    // Takes the sort criteria and the elements of `other`; the ownership flag stays as it is.
+    // Takes the sort criteria and the elements of `other`, which may share elements with this
+    // array; the ownership flag stays as it is. Throws std::bad_alloc, with nothing changed, when
+    // an element cannot be cloned.
     QoArray2& operator=(const QoArray2& other) {
         if (this == &other) return *this;
+        Taken elements = takeFrom(other);
         RemoveAll();
         m_sortKey = other.m_sortKey;
         m_sorted = other.m_sorted;
-        addFrom(other);
+        addTaken(elements, false);
         return *this;
     }
 
@@ -44,8 +53,8 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
 
     virtual const QoArray2& vCopyFrom(const QoArray2& other) { return *this = other; }
 
-    // The texts of at most `maxCount` elements with `separator` between them, and `more` behind
-    // them when some are left out.
+    // The texts of at most `maxCount` elements (below 0: of all) with `separator` between them, and
+    // `more` behind them when some are left out.
     virtual CString toString(short format, const CString& separator, int maxCount,
                              const CString& more) const {
         CString text;
@@ -94,21 +103,14 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     // Inserts at the end, whatever the order. Returns the index.
     INT_PTR append(OBJECT* element) { return this->Add(element); }
 
-    // Appends every element of `other`: clones when this array owns its elements, the same pointers
-    // when it does not.
+    // Appends every element of `other`, which may be this array: clones when this array owns its
+    // elements, the same pointers when it does not. Throws std::bad_alloc, with nothing added, when
+    // an element cannot be cloned.
     void addFrom(const QoArray2& other) { addFrom(other, false); }
     // The same; sorted: each at its sorted place.
     void addFrom(const QoArray2& other, bool sorted) {
-        // The size is taken first: `other` may be this array.
-        const INT_PTR count = other.GetSize();
-        for (INT_PTR i = 0; i < count; ++i) {
-            OBJECT* element = m_deleteObject ? cloneOf(other.GetAt(i)) : other.GetAt(i);
-            if (sorted) {
-                add(element);
-            } else {
-                append(element);
-            }
-        }
+        Taken elements = takeFrom(other);
+        addTaken(elements, sorted);
     }
 
     // The first element in index order that compares equal to `probe` under `key`, or null. The
@@ -151,8 +153,41 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     void setDeleteObject(bool deleteObject) { m_deleteObject = deleteObject; }
 
   private:
+    struct DeleteIfOwned {
+        bool owned;
+        void operator()(OBJECT* element) const {
+            if (owned) delete element;
+        }
+    };
+    // Elements on their way into this array.
+    using Taken = std::vector<std::unique_ptr<OBJECT, DeleteIfOwned>>;
+
     static OBJECT* cloneOf(const OBJECT* element) {
-        return element != nullptr ? element->vClone() : nullptr;
+        if (element == nullptr) return nullptr;
+        OBJECT* clone = element->vClone();
+        if (clone == nullptr) throw std::bad_alloc();
+        return clone;
+    }
+
+    Taken takeFrom(const QoArray2& other) const {
+        Taken taken;
+        taken.reserve(static_cast<size_t>(other.GetSize()));
+        for (INT_PTR i = 0; i < other.GetSize(); ++i) {
+            OBJECT* element = m_deleteObject ? cloneOf(other.GetAt(i)) : other.GetAt(i);
+            taken.emplace_back(element, DeleteIfOwned{m_deleteObject});
+        }
+        return taken;
+    }
+
+    void addTaken(Taken& elements, bool sorted) {
+        for (auto& element : elements) {
+            if (sorted) {
+                add(element.get());
+            } else {
+                append(element.get());
+            }
+            element.release();
+        }
     }
 
     void deleteElements(INT_PTR index, INT_PTR count) {

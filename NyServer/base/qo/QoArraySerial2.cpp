@@ -34,13 +34,16 @@ void QoArraySerial2::Serialize(CArchive& ar) {
             static_cast<void>(element.release());
         }
     } catch (...) {
-        // Nobody has been given the records, whether this table owns its records or not.
-        const bool owning = getDeleteObject();
-        setDeleteObject(true);
-        RemoveAll();
-        setDeleteObject(owning);
+        deleteLoaded();
         throw;
     }
+}
+
+void QoArraySerial2::deleteLoaded() {
+    const bool owning = getDeleteObject();
+    setDeleteObject(true);
+    RemoveAll();
+    setDeleteObject(owning);
 }
 
 std::unique_ptr<QoObject2> QoArraySerial2::readElement(CArchive& ar) const {

@@ -15,15 +15,20 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     QoArraySerial2() = default;
     explicit QoArraySerial2(unsigned long flags) { setDeleteObject((flags & kDoNotDelete) == 0); }
 
-    // Loading replaces the contents. Each record must be new to the archive and of the element
-    // class: throws CArchiveException badClass for null and for any other class, badIndex for a
-    // record read before, which has an owner already. Whatever else goes wrong passes through; the
-    // table is empty then, and what had been read is deleted.
+    // Loading replaces the contents. The loaded records are the table's; a table that does not own
+    // its records leaves them to the caller. Each record must be new to the archive and of the
+    // element class: throws CArchiveException badClass for null and for any other class, badIndex
+    // for a record read before, which has an owner already. Whatever else goes wrong passes
+    // through; the table is empty then, and what had been read is deleted.
     void Serialize(CArchive& ar) override;
 
   protected:
     // The class that loaded records must be of; QoObject2 unless a table says more.
     void setElementClass(const CRuntimeClass* elementClass) { m_elementClass = elementClass; }
+
+    // Empties the table after a failed load: nobody has been given the records, so they are deleted
+    // whether this table owns its records or not.
+    void deleteLoaded();
 
   private:
     std::unique_ptr<QoObject2> readElement(CArchive& ar) const;

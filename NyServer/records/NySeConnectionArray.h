@@ -1,0 +1,45 @@
+// NySeConnectionArray: the table of open connections, which gives them their ids.
+#pragma once
+
+#include "NyServer/records/NySeConnection.h"
+#include "QoArraySimple.h"
+
+// Sorted by id. Ids count up from 0; those of closed connections are given again, smallest first.
+// Connection strings are the same when they differ only in letter case. Finders lend what they
+// find. One table may be used by one thread at a time.
+class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
+    NYSE_DECLARE_TABLE(NySeConnectionArray, NySeConnection)
+
+  public:
+    // The records, then the last id, then the free ids. Throws CArchiveException as
+    // QoArraySerial2::Serialize does; after a failed load the table is as a new one.
+    void Serialize(CArchive& ar) override;
+
+    // Opens the connection once more, or gives it an id and enters it with a count of 1. Returns
+    // its id.
+    LONG openConnection(const CString& connection);
+
+    // Closes the connection once. True when that was the last time: it is deleted and its id free
+    // again. False when it is still open, or when no connection has that id.
+    bool closeConnection(LONG id);
+
+    // The first connection of that string or id; null when there is none.
+    NySeConnection* findByConnection(const CString& connection) const;
+    NySeConnection* findById(LONG id) const;
+
+    // Its index; -1 when there is none.
+    INT_PTR lookForConnection(const CString& connection) const;
+    INT_PTR lookForId(LONG id) const;
+
+  private:
+    LONG takeId();
+    void forgetIds();
+
+    // Ascending. A table that was loaded may name an id twice.
+    struct FreeIds : QoArraySimple<LONG> {
+        FreeIds() { setAllowDuplicates(1); }
+    };
+
+    LONG m_lastId = -1;  // the highest id given by counting
+    FreeIds m_freeIds;
+};

@@ -1,0 +1,54 @@
+#include "NyServer/records/NySeLock.h"
+
+#include "NyServer/records/NySeUser.h"
+
+namespace {
+
+// Bits of a share mode. They travel and are stored: do not change them.
+constexpr unsigned int kAsksForAccess = 0x01 | 0x02;
+constexpr unsigned int kExcludesNewcomers = 0x08 | 0x10;
+
+}  // namespace
+
+void NySeLock::Serialize(CArchive& ar) {
+    if (ar.IsStoring()) {
+        ar << m_strLockName;
+    } else {
+        ar >> m_strLockName;
+    }
+    m_holders.Serialize(ar);
+}
+
+// The holders stay out: a grant is of one lock, not of its copies.
+void NySeLock::typeCopyFrom(const NySeLock& other) {
+    m_strLockName = other.m_strLockName;
+}
+
+void NySeLock::typeCompareTo(const NySeLock& other, short key,
+                             QoSort::CompareResult& result) const {
+    if (key == 1) result = NySe::compareTexts(m_strLockName, other.m_strLockName);
+}
+
+bool NySeLock::seekShareMode(unsigned int mode) const {
+    if ((mode & kAsksForAccess) == 0) return true;
+    for (INT_PTR i = 0; i < m_holders.GetSize(); ++i) {
+        if ((m_holders.GetAt(i)->getLockState() & kExcludesNewcomers) != 0) return false;
+    }
+    return true;
+}
+
+void NySeLock::removeUser(const NySeUser& user) {
+    for (INT_PTR i = 0; i < m_holders.GetSize();) {
+        if (m_holders.GetAt(i)->getSessionNumber() == user.getSessionNumber()) {
+            m_holders.RemoveAt(i, 1);
+        } else {
+            ++i;
+        }
+    }
+}
+
+void NySeLock::writeUserArray(CMemFile& file) const {
+    CArchive archive(&file, CArchive::store);
+    archive.SetObjectSchema(NySe::kRecordSchema);
+    archive.WriteObject(&m_holders);
+}

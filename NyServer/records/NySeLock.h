@@ -1,0 +1,39 @@
+// NySeLock: one named lock and its holders.
+#pragma once
+
+#include "NyServer/records/NySeSessionLockPtrArray.h"
+
+class NySeUser;
+
+// Users are known by their session number alone. A copy or clone takes the name and not the
+// holders. One object may be used by one thread at a time.
+//
+// Compare keys: 1 lock name without letter case.
+class NYSERVER_API NySeLock : public QoObject2 {
+    NYSE_DECLARE_RECORD(NySeLock)
+
+  public:
+    const CString& getStrLockName() const { return m_strLockName; }
+    void setStrLockName(const CString& lockName) { m_strLockName = lockName; }
+
+    // One entry for each grant, owned by this lock.
+    NySeSessionLockPtrArray& getHolders() { return m_holders; }
+    const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
+
+    // Whether `mode` may be granted beside the present holders: not when it asks for access (bit
+    // 0x01 or 0x02) and a holder excludes newcomers (bit 0x08 or 0x10). The newcomer's own
+    // excluding bits are not held against the holders, and a session's earlier grant counts like
+    // anybody's.
+    bool seekShareMode(unsigned int mode) const;
+
+    // Drops every grant of that user's session; there may be none.
+    void removeUser(const NySeUser& user);
+
+    // Writes the holders as one object at the position of `file`, which is left behind it. Throws
+    // CMemoryException when the file cannot grow.
+    void writeUserArray(CMemFile& file) const;
+
+  private:
+    CString m_strLockName;
+    NySeSessionLockPtrArray m_holders;
+};

@@ -1,0 +1,17 @@
+// NySeMessage: one text as a record.
+#pragma once
+
+#include "NyServer/records/NySeRecord.h"
+
+// Lets a text travel in the same archives as the other records. Messages have no order: no compare
+// key is known. One object may be used by one thread at a time.
+class NYSERVER_API NySeMessage : public QoObject2 {
+    NYSE_DECLARE_RECORD(NySeMessage)
+
+  public:
+    const CString& getStrMessage() const { return m_strMessage; }
+    void setStrMessage(const CString& message) { m_strMessage = message; }
+
+  private:
+    CString m_strMessage;
+};

@@ -1,0 +1,120 @@
+// What every table of records does alike.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <type_traits>
+
+#include "tests/records/RecordSamples.h"
+#include "tests/support/ArchiveBytes.h"
+#include "tests/support/SlotOrder.h"
+
+namespace {
+
+template <class Table>
+class TablePattern : public ::testing::Test {
+  protected:
+    using Record = typename TableSample<Table>::Record;
+
+    static Record* makeFirst() { return Sample<Record>::make().clone(); }
+    static Record* makeSecond() {
+        Record* record = makeFirst();
+        Sample<Record>::putBehind(*record);
+        return record;
+    }
+    static void fill(Table& table) {
+        table.append(makeFirst());
+        table.append(makeSecond());
+    }
+    static Bytes fieldsOf(const Table& table) {
+        return stored([&](CArchive& ar) { const_cast<Table&>(table).Serialize(ar); });
+    }
+};
+
+using Tables =
+    ::testing::Types<NySeUserPtrArray, NySeConnectionArray, NySeSessionLockPtrArray, NySeLockArray>;
+TYPED_TEST_SUITE(TablePattern, Tables);
+
+TYPED_TEST(TablePattern, KnowsItsName) {
+    EXPECT_STREQ(TableSample<TypeParam>::kName, TypeParam::desc());
+    EXPECT_EQ(TableSample<TypeParam>::description(), TypeParam::GetThisClass());
+    EXPECT_EQ(TableSample<TypeParam>::description(), TypeParam().GetRuntimeClass());
+}
+
+TYPED_TEST(TablePattern, IsMadeByNameUnderAVersionableSchema) {
+    const CRuntimeClass* description = CRuntimeClass::FromName(TableSample<TypeParam>::kName);
+    ASSERT_EQ(TypeParam::GetThisClass(), description);
+    EXPECT_EQ(0x800007DFu, description->m_wSchema);
+    EXPECT_EQ(RUNTIME_CLASS(QoArraySerial2), description->m_pfnGetBaseClass());
+    EXPECT_EQ(static_cast<int>(sizeof(TypeParam)), description->m_nObjectSize);
+    const std::unique_ptr<CObject> made(description->CreateObject());
+    EXPECT_TRUE(made->IsKindOf(TypeParam::GetThisClass()));
+    const std::unique_ptr<CObject> alsoMade(TypeParam::CreateObject());
+    EXPECT_TRUE(alsoMade->IsKindOf(TypeParam::GetThisClass()));
+}
+
+TYPED_TEST(TablePattern, OwnsItsRecordsUnlessToldOtherwise) {
+    EXPECT_TRUE(TypeParam().getDeleteObject());
+    EXPECT_TRUE(TypeParam(0).getDeleteObject());
+    EXPECT_FALSE(TypeParam(0x10000).getDeleteObject());
+}
+
+TYPED_TEST(TablePattern, SortsByKeyOneHoweverItWasMade) {
+    TypeParam byDefault;
+    TypeParam withFlags(0);
+    const TypeParam source;
+    TypeParam copied(source);
+    for (TypeParam* table : {&byDefault, &withFlags, &copied}) {
+        EXPECT_EQ(0, table->add(this->makeSecond()));
+        EXPECT_EQ(0, table->add(this->makeFirst()));
+    }
+}
+
+TYPED_TEST(TablePattern, AppendsAtTheEnd) {
+    TypeParam table;
+    EXPECT_EQ(0, table.append(this->makeSecond()));
+    EXPECT_EQ(1, table.append(this->makeFirst()));
+}
+
+TYPED_TEST(TablePattern, GivesItsRecordsByTheirType) {
+    TypeParam table;
+    this->fill(table);
+    const TypeParam& constant = table;
+    static_assert(std::is_same_v<decltype(constant.GetAt(0)), typename TestFixture::Record*>);
+    static_assert(std::is_same_v<decltype(table.ElementAt(0)), typename TestFixture::Record*>);
+    static_assert(std::is_same_v<decltype(table[0]), typename TestFixture::Record*>);
+    EXPECT_NE(nullptr, constant.GetAt(1));
+    EXPECT_EQ(constant.GetAt(1), table.ElementAt(1));
+    EXPECT_EQ(constant.GetAt(1), table[1]);
+}
+
+TYPED_TEST(TablePattern, CopiesHoldClones) {
+    TypeParam table;
+    this->fill(table);
+    const TypeParam copy(table);
+    TypeParam assigned;
+    this->fill(assigned);
+    EXPECT_EQ(&assigned, &(assigned = table));
+    const std::unique_ptr<TypeParam> clone(table.clone());
+    EXPECT_EQ(TypeParam::GetThisClass(), clone->GetRuntimeClass());
+    for (const TypeParam* one :
+         std::initializer_list<const TypeParam*>{&copy, &assigned, clone.get()}) {
+        ASSERT_EQ(2, one->GetSize());
+        EXPECT_NE(table.GetAt(0), one->GetAt(0));
+        EXPECT_EQ(QoSort::equal, table.GetAt(0)->vCompareTo(*one->GetAt(0), 1));
+        EXPECT_EQ(QoSort::equal, table.GetAt(1)->vCompareTo(*one->GetAt(1), 1));
+        EXPECT_EQ(toHex(this->fieldsOf(copy)), toHex(this->fieldsOf(*one)));
+    }
+}
+
+TYPED_TEST(TablePattern, KeepsTheSlotsOfItsBase) {
+    EXPECT_EQ(0u, slotOf(&TypeParam::GetRuntimeClass));
+    EXPECT_EQ(3u, slotOf(&TypeParam::Serialize));
+    EXPECT_EQ(6u, slotOf(&TypeParam::vCompareTo));
+    EXPECT_EQ(7u, slotOf(&TypeParam::vCopyFrom));
+    EXPECT_EQ(8u, slotOf(&TypeParam::toString));
+    EXPECT_EQ(9u, slotOf(&TypeParam::GetSize));
+    EXPECT_EQ(10u, slotOf(&TypeParam::RemoveAll));
+    EXPECT_EQ(11u, slotOf(&TypeParam::onEndSearchIfSorted));
+}
+
+}  // namespace
