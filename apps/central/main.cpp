@@ -1,6 +1,8 @@
 // nycentral: the reference central server as a program.
+#include <algorithm>
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <exception>
 #include <fstream>
 
 #include "apps/central/CentralServer.h"
@@ -27,7 +29,7 @@ bool writePortFile(const std::string& path, unsigned int port) {
     return ::MoveFileExW(fromUtf8(unfinished), fromUtf8(path), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-int run(const std::string& address, unsigned short port, const std::string& portFile) {
+int serve(const std::string& address, unsigned short port, const std::string& portFile) {
     CentralServer server;
     if (const int code = server.start(::inet_addr(address.c_str()), port); code != 0) {
         std::fprintf(stderr, "cannot listen on %s:%u (code %d)\n", address.c_str(), port, code);
@@ -44,9 +46,7 @@ int run(const std::string& address, unsigned short port, const std::string& port
     return 0;
 }
 
-}  // namespace
-
-int main() {
+int run() {
     CLI::App app("The reference central server: who is connected, and who holds what.",
                  "nycentral");
     std::string address = "127.0.0.1";
@@ -68,5 +68,16 @@ int main() {
     }
     stopRequested = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
     ::SetConsoleCtrlHandler(&requestStop, TRUE);
-    return run(address, port, portFile);
+    return serve(address, port, portFile);
+}
+
+}  // namespace
+
+int main() {
+    try {
+        return run();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "nycentral: %s\n", error.what());
+        return 1;
+    }
 }

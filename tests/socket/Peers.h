@@ -16,7 +16,7 @@
 
 namespace peers {
 
-inline constexpr std::chrono::seconds kPatience{10};
+inline constexpr std::chrono::seconds kPatience{30};
 
 // One start of Winsock.
 class WinsockSession {
