@@ -2,25 +2,11 @@
 
 #include <string>
 
-#include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/SendingClient.h"
 
 namespace {
 
-class ClientSendLine : public testing::Test {
-  protected:
-    void SetUp() override { ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS); }
-
-    std::string arrived() {
-        m_client.CloseConnection();
-        m_peer.waitForServed(1);
-        return m_received;
-    }
-
-    std::string m_received;
-    peers::Peer m_peer{peers::collecting(m_received)};
-    ProbeClient m_client;
-};
+using ClientSendLine = SendingClient;
 
 TEST_F(ClientSendLine, EndsEachPieceWithALineEnd) {
     EXPECT_EQ(m_client.SendAsLine("abcdefgh", 8, 3), 8);

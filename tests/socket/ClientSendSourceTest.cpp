@@ -2,29 +2,13 @@
 
 #include <string>
 
-#include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/SendingClient.h"
 #include "tests/support/ScriptedSource.h"
 #include "tests/support/TempFile.h"
 
 namespace {
 
-class ClientSendSource : public testing::Test {
-  protected:
-    void SetUp() override {
-        ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS);
-        m_client.codes.clear();
-    }
-    std::string arrived() {
-        m_client.CloseConnection();
-        m_peer.waitForServed(1);
-        return m_received;
-    }
-
-    std::string m_received;
-    peers::Peer m_peer{peers::collecting(m_received)};
-    ProbeClient m_client;
-};
+using ClientSendSource = SendingClient;
 
 TEST_F(ClientSendSource, SendsAllInPiecesOf255Bytes) {
     ScriptedSource source(patternOf(600));

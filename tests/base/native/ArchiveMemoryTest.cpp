@@ -3,8 +3,8 @@
 
 #include <afxtempl.h>
 
-#include "tests/base/native/AllocationCount.h"
 #include "tests/base/TestRecords.h"
+#include "tests/support/AllocationCount.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/Thrown.h"
 
@@ -19,10 +19,9 @@ constexpr size_t kCostPerByte = 128;
 template <class Read>
 void expectModest(const Bytes& bytes, Read read) {
     Loading in(bytes);
-    AllocationCount::reset();
+    const AllocationCount count;
     archiveCause([&] { read(in.ar); });
-    const size_t asked = AllocationCount::asked;
-    EXPECT_LE(asked, kFixedCost + kCostPerByte * bytes.size()) << toHex(bytes);
+    EXPECT_LE(count.peakBytes(), kFixedCost + kCostPerByte * bytes.size()) << toHex(bytes);
 }
 
 void readString(CArchive& ar) {
@@ -31,9 +30,9 @@ void readString(CArchive& ar) {
 }
 
 TEST(ArchiveMemory, CounterCounts) {
-    AllocationCount::reset();
+    const AllocationCount count;
     delete RUNTIME_CLASS(Foo)->CreateObject();
-    EXPECT_EQ(AllocationCount::asked, sizeof(Foo));
+    EXPECT_EQ(count.peakBytes(), sizeof(Foo));
 }
 
 TEST(ArchiveMemory, LyingStringLengths) {
