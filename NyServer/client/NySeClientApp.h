@@ -40,7 +40,8 @@ class NYSERVER_API NySeClientApp {
     // 1 while the server holds the connection, else 0.
     int IsConnected();
 
-    // Of the connection's other end; 0 and empty when there is none.
+    // The port and the dotted address of the connection's other end. Without a connection the port
+    // is that of the last one tried, 0 before the first, and the address is empty.
     unsigned getPort() const;
     CString getStrAddress() const;
     // This computer's name; the server is not asked.
