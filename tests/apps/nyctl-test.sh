@@ -57,7 +57,8 @@ expect 2 'not expected' ping --no-such-option
 expect 3 'no answer' --server 127.0.0.1:1 ping
 expect 3 'no answer' --server 127.0.0.1:1 register
 expect 3 'no answer' --server 127.0.0.1:1 users
-expect 3 'no answer' --server nonsense ping
+expect 2 'nonsense is not HOST:PORT' --server nonsense ping
+expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {
