@@ -36,13 +36,13 @@ TEST_F(ClientLocks, UnLockIsFalseWithoutConnection) {
 }
 
 TEST_F(ClientLocks, IsLockByZeroReadsNothingMore) {
-    expectTakesNoAnswer(isLockByRequest, wire("00"), [this] { EXPECT_FALSE(isLockBy()); });
+    expectTakesOnly(isLockByRequest, wire("00"), [this] { EXPECT_FALSE(isLockBy()); });
     EXPECT_EQ(0, users.GetSize());
 }
 
 TEST_F(ClientLocks, IsLockByOneReadsTheUsers) {
-    expectTakesNoAnswer(isLockByRequest, wire("01") + goldenWire("reply-users"),
-                        [this] { EXPECT_TRUE(isLockBy()); });
+    expectTakesOnly(isLockByRequest, wire("01") + goldenWire("reply-users"),
+                    [this] { EXPECT_TRUE(isLockBy()); });
     ASSERT_EQ(2, users.GetSize());
     EXPECT_EQ(CString("Anna"), users[0]->getStrUserName());
     EXPECT_EQ(CString("bob"), users[1]->getStrUserName());
@@ -51,7 +51,7 @@ TEST_F(ClientLocks, IsLockByOneReadsTheUsers) {
 TEST_F(ClientLocks, IsLockByAnyOtherByteIsTrueWithoutUsers) {
     for (const char* status : {"02", "7F", "80", "81", "FF"}) {
         SCOPED_TRACE(status);
-        expectTakesNoAnswer(isLockByRequest, wire(status), [this] { EXPECT_TRUE(isLockBy()); });
+        expectTakesOnly(isLockByRequest, wire(status), [this] { EXPECT_TRUE(isLockBy()); });
         EXPECT_EQ(0, users.GetSize());
     }
 }

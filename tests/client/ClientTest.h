@@ -69,7 +69,7 @@ class ClientTest : public ::testing::Test {
     // Expects that `call` sends `request`, takes `ownAnswer` and leaves the bytes behind it to the
     // next call. Ends the connection.
     template <class Call>
-    void expectTakesNoAnswer(const std::string& request, const std::string& ownAnswer, Call call) {
+    void expectTakesOnly(const std::string& request, const std::string& ownAnswer, Call call) {
         serve({{request, {ownAnswer + wireOf<LONG>(NySe::kAliveAnswer)}},
                {goldenWire("request-isAlive"), {}}});
         call();
