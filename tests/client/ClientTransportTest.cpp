@@ -54,11 +54,7 @@ TEST_F(ClientTransport, AnEmptyReplyIsASuccess) {
 }
 
 TEST_F(ClientTransport, AReplyInSingleBytesArrivesWhole) {
-    serve({{"", inSingleBytes("\x05")}});
-    client.disconnect();
-    std::vector<std::string> pieces = inSingleBytes("hello");
-    pieces.insert(pieces.begin(), wireOf<LONG>(5));
-    serve({{"", pieces}});
+    serve({byteByByte("", wireOf<LONG>(5) + "hello")});
     CMemFile reply;
     EXPECT_TRUE(Access::receiveMemfile(client, reply));
     EXPECT_EQ(0u, reply.GetPosition());
