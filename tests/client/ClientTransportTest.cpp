@@ -137,6 +137,31 @@ TEST_F(ClientTransport, KeepsTheTextWhenNoReplyComes) {
     EXPECT_EQ(CString("before"), text);
 }
 
+// A user that tells when it is deleted.
+class MortalUser : public NySeUser {
+  public:
+    explicit MortalUser(int& deaths) : m_deaths(deaths) {}
+    ~MortalUser() override { ++m_deaths; }
+
+  private:
+    int& m_deaths;
+};
+
+TEST_F(ClientTransport, TransferDeletesNoRecord) {
+    int deaths = 0;
+    {
+        NySeUserPtrArray to;
+        {
+            NySeUserPtrArray from;
+            from.append(new MortalUser(deaths));
+            to.append(new MortalUser(deaths));
+            Access::transfertObject(from, to);
+        }
+        EXPECT_EQ(0, deaths);
+    }
+    EXPECT_EQ(2, deaths);
+}
+
 TEST_F(ClientTransport, TransferMovesTheRecordsThemselves) {
     NySeUserPtrArray from;
     NySeUserPtrArray to;

@@ -12,6 +12,16 @@ class ClientUsers : public ClientTest {
         return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
     }
 
+    static void expectSameFields(const NySeUser& expected, const NySeUser& user) {
+        EXPECT_EQ(expected.getPort(), user.getPort());
+        EXPECT_EQ(expected.getStrHostName(), user.getStrHostName());
+        EXPECT_EQ(expected.getStrUserName(), user.getStrUserName());
+        EXPECT_EQ(expected.getStrComputerName(), user.getStrComputerName());
+        EXPECT_EQ(expected.getSessionNumber(), user.getSessionNumber());
+        EXPECT_EQ(expected.getSchema(), user.getSchema());
+        EXPECT_EQ(expected.getSoftType(), user.getSoftType());
+    }
+
     const std::string getPortRequest = goldenWire("request-getPortClient");
 };
 
@@ -28,13 +38,7 @@ TEST_F(ClientUsers, GetPortClientTakesEveryFieldOfTheAnswer) {
 
     NySeUser user = goldenUser();
     EXPECT_EQ(50001, client.getPortClient(user));
-    EXPECT_EQ(50001, user.getPort());
-    EXPECT_EQ(answer.getStrHostName(), user.getStrHostName());
-    EXPECT_EQ(answer.getStrUserName(), user.getStrUserName());
-    EXPECT_EQ(answer.getStrComputerName(), user.getStrComputerName());
-    EXPECT_EQ(99, user.getSessionNumber());
-    EXPECT_EQ(2016, user.getSchema());
-    EXPECT_EQ(8, user.getSoftType());
+    expectSameFields(answer, user);
     expectRequestsSent();
 }
 
@@ -44,8 +48,7 @@ TEST_F(ClientUsers, GetPortClientLeavesTheUserWithoutAUsefulReply) {
         serveRequest(getPortRequest, reply, Then::close);
         NySeUser user = goldenUser();
         EXPECT_EQ(0, client.getPortClient(user));
-        EXPECT_EQ(goldenUser().getPort(), user.getPort());
-        EXPECT_EQ(goldenUser().getSessionNumber(), user.getSessionNumber());
+        expectSameFields(goldenUser(), user);
         client.disconnect();
     }
 }
