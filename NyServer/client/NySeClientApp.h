@@ -7,6 +7,8 @@
 
 #include "NyServer/framing/NySeMemFile.h"
 #include "NyServer/NyServerApi.h"
+#include "NyServer/records/NySeConnectionArray.h"
+#include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 
 class CUT_WSClient;
@@ -55,11 +57,62 @@ class NYSERVER_API NySeClientApp {
     // The server's version; -1.0 when it does not say.
     double getVersion();
 
+    // Asks for the lock of that name under a share mode (bits: NySeLock::seekShareMode). True when
+    // it was granted; false when it was refused and on failure.
+    bool lock(const CString& name, unsigned mode);
+    // Releases the lock. True when the message went out in full; the server does not say what it
+    // released.
+    bool unLock(const CString& name);
+    // Appends the users who hold the lock to `users`. True when it is held; false when nobody holds
+    // it and on failure. `users` stays as it was when it is not held or the server does not name
+    // the users.
+    bool isLockBy(const CString& name, NySeUserPtrArray& users);
+    // Appends the server's locks to `locks`, which stays as it was on failure.
+    void getLock(NySeLockArray& locks);
+
+    // Opens the connection of that name and returns the id that the server gives it; -1 on failure.
+    long openConnection(const CString& name);
+    // Closes it once. Nothing tells a failure.
+    void closeConnection(long id);
+    // Appends the users who have it open to `users`, which stays as it was on failure.
+    void isOpenConnectionBy(long id, NySeUserPtrArray& users);
+    // Appends the server's connections to `connections`, which stays as it was on failure.
+    void getConnection(NySeConnectionArray& connections);
+    // Sends two numbers and an object, whose meaning is the application's. Nothing tells a failure;
+    // an object that cannot be archived is left out.
+    void sendConnectionData(int first, int second, CObject& object);
+
     // Appends the server's users to `users`, which stays as it was on failure.
     void getAllUser(NySeUserPtrArray& users);
     // Registers `user` and returns the port for the user's notification listener. `user` takes
     // every field as the server completed it. 0 on failure, with `user` as it was.
     int getPortClient(NySeUser& user);
+    // Another port for the calling user's notification listener; -1 on failure.
+    int getAnotherPort();
+    // Gives the calling user another name. True when the server took it; false when it did not and
+    // on failure.
+    bool updateUserName(const CString& name);
+    // Pass an object, whose meaning is the application's, on for one user or for all. For one user
+    // both are archived under the user's schema. Nothing tells a failure; an object that cannot be
+    // archived is left out.
+    void sendUserData(NySeUser& user, CObject& object);
+    void sendAllUserData(CObject& object);
+
+    // The server's time in seconds since 1970-01-01 UTC; 0 on failure.
+    long getCurrentTime();
+    // The identity of the server's machine; empty on failure.
+    CString getMachineIdentifiant();
+    // Replaces the contents of `report` by ten lines on the server. On failure the time is that of
+    // 1970-01-01 UTC, shown as local time, and the machine identity is empty.
+    void getServerInformation(CStringArray& report);
+
+    // Stops the central server. Nothing tells a failure.
+    void shutDownServer();
+    // Has the central server check its tables. Nothing tells a failure.
+    void verifyCoherancy();
+    // The server's list of events as it writes it; empty on failure. What `value` selects is the
+    // server's business.
+    CString getEventListFromEventViewer(int value);
 
   private:
     friend struct NySeClientAppAccess;  // the tests' way to the transport

@@ -1,0 +1,33 @@
+// The requests about the server itself, and the report made of them.
+#include "NyServer/client/ClientExchange.h"
+#include "NyServer/client/ServerInformation.h"
+
+long NySeClientApp::getCurrentTime() {
+    return request(NySe::actionGetCurrentTime) ? receiveScalar<LONG>(0) : 0;
+}
+
+CString NySeClientApp::getMachineIdentifiant() {
+    CString identity;
+    if (request(NySe::actionGetMachineIdentifiant)) receiveString(identity);
+    return identity;
+}
+
+void NySeClientApp::getServerInformation(CStringArray& report) {
+    using serverinformation::labelledLine;
+    const CString time = serverinformation::timeText(getCurrentTime());
+    CString port;
+    port.Format(_T("%ld"), static_cast<long>(getPort()));
+    const CString rule(_T('#'), 52);
+
+    report.RemoveAll();
+    report.Add(rule);
+    report.Add(_T("\t\tCOLLABORATIVE SERVER INFORMATION"));
+    report.Add(rule);
+    report.Add(_T(" "));
+    report.Add(labelledLine(_T("ADDRESS"), getStrAddress()));
+    report.Add(labelledLine(_T("PORT"), port));
+    report.Add(labelledLine(_T("CURRENT TIME"), time));
+    report.Add(labelledLine(_T("MACHINE ID"), getMachineIdentifiant()));
+    report.Add(labelledLine(_T("HOSTNAME"), getHostName()));
+    report.Add(_T(""));
+}

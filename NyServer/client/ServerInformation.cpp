@@ -1,0 +1,54 @@
+#include "NyServer/client/ServerInformation.h"
+
+#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/WindowsPrelude.h"
+// After windows.h.
+#include <oleauto.h>
+
+namespace {
+
+constexpr ULONGLONG kSecondsFrom1601To1970 = 11'644'473'600;
+constexpr ULONGLONG kTicksPerSecond = 10'000'000;
+
+struct SystemStringTraits {
+    using Handle = BSTR;
+    static Handle invalid() { return nullptr; }
+    static void close(Handle text) { ::SysFreeString(text); }
+};
+using UniqueSystemString = UniqueHandle<SystemStringTraits>;
+
+// False for a time before 1970, which no clock shows.
+bool toLocalTime(long seconds, SYSTEMTIME& local) {
+    if (seconds < 0) return false;
+    ULARGE_INTEGER ticks;
+    ticks.QuadPart = (kSecondsFrom1601To1970 + static_cast<ULONGLONG>(seconds)) * kTicksPerSecond;
+    const FILETIME fileTime{ticks.LowPart, ticks.HighPart};
+    SYSTEMTIME universal;
+    return ::FileTimeToSystemTime(&fileTime, &universal) &&
+           ::SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local);
+}
+
+// Null when the date has no text.
+UniqueSystemString formatInUserLocale(DATE date) {
+    BSTR text = nullptr;
+    ::VarBstrFromDate(date, LANG_USER_DEFAULT, LOCALE_NOUSEROVERRIDE, &text);
+    return UniqueSystemString(text);
+}
+
+}  // namespace
+
+CString serverinformation::labelledLine(const CString& label, const CString& value) {
+    CString line;
+    line.Format(_T("%-30s\t: %s"), label.GetString(), value.GetString());
+    return line;
+}
+
+CString serverinformation::timeText(long seconds) {
+    SYSTEMTIME local;
+    DATE date = 0;
+    UniqueSystemString text;
+    if (toLocalTime(seconds, local) && ::SystemTimeToVariantTime(&local, &date)) {
+        text = formatInUserLocale(date);
+    }
+    return text ? CString(text.get()) : CString(_T("Invalid DateTime"));
+}
