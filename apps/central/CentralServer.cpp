@@ -11,6 +11,11 @@ constexpr int kListenQueue = 128;
 
 }  // namespace
 
+CentralServer::CentralServer(CentralSettings settings)
+    : m_settings(std::move(settings)),
+      m_pusher(m_settings.push, m_events),
+      m_tables(m_settings.ports, m_pusher) {}
+
 CentralServer::~CentralServer() {
     SetShutDownFlag(1);
     StopAccept();
@@ -21,6 +26,7 @@ int CentralServer::start(unsigned long address, unsigned short port) {
     const int result = ConnectToPort(port, kListenQueue, AF_INET, address);
     if (result != UTE_SUCCESS) return result;
     SetPort(GetBoundPort());
+    m_events.add("listening on port " + std::to_string(GetPort()));
     return StartAccept();
 }
 

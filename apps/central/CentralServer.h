@@ -1,8 +1,23 @@
 // CentralServer: the reference central server.
 #pragma once
 
+#include <functional>
+#include <vector>
+
 #include "apps/central/CentralTables.h"
+#include "apps/central/EventLog.h"
+#include "apps/central/Pusher.h"
 #include "NyServer/socket/CUT_WSServer.h"
+
+struct CentralSettings {
+    // The notification ports to hand out.
+    std::vector<LONG> ports = portRange(42100, 42999);
+    PushLimits push;
+    // A client that stops in the middle of a request is given up after this.
+    std::chrono::milliseconds framePatience{30'000};
+    // Called on a client's thread when it asks for the end; must not wait for the server.
+    std::function<void()> onShutDownRequest = [] {};
+};
 
 // One worker per client connection, all on one set of tables. One thread starts, stops and destroys
 // it.
@@ -10,8 +25,8 @@ class CentralServer : public CUT_WSServer {
   public:
     static constexpr double kVersion = 1.0;
 
-    CentralServer() = default;
-    // Ends every session and waits for the workers.
+    explicit CentralServer(CentralSettings settings = {});
+    // Ends every session and waits for the workers and the senders.
     ~CentralServer() override;
 
     // 0, or the result code of what failed. address: in network order; port 0: any free one, then
@@ -19,11 +34,18 @@ class CentralServer : public CUT_WSServer {
     int start(unsigned long address, unsigned short port);
 
     CentralTables& tables() { return m_tables; }
+    EventLog& events() { return m_events; }
+    const Pusher& pusher() const { return m_pusher; }
+    std::chrono::milliseconds framePatience() const { return m_settings.framePatience; }
+    void requestShutDown() const { m_settings.onShutDownRequest(); }
 
   protected:
     CUT_WSThread* CreateInstance() override;
     void ReleaseInstance(CUT_WSThread* worker) override;
 
   private:
+    const CentralSettings m_settings;
+    EventLog m_events;
+    Pusher m_pusher;
     CentralTables m_tables;
 };

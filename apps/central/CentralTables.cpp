@@ -1,32 +1,68 @@
+// Sessions and their users. Locks and connections are in sources of their own.
 #include "apps/central/CentralTables.h"
 
-#include <algorithm>
+#include "apps/central/Coherence.h"
+#include "NyServer/records/NySeSessionLockPtrArray.h"
 
-namespace {
+CentralTables::CentralTables(const std::vector<LONG>& ports, Notifier& notifier)
+    : m_notifier(notifier), m_ports(ports) {}
 
-// Notification ports are handed out from here upwards, each to one user at a time.
-constexpr LONG kFirstPort = 42100;
-
-}  // namespace
-
-LONG CentralTables::newSessionNumber() {
+LONG CentralTables::beginSession(unsigned long address) {
     const std::lock_guard guard(m_lock);
-    return ++m_lastSessionNumber;
+    m_sessions[++m_lastSessionNumber].address = address;
+    return m_lastSessionNumber;
 }
 
-NySeUser CentralTables::registerUser(const NySeUser& user, LONG sessionNumber) {
+void CentralTables::endSession(LONG session) {
     const std::lock_guard guard(m_lock);
-    removeUser(sessionNumber);
+    const Session* ended = findSession(session);
+    if (ended == nullptr) return;
+    m_notifier.forget(session);
+    releaseLocksOf(session);
+    for (const LONG id : m_openers.openedBy(session)) closeOnce(session, id);
+    if (const NySeUser* user = m_users.findBySessionNumber(session)) {
+        announce(notifyUserLeft, *user, session);
+        removeUser(session);
+    }
+    for (const LONG port : ended->ports) m_ports.giveBack(port);
+    m_sessions.erase(session);
+}
+
+std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG session) {
+    const std::lock_guard guard(m_lock);
+    Session* const known = findSession(session);
+    if (known == nullptr || (known->ports.empty() && takePort(*known) == 0)) return std::nullopt;
     NySeUser completed(user);
-    completed.setSessionNumber(sessionNumber);
-    completed.setPort(freePort());
+    completed.setSessionNumber(session);
+    completed.setPort(known->ports.back());
+    removeUser(session);
     m_users.add(completed.clone());
+    listenTo(session, *known);
+    announce(notifyUserJoined, completed, session);
     return completed;
 }
 
-void CentralTables::endSession(LONG sessionNumber) {
+bool CentralTables::renameUser(LONG session, const CString& name) {
     const std::lock_guard guard(m_lock);
-    removeUser(sessionNumber);
+    const NySeUser* user = m_users.findBySessionNumber(session);
+    if (user == nullptr) return false;
+    NySeUser renamed(*user);
+    renamed.setStrUserName(name);
+    removeUser(session);
+    m_users.add(renamed.clone());
+    return true;
+}
+
+LONG CentralTables::anotherPort(LONG session) {
+    const std::lock_guard guard(m_lock);
+    Session* const known = findSession(session);
+    if (known == nullptr || known->ports.size() == kPortsPerSession || takePort(*known) == 0)
+        return -1;
+    if (NySeUser* user = m_users.findBySessionNumber(session)) {
+        user->setPort(known->ports.back());
+        listenTo(session, *known);
+    }
+    return known->ports.back();
 }
 
 NySeUserPtrArray CentralTables::users() const {
@@ -34,21 +70,79 @@ NySeUserPtrArray CentralTables::users() const {
     return m_users;
 }
 
-LONG CentralTables::freePort() const {
-    const auto taken = [this](LONG port) {
-        for (INT_PTR i = 0; i < m_users.GetSize(); ++i) {
-            if (m_users[i]->getPort() == port) return true;
-        }
-        return false;
-    };
-    LONG port = kFirstPort;
-    while (taken(port)) ++port;
+void CentralTables::sendToUser(LONG sender, LONG receiver, const std::string& object) {
+    const std::lock_guard guard(m_lock);
+    if (receiver != sender) send(notifyUserData, object, {receiver});
+}
+
+void CentralTables::sendToAll(LONG sender, const std::string& object) {
+    const std::lock_guard guard(m_lock);
+    send(notifyDataForAll, object, usersBut(sender));
+}
+
+std::vector<std::string> CentralTables::faults() const {
+    const std::lock_guard guard(m_lock);
+    std::set<LONG> sessions;
+    for (const auto& [number, session] : m_sessions) sessions.insert(number);
+    return coherenceFaults({sessions, m_users, m_connections, m_openers, m_locks});
+}
+
+CentralTables::Session* CentralTables::findSession(LONG number) {
+    const auto found = m_sessions.find(number);
+    return found == m_sessions.end() ? nullptr : &found->second;
+}
+
+// 0 when there is none left.
+LONG CentralTables::takePort(Session& session) {
+    const LONG port = m_ports.take();
+    if (port != 0) session.ports.push_back(port);
     return port;
 }
 
-void CentralTables::removeUser(LONG sessionNumber) {
+void CentralTables::listenTo(LONG session, const Session& about) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = about.address;
+    address.sin_port = ::htons(static_cast<unsigned short>(about.ports.back()));
+    m_notifier.listen(session, address);
+}
+
+void CentralTables::removeUser(LONG session) {
     NySeUser probe;
-    probe.setSessionNumber(sessionNumber);
+    probe.setSessionNumber(session);
     const INT_PTR index = m_users.lookFor(&probe, 2);
     if (index >= 0) m_users.RemoveAt(index);
+}
+
+// The archived table of the sessions' users; sessions without a user are left out.
+std::string CentralTables::archivedUsersOf(const std::set<LONG>& sessions) const {
+    NySeSessionLockPtrArray wanted;
+    for (const LONG session : sessions) {
+        auto entry = std::make_unique<NySeSessionLock>();
+        entry->setSessionNumber(session);
+        wanted.append(entry.get());
+        static_cast<void>(entry.release());
+    }
+    NySeUserPtrArray users(QoArraySerial2::kDoNotDelete);
+    users.addFromSessionArray(m_users, wanted);
+    return archived(users);
+}
+
+void CentralTables::announce(Notification number, const CObject& object, LONG causer) {
+    const std::vector<LONG> receivers = usersBut(causer);
+    if (!receivers.empty()) send(number, archived(object), receivers);
+}
+
+std::vector<LONG> CentralTables::usersBut(LONG session) const {
+    std::vector<LONG> others;
+    for (INT_PTR i = 0; i < m_users.GetSize(); ++i) {
+        const LONG other = m_users[i]->getSessionNumber();
+        if (other != session) others.push_back(other);
+    }
+    return others;
+}
+
+void CentralTables::send(Notification number, const std::string& object,
+                         const std::vector<LONG>& receivers) {
+    m_notifier.notify(receivers, makeNotification(number, object));
 }

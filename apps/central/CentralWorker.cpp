@@ -1,12 +1,9 @@
 #include "apps/central/CentralWorker.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <memory>
+#include <mstcpip.h>
 
-#include "apps/central/CentralServer.h"
 #include "apps/central/FrameReader.h"
-#include "NyServer/framing/NySeReply.h"
+#include "apps/central/Requests.h"
 
 namespace {
 
@@ -18,18 +15,31 @@ constexpr int kIdleStepsBetweenChecks = 50;
 
 }  // namespace
 
-CentralWorker::CentralWorker(CentralServer& server)
-    : m_server(server), m_sessionNumber(server.tables().newSessionNumber()) {}
-
 bool CentralWorker::isShuttingDown() const {
     return m_server.GetShutDownFlag() != 0;
+}
+
+std::chrono::milliseconds CentralWorker::framePatience() const {
+    return m_server.framePatience();
 }
 
 void CentralWorker::OnConnect() {
     const BOOL on = TRUE;
     ::setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+    noticeDeadPeers();
+    m_session = m_server.tables().beginSession(m_peerAddress.sin_addr.s_addr);
     NySe::succeeds([this] { serve(); });
-    m_server.tables().endSession(m_sessionNumber);
+    m_server.tables().endSession(m_session);
+    m_server.events().add("session " + std::to_string(m_session) + " has ended");
+}
+
+// A machine that goes without a word leaves a connection that looks idle. The system probes it, and
+// its end is then found as any other.
+void CentralWorker::noticeDeadPeers() {
+    tcp_keepalive probing{1, 10'000, 1'000};  // on; ms of idleness before the first, between them
+    DWORD returned = 0;
+    ::WSAIoctl(m_socket, SIO_KEEPALIVE_VALS, &probing, sizeof probing, nullptr, 0, &returned,
+               nullptr, nullptr);
 }
 
 void CentralWorker::serve() {
@@ -47,81 +57,25 @@ void CentralWorker::serve() {
             case FrameReader::Result::closed:
                 return;
             case FrameReader::Result::absurd:
-                std::fprintf(stderr, "session %ld announced %ld bytes for action %ld: closed\n",
-                             m_sessionNumber, reader.announcedLength(), frame.action);
+                m_server.events().warn("session " + std::to_string(m_session) + " announced " +
+                                       std::to_string(reader.announcedLength()) +
+                                       " bytes for action " + std::to_string(frame.action) +
+                                       ": closed");
                 return;
         }
     }
 }
 
 bool CentralWorker::answer(Frame& frame) {
-    switch (frame.action) {
-        case NySe::actionIsAlive:
-            sendScalar<LONG>(NySe::kAliveAnswer);
-            break;
-        case NySe::actionGetVersion:
-            sendScalar<double>(CentralServer::kVersion);
-            break;
-        case NySe::actionInitializeSchema:
-            answerSchema(frame);
-            break;
-        case NySe::actionGetPortClient:
-            answerPortClient(frame);
-            break;
-        case NySe::actionGetAllUser:
-            answerAllUser();
-            break;
-        case NySe::actionDisconnect:
-            return false;
-        default:
-            break;  // an unknown request is skipped: its payload has been read
-    }
-    return true;
+    if (frame.action == NySe::actionDisconnect) return false;
+    Reply reply;
+    answerRequest(frame.action, {m_server, m_session, frame.payload, reply});
+    return sendWhole(reply.bytes());
 }
 
-void CentralWorker::answerSchema(Frame& frame) {
-    LONG asked = NySe::schema2015;
-    frame.payload.Read(&asked, sizeof asked);
-    sendScalar<LONG>(std::min<LONG>(asked, NySe::schema2015));
-}
-
-void CentralWorker::answerPortClient(Frame& frame) {
-    const std::unique_ptr<CObject> object(
-        NySe::readReplyObject(frame.payload, RUNTIME_CLASS(NySeUser)));
-    if (object == nullptr) {
-        sendEmpty();
-        return;
-    }
-    const NySeUser& user = static_cast<const NySeUser&>(*object);
-    sendObject(m_server.tables().registerUser(user, m_sessionNumber));
-}
-
-void CentralWorker::answerAllUser() {
-    sendObject(m_server.tables().users());
-}
-
-template <class Scalar>
-void CentralWorker::sendScalar(Scalar value) {
-    Send(reinterpret_cast<const char*>(&value), sizeof value, 0);
-}
-
-// Readers take the schema from the object's own description, so it is always the current one here.
-void CentralWorker::sendObject(const CObject& object) {
-    NySeMemFile message;
-    message.startWrite(NySe::schema2015);
-    message.writeObject(object);
-    message.stopWriting();
-    sendMessage(message);
-}
-
-void CentralWorker::sendEmpty() {
-    NySeMemFile message;
-    message.startWrite(NySe::schema2015);
-    message.stopWriting();
-    sendMessage(message);
-}
-
-void CentralWorker::sendMessage(NySeMemFile& message) {
-    const int length = static_cast<int>(message.getLength());
-    Send(reinterpret_cast<const char*>(message.getBuffer()), length, 0);
+// A client that does not take its answer within the time-out of sends is given up: behind a part of
+// an answer nothing could be understood.
+bool CentralWorker::sendWhole(const std::string& bytes) {
+    const int length = static_cast<int>(bytes.size());
+    return length == 0 || Send(bytes.data(), length, 0) == length;
 }

@@ -1,7 +1,9 @@
 // CentralWorker: serves one client's connection.
 #pragma once
 
-#include "NyServer/framing/NySeMemFile.h"
+#include <chrono>
+#include <string>
+
 #include "NyServer/socket/CUT_WSThread.h"
 
 class CentralServer;
@@ -11,27 +13,21 @@ struct Frame;
 // session holds in the server's tables is let go when the handler returns, however it does.
 class CentralWorker : public CUT_WSThread {
   public:
-    explicit CentralWorker(CentralServer& server);
+    explicit CentralWorker(CentralServer& server) : m_server(server) {}
 
     void OnConnect() override;
 
     bool isShuttingDown() const;
+    std::chrono::milliseconds framePatience() const;
 
   private:
     void serve();
     // False when the connection is over.
     bool answer(Frame& frame);
+    void noticeDeadPeers();
 
-    void answerSchema(Frame& frame);
-    void answerPortClient(Frame& frame);
-    void answerAllUser();
-
-    template <class Scalar>
-    void sendScalar(Scalar value);
-    void sendObject(const CObject& object);
-    void sendEmpty();
-    void sendMessage(NySeMemFile& message);
+    bool sendWhole(const std::string& bytes);
 
     CentralServer& m_server;
-    const LONG m_sessionNumber;
+    LONG m_session = 0;
 };

@@ -6,8 +6,6 @@
 namespace {
 
 constexpr long kStepMicroseconds = 100'000;
-// A peer may pause within a frame for at most so many steps: 30 s.
-constexpr int kStepsWithinFrame = 300;
 
 bool isBare(LONG action) {
     return action == NySe::actionGetVersion || action == NySe::actionDisconnect;
@@ -43,7 +41,8 @@ bool FrameReader::receiveAll(void* bytes, int count) {
 }
 
 int FrameReader::receiveSome(char* buffer, int count) {
-    for (int step = 0; step < kStepsWithinFrame && !m_worker.isShuttingDown(); ++step) {
+    const auto end = std::chrono::steady_clock::now() + m_worker.framePatience();
+    while (std::chrono::steady_clock::now() < end && !m_worker.isShuttingDown()) {
         if (m_worker.WaitForReceive(0, kStepMicroseconds) == 0) {
             return m_worker.Receive(buffer, count, 0);
         }

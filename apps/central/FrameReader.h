@@ -24,8 +24,9 @@ class FrameReader {
         : m_worker(worker), m_longestPayload(longestPayload) {}
 
     // request: `frame` holds one. idle: nothing came within 100 ms. closed: the peer has gone or
-    // stopped in mid-frame, or the server shuts down. absurd: the announced length in
-    // announcedLength() is not to be believed; the stream cannot be read on.
+    // sent nothing for the worker's framePatience() in mid-frame, or the server shuts down. absurd:
+    // the announced length in announcedLength() is not to be believed; the stream cannot be read
+    // on.
     Result read(Frame& frame);
     LONG announcedLength() const { return m_announcedLength; }
 

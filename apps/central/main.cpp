@@ -29,35 +29,51 @@ bool writePortFile(const std::string& path, unsigned int port) {
     return ::MoveFileExW(fromUtf8(unfinished), fromUtf8(path), MOVEFILE_REPLACE_EXISTING) != 0;
 }
 
-int serve(const std::string& address, unsigned short port, const std::string& portFile) {
-    CentralServer server;
-    if (const int code = server.start(::inet_addr(address.c_str()), port); code != 0) {
-        std::fprintf(stderr, "cannot listen on %s:%u (code %d)\n", address.c_str(), port, code);
+struct Options {
+    std::string address = "127.0.0.1";
+    unsigned short port = 0;
+    std::string ports = "42100-42999";
+    std::string portFile;
+};
+
+int serve(const Options& options) {
+    CentralSettings settings;
+    settings.ports = *parsePortRange(options.ports);
+    settings.onShutDownRequest = [] { ::SetEvent(stopRequested); };
+    CentralServer server(std::move(settings));
+    const char* const address = options.address.c_str();
+    if (const int code = server.start(::inet_addr(address), options.port); code != 0) {
+        std::fprintf(stderr, "cannot listen on %s:%u (code %d)\n", address, options.port, code);
         return 1;
     }
-    if (!writePortFile(portFile, server.GetPort())) {
-        std::fprintf(stderr, "cannot write %s\n", portFile.c_str());
+    if (!writePortFile(options.portFile, server.GetPort())) {
+        std::fprintf(stderr, "cannot write %s\n", options.portFile.c_str());
         return 1;
     }
-    std::printf("listening on %s:%u\n", address.c_str(), server.GetPort());
+    std::printf("listening on %s:%u\n", address, server.GetPort());
     std::fflush(stdout);
     ::WaitForSingleObject(stopRequested, INFINITE);
     std::printf("stopping\n");
     return 0;
 }
 
+std::string checkPortRange(const std::string& text) {
+    return parsePortRange(text) ? "" : "not a range FIRST-LAST of ports: " + text;
+}
+
 int run() {
     CLI::App app("The reference central server: who is connected, and who holds what.",
                  "nycentral");
-    std::string address = "127.0.0.1";
-    unsigned short port = 0;
-    std::string portFile;
-    app.add_option("--bind", address, "The IPv4 address to listen on")
+    Options options;
+    app.add_option("--bind", options.address, "The IPv4 address to listen on")
         ->capture_default_str()
         ->check(CLI::ValidIPV4);
-    app.add_option("--port", port, "The port to listen on; 0 takes a free one")
+    app.add_option("--port", options.port, "The port to listen on; 0 takes a free one")
         ->capture_default_str();
-    app.add_option("--port-file", portFile, "A file to write the port to once it is open");
+    app.add_option("--ports", options.ports, "The range of notification ports to hand out to users")
+        ->capture_default_str()
+        ->check(checkPortRange, "FIRST-LAST");
+    app.add_option("--port-file", options.portFile, "A file to write the port to once it is open");
 
     std::vector<std::string> arguments = commandLineArguments();
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
@@ -68,7 +84,7 @@ int run() {
     }
     stopRequested = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
     ::SetConsoleCtrlHandler(&requestStop, TRUE);
-    return serve(address, port, portFile);
+    return serve(options);
 }
 
 }  // namespace

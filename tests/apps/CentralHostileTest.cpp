@@ -10,14 +10,8 @@ class CentralHostile : public CentralTest {
         connect(client);
     }
 
-    void send(const std::string& bytes) {
-        const int length = static_cast<int>(bytes.size());
-        ASSERT_EQ(length, ::send(NySeClientAppAccess::socket(client), bytes.data(), length, 0));
-    }
-
-    static std::string request(LONG action, const std::string& payload) {
-        return wireOf(action) + wireOf(static_cast<LONG>(payload.size())) + payload;
-    }
+    using CentralTest::send;
+    void send(const std::string& bytes) { send(client, bytes); }
 
     // The connection has ended, and the server still serves another.
     void expectOnlyThisConnectionEnded() {
@@ -52,10 +46,7 @@ TEST_F(CentralHostile, ARegistrationThatIsNoUserGetsAnEmptyAnswer) {
          {std::string(), std::string("garbage"), goldenWire("users-two"), goldenWire("user-plain"),
           goldenWire("user-plain-object").substr(0, 30)}) {
         send(request(96, payload));
-        LONG length = -1;
-        ASSERT_EQ(
-            4, ::recv(NySeClientAppAccess::socket(client), reinterpret_cast<char*>(&length), 4, 0));
-        EXPECT_EQ(0, length);
+        EXPECT_EQ(0, receive<LONG>(client));
     }
     EXPECT_TRUE(userNames(client).empty());
 }
@@ -65,10 +56,7 @@ TEST_F(CentralHostile, ARequestInSingleBytesIsServed) {
         send(byte);
         ::Sleep(10);
     }
-    LONG answer = 0;
-    ASSERT_EQ(4,
-              ::recv(NySeClientAppAccess::socket(client), reinterpret_cast<char*>(&answer), 4, 0));
-    EXPECT_EQ(NySe::kAliveAnswer, answer);
+    EXPECT_EQ(NySe::kAliveAnswer, receive<LONG>(client));
 }
 
 TEST_F(CentralHostile, ARequestCutShortEndsTheConnection) {
@@ -82,11 +70,49 @@ TEST_F(CentralHostile, ManyRequestsInOnePieceAreAllAnswered) {
     for (int i = 0; i < 1000; ++i) requests += goldenWire("request-isAlive");
     send(requests);
     for (int i = 0; i < 1000; ++i) {
-        LONG answer = 0;
-        ASSERT_EQ(4, ::recv(NySeClientAppAccess::socket(client), reinterpret_cast<char*>(&answer),
-                            4, MSG_WAITALL));
-        ASSERT_EQ(NySe::kAliveAnswer, answer);
+        ASSERT_EQ(NySe::kAliveAnswer, receive<LONG>(client));
     }
+}
+
+// A cut or foreign payload of each request that has one, and what it is answered by.
+TEST_F(CentralHostile, APayloadThatMakesNoSenseGetsTheFailureAnswerAndChangesNothing) {
+    const std::string minusOne = wireOf<LONG>(-1);
+    const std::string zeroByte(1, '\0');
+    const std::string emptyMessage = wireOf<LONG>(0);
+    const std::pair<LONG, std::string> answers[] = {
+        {3, minusOne}, {4, ""}, {6, emptyMessage},  {11, zeroByte}, {12, ""},
+        {13, zeroByte}, {72, ""}, {73, ""}, {75, zeroByte}, {95, emptyMessage},
+        {96, emptyMessage}, {97, wireOf<LONG>(2015)}};
+    for (const std::string& payload : {std::string(), std::string("\xFF\xFE", 2),
+                                       std::string("\xFF\xFE\xFF\x7F", 4)}) {
+        for (const auto& [action, answer] : answers) {
+            if (payload.size() == 4 && (action == 4 || action == 6 || action == 95 || action == 97))
+                continue;  // a number there
+            SCOPED_TRACE(action);
+            send(request(action, payload) + goldenWire("request-isAlive"));
+            std::string came(answer.size(), '?');
+            for (char& byte : came) byte = receive<char>(client);
+            EXPECT_EQ(answer, came);
+            EXPECT_EQ(NySe::kAliveAnswer, receive<LONG>(client));
+        }
+    }
+    NySeLockArray locks;
+    NySeConnectionArray connections;
+    client.getLock(locks);
+    client.getConnection(connections);
+    EXPECT_EQ(0, locks.GetSize() + connections.GetSize());
+    EXPECT_NE(std::string::npos, server.events().newest(1000).find("action 97 makes no sense"));
+}
+
+TEST_F(CentralHostile, AClientThatTakesNoAnswersHoldsNobodyUp) {
+    for (int i = 0; i < 200; ++i) client.lock(CString(std::to_string(i).c_str()), 0);
+    std::string flood;
+    for (int i = 0; i < 2000; ++i) flood += goldenWire("request-getLock");
+    send(flood);
+    NySeClientApp other;
+    connect(other);
+    EXPECT_TRUE(other.isAlive());
+    EXPECT_TRUE(other.lock("mine", 0));
 }
 
 }  // namespace

@@ -23,12 +23,8 @@ TEST_F(CentralServerTest, GrantsTheSmallerOfTwoSchemas) {
     for (const auto& [asked, granted] :
          {std::pair<LONG, LONG>{2014, 2014}, {2015, 2015}, {2016, 2015}}) {
         connect(client);
-        const std::string request = wireOf<LONG>(97) + wireOf<LONG>(4) + wireOf(asked);
-        const SOCKET socket = NySeClientAppAccess::socket(client);
-        ASSERT_EQ(12, ::send(socket, request.data(), 12, 0));
-        LONG answer = 0;
-        ASSERT_EQ(4, ::recv(socket, reinterpret_cast<char*>(&answer), 4, 0));
-        EXPECT_EQ(granted, answer);
+        send(client, request(97, wireOf(asked)));
+        EXPECT_EQ(granted, receive<LONG>(client));
         client.disconnect();
     }
 }
@@ -56,27 +52,6 @@ TEST_F(CentralServerTest, ListsUsersByName) {
     EXPECT_EQ((std::vector<std::string>{"Anna", "bob"}), userNames(client));
     EXPECT_NE(anna.getSessionNumber(), bob.getSessionNumber());
     EXPECT_NE(anna.getPort(), bob.getPort());
-}
-
-TEST_F(CentralServerTest, ForgetsAUserWhoSaysGoodBye) {
-    NySeClientApp other;
-    connect(client);
-    connect(other);
-    NySeUser bob = named("bob");
-    other.getPortClient(bob);
-    ASSERT_EQ(1u, userNames(client).size());
-    other.disconnect();
-    EXPECT_TRUE(eventually([this] { return userNames(client).empty(); }));
-}
-
-TEST_F(CentralServerTest, ForgetsAUserWhoseConnectionJustEnds) {
-    NySeClientApp other;
-    connect(client);
-    connect(other);
-    NySeUser bob = named("bob");
-    other.getPortClient(bob);
-    ::shutdown(NySeClientAppAccess::socket(other), SD_BOTH);
-    EXPECT_TRUE(eventually([this] { return userNames(client).empty(); }));
 }
 
 TEST_F(CentralServerTest, ServesManyClientsAtOnce) {

@@ -1,62 +1,157 @@
-#include "apps/central/CentralTables.h"
-
-#include <gtest/gtest.h>
+// Sessions, users and ports.
+#include "tests/apps/TablesTest.h"
 
 namespace {
 
-NySeUser named(const char* name) {
-    NySeUser user;
-    user.setStrUserName(name);
-    return user;
-}
+using CentralTablesUsers = TablesTest;
 
-TEST(CentralTables, SessionNumbersAreNeverGivenTwice) {
-    CentralTables tables;
-    const LONG first = tables.newSessionNumber();
+TEST_F(CentralTablesUsers, SessionNumbersAreNeverGivenTwice) {
+    const LONG first = begin();
     tables.endSession(first);
-    EXPECT_NE(first, tables.newSessionNumber());
+    EXPECT_NE(first, begin());
 }
 
-TEST(CentralTables, ARegisteredUserIsCompletedAndListed) {
-    CentralTables tables;
-    const NySeUser anna = tables.registerUser(named("Anna"), 5);
-    EXPECT_EQ(5, anna.getSessionNumber());
-    EXPECT_GT(anna.getPort(), 0);
+TEST_F(CentralTablesUsers, ARegisteredUserIsCompletedAndListed) {
+    const LONG session = begin();
+    const auto anna = tables.registerUser(named("Anna"), session);
+    ASSERT_TRUE(anna);
+    EXPECT_EQ(session, anna->getSessionNumber());
+    EXPECT_EQ(101, anna->getPort());
     const NySeUserPtrArray users = tables.users();
     ASSERT_EQ(1, users.GetSize());
-    EXPECT_EQ(5, users[0]->getSessionNumber());
-    EXPECT_EQ(anna.getPort(), users[0]->getPort());
+    EXPECT_EQ(session, users[0]->getSessionNumber());
+    EXPECT_EQ(101, users[0]->getPort());
 }
 
-TEST(CentralTables, TwoUsersNeverShareAPort) {
-    CentralTables tables;
-    const LONG first = tables.registerUser(named("a"), 1).getPort();
-    const LONG second = tables.registerUser(named("b"), 2).getPort();
-    EXPECT_NE(first, second);
+TEST_F(CentralTablesUsers, AListenerIsExpectedAtTheClientsAddressAndTheUsersPort) {
+    const LONG session = tables.beginSession(::inet_addr("127.0.0.9"));
+    tables.registerUser(named("Anna"), session);
+    ASSERT_EQ(1u, notifier.listeners.count(session));
+    EXPECT_EQ(::inet_addr("127.0.0.9"), notifier.listeners[session].sin_addr.s_addr);
+    EXPECT_EQ(101, ::ntohs(notifier.listeners[session].sin_port));
 }
 
-TEST(CentralTables, ThePortOfAUserWhoLeftIsGivenAgain) {
-    CentralTables tables;
-    const LONG port = tables.registerUser(named("a"), 1).getPort();
-    tables.registerUser(named("b"), 2);
-    tables.endSession(1);
-    EXPECT_EQ(port, tables.registerUser(named("c"), 3).getPort());
+TEST_F(CentralTablesUsers, TwoUsersNeverShareAPort) {
+    EXPECT_EQ(101, tables.registerUser(named("a"), begin())->getPort());
+    EXPECT_EQ(102, tables.registerUser(named("b"), begin())->getPort());
 }
 
-TEST(CentralTables, RegisteringAgainReplacesTheUserOfTheSession) {
-    CentralTables tables;
-    tables.registerUser(named("before"), 1);
-    tables.registerUser(named("after"), 1);
+TEST_F(CentralTablesUsers, ThePortsOfASessionThatLeftAreGivenAgain) {
+    const LONG first = join("a");
+    EXPECT_EQ(102, tables.anotherPort(first));
+    join("b");
+    tables.endSession(first);
+    EXPECT_EQ(101, tables.registerUser(named("c"), begin())->getPort());
+    EXPECT_EQ(102, tables.registerUser(named("d"), begin())->getPort());
+}
+
+TEST_F(CentralTablesUsers, ThereIsNoUserWithoutAPort) {
+    for (const char* name : {"a", "b", "c"}) join(name);
+    const LONG late = begin();
+    EXPECT_FALSE(tables.registerUser(named("d"), late));
+    EXPECT_EQ(3, tables.users().GetSize());
+    EXPECT_EQ(-1, tables.anotherPort(late));
+    EXPECT_TRUE(notifier.told.empty());
+}
+
+TEST_F(CentralTablesUsers, AnotherPortReplacesThatOfTheUser) {
+    const LONG session = join("a");
+    EXPECT_EQ(102, tables.anotherPort(session));
+    EXPECT_EQ(103, tables.anotherPort(session));  // and not the first one again
+    EXPECT_EQ(103, tables.users()[0]->getPort());
+    EXPECT_EQ(103, ::ntohs(notifier.listeners[session].sin_port));
+    EXPECT_EQ(-1, tables.anotherPort(session));
+    EXPECT_EQ(103, tables.users()[0]->getPort());
+}
+
+TEST_F(CentralTablesUsers, APortAskedForBeforeRegisteringIsTheUsers) {
+    const LONG session = begin();
+    EXPECT_EQ(101, tables.anotherPort(session));
+    EXPECT_EQ(102, tables.anotherPort(session));
+    EXPECT_EQ(102, tables.registerUser(named("a"), session)->getPort());
+}
+
+TEST_F(CentralTablesUsers, ASessionGetsABoundedNumberOfPorts) {
+    CentralTables many(portRange(1, 100), notifier);
+    const LONG session = many.beginSession(0);
+    for (size_t i = 0; i < CentralTables::kPortsPerSession; ++i)
+        EXPECT_EQ(static_cast<LONG>(i) + 1, many.anotherPort(session));
+    EXPECT_EQ(-1, many.anotherPort(session));
+}
+
+TEST_F(CentralTablesUsers, RegisteringAgainReplacesTheUserAndKeepsItsPort) {
+    const LONG session = join("before");
+    EXPECT_EQ(101, tables.registerUser(named("after"), session)->getPort());
     const NySeUserPtrArray users = tables.users();
     ASSERT_EQ(1, users.GetSize());
     EXPECT_EQ(CString("after"), users[0]->getStrUserName());
 }
 
-TEST(CentralTables, EndingAnUnknownSessionChangesNothing) {
-    CentralTables tables;
-    tables.registerUser(named("a"), 1);
-    tables.endSession(2);
+TEST_F(CentralTablesUsers, ARenamedUserIsListedUnderTheNewName) {
+    const LONG session = join("b");
+    join("c");
+    EXPECT_TRUE(tables.renameUser(session, "z"));
+    const NySeUserPtrArray users = tables.users();
+    ASSERT_EQ(2, users.GetSize());
+    EXPECT_EQ(CString("c"), users[0]->getStrUserName());
+    EXPECT_EQ(CString("z"), users[1]->getStrUserName());
+    EXPECT_EQ(session, users[1]->getSessionNumber());
+    EXPECT_EQ(101, users[1]->getPort());
+}
+
+TEST_F(CentralTablesUsers, OnlyARegisteredUserCanBeRenamed) {
+    EXPECT_FALSE(tables.renameUser(begin(), "z"));
+    EXPECT_EQ(0, tables.users().GetSize());
+}
+
+TEST_F(CentralTablesUsers, ASessionThatIsNotThereGetsNothing) {
+    join("a");
+    tables.endSession(99);
     EXPECT_EQ(1, tables.users().GetSize());
+    EXPECT_FALSE(tables.registerUser(named("b"), 99));
+    EXPECT_EQ(-1, tables.anotherPort(99));
+}
+
+TEST_F(CentralTablesUsers, JoiningAndLeavingIsToldToTheOthers) {
+    const LONG anna = join("Anna");
+    const LONG bob = begin();
+    tables.registerUser(named("Bob"), bob);
+    tables.endSession(bob);
+    ASSERT_EQ((Numbers{notifyUserJoined, notifyUserLeft}), notifier.numbers());
+    for (const auto& told : notifier.told) {
+        EXPECT_EQ(Numbers{anna}, told.sessions);
+        ASSERT_NE(nullptr, told.object<NySeUser>());
+        EXPECT_EQ(CString("Bob"), told.object<NySeUser>()->getStrUserName());
+        EXPECT_EQ(bob, told.object<NySeUser>()->getSessionNumber());
+        EXPECT_EQ(102, told.object<NySeUser>()->getPort());
+    }
+    EXPECT_EQ(0u, notifier.listeners.count(bob));
+}
+
+TEST_F(CentralTablesUsers, TheEndOfASessionWithoutAUserIsNotTold) {
+    join("Anna");
+    tables.endSession(begin());
+    EXPECT_TRUE(notifier.told.empty());
+}
+
+TEST_F(CentralTablesUsers, DataGoesToTheUsersThatItIsFor) {
+    const LONG anna = join("Anna");
+    const LONG bob = join("Bob");
+    const LONG carl = join("Carl");
+    tables.sendToAll(anna, "for all");
+    tables.sendToUser(anna, carl, "for one");
+    ASSERT_EQ((Numbers{notifyDataForAll, notifyUserData}), notifier.numbers());
+    EXPECT_EQ((Numbers{bob, carl}), notifier.told[0].sessions);
+    EXPECT_EQ("for all", notifier.told[0].body);
+    EXPECT_EQ(Numbers{carl}, notifier.told[1].sessions);
+    EXPECT_EQ("for one", notifier.told[1].body);
+}
+
+TEST_F(CentralTablesUsers, DataForOneselfGoesNowhere) {
+    const LONG anna = join("Anna");
+    tables.sendToUser(anna, anna, "for myself");
+    tables.sendToAll(anna, "for all");
+    EXPECT_TRUE(notifier.told.empty());
 }
 
 }  // namespace

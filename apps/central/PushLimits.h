@@ -1,0 +1,15 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+
+// What the server bears from one listener.
+struct PushLimits {
+    // What is queued at most. A notification that finds no room is dropped.
+    std::size_t queuedNotifications = 10'000;
+    std::size_t queuedBytes = 32 * 1024 * 1024;
+    // Users register first and start their listener on the port that they get.
+    std::chrono::milliseconds connectPatience{10'000};
+    // For a whole notification.
+    std::chrono::milliseconds sendPatience{5'000};
+};

@@ -1,0 +1,37 @@
+// Pusher: sends the notifications, on one thread for each listener.
+#pragma once
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "apps/central/Listener.h"
+
+// Any thread may call any of it; no call but the destructor waits for a listener or its thread.
+class Pusher : public Notifier {
+  public:
+    // `events` must outlive it.
+    Pusher(const PushLimits& limits, EventLog& events) : m_limits(limits), m_events(events) {}
+    // Drops what is queued and joins all threads.
+    ~Pusher() override;
+
+    void listen(LONG session, const sockaddr_in& address) override;
+    void forget(LONG session) override;
+    void notify(const std::vector<LONG>& sessions, NotificationBytes notification) override;
+
+    // The notifications that found a queue full or its listener given up.
+    size_t dropped() const { return m_dropped; }
+
+  private:
+    void retire(LONG session);
+    void joinEnded();
+
+    const PushLimits m_limits;
+    EventLog& m_events;
+    std::atomic<size_t> m_dropped = 0;
+    std::mutex m_lock;
+    std::map<LONG, std::unique_ptr<Listener>> m_listeners;
+    std::vector<std::unique_ptr<Listener>> m_retired;  // their threads are about to end
+};

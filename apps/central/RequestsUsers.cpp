@@ -1,0 +1,63 @@
+#include <memory>
+
+#include "apps/central/Requests.h"
+#include "apps/common/Utf8.h"
+
+namespace {
+
+// The user at the start of the payload, which is left behind it; null when there is none.
+std::unique_ptr<NySeUser> readUser(CMemFile& payload) {
+    return std::unique_ptr<NySeUser>(
+        static_cast<NySeUser*>(NySe::readReplyObject(payload, RUNTIME_CLASS(NySeUser))));
+}
+
+void note(const Request& request, const std::string& what, const CString& name) {
+    request.server.events().add("session " + std::to_string(request.session) + what + toUtf8(name));
+}
+
+}  // namespace
+
+bool requests::getAllUser(const Request& request) {
+    request.reply.message(archived(request.server.tables().users()));
+    return true;
+}
+
+bool requests::getPortClient(const Request& request) {
+    const std::unique_ptr<NySeUser> user = readUser(request.payload);
+    if (user == nullptr) return false;
+    const auto completed = request.server.tables().registerUser(*user, request.session);
+    note(request, completed ? " registers user " : " finds no port left for user ",
+         user->getStrUserName());
+    request.reply.message(completed ? archived(*completed) : std::string());
+    return true;
+}
+
+bool requests::getAnotherPort(const Request& request) {
+    request.reply.scalar(request.server.tables().anotherPort(request.session));
+    return true;
+}
+
+bool requests::updateUserName(const Request& request) {
+    CString name;
+    if (!readPayload(request.payload, name)) return false;
+    const bool renamed = request.server.tables().renameUser(request.session, name);
+    if (renamed) note(request, " renames its user ", name);
+    request.reply.scalar<BYTE>(renamed ? 1 : 0);
+    return true;
+}
+
+bool requests::sendUserData(const Request& request) {
+    const std::unique_ptr<NySeUser> receiver = readUser(request.payload);
+    if (receiver == nullptr) return false;
+    const std::string object = restOf(request.payload);
+    if (object.empty()) return false;
+    request.server.tables().sendToUser(request.session, receiver->getSessionNumber(), object);
+    return true;
+}
+
+bool requests::sendAllUserData(const Request& request) {
+    const std::string object = restOf(request.payload);
+    if (object.empty()) return false;
+    request.server.tables().sendToAll(request.session, object);
+    return true;
+}

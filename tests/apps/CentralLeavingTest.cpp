@@ -1,0 +1,77 @@
+// What a client held is let go, however the client leaves.
+#include "tests/apps/CentralTest.h"
+
+namespace {
+
+class CentralLeaving : public CentralTest {
+  protected:
+    CentralLeaving() : CentralTest(settings()) {}
+
+    static CentralSettings settings() {
+        CentralSettings settings = withPorts(refusingPorts());
+        settings.framePatience = std::chrono::milliseconds(500);
+        return settings;
+    }
+
+    void SetUp() override {
+        CentralTest::SetUp();
+        connect(client);
+        join(leaver, "Leaver");
+        EXPECT_TRUE(leaver.lock("part", 0x18));
+        EXPECT_EQ(0, leaver.openConnection("A"));
+        EXPECT_EQ(0, leaver.openConnection("A"));
+        EXPECT_EQ(1u, userNames(client).size());
+    }
+
+    SOCKET leaverSocket() const { return NySeClientAppAccess::socket(leaver); }
+
+    void expectAllLetGo() {
+        EXPECT_TRUE(eventually([this] { return userNames(client).empty(); }));
+        NySeLockArray locks;
+        NySeConnectionArray connections;
+        client.getLock(locks);
+        client.getConnection(connections);
+        EXPECT_EQ(0, locks.GetSize());
+        EXPECT_EQ(0, connections.GetSize());
+    }
+
+    NySeClientApp leaver;
+};
+
+TEST_F(CentralLeaving, ByGoodBye) {
+    send(leaver, goldenWire("request-disconnect"));  // and the connection left open
+    expectAllLetGo();
+}
+
+TEST_F(CentralLeaving, ByClosing) {
+    ::shutdown(leaverSocket(), SD_BOTH);
+    expectAllLetGo();
+}
+
+TEST_F(CentralLeaving, ByResetting) {
+    const linger none{1, 0};
+    ::setsockopt(leaverSocket(), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&none),
+                 sizeof none);
+    ::closesocket(leaverSocket());
+    expectAllLetGo();
+}
+
+TEST_F(CentralLeaving, BySilenceInTheMiddleOfARequest) {
+    send(leaver, wireOf<LONG>(11) + wireOf<LONG>(100) + "half");
+    expectAllLetGo();
+}
+
+TEST_F(CentralLeaving, ByARequestThatCannotBeBelieved) {
+    ::testing::internal::CaptureStderr();
+    send(leaver, wireOf<LONG>(11) + wireOf<LONG>(-5));
+    expectAllLetGo();
+    EXPECT_NE("", ::testing::internal::GetCapturedStderr());
+}
+
+TEST_F(CentralLeaving, ASilentClientIsKept) {
+    ::Sleep(800);  // longer than a request may take
+    EXPECT_EQ(1u, userNames(client).size());
+    EXPECT_TRUE(leaver.isAlive());
+}
+
+}  // namespace
