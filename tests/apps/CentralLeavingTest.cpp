@@ -27,12 +27,7 @@ class CentralLeaving : public CentralTest {
 
     void expectAllLetGo() {
         EXPECT_TRUE(eventually([this] { return userNames(client).empty(); }));
-        NySeLockArray locks;
-        NySeConnectionArray connections;
-        client.getLock(locks);
-        client.getConnection(connections);
-        EXPECT_EQ(0, locks.GetSize());
-        EXPECT_EQ(0, connections.GetSize());
+        expectNothingHeld(client);
     }
 
     NySeClientApp leaver;

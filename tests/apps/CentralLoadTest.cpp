@@ -3,6 +3,7 @@
 #include <psapi.h>
 
 #include <cstdlib>
+#include <latch>
 #include <random>
 #include <thread>
 
@@ -54,16 +55,17 @@ class CentralLoad : protected Sinks, public CentralTest {
   protected:
     CentralLoad() : CentralTest(withPorts(ports())) {}
 
-    // One client's life: locks and releases names at random until `end`.
+    // One client's life: locks and releases names at random for a time.
     class User {
       public:
         User(CentralLoad& load, int number)
             : m_load(load), m_number(number), m_random(kSeed + static_cast<unsigned int>(number)) {}
 
-        void live(Clock::time_point end, bool isKilled) {
+        void live(std::chrono::milliseconds lifetime, bool isKilled) {
             m_load.connect(m_client);
             if (m_number < kListening) registerUser();
-            m_load.m_ready++;
+            m_load.m_ready.arrive_and_wait();
+            const auto end = Clock::now() + lifetime;
             while (Clock::now() < end) oneRequest();
             if (isKilled) {
                 ::closesocket(NySeClientAppAccess::socket(m_client));  // with whatever it holds
@@ -108,24 +110,22 @@ class CentralLoad : protected Sinks, public CentralTest {
         long m_held = -1;
     };
 
-    std::atomic<int> m_ready = 0;
+    std::latch m_ready{kClients + 1};
     std::atomic<long> m_requests = 0;
 };
 
 TEST_F(CentralLoad, LeavesNothingBehind) {
     std::printf("seed %u\n", kSeed);
-    const auto start = Clock::now();
-    const auto end = start + duration();
     std::mt19937 random(kSeed);
     std::vector<std::thread> users;
     for (int i = 0; i < kClients; ++i) {
         const bool isKilled = i % (kClients / kKilled) == 0;
-        const auto lifetime = duration() * (2 + random() % 8) / 10;
-        users.emplace_back([this, i, isKilled, end, last = start + lifetime] {
-            User(*this, i).live(isKilled ? last : end, isKilled);
-        });
+        const auto lifetime = isKilled ? duration() * (random() % 100) / 100 : duration();
+        users.emplace_back(
+            [this, i, lifetime, isKilled] { User(*this, i).live(lifetime, isKilled); });
     }
-    EXPECT_TRUE(eventually([this] { return m_ready == kClients; }));
+    m_ready.arrive_and_wait();
+    const auto start = Clock::now();
     std::this_thread::sleep_until(start + duration() * 4 / 10);
     const SIZE_T warm = workingSet();
     std::this_thread::sleep_until(start + duration() * 95 / 100);
@@ -137,12 +137,7 @@ TEST_F(CentralLoad, LeavesNothingBehind) {
     EXPECT_LT(last, warm + kFlatBytes);
     connect(client);
     EXPECT_TRUE(eventually([this] { return server.GetNumConnections() == 1; }));
-    NySeLockArray locks;
-    NySeConnectionArray connections;
-    client.getLock(locks);
-    client.getConnection(connections);
-    EXPECT_EQ(0, locks.GetSize());
-    EXPECT_EQ(0, connections.GetSize());
+    expectNothingHeld(client);
     EXPECT_TRUE(userNames(client).empty());
     EXPECT_TRUE(server.tables().faults().empty());
 }

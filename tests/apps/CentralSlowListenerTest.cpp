@@ -45,9 +45,8 @@ class CentralSlowListener : public CentralTest {
     void expectBobToldAll() { EXPECT_EQ(m_toBob, ofBob.waitFor(m_toBob.size())); }
 
     bool hasEvent(const std::string& text) {
-        return eventually([&] {
-            return central->events().newest(1000).find(text) != std::string::npos;
-        });
+        return eventually(
+            [&] { return central->events().newest(1000).find(text) != std::string::npos; });
     }
 
     CollectingListener ofBob;
@@ -123,8 +122,8 @@ TEST_F(CentralSlowListener, WhatDoesNotFitIntoItsQueueIsDroppedCountedAndShown) 
     const size_t dropped = central->pusher().dropped();
     EXPECT_GT(dropped, 0u);
     isReading = true;
-    EXPECT_TRUE(hasEvent("is too slow: " + std::to_string(dropped) +
-                         " notifications dropped so far"));
+    EXPECT_TRUE(
+        hasEvent("is too slow: " + std::to_string(dropped) + " notifications dropped so far"));
     const std::string said = ::testing::internal::GetCapturedStderr();
     EXPECT_EQ(1, std::count(said.begin(), said.end(), '\n')) << said;
     central.reset();

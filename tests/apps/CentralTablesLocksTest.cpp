@@ -63,9 +63,9 @@ TEST_F(CentralTablesLocks, TheOthersAreToldWhoHoldsTheLockNow) {
     tables.lock(bob, "part", kShared);
     tables.unlock(anna, "PART");
     tables.unlock(bob, "part");
-    ASSERT_EQ((Numbers{notifyLockGranted, notifyLockGranted, notifyLockReleased,
-                       notifyLockReleased}),
-              notifier.numbers());
+    ASSERT_EQ(
+        (Numbers{notifyLockGranted, notifyLockGranted, notifyLockReleased, notifyLockReleased}),
+        notifier.numbers());
     const Numbers holders[] = {{anna}, {anna, bob}, {bob}, {}};
     const LONG receivers[] = {bob, anna, bob, anna};
     for (size_t i = 0; i < 4; ++i) {
@@ -94,9 +94,8 @@ TEST_F(CentralTablesLocks, TheLocksOfASessionThatEndsAreReleasedBeforeItsUserLea
     tables.endSession(bob);
     ASSERT_EQ(1, locks()->GetSize());
     EXPECT_EQ(Numbers{anna}, sessionsOf(*(*locks())[0]));
-    EXPECT_EQ(
-        (Numbers{notifyLockReleased, notifyLockReleased, notifyLockReleased, notifyUserLeft}),
-        notifier.numbers());
+    EXPECT_EQ((Numbers{notifyLockReleased, notifyLockReleased, notifyLockReleased, notifyUserLeft}),
+              notifier.numbers());
 }
 
 }  // namespace

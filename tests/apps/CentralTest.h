@@ -78,6 +78,15 @@ class CentralTest : public ::testing::Test {
         return namesOf(users);
     }
 
+    static void expectNothingHeld(NySeClientApp& asking) {
+        NySeLockArray locks;
+        NySeConnectionArray connections;
+        asking.getLock(locks);
+        asking.getConnection(connections);
+        EXPECT_EQ(0, locks.GetSize());
+        EXPECT_EQ(0, connections.GetSize());
+    }
+
     // The request with this payload as it goes over the socket.
     static std::string request(LONG action, const std::string& payload) {
         return wireOf(action) + wireOf(static_cast<LONG>(payload.size())) + payload;

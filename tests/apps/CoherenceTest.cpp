@@ -68,8 +68,9 @@ TEST_F(Coherence, LocksWithoutHoldersOrOfSessionsThatLeftAreFound) {
     locks.addLock("part", ofSession(3), 1);
     locks.addLock("unheld", ofSession(1), 1);
     locks[1]->removeUser(ofSession(1));
-    EXPECT_EQ((Faults{"lock part belongs to session 3, which has left", "lock unheld has no holder"}),
-              faults());
+    EXPECT_EQ(
+        (Faults{"lock part belongs to session 3, which has left", "lock unheld has no holder"}),
+        faults());
 }
 
 }  // namespace

@@ -28,8 +28,8 @@ TEST(PortRange, HoldsBothItsEnds) {
 }
 
 TEST(PortRange, AnythingElseIsRefused) {
-    for (const char* text : {"", "-", "8", "8-", "-8", "10-8", "0-8", "8-65536", "8-10x", "a-b",
-                             "8 - 10", "-8-10"})
+    for (const char* text :
+         {"", "-", "8", "8-", "-8", "10-8", "0-8", "8-65536", "8-10x", "a-b", "8 - 10", "-8-10"})
         EXPECT_FALSE(parsePortRange(text)) << text;
 }
 

@@ -3,21 +3,7 @@
 set -eu
 nycentral=$1
 nyctl=$2
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-work=$(mktemp -d)
-failures=0
-central=
-
-cleanup() {
-  [ -z "$central" ] || kill -INT "$central" 2> /dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
-
-fail() {
-  echo "FAILED: $*"
-  failures=$((failures + 1))
-}
+. "$(dirname "$0")/lib.sh"
 
 # expect STATUS TEXT ARGUMENT...: nyctl with the arguments ends with the status, and its output holds the text.
 expect() {
@@ -28,15 +14,7 @@ expect() {
   [[ $output == *"$text"* ]] || fail "nyctl $* should say \"$text\"; it says: $output"
 }
 
-set -m  # a background program ignores Ctrl+C unless it is a job of its own
-"$root/tools/run-in-wine" "$nycentral" --port-file "$work/port" > "$work/central.log" 2>&1 &
-central=$!
-set +m
-for _ in $(seq 200); do
-  [ ! -s "$work/port" ] || break
-  sleep 0.1
-done
-port=$(tr -d '\r\n' < "$work/port")
+start_central "$nycentral"
 export NYCTL_SERVER=127.0.0.1:$port
 
 [ "$(tr -d '\r' < "$work/central.log")" = "listening on 127.0.0.1:$port" ] || fail "nycentral says: $(cat "$work/central.log")"
@@ -72,11 +50,6 @@ expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
 expect_shell 0 'one  two'
 
-stopping=$central
-central=
-kill -INT "$stopping"
-wait "$stopping" || fail "nycentral ended with $?"
-grep -q '^stopping' "$work/central.log" || fail "nycentral did not say that it stops"
-
-[ $failures -eq 0 ] || exit 1
-echo "all as expected"
+kill -INT "$central"
+expect_stopped
+report
