@@ -42,7 +42,7 @@ std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& step
     if (count == 0) return UTE_SUCCESS;
     if (count < 0) return UTE_SOCK_RECEIVE_ERROR;
     if (target.Write(buffer, static_cast<unsigned int>(count)) != count) return UTE_DS_WRITE_FAILED;
-    total += count;
+    addWrapping(total, count);
     if (!steps.mayGoOn(total)) return UTE_ABORTED;
     return std::nullopt;
 }
