@@ -66,6 +66,9 @@ int setTimeOut(SOCKET socket, int option, int milliseconds);
 // Mode 1 is non-blocking, 0 blocking. False if the stack refused.
 bool setBlockingMode(SOCKET socket, int mode);
 
+// Whether the error number of a failed select says that there is no socket to ask about.
+bool isNoSocket(int error);
+
 // What the error number of a failed peek says about the connection.
 enum class PeekError {
     dead,        // broken; the mode of the socket is left alone
