@@ -43,7 +43,8 @@ class StopWait : public testing::Test {
         EXPECT_TRUE(m_isJudging);
     }
     void expectNoThreadLeft() {
-        EXPECT_TRUE(eventually([this] { return countThreads() == m_threadsBefore; }));
+        EXPECT_TRUE(eventually([this] { return countThreads() <= m_threadsBefore; }))
+            << countThreads() << " threads, " << m_threadsBefore << " before";
     }
 
     peers::WinsockSession m_winsock;
