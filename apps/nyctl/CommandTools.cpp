@@ -2,6 +2,7 @@
 
 ExitStatus noAnswer(Context& context) {
     Output::complain("no answer from " + context.session.server());
+    context.session.close();
     return exitNoAnswer;
 }
 

@@ -42,6 +42,7 @@ std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char*
     return value;
 }
 
+// Says so and ends the connection.
 ExitStatus noAnswer(Context& context);
 
 // For calls that do not tell a failure: `status` when the server still answers, else exitNoAnswer.

@@ -6,14 +6,22 @@
 
 namespace {
 
+// The control characters: U+0000 to U+001F but the tab, U+007F, and U+0080 to U+009F in their two
+// bytes.
+bool isControl(const std::string& utf8, size_t at) {
+    const auto byte = [&utf8](size_t i) { return static_cast<unsigned char>(utf8[i]); };
+    if (byte(at) == 0xC2 && at + 1 < utf8.size()) return byte(at + 1) < 0xA0;
+    return (byte(at) < ' ' && byte(at) != '\t') || byte(at) == 0x7F;
+}
+
 // For people: what other users chose as their names must not steer the terminal.
-std::string printable(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(),
-        [](char byte) {
-            return (static_cast<unsigned char>(byte) < ' ' && byte != '\t') || byte == 0x7F;
-        },
-        '?');
+std::string printable(const std::string& utf8) {
+    std::string text;
+    for (size_t i = 0; i < utf8.size(); ++i) {
+        const bool control = isControl(utf8, i);
+        text += control ? '?' : utf8[i];
+        if (control && static_cast<unsigned char>(utf8[i]) == 0xC2) ++i;
+    }
     return text;
 }
 

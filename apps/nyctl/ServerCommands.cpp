@@ -28,9 +28,9 @@ Run defineTime(CLI::App&) {
 Run defineMachine(CLI::App&) {
     return [](Context& context) {
         const CString identity = context.client().getMachineIdentifiant();
-        if (identity.IsEmpty()) return noAnswer(context);
-        context.output.record({{"machine", toUtf8(identity)}});
-        return exitYes;
+        const ExitStatus status = identity.IsEmpty() ? ifAnswered(context, exitYes) : exitYes;
+        if (status == exitYes) context.output.record({{"machine", toUtf8(identity)}});
+        return status;
     };
 }
 
@@ -64,8 +64,10 @@ Run defineEvents(CLI::App& command) {
 
 Run defineShutdown(CLI::App&) {
     return [](Context& context) {
-        context.client().shutDownServer();
-        return exitYes;
+        // Afterwards nobody is there to ask.
+        const ExitStatus status = ifAnswered(context, exitYes);
+        if (status == exitYes) context.client().shutDownServer();
+        return status;
     };
 }
 

@@ -23,8 +23,9 @@ bool isServerAddress(const std::string& server) {
     return splitServer(server, host, port);
 }
 
-Session::~Session() {
+void Session::close() {
     if (m_connected) m_client.disconnect();
+    m_connected = m_registered = false;
 }
 
 bool Session::open() {
@@ -33,10 +34,9 @@ bool Session::open() {
     int port = 0;
     if (!splitServer(m_options.server, host, port)) return false;
     if (m_client.connect(port, host.c_str(), -1) != 0) return false;
+    m_connected = true;
     m_client.initializeSchema();
-    m_connected = m_client.getSchemaType() != NySe::noSchema;
-    // An answer that comes late would be taken for the next request's.
-    if (!m_connected) m_client.disconnect();
+    if (m_client.getSchemaType() == NySe::noSchema) close();
     return m_connected;
 }
 

@@ -14,12 +14,15 @@ class Session {
   public:
     // The options are read when the connection is opened; they must outlive the session.
     explicit Session(const Options& options) : m_options(options) {}
-    ~Session();
+    ~Session() { close(); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
     // True when there is a connection on which the schema has been agreed.
     bool open();
+    // Ends the connection; the next open makes a new one. For use after a missed answer: one that
+    // comes late would be taken for the next request's.
+    void close();
     // Enters the user at the server, once. False when there is no connection or the server gave no
     // port.
     bool registerUser();

@@ -33,9 +33,12 @@ int run() {
         ->capture_default_str();
     app.add_flag("--json", options.json, "One JSON object a line instead of tables");
     addCommands(app, session, output, status);
-    app.add_subcommand("shell", "Commands from standard input, one a line, on one connection")
-        ->callback([&] { status = runShell(session, output); });
+    CLI::App* const shell =
+        app.add_subcommand("shell", "Commands from standard input, one a line, on one connection");
+    shell->footer("Example: printf 'register\\nusers\\n' | nyctl --user Anna shell");
+    shell->callback([&] { status = runShell(session, output); });
     app.footer(
+        "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
         "answer.");
 

@@ -79,15 +79,6 @@ TEST_F(Nyctl, PingIsNoForAServerThatAnswersSomethingElse) {
     EXPECT_EQ("alive: false\nversion: 2.5\nschema: 2015\n", m_printed);
 }
 
-TEST_F(Nyctl, NoCommandTakesAClosedConnectionForAnAnswer) {
-    for (const char* line : {"ping", "register", "users"}) {
-        serve({});
-        EXPECT_EQ(exitNoAnswer, run(line)) << line;
-        EXPECT_EQ("", m_printed) << line;
-        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_complaint) << line;
-    }
-}
-
 TEST_F(Nyctl, RegisterIsNoWhenALivingServerGivesNoPort) {
     serve({{registerRequest(), empty}, {isAlive, alive}});
     EXPECT_EQ(exitNo, run("register"));
@@ -143,6 +134,34 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
             std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength())}});
     EXPECT_EQ(exitYes, run("users"));
     EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+}
+
+TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
+    for (const char* line : {"ping",     "register",      "users",      "port",
+                             "rename a", "send-user a b", "send-all a", "send-connection 1 2 a",
+                             "lock a",   "unlock a",      "holders a",  "locks",
+                             "open a",   "close 1",       "openers 1",  "connections",
+                             "time",     "machine",       "info",       "verify",
+                             "events 1", "shutdown"}) {
+        serve({});
+        EXPECT_EQ(exitNoAnswer, run(line)) << line;
+        EXPECT_EQ("", m_printed) << line;
+        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_complaint) << line;
+    }
+}
+
+TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
+    serve({});
+    Session session(m_options);
+    const Output output(m_options);
+    ExitStatus status = exitUsage;
+    for (int i = 0; i < 2; ++i) {
+        CLI::App app("", "");
+        addCommands(app, session, output, status);
+        app.parse("time");
+        EXPECT_EQ(exitNoAnswer, status);
+    }
+    EXPECT_EQ(2, m_peer->waitForServed(2));
 }
 
 TEST(NyctlServerAddress, IsHostAndPort) {

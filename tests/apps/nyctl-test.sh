@@ -38,7 +38,12 @@ expect 3 'no answer' --server 127.0.0.1:1 users
 expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
-expect 0 'Example: nyctl lock part/42 --mode 0x18' lock --help
+for command in ping register users port rename send-connection send-user send-all lock unlock holders locks open close \
+  openers connections time machine info verify events shutdown; do
+  expect 0 "Example: nyctl $command" $command --help
+done
+expect 0 'Example: ' shell --help
+expect 0 'Example: ' --help
 expect 0 'granted: true' lock part/42
 expect 0 'words: exclude1+exclude2' lock part/42
 expect 0 'mode: 0x05' lock part/42 --mode 0x05
@@ -71,6 +76,12 @@ expect_shell 0 'Bob  '
 printf 'lock a\nlock a --mode 1\nlocks\nholders a\nsend-user Bob hello\n' > "$work/lines"
 expect_shell 1 'granted: false'
 expect_shell 1 'a     '
+printf 'register\nrename Carla\nusers\n' > "$work/lines"
+expect_shell 0 'Carla  '
+printf 'lock a\nunlock a\nlock a --mode 1\n' > "$work/lines"
+expect_shell 0 'mode: 0x01'
+printf 'open c\nopeners 0\nconnections\nclose 0\nopeners 0\n' > "$work/lines"
+expect_shell 1 '0   c           1'
 printf 'no-such-command\nping\n' > "$work/lines"
 expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
