@@ -16,12 +16,13 @@ usage() {
   exit 2
 }
 
-# step NAME COMMAND...: runs the command with its output in build/logs/NAME.log and prints one line: the outcome, the
-# seconds, and the command's last line when that begins with "= ". A failure also prints what the output says of it and
+# step NAME COMMAND...: says that it starts, runs the command with its output in build/logs/NAME.log, and prints one line:
+# the outcome, the seconds, and the command's last line when that begins with "= ". A failure also prints what the output says of it and
 # how to repeat the step, and adds the name to build/logs/failed-steps.
 step() {
   local name=$1 start=$SECONDS log=$logs/$1.log
   shift
+  printf 'start   %-22s         tail -f build/logs/%s.log\n' "$name" "$name"
   if "$@" > "$log" 2>&1 < /dev/null; then
     printf 'ok      %-22s %4d s  %s\n' "$name" $((SECONDS - start)) "$(sed -n '$s/^= //p' "$log")"
     return 0
@@ -64,15 +65,12 @@ configure() {
 
 # build PRESET [NINJA_ARGUMENT...]: builds at a low priority, since tests of another preset may be running meanwhile.
 build() {
-  local preset=$1 output
+  local preset=$1
   shift
-  output=$(mktemp)
-  nice -n 10 cmake --build --preset "$preset" "$@" > "$output" 2>&1 || { cat "$output"; rm "$output"; return 1; }
-  cat "$output"
-  if grep -q '^ninja: no work to do' "$output"; then
+  nice -n 10 cmake --build --preset "$preset" "$@" || return 1
+  if grep -q '^ninja: no work to do' "$log"; then
     echo "= skipped: nothing changed"
   else
-    echo "= $(grep -c '^\[[0-9]*/[0-9]*\]' "$output") build steps"
+    echo "= $(grep -c '^\[[0-9]*/[0-9]*\]' "$log") build steps"
   fi
-  rm "$output"
 }

@@ -69,8 +69,10 @@ std::shared_ptr<Record> NySeClientApp::receiveRecord() {
     return std::shared_ptr<Record>(static_cast<Record*>(object));
 }
 
-// Appends the records of the table that comes next.
+// Appends the records of the table that comes next; `into` stays as it was when none comes.
 template <class Table>
 void NySeClientApp::receiveTable(Table& into) {
-    if (const std::shared_ptr<Table> table = receiveRecord<Table>()) transfertObject(*table, into);
+    NySe::succeeds([&] {
+        if (const auto table = receiveRecord<Table>()) transfertObject(*table, into);
+    });
 }

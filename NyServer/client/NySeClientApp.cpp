@@ -15,6 +15,22 @@ void switchOffNagle(SOCKET socket) {
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
 }
 
+// A table that deletes nothing until the scope ends.
+class OwnershipPause {
+  public:
+    explicit OwnershipPause(QoArraySerial2& table)
+        : m_table(table), m_owning(table.getDeleteObject()) {
+        m_table.setDeleteObject(false);
+    }
+    ~OwnershipPause() { m_table.setDeleteObject(m_owning); }
+    OwnershipPause(const OwnershipPause&) = delete;
+    OwnershipPause& operator=(const OwnershipPause&) = delete;
+
+  private:
+    QoArraySerial2& m_table;
+    const bool m_owning;
+};
+
 }  // namespace
 
 NySeClientApp::NySeClientApp() : m_socket(new CUT_WSClient) {}
@@ -92,15 +108,17 @@ bool NySeClientApp::receiveString(CString& into) {
 }
 
 void NySeClientApp::transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
-    const bool toOwns = to.getDeleteObject();
-    to.setDeleteObject(false);
-    to.addFrom(from);
-    to.setDeleteObject(toOwns);
-
-    const bool fromOwns = from.getDeleteObject();
-    from.setDeleteObject(false);
+    const INT_PTR held = to.GetSize();
+    const OwnershipPause pauseTo(to);
+    const OwnershipPause pauseFrom(from);
+    try {
+        to.addFrom(from);
+    } catch (...) {
+        // The records stay where they were.
+        to.RemoveAt(held, to.GetSize() - held);
+        throw;
+    }
     from.RemoveAll();
-    from.setDeleteObject(fromOwns);
 }
 
 void NySeClientApp::initializeSchema() {

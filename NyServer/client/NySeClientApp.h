@@ -42,7 +42,8 @@ class NYSERVER_API NySeClientApp {
     // 1 while the server holds the connection, else 0.
     int IsConnected();
 
-    // Of the connection's other end; 0 and empty when there is none.
+    // The port and the dotted address of the connection's other end. Without a connection the port
+    // is that of the last one tried, 0 before the first, and the address is empty.
     unsigned getPort() const;
     CString getStrAddress() const;
     // This computer's name; the server is not asked.
@@ -63,9 +64,9 @@ class NYSERVER_API NySeClientApp {
     // Releases the lock. True when the message went out in full; the server does not say what it
     // released.
     bool unLock(const CString& name);
-    // Appends the users who hold the lock to `users`. True when it is held; false when nobody holds
-    // it and on failure. `users` stays as it was when it is not held or the server does not name
-    // the users.
+    // Appends the users who hold the lock to `users`. False when nobody holds it and on failure;
+    // true when it is held, also when the server does not name the users or its table is lost:
+    // `users` stays as it was then, as it does whenever false is returned.
     bool isLockBy(const CString& name, NySeUserPtrArray& users);
     // Appends the server's locks to `locks`, which stays as it was on failure.
     void getLock(NySeLockArray& locks);
@@ -79,7 +80,7 @@ class NYSERVER_API NySeClientApp {
     // Appends the server's connections to `connections`, which stays as it was on failure.
     void getConnection(NySeConnectionArray& connections);
     // Sends two numbers and an object, whose meaning is the application's. Nothing tells a failure;
-    // an object that cannot be archived is left out.
+    // an object that cannot be archived is left out or cut short.
     void sendConnectionData(int first, int second, CObject& object);
 
     // Appends the server's users to `users`, which stays as it was on failure.
@@ -94,7 +95,7 @@ class NYSERVER_API NySeClientApp {
     bool updateUserName(const CString& name);
     // Pass an object, whose meaning is the application's, on for one user or for all. For one user
     // both are archived under the user's schema. Nothing tells a failure; an object that cannot be
-    // archived is left out.
+    // archived is left out or cut short.
     void sendUserData(NySeUser& user, CObject& object);
     void sendAllUserData(CObject& object);
 

@@ -7,10 +7,14 @@ void NySeClientApp::getAllUser(NySeUserPtrArray& users) {
 
 int NySeClientApp::getPortClient(NySeUser& user) {
     if (!request(NySe::actionGetPortClient, user)) return 0;
-    const std::shared_ptr<NySeUser> completed = receiveRecord<NySeUser>();
-    if (completed == nullptr) return 0;
-    user.vCopyFrom(*completed);
-    return user.getPort();
+    int port = 0;
+    NySe::succeeds([&] {
+        if (const auto completed = receiveRecord<NySeUser>()) {
+            user.vCopyFrom(*completed);
+            port = user.getPort();
+        }
+    });
+    return port;
 }
 
 int NySeClientApp::getAnotherPort() {

@@ -32,10 +32,19 @@ void dropArchiveErrors(Archive archive) {
 
 NySeMemFile::NySeMemFile() : CMemFile(kGrowBytes) {}
 
-NySeMemFile::~NySeMemFile() = default;
+NySeMemFile::~NySeMemFile() {
+    closeArchive();
+}
+
+// An archive gives its unread bytes back to the file, which throws when the file was changed under
+// it; neither a destructor nor the end of reading may.
+void NySeMemFile::closeArchive() {
+    if (m_archive != nullptr) dropArchiveErrors([this] { m_archive->Close(); });
+    m_archive.reset();
+}
 
 void NySeMemFile::openForWriting(unsigned int headerBytes, NySe::SchemaType schema) {
-    m_archive.reset();
+    closeArchive();
     m_schemaType = schema;
     SetLength(headerBytes);
     Seek(headerBytes, begin);
@@ -56,7 +65,7 @@ void NySeMemFile::startWriteAction(NySe::ActionType action, NySe::SchemaType sch
 
 void NySeMemFile::stopWriting() {
     if (m_archive == nullptr) return;
-    m_archive.reset();
+    closeArchive();
     if (!m_actionMode) {
         writeHeader(NySe::kLengthBytes);
     } else if (m_actionType != NySe::noAction) {
@@ -81,12 +90,12 @@ void NySeMemFile::writeAction(NySe::ActionType action, NySe::SchemaType schema) 
 }
 
 void NySeMemFile::startReading() {
-    m_archive.reset();
+    closeArchive();
     m_archive = std::make_unique<CArchive>(this, CArchive::load);
 }
 
 void NySeMemFile::stopReading() {
-    m_archive.reset();
+    closeArchive();
 }
 
 void NySeMemFile::writeInteger(LONG value) {

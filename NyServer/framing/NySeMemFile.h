@@ -58,6 +58,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
     // The bytes, getLength() of them, which stay this file's and live as long as it does or until
     // it is detached or attached; null when it never held any. The file then stands at its start
     // and cannot grow any more: writing past its capacity throws CMemoryException.
+    // REQUIRES: no archive is open.
     BYTE* getBuffer();
     // In bytes.
     ULONGLONG getLength() const { return GetLength(); }
@@ -73,6 +74,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
 
   private:
     void openForWriting(unsigned int headerBytes, NySe::SchemaType schema);
+    void closeArchive();
     bool isWriting() const { return m_archive != nullptr && m_archive->IsStoring(); }
     void writeHeader(unsigned int headerBytes);
 

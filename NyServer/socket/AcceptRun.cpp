@@ -77,6 +77,9 @@ bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
     return true;
 }
 
+// A stop is requested before the listening socket is closed. Whatever is accepted without such a
+// request is therefore ours, and not of a foreign socket that got the closed one's handle; a
+// connection of that one is at worst closed, since the lock cannot be held while accept waits.
 bool CUT_WSServer::AcceptRun::keepsAccepted() {
     const ServerDoor::Lock lock(*m_door);
     const bool isOurs = isCurrent();

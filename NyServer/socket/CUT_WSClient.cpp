@@ -9,6 +9,7 @@ CUT_WSClient::CUT_WSClient() {
 
 CUT_WSClient::~CUT_WSClient() {
     CUT_WSClient::CloseConnection();
+    m_lookUps.abandon();
     ::WSACleanup();
     dropNotificationWindow();
 }

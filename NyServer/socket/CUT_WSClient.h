@@ -3,6 +3,7 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
+#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCodes.h"
 
 // One stream or datagram socket that connects out or is handed an accepted connection and, for
@@ -222,8 +223,9 @@ class NYSERVER_API CUT_WSClient {
     int SetAsyncNotify(long events);
 
     // Start a look-up whose end OnAsyncGetAddressNotify or OnAsyncGetNameNotify announces and whose
-    // HOSTENT lands in the object; one at a time. UTE_SUCCESS when the request was accepted, else
-    // UTE_ERROR. The last two arguments are not used. REQUIRES: InitAsync has succeeded.
+    // HOSTENT lands in the object right before that; one at a time. UTE_SUCCESS when the request
+    // was accepted, else UTE_ERROR. InitAsync and the destructor cancel what is under way. The last
+    // two arguments are not used. REQUIRES: InitAsync has succeeded.
     int AsyncGetAddressFromName(const char* name, char* address, int maxLen);
     int AsyncGetNameFromAddress(const char* address, char* name, int maxLen);
 
@@ -261,5 +263,8 @@ class NYSERVER_API CUT_WSClient {
     void setAddressText(const char* text);
     int copyLookedUp(const char* text, char* target, int maxLen);
     bool mayGoOn(int status);
-    bool notify(UINT message, LPARAM lParam);
+    void finishLookUp(WPARAM request, int error);
+    bool notify(UINT message, WPARAM wParam, LPARAM lParam);
+
+    HostLookUps m_lookUps;
 };

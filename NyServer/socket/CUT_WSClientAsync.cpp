@@ -44,6 +44,7 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
 }
 
 void CUT_WSClient::dropNotificationWindow() {
+    m_lookUps.abandon();
     if (!m_notificationWindow) return;
     // Only the window's own thread can destroy it; from any other it must at least not find a dead
     // object.
@@ -61,18 +62,26 @@ int CUT_WSClient::SetAsyncNotify(long events) {
 }
 
 int CUT_WSClient::AsyncGetAddressFromName(const char* name, char*, int) {
-    const HANDLE request =
-        ::WSAAsyncGetHostByName(m_notificationWindow, kAddressFound, socketcalls::hostPart(name),
-                                m_hostBuffer, sizeof m_hostBuffer);
-    return OnError(request ? UTE_SUCCESS : UTE_ERROR);
+    const bool isStarted = m_lookUps.start([&](char* result, int size) {
+        return ::WSAAsyncGetHostByName(m_notificationWindow, kAddressFound,
+                                       socketcalls::hostPart(name), result, size);
+    });
+    return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
 }
 
 int CUT_WSClient::AsyncGetNameFromAddress(const char* address, char*, int) {
     const unsigned long value = ::inet_addr(address);
-    const HANDLE request = ::WSAAsyncGetHostByAddr(
-        m_notificationWindow, kNameFound, reinterpret_cast<const char*>(&value), sizeof value,
-        AF_INET, m_hostBuffer, sizeof m_hostBuffer);
-    return OnError(request ? UTE_SUCCESS : UTE_ERROR);
+    const bool isStarted = m_lookUps.start([&](char* result, int size) {
+        return ::WSAAsyncGetHostByAddr(m_notificationWindow, kNameFound,
+                                       reinterpret_cast<const char*>(&value), sizeof value, AF_INET,
+                                       result, size);
+    });
+    return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
+}
+
+void CUT_WSClient::finishLookUp(WPARAM request, int error) {
+    static_assert(sizeof m_hostBuffer == HostLookUps::kResultSize);
+    m_lookUps.finish(reinterpret_cast<HANDLE>(request), error == 0, m_hostBuffer);
 }
 
 void CUT_WSClient::OnAsyncNotify(int, int) {}
@@ -82,7 +91,7 @@ void CUT_WSClient::OnAsyncGetNameNotify(int) {}
 void CUT_WSClient::OnAsyncGetAddressNotify(int) {}
 
 // False: not a message of the notification window.
-bool CUT_WSClient::notify(UINT message, LPARAM lParam) {
+bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
     const int event = LOWORD(lParam);
     const int error = HIWORD(lParam);
     switch (message) {
@@ -90,9 +99,11 @@ bool CUT_WSClient::notify(UINT message, LPARAM lParam) {
             OnAsyncNotify(event, error);
             return true;
         case kNameFound:
+            finishLookUp(wParam, error);
             OnAsyncGetNameNotify(error);
             return true;
         case kAddressFound:
+            finishLookUp(wParam, error);
             OnAsyncGetAddressNotify(error);
             return true;
         default:
@@ -107,7 +118,7 @@ LRESULT CALLBACK CUT_WSClient::WndProc(HWND window, UINT message, WPARAM wParam,
     }
     auto* client = reinterpret_cast<CUT_WSClient*>(::GetWindowLongPtrW(window, kObjectSlot));
     try {
-        if (client && client->notify(message, lParam)) return 0;
+        if (client && client->notify(message, wParam, lParam)) return 0;
     } catch (...) {
         // An override threw; the system's dispatcher cannot be unwound through.
         return 0;

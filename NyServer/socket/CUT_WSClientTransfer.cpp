@@ -52,7 +52,7 @@ int CUT_WSClient::Send(CUT_DataSource& source) {
     long total = 0;
     const auto sendPiece = [this, &total](const char* data, int length) -> std::optional<int> {
         if (Send(data, length) == 0) return UTE_SOCK_SEND_ERROR;
-        total += length;
+        socketcalls::addWrapping(total, length);
         if (!mayGoOn(SendFileStatus(total))) return UTE_ABORTED;
         return std::nullopt;
     };

@@ -22,11 +22,10 @@ class ServerDoor;
 // connection count, and then calls ReleaseInstance. A count of 0 therefore does not mean that no
 // thread is inside the derived server's code, and a connection may be accepted at any moment. The
 // virtual functions of a derived server go with its destructor; so the author of a derived server
-// that accepts connections ends its destructor with one of these:
-//
-//   while (!CloseDoorIfIdle()) Sleep(50);  // waits for all workers; needed when workers use their
-//   server CloseDoor();                           // lets workers run on; see there for what
-//   becomes of them
+// that accepts connections ends its destructor in one of two ways. It repeats CloseDoorIfIdle, with
+// a Sleep in between, until that is true, and so waits for all workers; this is needed when workers
+// use their server. Or it calls CloseDoor, which lets workers run on; see there for what becomes of
+// them.
 //
 // The base destructor stops accepting and does not wait for handlers that still run.
 //

@@ -41,7 +41,7 @@ int CUT_WSThread::Send(CUT_DataSource& source, long& bytesSent) {
     if (m_socket == INVALID_SOCKET) return OnError(UTE_SOCK_NOT_OPEN);
     auto sendPiece = [&](const char* data, int length) -> std::optional<int> {
         if (Send(data, length, 0) == SOCKET_ERROR) return UTE_WORKER_SEND_FAILED;
-        bytesSent += length;
+        socketcalls::addWrapping(bytesSent, length);
         if (SendFileStatus(bytesSent) == 0) return UTE_SUCCESS;
         return std::nullopt;
     };
@@ -58,7 +58,7 @@ int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) try {
         line += "\r\n";
         const int sent = Send(line.c_str(), -1, 0);
         if (sent < 1) return sent;
-        total += sent;
+        socketcalls::addWrapping(total, sent);
         data += length;
         len -= length;
     }

@@ -24,10 +24,6 @@ int selectReadable(SOCKET socket, long seconds, long microseconds) {
     return ::select(0, &set, nullptr, nullptr, &timeOut);
 }
 
-bool isNoSocket(int error) {
-    return error == WSAENOTSOCK || error == WSAENETDOWN || error == WSANOTINITIALISED;
-}
-
 // The result that ends the receive, or nothing to go on.
 std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& steps, long maxBytes,
                                 long& total) {
@@ -42,7 +38,7 @@ std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& step
     if (count == 0) return UTE_SUCCESS;
     if (count < 0) return UTE_SOCK_RECEIVE_ERROR;
     if (target.Write(buffer, static_cast<unsigned int>(count)) != count) return UTE_DS_WRITE_FAILED;
-    total += count;
+    addWrapping(total, count);
     if (!steps.mayGoOn(total)) return UTE_ABORTED;
     return std::nullopt;
 }
@@ -131,6 +127,10 @@ int setTimeOut(SOCKET socket, int option, int milliseconds) {
 bool setBlockingMode(SOCKET socket, int mode) {
     u_long nonBlocking = static_cast<u_long>(mode);
     return ::ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) == 0;
+}
+
+bool isNoSocket(int error) {
+    return error == WSAENOTSOCK || error == WSAENETDOWN || error == WSANOTINITIALISED;
 }
 
 PeekError classifyPeekError(int error) {

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <type_traits>
 
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
@@ -65,6 +66,9 @@ int setTimeOut(SOCKET socket, int option, int milliseconds);
 // Mode 1 is non-blocking, 0 blocking. False if the stack refused.
 bool setBlockingMode(SOCKET socket, int mode);
 
+// Whether the error number of a failed select says that there is no socket to ask about.
+bool isNoSocket(int error);
+
 // What the error number of a failed peek says about the connection.
 enum class PeekError {
     dead,        // broken; the mode of the socket is left alone
@@ -85,6 +89,14 @@ bool isConnected(SOCKET socket, const std::function<void(int)>& setMode);
 int receiveWithin(SOCKET socket, char* buffer, int length, int timeOut,
                   const std::function<int()>& wait);
 
+// Adds to a count of bytes so that it wraps around when a transfer is longer than its type can say:
+// a count that overflows otherwise has no defined value.
+template <class Count>
+constexpr void addWrapping(Count& total, int count) {
+    using Unsigned = std::make_unsigned_t<Count>;
+    total = static_cast<Count>(static_cast<Unsigned>(total) + static_cast<Unsigned>(count));
+}
+
 // Takes one piece of a data source. Nothing: go on; otherwise the result that ends the transfer.
 using SendPiece = std::function<std::optional<int>(const char* data, int length)>;
 
@@ -100,8 +112,8 @@ struct ReceiveSteps {
 };
 
 // Writes what arrives, in pieces of at most 256 bytes, until the peer closes or, with `maxBytes`
-// above 0, until that many bytes have come. `total` grows by each piece. The source is closed at
-// the end if it was opened. UTE_SUCCESS, UTE_INVALID_OPEN_TYPE (source untouched),
+// above 0, until that many bytes have come. `total` grows by each piece (addWrapping). The source
+// is closed at the end if it was opened. UTE_SUCCESS, UTE_INVALID_OPEN_TYPE (source untouched),
 // UTE_DS_OPEN_FAILED, UTE_SOCK_TIMEOUT, UTE_SOCK_RECEIVE_ERROR, UTE_DS_WRITE_FAILED or UTE_ABORTED.
 int receiveIntoSource(CUT_DataSource& target, OpenMsgType type, const ReceiveSteps& steps,
                       long maxBytes, long& total);

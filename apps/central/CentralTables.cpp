@@ -36,7 +36,7 @@ std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG s
     completed.setSessionNumber(session);
     completed.setPort(known->ports.back());
     removeUser(session);
-    m_users.add(completed.clone());
+    m_users.add(new NySeUser(completed));
     listenTo(session, *known);
     announce(notifyUserJoined, completed, session);
     return completed;
@@ -49,7 +49,7 @@ bool CentralTables::renameUser(LONG session, const CString& name) {
     NySeUser renamed(*user);
     renamed.setStrUserName(name);
     removeUser(session);
-    m_users.add(renamed.clone());
+    m_users.add(new NySeUser(renamed));
     return true;
 }
 

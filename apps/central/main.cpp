@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 
 #include "apps/central/CentralServer.h"
@@ -22,7 +23,7 @@ bool writePortFile(const std::string& path, unsigned int port) {
     if (path.empty()) return true;
     const std::string unfinished = path + ".new";
     {
-        std::ofstream file(unfinished, std::ios::trunc);
+        std::ofstream file(std::filesystem::path(fromUtf8(unfinished).GetString()));
         file << port << '\n';
         if (!file.flush()) return false;
     }

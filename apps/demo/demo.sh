@@ -29,20 +29,30 @@ trap cleanup EXIT
 
 tell() { printf '\n* %s\n' "$*"; }
 
-# says NAME COMMAND: gives the user's shell one line and shows what comes back, up to the mark.
+# says NAME COMMAND: gives the user's shell one line and shows what comes back, up to the mark; it stays in $answer.
 says() {
-  local name=$1 descriptor=${shells[$1]} line
+  local name=$1 line
   shift
+  answer=
   printf '%s> nyctl %s\n' "$name" "$*"
-  printf '%s\necho =\n' "$*" >&"$descriptor"
+  printf '%s\necho =\n' "$*" >&"${shells[$name]}"
   while IFS= read -r -t 20 line <&"${answers[$name]}"; do
     line=${line%$'\r'}
     [ "$line" != = ] || return 0
     printf '    %s\n' "$line"
+    answer+=$line$'\n'
   done
-  echo "demo: no answer to: $*" >&2
+  fail "no answer to: $*"
+}
+
+fail() {
+  echo "demo: $*" >&2
   exit 1
 }
+
+# expect TEXT: the story goes as it is told.
+expect() { [[ $answer == *"$1"* ]] || fail "this should say \"$1\""; }
+expect_not() { [[ $answer != *"$1"* ]] || fail "this should not say \"$1\""; }
 
 # starts NAME DESCRIPTOR: a shell of that user, on one connection, fed through the descriptor.
 declare -A shells answers
@@ -72,28 +82,69 @@ sed 's/^/    /' "$work/central.log"
 starts anna
 starts bob
 
-tell "Anna asks whether it is alive, and registers"
+tell "Anna asks whether it is alive, and both register"
 says anna ping
+expect 'alive: true'
 says anna register
-
-tell "Bob registers too, and gets a session and a port of his own"
+expect 'user: anna'
 says bob register
-
-tell "Both are in the server's table of users"
+expect 'user: bob'
 says anna users
+expect 'anna  1'
+expect 'bob   2'
 
-tell "Bob leaves; the server forgets him"
+tell "Anna takes a lock that keeps others from access; Bob is refused"
+says anna lock part/42 --mode 0x18
+expect 'granted: true'
+says bob lock part/42 --mode 0x01
+expect 'granted: false'
+says bob locks
+expect 'exclude1+exclude2'
+
+tell "Anna releases it; Bob asks again and gets it"
+says anna unlock part/42
+says bob lock part/42 --mode 0x01
+expect 'granted: true'
+says anna holders part/42
+expect bob
+
+tell "Both open the same connection, and both close it; its id is given again"
+says anna "open 'Server=a;Db=b'"
+expect 'id: 0'
+says bob "open 'server=A;db=B'"
+expect 'id: 0'
+says anna openers 0
+expect anna
+expect bob
+says anna close 0
+says bob close 0
+says bob connections
+expect_not Server
+says bob "open 'Server=c;Db=d'"
+expect 'id: 0'
+
+tell "The server tells about itself"
+says anna info
+expect 'COLLABORATIVE SERVER INFORMATION'
+
+tell "Bob leaves without a word; what he held is free"
 exec 4>&-
 for _ in $(seq 50); do
   [[ $(run nyctl --server "$server" --json users) == *bob* ]] || break
   sleep 0.1
 done
 says anna users
+expect_not bob
+says anna locks
+expect_not part/42
+says anna connections
+expect_not Server
 
 tell "The server stops"
 exec 3>&-
 stop "$central"
 central=
 sed -n 's/^stopping/    stopping/p' "$work/central.log"
+grep -q '^stopping' "$work/central.log" || fail "the server did not stop by itself"
 echo
 echo "That was it."

@@ -2,11 +2,23 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <sstream>
 
 namespace {
 
+// For people: what other users chose as their names must not steer the terminal.
+std::string printable(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char byte) {
+            return (static_cast<unsigned char>(byte) < ' ' && byte != '\t') || byte == 0x7F;
+        },
+        '?');
+    return text;
+}
+
 std::string cell(const Record& value) {
-    return value.is_string() ? value.get<std::string>() : value.dump();
+    return value.is_string() ? printable(value.get<std::string>()) : value.dump();
 }
 
 // Characters, not bytes: the bytes that continue a character do not count.
@@ -59,6 +71,27 @@ void Output::table(const std::vector<std::string>& columns, const std::vector<Re
         for (const auto& line : lines) printRow(line, widths);
     }
     std::fflush(stdout);
+}
+
+void Output::lines(const char* name, const std::vector<std::string>& lines) const {
+    for (const std::string& line : lines) {
+        if (m_options.json) {
+            printJson({{name, line}});
+        } else {
+            std::printf("%s\n", printable(line).c_str());
+        }
+    }
+    std::fflush(stdout);
+}
+
+std::vector<std::string> Output::split(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 void Output::complain(const std::string& text) {

@@ -18,6 +18,10 @@ class Output {
     void record(const Record& record) const;
     // Many things of one kind: a row each under `columns`, or an object each.
     void table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const;
+    // Lines of text: as they are, or one object {name: line} each.
+    void lines(const char* name, const std::vector<std::string>& lines) const;
+    // The lines of a text, without their ends.
+    static std::vector<std::string> split(const std::string& text);
     // Why a command failed, on standard error.
     static void complain(const std::string& text);
 

@@ -6,7 +6,6 @@
 
 namespace {
 
-// False when `server` is not HOST:PORT.
 bool splitServer(const std::string& server, std::string& host, int& port) {
     const size_t colon = server.rfind(':');
     if (colon == std::string::npos || colon == 0) return false;
@@ -18,6 +17,12 @@ bool splitServer(const std::string& server, std::string& host, int& port) {
 
 }  // namespace
 
+bool isServerAddress(const std::string& server) {
+    std::string host;
+    int port = 0;
+    return splitServer(server, host, port);
+}
+
 Session::~Session() {
     if (m_connected) m_client.disconnect();
 }
@@ -27,13 +32,12 @@ bool Session::open() {
     std::string host;
     int port = 0;
     if (!splitServer(m_options.server, host, port)) return false;
-    m_connected = m_client.connect(port, host.c_str(), -1) == 0;
-    if (m_connected) m_client.initializeSchema();
+    if (m_client.connect(port, host.c_str(), -1) != 0) return false;
+    m_client.initializeSchema();
+    m_connected = m_client.getSchemaType() != NySe::noSchema;
+    // An answer that comes late would be taken for the next request's.
+    if (!m_connected) m_client.disconnect();
     return m_connected;
-}
-
-bool Session::isOpen() {
-    return m_connected && m_client.IsConnected() != 0;
 }
 
 bool Session::registerUser() {

@@ -6,6 +6,9 @@
 #include "apps/nyctl/Options.h"
 #include "NyServer/client/NySeClientApp.h"
 
+// Whether `server` is HOST:PORT.
+bool isServerAddress(const std::string& server);
+
 // Connects when the first command needs it and says good-bye at its end. Used by one thread.
 class Session {
   public:
@@ -17,8 +20,6 @@ class Session {
 
     // True when there is a connection on which the schema has been agreed.
     bool open();
-    // True while the server holds the connection: tells "nothing there" from "no answer".
-    bool isOpen();
     // Enters the user at the server, once. False when there is no connection or the server gave no
     // port.
     bool registerUser();

@@ -24,6 +24,9 @@ int run() {
     app.require_subcommand(1);
     app.add_option("--server", options.server, "HOST:PORT of the central server")
         ->envname("NYCTL_SERVER")
+        ->check([](const std::string& server) {
+            return isServerAddress(server) ? std::string() : server + " is not HOST:PORT";
+        })
         ->capture_default_str();
     app.add_option("--user", options.user, "The name to register under")
         ->envname("NYCTL_USER")

@@ -35,7 +35,31 @@ expect 2 'not expected' ping --no-such-option
 expect 3 'no answer' --server 127.0.0.1:1 ping
 expect 3 'no answer' --server 127.0.0.1:1 register
 expect 3 'no answer' --server 127.0.0.1:1 users
-expect 3 'no answer' --server nonsense ping
+expect 2 'nonsense is not HOST:PORT' --server nonsense ping
+expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
+
+expect 0 'Example: nyctl lock part/42 --mode 0x18' lock --help
+expect 0 'granted: true' lock part/42
+expect 0 'words: exclude1+exclude2' lock part/42
+expect 0 'mode: 0x05' lock part/42 --mode 0x05
+expect 0 '{"lock":"part/42","granted":true,"mode":"0x18","words":"exclude1+exclude2"}' --json lock part/42
+expect 0 '' unlock part/42
+expect 1 'user  session' holders part/42
+expect 0 'lock  session  user  mode  words' locks
+expect 0 'id: 0' open 'Server=a;Db=b'
+expect 0 '' close 0
+expect 1 'user  session' openers 0
+expect 0 'id  connection  opens' connections
+expect 0 'port: 4' port
+expect 0 '' rename Anna
+expect 0 'time: 1' time
+expect 0 'machine: ' machine
+expect 0 'COLLABORATIVE SERVER INFORMATION' info
+expect 0 '' verify
+expect 0 'session' events 3
+expect 0 '' send-connection 0 1 text
+expect 1 '' send-user nobody text
+expect 0 '' send-all text
 
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {
@@ -44,11 +68,14 @@ expect_shell() {
 }
 printf 'register\r\n\n# a comment\nusers\n' > "$work/lines"
 expect_shell 0 'Bob  '
+printf 'lock a\nlock a --mode 1\nlocks\nholders a\nsend-user Bob hello\n' > "$work/lines"
+expect_shell 1 'granted: false'
+expect_shell 1 'a     '
 printf 'no-such-command\nping\n' > "$work/lines"
 expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
 expect_shell 0 'one  two'
 
-kill -INT "$central"
+expect 0 '' shutdown
 expect_stopped
 report

@@ -92,6 +92,24 @@ TEST_F(ClientConnection, CanConnectAgainAfterDisconnect) {
     EXPECT_EQ(1, client.IsConnected());
 }
 
+// The first socket is given up as it stands; a connect that kept it would be refused.
+TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAnew) {
+    const peers::Peer first(peers::silent());
+    const peers::Peer second(peers::silent());
+    ASSERT_EQ(0, client.connect(static_cast<int>(first.port()), "127.0.0.1", -1));
+    const UniqueSocket abandoned(NySeClientAppAccess::socket(client));
+    EXPECT_EQ(0, client.connect(static_cast<int>(second.port()), "127.0.0.1", -1));
+    EXPECT_NE(abandoned.get(), NySeClientAppAccess::socket(client));
+    EXPECT_EQ(second.port(), client.getPort());
+}
+
+TEST_F(ClientConnection, DisconnectTellsAFailedClose) {
+    const peers::Peer peer(peers::silent());
+    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
+    ASSERT_EQ(0, ::closesocket(NySeClientAppAccess::socket(client)));
+    EXPECT_FALSE(client.disconnect());
+}
+
 TEST_F(ClientConnection, NoticesThatThePeerClosed) {
     peers::Peer peer(peers::sendingAndClosing());
     ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));

@@ -4,9 +4,6 @@
 
 namespace {
 
-// Pieces sent closer together than this may arrive as one.
-constexpr int kPieceGapMs = 30;
-
 // Up to `count` bytes, fewer when the client closes.
 std::string receive(peers::Connection& connection, size_t count) {
     std::string bytes;
@@ -31,13 +28,56 @@ std::string goldenWire(const std::string& name) {
     return std::string(bytes.begin(), bytes.end());
 }
 
+NySeUser goldenUser() {
+    NySeUser user;
+    const auto& value = golden("user-plain").value;
+    user.setPort(value.at("port").get<LONG>());
+    user.setStrHostName(value.at("host").get<std::string>().c_str());
+    user.setStrUserName(value.at("user").get<std::string>().c_str());
+    user.setStrComputerName(value.at("computer").get<std::string>().c_str());
+    user.setSessionNumber(value.at("session").get<LONG>());
+    user.setSchema(value.at("schema").get<LONG>());
+    user.setSoftType(value.at("soft_type").get<LONG>());
+    return user;
+}
+
+std::string shown(const std::string& bytes) {
+    return toHex(Bytes(bytes.begin(), bytes.end()));
+}
+
+std::vector<std::string> messagesOtherThan(const std::string& reply) {
+    const std::string good = goldenWire(reply);
+    std::vector<std::string> messages{"",
+                                      wire("0A 00"),
+                                      wireOf<LONG>(0),
+                                      wireOf<LONG>(-1),
+                                      wireOf<LONG>(100),
+                                      wireOf<LONG>(2) + wire("00 00"),
+                                      good.substr(0, good.size() / 2),
+                                      good.substr(0, good.size() - 1)};
+    for (const char* other :
+         {"reply-users", "reply-locks", "reply-connections", "reply-user", "reply-string"}) {
+        if (reply != other) messages.push_back(goldenWire(other));
+    }
+    return messages;
+}
+
 std::vector<std::string> inSingleBytes(const std::string& bytes) {
     std::vector<std::string> pieces;
     for (const char byte : bytes) pieces.emplace_back(1, byte);
     return pieces;
 }
 
+ClientTest::Step ClientTest::byteByByte(const std::string& request, const std::string& reply,
+                                        const std::string& before) {
+    Step step{request, inSingleBytes(reply.substr(sizeof(LONG))), 2};
+    step.answer.insert(step.answer.begin(), before + reply.substr(0, sizeof(LONG)));
+    return step;
+}
+
 void ClientTest::serve(std::vector<Step> steps, Then then) {
+    m_peer.reset();
+    m_received.clear();
     m_steps = std::move(steps);
     m_peer = std::make_unique<peers::Peer>(
         [this, then](peers::Connection& connection) { follow(connection, then); });
@@ -50,10 +90,13 @@ void ClientTest::TearDown() {
 }
 
 void ClientTest::follow(peers::Connection& connection, Then then) {
+    const BOOL on = TRUE;  // no piece waits for the one before it to be acknowledged
+    ::setsockopt(connection.socket(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on),
+                 sizeof on);
     for (const Step& step : m_steps) {
         m_received += receive(connection, step.request.size());
         for (size_t i = 0; i < step.answer.size(); ++i) {
-            if (i > 0) ::Sleep(kPieceGapMs);
+            if (i > 0) ::Sleep(static_cast<DWORD>(step.gapMs));
             connection.send(step.answer[i]);
         }
     }
@@ -66,8 +109,5 @@ void ClientTest::expectRequestsSent() {
     std::string expected;
     for (const Step& step : m_steps) expected += step.request;
     const std::string goodBye = goldenWire("request-disconnect");
-    const auto bytes = [](const std::string& text) {
-        return toHex(Bytes(text.begin(), text.end()));
-    };
-    EXPECT_EQ(bytes(expected + goodBye), bytes(m_received));
+    EXPECT_EQ(shown(expected + goodBye), shown(m_received));
 }

@@ -31,6 +31,13 @@ struct NySeClientAppAccess {
 // Bytes as they go over a socket, from hex text or from the golden file.
 std::string wire(std::string_view hexText);
 std::string goldenWire(const std::string& name);
+// The user of the golden requests.
+NySeUser goldenUser();
+// Bytes for a SCOPED_TRACE.
+std::string shown(const std::string& bytes);
+// Every way to answer without the golden message `reply`: nothing, too little, no object, another
+// class. They are meant to be followed by a close.
+std::vector<std::string> messagesOtherThan(const std::string& reply);
 template <class Scalar>
 std::string wireOf(Scalar value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
@@ -45,14 +52,29 @@ class ClientTest : public ::testing::Test {
     struct Step {
         std::string request;
         std::vector<std::string> answer;
+        int gapMs = 30;  // pieces sent closer together may be read as one
     };
+    // A step that answers with the message `reply`: all up to its length in one piece, as it must
+    // be, then every byte alone. `before` comes ahead of the length.
+    static Step byteByByte(const std::string& request, const std::string& reply,
+                           const std::string& before = "");
     enum class Then { wait, close };
 
     // Starts a server that takes one connection through the steps, and connects to it.
     void serve(std::vector<Step> steps, Then then = Then::wait);
-    void serveRequest(const std::string& request, const std::string& answer,
+    void serveRequest(const std::string& request, const std::string& answer = "",
                       Then then = Then::wait) {
         serve({{request, {answer}}}, then);
+    }
+    // Expects that `call` sends `request`, takes `ownAnswer` and leaves the bytes behind it to the
+    // next call. Ends the connection.
+    template <class Call>
+    void expectTakesOnly(const std::string& request, const std::string& ownAnswer, Call call) {
+        serve({{request, {ownAnswer + wireOf<LONG>(NySe::kAliveAnswer)}},
+               {goldenWire("request-isAlive"), {}}});
+        call();
+        EXPECT_TRUE(client.isAlive());
+        expectRequestsSent();
     }
     // Expects that what the server read is exactly the steps' requests, and nothing behind them.
     // Ends the connection.

@@ -54,11 +54,7 @@ TEST_F(ClientTransport, AnEmptyReplyIsASuccess) {
 }
 
 TEST_F(ClientTransport, AReplyInSingleBytesArrivesWhole) {
-    serve({{"", inSingleBytes("\x05")}});
-    client.disconnect();
-    std::vector<std::string> pieces = inSingleBytes("hello");
-    pieces.insert(pieces.begin(), wireOf<LONG>(5));
-    serve({{"", pieces}});
+    serve({byteByByte("", wireOf<LONG>(5) + "hello")});
     CMemFile reply;
     EXPECT_TRUE(Access::receiveMemfile(client, reply));
     EXPECT_EQ(0u, reply.GetPosition());
@@ -139,6 +135,31 @@ TEST_F(ClientTransport, KeepsTheTextWhenNoReplyComes) {
     CString text("before");
     EXPECT_FALSE(Access::receiveString(client, text));
     EXPECT_EQ(CString("before"), text);
+}
+
+// A user that tells when it is deleted.
+class MortalUser : public NySeUser {
+  public:
+    explicit MortalUser(int& deaths) : m_deaths(deaths) {}
+    ~MortalUser() override { ++m_deaths; }
+
+  private:
+    int& m_deaths;
+};
+
+TEST_F(ClientTransport, TransferDeletesNoRecord) {
+    int deaths = 0;
+    {
+        NySeUserPtrArray to;
+        {
+            NySeUserPtrArray from;
+            from.append(new MortalUser(deaths));
+            to.append(new MortalUser(deaths));
+            Access::transfertObject(from, to);
+        }
+        EXPECT_EQ(0, deaths);
+    }
+    EXPECT_EQ(2, deaths);
 }
 
 TEST_F(ClientTransport, TransferMovesTheRecordsThemselves) {

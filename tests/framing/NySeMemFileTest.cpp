@@ -324,4 +324,23 @@ TEST_F(MemFile, CannotGrowOnceTheBufferWasHandedOut) {
     }));
 }
 
+TEST_F(MemFile, MayLoseItsBytesWhileItIsRead) {
+    {
+        NySeMemFile file;
+        file.startWrite(NySe::schema2015);
+        file.writeInteger(1);
+        file.writeInteger(2);
+        file.stopWriting();
+        file.startReading();
+        LONG length = 0;
+        *file.getArchive() >> length;
+        EXPECT_EQ(8, length);
+        file.SetLength(0);
+        file.stopReading();
+        EXPECT_EQ(nullptr, file.getArchive());
+        file.startReading();
+    }
+    SUCCEED() << "neither the end of reading nor the destructor threw";
+}
+
 }  // namespace

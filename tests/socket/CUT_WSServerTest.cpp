@@ -93,6 +93,8 @@ TEST_F(Server, ListensOnItsPort) {
     EXPECT_TRUE(isReachable(port));
 }
 
+// No Winsock (1) and a failing listen (23) are not tested: the start of Winsock does not fail here,
+// and neither does listen on a stream socket that is bound.
 TEST_F(Server, ReportsAPortThatIsTaken) {
     const peers::RefusingPort taken;
     const auto port = static_cast<unsigned short>(taken.port());

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <stdexcept>
@@ -7,6 +8,7 @@
 
 #include "tests/socket/Peers.h"
 #include "tests/socket/ProbeClient.h"
+#include "tests/support/Guarded.h"
 
 namespace {
 
@@ -25,6 +27,12 @@ class AsyncClient : public ProbeClient {
 
     HWND window() const { return m_notificationWindow; }
     const hostent& host() const { return *reinterpret_cast<const hostent*>(m_hostBuffer); }
+    static constexpr size_t kHostBytes = sizeof m_hostBuffer;
+    const char* hostBytes() const { return m_hostBuffer; }
+    bool holds(const void* part) const {
+        const auto* byte = static_cast<const char*>(part);
+        return byte >= m_hostBuffer && byte < m_hostBuffer + kHostBytes;
+    }
 
   protected:
     void OnAsyncNotify(int event, int error) override {
@@ -68,6 +76,11 @@ class ClientAsync : public testing::Test {
             }
             return false;
         });
+    }
+    // Enough rounds for some look-ups to end after what the caller does meanwhile.
+    template <class Round>
+    static void repeat(Round round) {
+        for (int i = 0; i < 100; ++i) round();
     }
     LRESULT send(UINT message, WPARAM wParam, LPARAM lParam) {
         return ::SendMessageW(m_client.window(), message, wParam, lParam);
@@ -246,6 +259,67 @@ TEST_F(ClientAsync, LooksUpANameIntoTheObject) {
     EXPECT_EQ(m_client.nameErrors, std::vector<int>{0});
     EXPECT_STREQ(m_client.host().h_name, "localhost");
     EXPECT_STREQ(unused, "abc");
+}
+
+// Its destruction must neither wait for the look-up nor leave it a place to write to.
+TEST_F(ClientAsync, MayBeDestroyedDuringALookUp) {
+    std::vector<std::unique_ptr<Guarded<AsyncClient>>> clients;
+    repeat([&] {
+        auto& client = *clients.emplace_back(std::make_unique<Guarded<AsyncClient>>());
+        ASSERT_EQ(client->InitAsync(instance()), UTE_SUCCESS);
+        ASSERT_EQ(client->AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+        ASSERT_EQ(client->AsyncGetNameFromAddress("127.0.0.1", nullptr, 0), UTE_SUCCESS);
+        client.destroy();
+    });
+    ::Sleep(500);  // for look-ups that have not yet ended
+}
+
+TEST_F(ClientAsync, ForgetsALookUpWhenTheWindowIsReplaced) {
+    const auto isEmpty = [](const char* bytes, size_t size) {
+        return std::all_of(bytes, bytes + size, [](char byte) { return byte == 0; });
+    };
+    repeat([&] {
+        AsyncClient client;
+        ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
+        ASSERT_EQ(client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+        ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
+        ::Sleep(5);
+        ASSERT_TRUE(isEmpty(client.hostBytes(), AsyncClient::kHostBytes));
+        ASSERT_TRUE(client.addressErrors.empty());
+    });
+}
+
+// Wherever the stack has put it: nothing else lives as long as the object.
+TEST_F(ClientAsync, KeepsAllOfAFoundHostInTheObject) {
+    init();
+    ASSERT_EQ(m_client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.addressErrors.empty(); }));
+    const hostent& host = m_client.host();
+    EXPECT_TRUE(m_client.holds(host.h_name));
+    EXPECT_TRUE(m_client.holds(host.h_aliases));
+    for (char** alias = host.h_aliases; *alias; ++alias) EXPECT_TRUE(m_client.holds(*alias));
+    EXPECT_TRUE(m_client.holds(host.h_addr_list));
+    for (char** address = host.h_addr_list; *address; ++address)
+        EXPECT_TRUE(m_client.holds(*address));
+}
+
+TEST_F(ClientAsync, AnnouncesBothOfTwoLookUpsAtATime) {
+    init();
+    ASSERT_EQ(m_client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+    ASSERT_EQ(m_client.AsyncGetNameFromAddress("127.0.0.1", nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(
+        pumpUntil([&] { return !m_client.addressErrors.empty() && !m_client.nameErrors.empty(); }));
+    EXPECT_STREQ(m_client.host().h_name, "localhost");
+}
+
+TEST_F(ClientAsync, KeepsTheFoundHostWhenALaterLookUpFails) {
+    init();
+    ASSERT_EQ(m_client.AsyncGetNameFromAddress("127.0.0.1", nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.nameErrors.empty(); }));
+    const std::string impossible(64, 'x');
+    ASSERT_EQ(m_client.AsyncGetAddressFromName(impossible.c_str(), nullptr, 0), UTE_SUCCESS);
+    ASSERT_TRUE(pumpUntil([&] { return !m_client.addressErrors.empty(); }));
+    EXPECT_STREQ(m_client.host().h_name, "localhost");
 }
 
 }  // namespace

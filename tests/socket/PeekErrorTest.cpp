@@ -33,4 +33,11 @@ TEST(PeekErrorTest, SaysNothingForAnyOtherNumber) {
     }
 }
 
+// Of a failed select, not of a peek: in some stacks one never fails as "not initialised".
+TEST(SelectError, SaysWhetherThereIsASocket) {
+    for (int error : {10038, 10050, 10093}) EXPECT_TRUE(socketcalls::isNoSocket(error)) << error;
+    for (int error : {0, 10004, 10014, 10022, 10036, 10054})
+        EXPECT_FALSE(socketcalls::isNoSocket(error)) << error;
+}
+
 }  // namespace

@@ -7,7 +7,6 @@
 #include <array>
 #include <atomic>
 #include <iostream>
-#include <new>
 #include <random>
 #include <thread>
 
@@ -16,6 +15,7 @@
 #include "NyServer/socket/SocketCodes.h"
 #include "tests/socket/LocalConnection.h"
 #include "tests/support/Gate.h"
+#include "tests/support/Guarded.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -94,29 +94,6 @@ class StressServer : public CUT_WSServer {
     std::atomic<bool> m_isWhole = true;
 };
 
-// A server in pages that cannot be touched any more once it is destroyed.
-class GuardedServer {
-  public:
-    GuardedServer(Counts& counts, bool waitsForWorkers)
-        : m_pages(::VirtualAlloc(nullptr, sizeof(StressServer), MEM_COMMIT | MEM_RESERVE,
-                                 PAGE_READWRITE)),
-          m_server(new (m_pages) StressServer(counts, waitsForWorkers)) {}
-    ~GuardedServer() { ::VirtualFree(m_pages, 0, MEM_RELEASE); }
-    GuardedServer(const GuardedServer&) = delete;
-    GuardedServer& operator=(const GuardedServer&) = delete;
-
-    StressServer& operator*() { return *m_server; }
-    void destroy() {
-        m_server->~StressServer();
-        DWORD before = 0;
-        ::VirtualProtect(m_pages, sizeof(StressServer), PAGE_NOACCESS, &before);
-    }
-
-  private:
-    void* m_pages;
-    StressServer* m_server;
-};
-
 // Connects to whichever server there is, in every rude way.
 class Flood {
   public:
@@ -174,12 +151,12 @@ class ServerStress : public testing::Test {
     // One server from its start to its end. Every third does not wait for its workers, every second
     // is stopped before it is destroyed.
     void runServer(int number, bool isWakeable) {
-        GuardedServer guarded(m_counts, number % 3 != 0);
-        ASSERT_TRUE((*guarded).start());
-        Flood::port = (*guarded).GetPort();
+        Guarded<StressServer> guarded(m_counts, number % 3 != 0);
+        ASSERT_TRUE(guarded->start());
+        Flood::port = guarded->GetPort();
         awaitWorkers(m_counts.made + static_cast<int>(m_random() % 20));
-        if (!isWakeable) (*guarded).SetPort(m_nobody.port());
-        if (number % 2 == 0) (*guarded).StopAccept();
+        if (!isWakeable) guarded->SetPort(m_nobody.port());
+        if (number % 2 == 0) guarded->StopAccept();
         guarded.destroy();
         // Threads that have not yet noticed get a chance to touch what they must not.
         ::Sleep(m_random() % 3);

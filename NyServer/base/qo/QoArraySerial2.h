@@ -19,7 +19,8 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     // its records leaves them to the caller. Each record must be new to the archive and of the
     // element class: throws CArchiveException badClass for null and for any other class, badIndex
     // for a record read before, which has an owner already. Whatever else goes wrong passes
-    // through; the table is empty then, and what had been read is deleted.
+    // through; the table is empty then, what had been read is deleted, and nobody may read on from
+    // the archive, which remembers it.
     void Serialize(CArchive& ar) override;
 
   protected:

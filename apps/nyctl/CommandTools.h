@@ -1,0 +1,58 @@
+// What the commands of nyctl are made of. Internal to the programs.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "apps/common/Utf8.h"
+#include "apps/nyctl/ExitStatus.h"
+#include "apps/nyctl/Output.h"
+#include "apps/nyctl/Session.h"
+
+struct Context {
+    Session& session;
+    const Output& output;
+
+    NySeClientApp& client() { return session.client(); }
+};
+
+using Run = std::function<ExitStatus(Context&)>;
+
+// One row a command. define: adds its arguments to `command` and returns what runs with them.
+struct Command {
+    const char* name;
+    const char* help;
+    const char* example;
+    Run (*define)(CLI::App& command);
+};
+
+// The families, each in a source of its own.
+extern const std::vector<Command> kUserCommands;
+extern const std::vector<Command> kLockCommands;
+extern const std::vector<Command> kConnectionCommands;
+extern const std::vector<Command> kServerCommands;
+
+// A required argument, filled when the line is parsed; it lives as long as what runs with it.
+template <class Value>
+std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char* help) {
+    auto value = std::make_shared<Value>();
+    command.add_option(name, *value, help)->required();
+    return value;
+}
+
+ExitStatus noAnswer(Context& context);
+
+// For calls that do not tell a failure: `status` when the server still answers, else exitNoAnswer.
+ExitStatus ifAnswered(Context& context, ExitStatus status);
+
+// Enters the user unless that was done; exitYes, exitNo when refused, exitNoAnswer.
+ExitStatus ensureRegistered(Context& context);
+
+Record describe(const NySeUser& user);
+void printUsers(Context& context, const NySeUserPtrArray& users);
+
+// The server's user of that session or name, copied into `user`. False when there is none.
+bool findUser(Context& context, long sessionNumber, NySeUser& user);
+bool findUser(Context& context, const std::string& name, NySeUser& user);

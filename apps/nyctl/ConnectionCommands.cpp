@@ -1,0 +1,61 @@
+// The commands about connections.
+#include "apps/nyctl/CommandTools.h"
+#include "NyServer/records/NySeConnectionArray.h"
+
+namespace {
+
+Run defineOpen(CLI::App& command) {
+    return
+        [name = argument<std::string>(command, "NAME", "The connection string")](Context& context) {
+            if (const ExitStatus status = ensureRegistered(context); status != exitYes)
+                return status;
+            const long id = context.client().openConnection(fromUtf8(*name));
+            if (id < 0) return ifAnswered(context, exitNo);
+            context.output.record({{"connection", *name}, {"id", id}});
+            return exitYes;
+        };
+}
+
+Run defineClose(CLI::App& command) {
+    return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
+        context.client().closeConnection(*id);
+        return ifAnswered(context, exitYes);
+    };
+}
+
+Run defineOpeners(CLI::App& command) {
+    return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
+        NySeUserPtrArray users;
+        context.client().isOpenConnectionBy(*id, users);
+        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAnswered(context, exitNo);
+        if (status != exitNoAnswer) printUsers(context, users);
+        return status;
+    };
+}
+
+Run defineConnections(CLI::App&) {
+    return [](Context& context) {
+        NySeConnectionArray connections;
+        context.client().getConnection(connections);
+        const ExitStatus status =
+            connections.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
+        if (status != exitYes) return status;
+        std::vector<Record> rows;
+        for (INT_PTR i = 0; i < connections.GetSize(); ++i) {
+            rows.push_back({{"id", connections[i]->getId()},
+                            {"connection", toUtf8(connections[i]->getStrConnection())},
+                            {"opens", connections[i]->getRefCount()}});
+        }
+        context.output.table({"id", "connection", "opens"}, rows);
+        return exitYes;
+    };
+}
+
+}  // namespace
+
+const std::vector<Command> kConnectionCommands = {
+    {"open", "Open a connection", "open 'Server=a;Db=b'", &defineOpen},
+    {"close", "Close a connection once", "close 0", &defineClose},
+    {"openers", "Who has a connection open", "openers 0", &defineOpeners},
+    {"connections", "All connections", "connections", &defineConnections},
+};

@@ -1,0 +1,105 @@
+// The commands about locks.
+#include <cstdio>
+
+#include "apps/nyctl/CommandTools.h"
+#include "NyServer/records/NySeLockArray.h"
+
+namespace {
+
+std::string bits(unsigned mode) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%02X", mode);
+    return text;
+}
+
+// Which of the four bits that have a meaning are set.
+std::string words(unsigned mode) {
+    static constexpr struct {
+        unsigned bit;
+        const char* word;
+    } kWords[] = {{0x01, "access1"}, {0x02, "access2"}, {0x08, "exclude1"}, {0x10, "exclude2"}};
+    std::string text;
+    for (const auto& [bit, word] : kWords) {
+        if ((mode & bit) == 0) continue;
+        if (!text.empty()) text += '+';
+        text += word;
+    }
+    return text.empty() ? "none" : text;
+}
+
+Run defineLock(CLI::App& command) {
+    auto name = argument<std::string>(command, "NAME", "The lock's name");
+    auto mode = std::make_shared<unsigned>(0x18);
+    command
+        .add_option("--mode", *mode,
+                    "Share mode: 0x01 access1, 0x02 access2, 0x08 exclude1, 0x10 exclude2")
+        ->default_str("0x18");
+    return [name, mode](Context& context) {
+        if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
+        const bool granted = context.client().lock(fromUtf8(*name), *mode);
+        const ExitStatus status = granted ? exitYes : ifAnswered(context, exitNo);
+        if (status == exitNoAnswer) return status;
+        context.output.record({{"lock", *name},
+                               {"granted", granted},
+                               {"mode", bits(*mode)},
+                               {"words", words(*mode)}});
+        return status;
+    };
+}
+
+Run defineUnlock(CLI::App& command) {
+    return [name = argument<std::string>(command, "NAME", "The lock's name")](Context& context) {
+        context.client().unLock(fromUtf8(*name));
+        return ifAnswered(context, exitYes);
+    };
+}
+
+Run defineHolders(CLI::App& command) {
+    return [name = argument<std::string>(command, "NAME", "The lock's name")](Context& context) {
+        NySeUserPtrArray users;
+        const bool held = context.client().isLockBy(fromUtf8(*name), users);
+        const ExitStatus status = held ? exitYes : ifAnswered(context, exitNo);
+        if (status != exitNoAnswer) printUsers(context, users);
+        return status;
+    };
+}
+
+Record describe(const NySeLock& lock, const NySeSessionLock& holder,
+                const NySeUserPtrArray& users) {
+    const NySeUser* user = users.findBySessionNumber(holder.getSessionNumber());
+    return {{"lock", toUtf8(lock.getStrLockName())},
+            {"session", holder.getSessionNumber()},
+            {"user", user != nullptr ? toUtf8(user->getStrUserName()) : std::string()},
+            {"mode", bits(holder.getLockState())},
+            {"words", words(holder.getLockState())}};
+}
+
+Run defineLocks(CLI::App&) {
+    return [](Context& context) {
+        NySeLockArray locks;
+        NySeUserPtrArray users;
+        context.client().getLock(locks);
+        context.client().getAllUser(users);
+        std::vector<Record> rows;
+        for (INT_PTR i = 0; i < locks.GetSize(); ++i) {
+            const NySeSessionLockPtrArray& holders = locks[i]->getHolders();
+            for (INT_PTR j = 0; j < holders.GetSize(); ++j) {
+                rows.push_back(describe(*locks[i], *holders[j], users));
+            }
+        }
+        const ExitStatus status = rows.empty() ? ifAnswered(context, exitYes) : exitYes;
+        if (status == exitYes) {
+            context.output.table({"lock", "session", "user", "mode", "words"}, rows);
+        }
+        return status;
+    };
+}
+
+}  // namespace
+
+const std::vector<Command> kLockCommands = {
+    {"lock", "Take a lock under a share mode", "lock part/42 --mode 0x18", &defineLock},
+    {"unlock", "Release a lock", "unlock part/42", &defineUnlock},
+    {"holders", "Who holds a lock", "holders part/42", &defineHolders},
+    {"locks", "All locks with their holders", "locks", &defineLocks},
+};

@@ -1,0 +1,82 @@
+// The commands about the server itself.
+#include "apps/nyctl/CommandTools.h"
+
+namespace {
+
+Run definePing(CLI::App&) {
+    return [](Context& context) {
+        NySeClientApp& client = context.client();
+        const bool alive = client.isAlive();
+        const double version = client.getVersion();
+        if (!alive && version < 0) return noAnswer(context);
+        context.output.record({{"alive", alive},
+                               {"version", version},
+                               {"schema", static_cast<unsigned>(client.getSchemaType())}});
+        return alive ? exitYes : exitNo;
+    };
+}
+
+Run defineTime(CLI::App&) {
+    return [](Context& context) {
+        const long seconds = context.client().getCurrentTime();
+        if (seconds == 0) return noAnswer(context);
+        context.output.record({{"time", seconds}});
+        return exitYes;
+    };
+}
+
+Run defineMachine(CLI::App&) {
+    return [](Context& context) {
+        const CString identity = context.client().getMachineIdentifiant();
+        if (identity.IsEmpty()) return noAnswer(context);
+        context.output.record({{"machine", toUtf8(identity)}});
+        return exitYes;
+    };
+}
+
+Run defineInfo(CLI::App&) {
+    return [](Context& context) {
+        CStringArray report;
+        context.client().getServerInformation(report);
+        std::vector<std::string> lines;
+        for (INT_PTR i = 0; i < report.GetSize(); ++i) lines.push_back(toUtf8(report[i]));
+        const ExitStatus status = ifAnswered(context, exitYes);
+        if (status == exitYes) context.output.lines("information", lines);
+        return status;
+    };
+}
+
+Run defineVerify(CLI::App&) {
+    return [](Context& context) {
+        context.client().verifyCoherancy();
+        return ifAnswered(context, exitYes);
+    };
+}
+
+Run defineEvents(CLI::App& command) {
+    return [count = argument<int>(command, "N", "How many at the most")](Context& context) {
+        const std::string events = toUtf8(context.client().getEventListFromEventViewer(*count));
+        const ExitStatus status = events.empty() ? ifAnswered(context, exitYes) : exitYes;
+        if (status == exitYes) context.output.lines("event", Output::split(events));
+        return status;
+    };
+}
+
+Run defineShutdown(CLI::App&) {
+    return [](Context& context) {
+        context.client().shutDownServer();
+        return exitYes;
+    };
+}
+
+}  // namespace
+
+const std::vector<Command> kServerCommands = {
+    {"ping", "Whether the server is alive, its version and the schema agreed", "ping", &definePing},
+    {"time", "The server's time in seconds since 1970", "time", &defineTime},
+    {"machine", "The identity of the server's machine", "machine", &defineMachine},
+    {"info", "The server-information block", "info", &defineInfo},
+    {"verify", "Have the server check its tables", "verify", &defineVerify},
+    {"events", "The server's last events, newest first", "events 10", &defineEvents},
+    {"shutdown", "Stop the server", "shutdown", &defineShutdown},
+};

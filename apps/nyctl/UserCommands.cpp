@@ -1,0 +1,89 @@
+// The commands about users and what is sent to them.
+#include "apps/nyctl/CommandTools.h"
+#include "NyServer/records/NySeMessage.h"
+
+namespace {
+
+NySeMessage messageOf(const std::string& text) {
+    NySeMessage message;
+    message.setStrMessage(fromUtf8(text));
+    return message;
+}
+
+Run defineRegister(CLI::App&) {
+    return [](Context& context) {
+        const ExitStatus status = ensureRegistered(context);
+        if (status == exitYes) context.output.record(describe(context.session.user()));
+        return status;
+    };
+}
+
+Run defineUsers(CLI::App&) {
+    return [](Context& context) {
+        NySeUserPtrArray users;
+        context.client().getAllUser(users);
+        // An empty table may also mean that no answer came.
+        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
+        if (status == exitYes) printUsers(context, users);
+        return status;
+    };
+}
+
+Run definePort(CLI::App&) {
+    return [](Context& context) {
+        const int port = context.client().getAnotherPort();
+        if (port <= 0) return ifAnswered(context, exitNo);
+        context.output.record({{"port", port}});
+        return exitYes;
+    };
+}
+
+Run defineRename(CLI::App& command) {
+    return [name = argument<std::string>(command, "NAME", "The new name")](Context& context) {
+        if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
+        const bool taken = context.client().updateUserName(fromUtf8(*name));
+        return taken ? exitYes : ifAnswered(context, exitNo);
+    };
+}
+
+Run defineSendUser(CLI::App& command) {
+    return [name = argument<std::string>(command, "USER", "The name of who gets it"),
+            text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+        NySeUser user;
+        if (!findUser(context, *name, user)) return ifAnswered(context, exitNo);
+        NySeMessage message = messageOf(*text);
+        context.client().sendUserData(user, message);
+        return ifAnswered(context, exitYes);
+    };
+}
+
+Run defineSendAll(CLI::App& command) {
+    return [text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+        NySeMessage message = messageOf(*text);
+        context.client().sendAllUserData(message);
+        return ifAnswered(context, exitYes);
+    };
+}
+
+Run defineSendConnection(CLI::App& command) {
+    return [id = argument<int>(command, "ID", "The connection whose users get it"),
+            number = argument<int>(command, "N", "A number that goes with it"),
+            text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+        NySeMessage message = messageOf(*text);
+        context.client().sendConnectionData(*id, *number, message);
+        return ifAnswered(context, exitYes);
+    };
+}
+
+}  // namespace
+
+const std::vector<Command> kUserCommands = {
+    {"register", "Enter the user at the server and show what it gave", "register", &defineRegister},
+    {"users", "The users that the server knows", "users", &defineUsers},
+    {"port", "Another port for the user's listener", "port", &definePort},
+    {"rename", "Give the user another name", "rename Anna", &defineRename},
+    {"send-connection", "Send a text to the users of a connection",
+     "send-connection 0 1 'model saved'", &defineSendConnection},
+    {"send-user", "Send a text to one user", "send-user Bob 'are you there?'", &defineSendUser},
+    {"send-all", "Send a text to all users", "send-all 'back in five minutes'", &defineSendAll},
+};

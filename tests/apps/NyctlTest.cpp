@@ -1,0 +1,164 @@
+// With what status nyctl's commands end when the server does not do what it should.
+#include "apps/nyctl/Commands.h"
+#include "tests/client/ClientTest.h"
+
+namespace {
+
+// A server that follows a script, one step a request.
+class Nyctl : public ::testing::Test {
+  protected:
+    // Every server here agrees on the schema first; it closes behind the last step.
+    void serve(std::vector<std::pair<std::string, std::string>> steps) {
+        steps.insert(steps.begin(),
+                     {goldenWire("request-initializeSchema"), wireOf<LONG>(NySe::schema2015)});
+        m_peer = std::make_unique<peers::Peer>([steps](peers::Connection& connection) {
+            for (const auto& [request, answer] : steps) {
+                std::string received;
+                char byte;
+                while (received.size() < request.size() &&
+                       ::recv(connection.socket(), &byte, 1, 0) == 1) {
+                    received += byte;
+                }
+                connection.send(answer);
+            }
+        });
+        m_options.server = "127.0.0.1:" + std::to_string(m_peer->port());
+    }
+
+    ExitStatus run(const std::string& line) {
+        Session session(m_options);
+        const Output output(m_options);
+        ExitStatus status = exitUsage;
+        CLI::App app("", "");
+        addCommands(app, session, output, status);
+        ::testing::internal::CaptureStdout();
+        ::testing::internal::CaptureStderr();
+        app.parse(line);
+        m_printed = ::testing::internal::GetCapturedStdout();
+        m_complaint = ::testing::internal::GetCapturedStderr();
+        return status;
+    }
+
+    // The user that nyctl registers has names of this machine: only the length of the request is
+    // known.
+    std::string registerRequest() const {
+        NySeUser user;
+        const CString host = NySeClientApp().getHostName();
+        user.setStrUserName(m_options.user.c_str());
+        user.setStrHostName(host);
+        user.setStrComputerName(host);
+        user.setSchema(NySe::schema2015);
+        NySeMemFile message;
+        message.startWriteAction(NySe::actionGetPortClient, NySe::schema2015);
+        message.writeObject(user);
+        message.stopWriting();
+        return std::string(message.getLength(), 'x');
+    }
+
+    const std::string isAlive = goldenWire("request-isAlive");
+    const std::string getVersion = goldenWire("request-getVersion");
+    const std::string getAllUser = goldenWire("request-getAllUser");
+    const std::string alive = wireOf<LONG>(NySe::kAliveAnswer);
+    const std::string empty = wireOf<LONG>(0);
+
+    Options m_options{"", "Anna", false};
+    std::unique_ptr<peers::Peer> m_peer;
+    std::string m_printed;
+    std::string m_complaint;
+};
+
+TEST_F(Nyctl, PingIsYesForALivingServer) {
+    serve({{isAlive, alive}, {getVersion, wireOf(2.5)}});
+    EXPECT_EQ(exitYes, run("ping"));
+    EXPECT_EQ("alive: true\nversion: 2.5\nschema: 2015\n", m_printed);
+}
+
+TEST_F(Nyctl, PingIsNoForAServerThatAnswersSomethingElse) {
+    serve({{isAlive, wireOf<LONG>(5)}, {getVersion, wireOf(2.5)}});
+    EXPECT_EQ(exitNo, run("ping"));
+    EXPECT_EQ("alive: false\nversion: 2.5\nschema: 2015\n", m_printed);
+}
+
+TEST_F(Nyctl, NoCommandTakesAClosedConnectionForAnAnswer) {
+    for (const char* line : {"ping", "register", "users"}) {
+        serve({});
+        EXPECT_EQ(exitNoAnswer, run(line)) << line;
+        EXPECT_EQ("", m_printed) << line;
+        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_complaint) << line;
+    }
+}
+
+TEST_F(Nyctl, RegisterIsNoWhenALivingServerGivesNoPort) {
+    serve({{registerRequest(), empty}, {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("register"));
+}
+
+TEST_F(Nyctl, RegisterIsNoWhenALivingServerAnswersWithAnotherRecord) {
+    serve({{registerRequest(), goldenWire("reply-users")}, {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("register"));
+}
+
+TEST_F(Nyctl, RegisterHasNoAnswerWhenTheServerStopsHalfWay) {
+    serve({{registerRequest(), goldenWire("reply-user").substr(0, 30)}});
+    EXPECT_EQ(exitNoAnswer, run("register"));
+}
+
+TEST_F(Nyctl, UsersMayBeNoneOnALivingServer) {
+    const std::string body = goldenWire("users-empty");
+    serve({{getAllUser, wireOf(static_cast<LONG>(body.size())) + body}, {isAlive, alive}});
+    EXPECT_EQ(exitYes, run("users"));
+}
+
+TEST_F(Nyctl, UsersAreListedOneARow) {
+    serve({{getAllUser, goldenWire("reply-users")}});
+    EXPECT_EQ(exitYes, run("users"));
+    EXPECT_EQ(
+        "user  session  port   host   computer  schema  soft_type\n"
+        "Anna  7        40123  ws-01  WS-01     2015    3\n"
+        "bob   8        40124  ws-01  WS-01     2015    3\n",
+        m_printed);
+}
+
+TEST_F(Nyctl, UsersAreListedOneAnObject) {
+    m_options.json = true;
+    serve({{getAllUser, goldenWire("reply-users")}});
+    EXPECT_EQ(exitYes, run("users"));
+    EXPECT_EQ(
+        "{\"user\":\"Anna\",\"session\":7,\"port\":40123,\"host\":\"ws-01\",\"computer\":\"WS-01\","
+        "\"schema\":2015,\"soft_type\":3}\n"
+        "{\"user\":\"bob\",\"session\":8,\"port\":40124,\"host\":\"ws-01\",\"computer\":\"WS-01\","
+        "\"schema\":2015,\"soft_type\":3}\n",
+        m_printed);
+}
+
+TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
+    NySeUserPtrArray users;
+    users.append(new NySeUser);
+    users[0]->setStrUserName(_T("a\x1b[2Jb\nc"));
+    NySeMemFile message;
+    message.startWrite(NySe::schema2015);
+    message.writeObject(users);
+    message.stopWriting();
+    serve({{getAllUser,
+            std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength())}});
+    EXPECT_EQ(exitYes, run("users"));
+    EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+}
+
+TEST(NyctlServerAddress, IsHostAndPort) {
+    for (const char* good : {"127.0.0.1:1", "host:65535", "a:b:80"})
+        EXPECT_TRUE(isServerAddress(good)) << good;
+    for (const char* bad :
+         {"", "host", ":80", "host:", "host:0", "host:65536", "host:8x", "host:-1"}) {
+        EXPECT_FALSE(isServerAddress(bad)) << bad;
+    }
+}
+
+// Waits for the schema's answer as long as the library does.
+TEST_F(Nyctl, ASilentServerIsNoAnswer) {
+    const peers::Peer silent(peers::silent());
+    m_options.server = "127.0.0.1:" + std::to_string(silent.port());
+    EXPECT_EQ(exitNoAnswer, run("ping"));
+}
+
+}  // namespace

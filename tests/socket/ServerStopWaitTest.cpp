@@ -1,0 +1,74 @@
+// How long StopAccept waits for a peer's judge. The bound is wide above, for a busy machine.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <semaphore>
+
+#include "tests/socket/ProbeServer.h"
+#include "tests/support/Threads.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+
+class StopWait : public testing::Test {
+  protected:
+    void SetUp() override {
+        m_threadsBefore = countThreads();
+        m_server.onJudge = [this] {
+            m_isJudging = true;
+            static_cast<void>(m_verdict.try_acquire_for(90s));
+            m_isJudging = false;
+        };
+        ASSERT_TRUE(m_server.start());
+        m_port = m_server.GetPort();
+        m_server.codes.clear();
+    }
+    void TearDown() override { m_verdict.release(); }
+
+    peers::Connection connectionBeingJudged() {
+        peers::Connection peer = m_server.connection();
+        EXPECT_TRUE(eventually([this] { return m_isJudging.load(); }));
+        return peer;
+    }
+    template <class Action>
+    void expectThirtySeconds(Action action) {
+        const auto start = std::chrono::steady_clock::now();
+        action();
+        const auto time = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(time, 29900ms);
+        EXPECT_LT(time, 45s);
+        EXPECT_TRUE(m_isJudging);
+    }
+    void expectNoThreadLeft() {
+        EXPECT_TRUE(eventually([this] { return countThreads() <= m_threadsBefore; }))
+            << countThreads() << " threads, " << m_threadsBefore << " before";
+    }
+
+    peers::WinsockSession m_winsock;
+    std::counting_semaphore<2> m_verdict{0};
+    std::atomic<bool> m_isJudging = false;
+    ProbeServer m_server;
+    unsigned int m_port = 0;
+    int m_threadsBefore = 0;
+};
+
+TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
+    peers::Connection peer = connectionBeingJudged();
+    peer.send("hi\r\n");
+    expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
+    EXPECT_THAT(m_server.codes, ElementsAre(0)) << "it could be woken: no force is used";
+    EXPECT_FALSE(peers::connectTo(m_port));
+
+    m_verdict.release();
+    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+    expectNoThreadLeft();
+    EXPECT_EQ(m_server.GetNumConnections(), 0);
+    m_server.onJudge = [] {};
+    EXPECT_TRUE(m_server.start()) << "and it can start again";
+    EXPECT_TRUE(peers::connectTo(m_server.GetPort()));
+}
+
+}  // namespace
