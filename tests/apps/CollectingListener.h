@@ -15,18 +15,35 @@ class CollectingListener {
         return m_received;
     }
 
-    // What has come once it is `count` bytes or more; waits for it at most peers::kPatience.
+    // What has come once it is `count` bytes or more; waits for it until nothing has come for
+    // peers::kPatience.
     std::string waitFor(size_t count) {
-        const auto deadline = std::chrono::steady_clock::now() + peers::kPatience;
-        while (received().size() < count && std::chrono::steady_clock::now() < deadline) ::Sleep(5);
+        using Clock = std::chrono::steady_clock;
+        size_t seen = 0;
+        for (auto last = Clock::now(); Clock::now() < last + peers::kPatience; ::Sleep(5)) {
+            const size_t now = size();
+            if (now >= count) break;
+            if (now > seen) last = Clock::now();
+            seen = now;
+        }
         return received();
     }
 
   private:
+    static constexpr int kPiece = 256 * 1024;
+
+    size_t size() {
+        const std::lock_guard guard(m_lock);
+        return m_received.size();
+    }
+
+    // The server closes the connection before this goes.
     void collect(peers::Connection& connection) {
-        for (std::string piece; !(piece = connection.receive()).empty();) {
+        std::string piece(kPiece, 0);
+        int count;
+        while ((count = ::recv(connection.socket(), piece.data(), kPiece, 0)) > 0) {
             const std::lock_guard guard(m_lock);
-            m_received += piece;
+            m_received.append(piece, 0, static_cast<size_t>(count));
         }
     }
 
