@@ -35,9 +35,11 @@ std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG s
     NySeUser completed(user);
     completed.setSessionNumber(session);
     completed.setPort(known->ports.back());
-    removeUser(session);
-    m_users.add(new NySeUser(completed));
+    // First what may fail: nobody is to hear of the leaving of a user who has not joined.
+    auto entered = std::make_unique<NySeUser>(completed);
     listenTo(session, *known);
+    removeUser(session);
+    m_users.add(entered.release());
     announce(notifyUserJoined, completed, session);
     return completed;
 }
@@ -59,8 +61,8 @@ LONG CentralTables::anotherPort(LONG session) {
     if (known == nullptr || known->ports.size() == kPortsPerSession || takePort(*known) == 0)
         return -1;
     if (NySeUser* user = m_users.findBySessionNumber(session)) {
-        user->setPort(known->ports.back());
         listenTo(session, *known);
+        user->setPort(known->ports.back());
     }
     return known->ports.back();
 }

@@ -4,6 +4,7 @@
 
 #include "apps/central/FrameReader.h"
 #include "apps/central/Requests.h"
+#include "apps/central/WaitWritable.h"
 
 namespace {
 
@@ -12,6 +13,9 @@ constexpr LONG kLongestPayload = 16 * 1024 * 1024;
 
 // A client whose connection stays idle is looked after this often, in steps of 100 ms.
 constexpr int kIdleStepsBetweenChecks = 50;
+
+// A client that takes no byte of its answer for so many steps of 100 ms is given up.
+constexpr int kAnswerPatienceSteps = 300;
 
 }  // namespace
 
@@ -73,9 +77,28 @@ bool CentralWorker::answer(Frame& frame) {
     return sendWhole(reply.bytes());
 }
 
-// A client that does not take its answer within the time-out of sends is given up: behind a part of
-// an answer nothing could be understood.
+// A client that does not take its answer is given up: behind a part of an answer nothing could be
+// understood.
 bool CentralWorker::sendWhole(const std::string& bytes) {
-    const int length = static_cast<int>(bytes.size());
-    return length == 0 || Send(bytes.data(), length, 0) == length;
+    if (bytes.empty()) return true;
+    SetBlockingMode(1);
+    const bool isSent = sendInSteps(bytes);
+    SetBlockingMode(0);
+    return isSent;
+}
+
+// A blocking send could hold up the server's end for as long as its time-out.
+bool CentralWorker::sendInSteps(const std::string& bytes) {
+    size_t sent = 0;
+    for (int stepsInVain = 0; sent < bytes.size() && stepsInVain < kAnswerPatienceSteps;) {
+        const int count = Send(bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
+        if (count > 0) {
+            sent += static_cast<size_t>(count);
+            stepsInVain = 0;
+            continue;
+        }
+        if (::WSAGetLastError() != WSAEWOULDBLOCK || isShuttingDown()) break;
+        if (waitWritable(m_socket) != Readiness::ready) ++stepsInVain;
+    }
+    return sent == bytes.size();
 }

@@ -27,6 +27,7 @@ class CentralWorker : public CUT_WSThread {
     void noticeDeadPeers();
 
     bool sendWhole(const std::string& bytes);
+    bool sendInSteps(const std::string& bytes);
 
     CentralServer& m_server;
     LONG m_session = 0;

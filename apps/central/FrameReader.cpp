@@ -15,6 +15,7 @@ bool isBare(LONG action) {
 
 FrameReader::Result FrameReader::read(Frame& frame) {
     if (m_worker.WaitForReceive(0, kStepMicroseconds) != 0) return Result::idle;
+    m_end = std::chrono::steady_clock::now() + m_worker.framePatience();
     frame.payload.SetLength(0);
     if (!receiveAll(&frame.action, sizeof frame.action)) return Result::closed;
     return isBare(frame.action) ? Result::request : readPayload(frame);
@@ -41,8 +42,7 @@ bool FrameReader::receiveAll(void* bytes, int count) {
 }
 
 int FrameReader::receiveSome(char* buffer, int count) {
-    const auto end = std::chrono::steady_clock::now() + m_worker.framePatience();
-    while (std::chrono::steady_clock::now() < end && !m_worker.isShuttingDown()) {
+    while (std::chrono::steady_clock::now() < m_end && !m_worker.isShuttingDown()) {
         if (m_worker.WaitForReceive(0, kStepMicroseconds) == 0) {
             return m_worker.Receive(buffer, count, 0);
         }

@@ -1,7 +1,7 @@
 // FrameReader: one request after the other from a connection.
 #pragma once
 
-#include <optional>
+#include <chrono>
 
 #include "NyServer/framing/NySeMemFile.h"
 
@@ -24,9 +24,9 @@ class FrameReader {
         : m_worker(worker), m_longestPayload(longestPayload) {}
 
     // request: `frame` holds one. idle: nothing came within 100 ms. closed: the peer has gone or
-    // sent nothing for the worker's framePatience() in mid-frame, or the server shuts down. absurd:
-    // the announced length in announcedLength() is not to be believed; the stream cannot be read
-    // on.
+    // took longer than the worker's framePatience() over one request, or the server shuts down.
+    // absurd: the announced length in announcedLength() is not to be believed; the stream cannot be
+    // read on.
     Result read(Frame& frame);
     LONG announcedLength() const { return m_announcedLength; }
 
@@ -38,4 +38,5 @@ class FrameReader {
     CentralWorker& m_worker;
     const LONG m_longestPayload;
     LONG m_announcedLength = 0;
+    std::chrono::steady_clock::time_point m_end;  // of the patience with the present request
 };

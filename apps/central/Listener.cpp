@@ -5,11 +5,12 @@
 #include "NyServer/framing/NySeReply.h"
 
 Listener::Listener(LONG session, const sockaddr_in& address, const PushLimits& limits,
-                   EventLog& events)
+                   EventLog& events, std::atomic<size_t>& droppedByAll)
     : m_session(session),
       m_address(address),
       m_limits(limits),
       m_events(events),
+      m_droppedByAll(droppedByAll),
       m_link(address),
       m_thread([this] { run(); }) {}
 
@@ -18,18 +19,15 @@ Listener::~Listener() {
     m_thread.join();
 }
 
-bool Listener::push(NotificationBytes notification) {
+void Listener::push(NotificationBytes notification) {
     const std::lock_guard guard(m_lock);
     const size_t size = notification->size();
     if (m_isGivenUp || m_isEnding || m_queue.size() >= m_limits.queuedNotifications ||
-        m_queuedBytes + size > m_limits.queuedBytes) {
-        ++m_dropped;
-        return false;
-    }
-    m_queuedBytes += size;
+        m_queuedBytes + size > m_limits.queuedBytes)
+        return countDropped(1);
     m_queue.push_back(std::move(notification));
+    m_queuedBytes += size;
     m_changed.notify_one();
-    return true;
 }
 
 bool Listener::serves(const sockaddr_in& address) {
@@ -41,21 +39,20 @@ bool Listener::serves(const sockaddr_in& address) {
 void Listener::end() {
     const std::lock_guard guard(m_lock);
     m_isEnding = true;
+    dropQueue();
     m_changed.notify_one();
 }
 
+// It goes on after it has given up, with a queue that stays empty: what is dropped until the end is
+// told then.
 void Listener::run() {
-    NySe::succeeds([this] { sendAll(); });
-    m_hasEnded = true;
-}
-
-void Listener::sendAll() {
     while (const NotificationBytes notification = next()) {
-        const std::string failure = deliver(*notification);
-        if (m_isEnding) return;
-        if (!failure.empty()) return giveUp(failure);
-        tellFirstDrop();
+        const char* failure = "cannot be served";  // for want of memory
+        NySe::succeeds([&] { failure = deliver(*notification); });
+        NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure); });
     }
+    NySe::succeeds([this] { tellTotal(); });
+    m_hasEnded = true;
 }
 
 NotificationBytes Listener::next() {
@@ -68,21 +65,36 @@ NotificationBytes Listener::next() {
     return first;
 }
 
-std::string Listener::deliver(const std::string& bytes) {
-    if (!m_link.open(Patience(m_limits.connectPatience, m_isEnding))) return "cannot be reached";
-    if (!m_link.send(bytes, Patience(m_limits.sendPatience, m_isEnding)))
-        return "does not take its notifications";
-    return {};
+const char* Listener::deliver(const std::string& bytes) {
+    switch (send(bytes)) {
+        case ListenerLink::Outcome::done:
+            return nullptr;
+        case ListenerLink::Outcome::unreachable:
+            return "cannot be reached";
+        default:
+            return "does not take its notifications";
+    }
 }
 
-void Listener::giveUp(const std::string& reason) {
+ListenerLink::Outcome Listener::send(const std::string& bytes) {
+    auto outcome = ListenerLink::Outcome::lost;
+    for (int attempt = 0; attempt < 2 && outcome == ListenerLink::Outcome::lost; ++attempt) {
+        if (!m_link.open(Patience(m_limits.connectPatience, m_isEnding)))
+            return ListenerLink::Outcome::unreachable;
+        outcome = m_link.send(bytes, Patience(m_limits.sendPatience, m_isEnding));
+    }
+    return outcome;
+}
+
+void Listener::giveUp(const char* reason) {
     size_t dropped;
     {
         const std::lock_guard guard(m_lock);
         m_isGivenUp = true;
-        dropped = m_dropped += m_queue.size() + 1;  // and the one in hand
-        m_queue.clear();
-        m_queuedBytes = 0;
+        countDropped(1);
+        dropQueue();
+        if (m_isEnding) return;
+        dropped = m_toldDropped = m_dropped;
     }
     m_events.warn(name() + ' ' + reason + ": given up, " + std::to_string(dropped) +
                   " notifications dropped");
@@ -92,12 +104,33 @@ void Listener::tellFirstDrop() {
     size_t dropped;
     {
         const std::lock_guard guard(m_lock);
-        if (m_dropped == 0 || m_isDropTold) return;
-        m_isDropTold = true;
-        dropped = m_dropped;
+        if (m_dropped == 0 || m_toldDropped != 0 || m_isEnding) return;
+        dropped = m_toldDropped = m_dropped;
     }
     m_events.warn(name() + " is too slow: " + std::to_string(dropped) +
                   " notifications dropped so far");
+}
+
+void Listener::tellTotal() {
+    size_t dropped;
+    {
+        const std::lock_guard guard(m_lock);
+        if (m_dropped == m_toldDropped) return;
+        dropped = m_toldDropped = m_dropped;
+    }
+    m_events.warn(name() + " has ended: " + std::to_string(dropped) +
+                  " notifications dropped in all");
+}
+
+void Listener::countDropped(size_t count) {
+    m_dropped += count;
+    m_droppedByAll += count;
+}
+
+void Listener::dropQueue() {
+    countDropped(m_queue.size());
+    m_queue.clear();
+    m_queuedBytes = 0;
 }
 
 std::string Listener::name() const {

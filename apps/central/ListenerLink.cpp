@@ -1,28 +1,12 @@
 #include "apps/central/ListenerLink.h"
 
-#include <algorithm>
+#include <array>
+
+#include "apps/central/WaitWritable.h"
 
 namespace {
 
-constexpr timeval kStep{0, 100'000};
 constexpr DWORD kPauseBetweenConnectsMs = 200;
-
-fd_set only(SOCKET socket) {
-    fd_set set{};
-    FD_SET(socket, &set);
-    return set;
-}
-
-enum class Readiness { notYet, ready, failed };
-
-// Whether the socket takes bytes, or a connect has ended one way or the other.
-Readiness waitWritable(SOCKET socket, timeval wait) {
-    fd_set writable = only(socket);
-    fd_set failed = only(socket);
-    if (::select(0, nullptr, &writable, &failed, &wait) == SOCKET_ERROR || failed.fd_count > 0)
-        return Readiness::failed;
-    return writable.fd_count > 0 ? Readiness::ready : Readiness::notYet;
-}
 
 UniqueSocket makeSocket() {
     UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
@@ -56,31 +40,45 @@ bool ListenerLink::connectOnce(const Patience& patience) {
     if (::connect(socket.get(), address, sizeof m_address) != 0 && !isWouldBlock()) return false;
     Readiness readiness = Readiness::notYet;
     while (readiness == Readiness::notYet && !patience.isOver())
-        readiness = waitWritable(socket.get(), kStep);
+        readiness = waitWritable(socket.get());
     if (readiness != Readiness::ready) return false;
     m_socket = std::move(socket);
     return true;
 }
 
-// A listener sends nothing unless it is asked: what makes the socket readable is its end.
+// What a listener says is not asked for, and dropped. What more there is than a few reads waits
+// until the next time.
 bool ListenerLink::hasBeenClosed() const {
-    fd_set readable = only(m_socket.get());
-    timeval noWait{0, 0};
-    return ::select(0, &readable, nullptr, nullptr, &noWait) != 0;
+    std::array<char, 4096> unasked;
+    for (int reads = 0; reads < 16; ++reads) {
+        const int count =
+            ::recv(m_socket.get(), unasked.data(), static_cast<int>(unasked.size()), 0);
+        if (count < 1) return count == 0 || !isWouldBlock();
+    }
+    return false;
 }
 
-bool ListenerLink::send(const std::string& bytes, const Patience& patience) {
+ListenerLink::Outcome ListenerLink::send(const std::string& bytes, Patience patience) {
+    const Outcome outcome = sendAll(bytes, patience);
+    if (outcome != Outcome::done) m_socket.reset();
+    return outcome;
+}
+
+ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& patience) {
     size_t sent = 0;
     while (sent < bytes.size()) {
         const int count =
             ::send(m_socket.get(), bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
         if (count > 0) {
             sent += static_cast<size_t>(count);
-        } else if (!isWouldBlock() || patience.isOver() ||
-                   waitWritable(m_socket.get(), kStep) == Readiness::failed) {
-            m_socket.reset();
-            return false;
+            patience.startAgain();
+        } else if (!isWouldBlock()) {
+            return Outcome::lost;
+        } else if (patience.isOver()) {
+            return Outcome::tooSlow;
+        } else if (waitWritable(m_socket.get()) == Readiness::failed) {
+            return Outcome::lost;
         }
     }
-    return true;
+    return Outcome::done;
 }

@@ -10,6 +10,6 @@ struct PushLimits {
     std::size_t queuedBytes = 32 * 1024 * 1024;
     // Users register first and start their listener on the port that they get.
     std::chrono::milliseconds connectPatience{10'000};
-    // For a whole notification.
+    // Without a byte taken. One that pauses now and then is slow, but not lost.
     std::chrono::milliseconds sendPatience{5'000};
 };

@@ -14,7 +14,8 @@ void Pusher::listen(LONG session, const sockaddr_in& address) {
     if (present != m_listeners.end() && present->second->serves(address)) return;
     retire(session);
     joinEnded();
-    m_listeners[session] = std::make_unique<Listener>(session, address, m_limits, m_events);
+    m_listeners[session] =
+        std::make_unique<Listener>(session, address, m_limits, m_events, m_dropped);
 }
 
 void Pusher::forget(LONG session) {
@@ -27,7 +28,7 @@ void Pusher::notify(const std::vector<LONG>& sessions, NotificationBytes notific
     const std::lock_guard guard(m_lock);
     for (const LONG session : sessions) {
         const auto found = m_listeners.find(session);
-        if (found != m_listeners.end() && !found->second->push(notification)) ++m_dropped;
+        if (found != m_listeners.end()) found->second->push(notification);
     }
 }
 

@@ -21,7 +21,8 @@ class Pusher : public Notifier {
     void forget(LONG session) override;
     void notify(const std::vector<LONG>& sessions, NotificationBytes notification) override;
 
-    // The notifications that found a queue full or its listener given up.
+    // The notifications that were not delivered, for whatever reason, to a listener that was
+    // wanted when they came.
     size_t dropped() const { return m_dropped; }
 
   private:

@@ -10,7 +10,7 @@ bool requests::isAlive(const Request& request) {
 bool requests::initializeSchema(const Request& request) {
     LONG asked = 0;
     if (!readPayload(request.payload, asked)) return false;
-    request.reply.scalar(std::min<LONG>(asked, NySe::schema2015));
+    request.reply.scalar(std::clamp<LONG>(asked, 0, NySe::schema2015));
     return true;
 }
 

@@ -1,15 +1,10 @@
 #include <memory>
 
 #include "apps/central/Requests.h"
+#include "apps/central/UserReading.h"
 #include "apps/common/Utf8.h"
 
 namespace {
-
-// The user at the start of the payload, which is left behind it; null when there is none.
-std::unique_ptr<NySeUser> readUser(CMemFile& payload) {
-    return std::unique_ptr<NySeUser>(
-        static_cast<NySeUser*>(NySe::readReplyObject(payload, RUNTIME_CLASS(NySeUser))));
-}
 
 void note(const Request& request, const std::string& what, const CString& name) {
     request.server.events().add("session " + std::to_string(request.session) + what + toUtf8(name));

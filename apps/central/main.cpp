@@ -55,6 +55,8 @@ int serve(const Options& options) {
     std::fflush(stdout);
     ::WaitForSingleObject(stopRequested, INFINITE);
     std::printf("stopping\n");
+    if (const size_t dropped = server.pusher().dropped(); dropped != 0)
+        std::printf("%zu notifications dropped\n", dropped);
     return 0;
 }
 

@@ -56,6 +56,17 @@ TEST_F(CentralLeaving, BySilenceInTheMiddleOfARequest) {
     expectAllLetGo();
 }
 
+TEST_F(CentralLeaving, ByARequestThatComesTooSlowly) {
+    send(leaver, wireOf<LONG>(11) + wireOf<LONG>(100));
+    for (int i = 0; i < 6; ++i) {
+        ::Sleep(200);  // shorter than the patience
+        const char byte = 'x';
+        ::send(leaverSocket(), &byte, 1, 0);
+    }
+    EXPECT_TRUE(userNames(client).empty());
+    expectAllLetGo();
+}
+
 TEST_F(CentralLeaving, ByARequestThatCannotBeBelieved) {
     ::testing::internal::CaptureStderr();
     send(leaver, wireOf<LONG>(11) + wireOf<LONG>(-5));

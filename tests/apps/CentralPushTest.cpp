@@ -146,6 +146,18 @@ TEST_F(CentralPush, UserDataReachesTheNamedSessionWhateverTheName) {
     expectTold();
 }
 
+TEST_F(CentralPush, UserDataGoesOnWholeWhateverTheSchemaOfTheNamedUser) {
+    NySeMessage saved = message("saved");
+    NySeUser alias = carl;
+    for (const LONG schema : {-1, 0, 2014, 2015, 2016}) {
+        alias.setSchema(schema);
+        client.sendUserData(alias, saved);
+        toCarl += notification(57, goldenWire("message-plain"));
+    }
+    client.isAlive();
+    expectTold();
+}
+
 TEST_F(CentralPush, AnObjectGoesOnAsItCame) {
     const std::string object("\x01no object at all\0\xFF", 19);
     send(client, request(74, object));

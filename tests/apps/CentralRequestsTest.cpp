@@ -74,6 +74,34 @@ TEST_F(CentralRequests, ConnectionsAreOpenedListedAndClosed) {
     EXPECT_EQ(Names{}, openers(7));
 }
 
+TEST_F(CentralRequests, AUserOfAnOlderSchemaRegistersWithoutItsSoftType) {
+    NySeClientApp older;
+    connect(older);
+    NySeUser zoe;
+    zoe.setStrUserName("Zoe");
+    zoe.setSoftType(7);
+    EXPECT_GT(older.getPortClient(zoe), 0);
+    EXPECT_EQ(0, zoe.getSoftType());
+    EXPECT_EQ((Names{"Anna", "Bob", "Zoe"}), userNames(other));
+}
+
+TEST_F(CentralRequests, AUserOfTheCurrentSchemaRegistersWithItsSoftType) {
+    m_anna.setSoftType(7);
+    EXPECT_GT(client.getPortClient(m_anna), 0);
+    NySeUserPtrArray users;
+    other.getAllUser(users);
+    EXPECT_EQ(7, users.findByUserName("Anna")->getSoftType());
+}
+
+TEST_F(CentralRequests, TheSchemaGrantedIsAtLeast0AndAtMostTheCurrentOne) {
+    const std::pair<LONG, LONG> grants[] = {{-5, 0},      {0, 0},       {1, 1},
+                                            {2014, 2014}, {2015, 2015}, {2016, 2015}};
+    for (const auto& [asked, granted] : grants) {
+        send(client, request(97, wireOf(asked)));
+        EXPECT_EQ(granted, receive<LONG>(client)) << asked;
+    }
+}
+
 TEST_F(CentralRequests, AUserTakesAnotherPort) {
     const int another = client.getAnotherPort();
     EXPECT_GT(another, 0);

@@ -1,4 +1,6 @@
 // Sessions, users and ports.
+#include <stdexcept>
+
 #include "tests/apps/TablesTest.h"
 
 namespace {
@@ -52,6 +54,36 @@ TEST_F(CentralTablesUsers, ThereIsNoUserWithoutAPort) {
     EXPECT_EQ(3, tables.users().GetSize());
     EXPECT_EQ(-1, tables.anotherPort(late));
     EXPECT_TRUE(notifier.told.empty());
+}
+
+NySeUser userNamed(const char* name) {
+    NySeUser user;
+    user.setStrUserName(name);
+    return user;
+}
+
+// No thread can be started for another listener.
+class RefusingNotifier : public RecordingNotifier {
+  public:
+    void listen(LONG session, const sockaddr_in& address) override {
+        if (isRefusing) throw std::runtime_error("no thread");
+        RecordingNotifier::listen(session, address);
+    }
+    bool isRefusing = false;
+};
+
+TEST(CentralTablesWithoutThreads, AUserWhoCouldNotJoinIsNotEnteredAndDoesNotLeave) {
+    RefusingNotifier notifier;
+    CentralTables tables({101, 102}, notifier);
+    tables.registerUser(userNamed("Anna"), tables.beginSession(0));
+    notifier.isRefusing = true;
+    const LONG late = tables.beginSession(0);
+    EXPECT_THROW(tables.registerUser(userNamed("Bob"), late), std::runtime_error);
+    EXPECT_EQ(1, tables.users().GetSize());
+    tables.endSession(late);
+    EXPECT_TRUE(notifier.told.empty());
+    notifier.isRefusing = false;
+    EXPECT_EQ(102, tables.registerUser(userNamed("Carl"), tables.beginSession(0))->getPort());
 }
 
 TEST_F(CentralTablesUsers, AnotherPortReplacesThatOfTheUser) {

@@ -1,0 +1,124 @@
+// What listeners lose is counted and told; what they do not lose reaches them.
+#include "tests/apps/CollectingListener.h"
+
+#include <gtest/gtest.h>
+
+#include "apps/central/Pusher.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+
+class CentralDrops : public ::testing::Test {
+  protected:
+    void listen(unsigned int port) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+        address.sin_port = ::htons(static_cast<unsigned short>(port));
+        if (!pusher) pusher = std::make_unique<Pusher>(limits, events);
+        pusher->listen(1, address);
+    }
+    void tell(const std::string& text) {
+        pusher->notify({1}, std::make_shared<const std::string>(text));
+    }
+
+    bool isTold(const std::string& text) {
+        for (int i = 0; i < 200 && events.newest(100).find(text) == std::string::npos; ++i)
+            ::Sleep(20);
+        return events.newest(100).find(text) != std::string::npos;
+    }
+
+    const peers::WinsockSession winsock;
+    const peers::RefusingPort nobody;
+    PushLimits limits;
+    EventLog events;
+    std::unique_ptr<Pusher> pusher;
+};
+
+TEST_F(CentralDrops, TheQueueOfASessionThatEndsIsCountedAndTold) {
+    listen(nobody.port());
+    for (int i = 0; i < 3; ++i) tell("x");
+    pusher->forget(1);
+    EXPECT_TRUE(isTold("has ended: 3 notifications dropped in all"));
+    EXPECT_EQ(3u, pusher->dropped());
+}
+
+TEST_F(CentralDrops, TheQueueForAnotherPortIsCountedAndTold) {
+    CollectingListener other;
+    listen(nobody.port());
+    for (int i = 0; i < 3; ++i) tell("x");
+    listen(static_cast<unsigned int>(other.port()));
+    EXPECT_TRUE(isTold("has ended: 3 notifications dropped in all"));
+    tell("y");
+    EXPECT_EQ("y", other.waitFor(1));
+    EXPECT_EQ(3u, pusher->dropped());
+    pusher.reset();
+}
+
+TEST_F(CentralDrops, WhatIsDroppedAfterAListenerWasGivenUpIsToldAtItsEnd) {
+    limits.connectPatience = milliseconds(50);
+    listen(nobody.port());
+    tell("x");
+    EXPECT_TRUE(isTold("given up, 1 notifications dropped"));
+    tell("y");
+    EXPECT_EQ(2u, pusher->dropped());
+    pusher.reset();
+    EXPECT_TRUE(isTold("has ended: 2 notifications dropped in all"));
+}
+
+TEST_F(CentralDrops, AListenerThatLostNothingEndsWithoutAWord) {
+    CollectingListener listener;
+    listen(static_cast<unsigned int>(listener.port()));
+    tell("x");
+    EXPECT_EQ("x", listener.waitFor(1));
+    pusher.reset();
+    EXPECT_EQ("", events.newest(100));
+}
+
+TEST_F(CentralDrops, OneThatPausesButStillTakesBytesIsNotLost) {
+    constexpr size_t kBytes = 24 * 1024 * 1024;
+    limits.sendPatience = milliseconds(1'000);
+    std::atomic<size_t> received = 0;
+    peers::Peer pausing([&](peers::Connection& connection) {
+        // Pauses for longer than the patience in all, and each time for less.
+        for (size_t next = 0; received < kBytes;) {
+            if (received >= next) {
+                ::Sleep(400);
+                next += kBytes / 6;
+            }
+            const std::string piece = connection.receive();
+            if (piece.empty()) return;
+            received += piece.size();
+        }
+    });
+    listen(pausing.port());
+    tell(std::string(kBytes, 'x'));
+    for (int i = 0; i < 500 && received < kBytes; ++i) ::Sleep(20);
+    EXPECT_EQ(kBytes, received);
+    EXPECT_EQ(0u, pusher->dropped());
+    pusher.reset();
+}
+
+TEST_F(CentralDrops, WhatAListenerSaysIsDroppedAndItsConnectionKept) {
+    std::atomic<int> connections = 0;
+    std::atomic<int> pieces = 0;
+    peers::Peer answering([&](peers::Connection& connection) {
+        ++connections;
+        while (!connection.receive().empty()) {
+            connection.send("thank you");
+            ++pieces;
+        }
+    });
+    listen(answering.port());
+    for (int i = 1; i <= 3; ++i) {
+        tell("x");
+        for (int step = 0; step < 200 && pieces < i; ++step) ::Sleep(20);
+        ::Sleep(50);  // the answer is there
+    }
+    EXPECT_EQ(3, pieces);
+    EXPECT_EQ(1, connections);
+    pusher.reset();
+}
+
+}  // namespace
