@@ -100,6 +100,29 @@ TEST_F(CentralDrops, OneThatPausesButStillTakesBytesIsNotLost) {
     pusher.reset();
 }
 
+TEST_F(CentralDrops, OneThatResetsItsConnectionInTheMiddleGetsTheWholeOnANewOne) {
+    constexpr size_t kBytes = 24 * 1024 * 1024;
+    std::atomic<int> connections = 0;
+    std::atomic<size_t> received = 0;
+    peers::Peer resettingOnce([&](peers::Connection& connection) {
+        if (++connections == 1) {
+            const linger none{1, 0};
+            ::setsockopt(connection.socket(), SOL_SOCKET, SO_LINGER,
+                         reinterpret_cast<const char*>(&none), sizeof none);
+            connection.receive();
+            return connection.close();
+        }
+        for (std::string piece; !(piece = connection.receive()).empty();) received += piece.size();
+    });
+    listen(resettingOnce.port());
+    tell(std::string(kBytes, 'x'));
+    for (int i = 0; i < 250 && received < kBytes; ++i) ::Sleep(20);
+    EXPECT_EQ(kBytes, received);
+    EXPECT_EQ(2, connections);
+    EXPECT_EQ(0u, pusher->dropped());
+    pusher.reset();
+}
+
 TEST_F(CentralDrops, WhatAListenerSaysIsDroppedAndItsConnectionKept) {
     std::atomic<int> connections = 0;
     std::atomic<int> pieces = 0;
