@@ -11,7 +11,7 @@ void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
     entry->setSessionNumber(user.getSessionNumber());
     entry->setLockState(mode);
     lock.getHolders().add(entry.get());
-    entry.release();
+    static_cast<void>(entry.release());
 }
 
 }  // namespace
@@ -38,7 +38,7 @@ INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsign
     lock->setStrLockName(name);
     grant(*lock, user, mode);
     const INT_PTR last = append(lock.get());
-    lock.release();
+    static_cast<void>(lock.release());
     return last;
 }
 

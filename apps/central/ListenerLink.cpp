@@ -72,13 +72,11 @@ ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& 
         if (count > 0) {
             sent += static_cast<size_t>(count);
             patience.startAgain();
-        } else if (!isWouldBlock()) {
-            return Outcome::lost;
-        } else if (patience.isOver()) {
-            return Outcome::tooSlow;
-        } else if (waitWritable(m_socket.get()) == Readiness::failed) {
-            return Outcome::lost;
+            continue;
         }
+        if (!isWouldBlock()) return Outcome::lost;
+        if (patience.isOver()) return Outcome::tooSlow;
+        if (waitWritable(m_socket.get()) == Readiness::failed) return Outcome::lost;
     }
     return Outcome::done;
 }

@@ -7,7 +7,7 @@
 struct PushLimits {
     // What is queued at most. A notification that finds no room is dropped.
     std::size_t queuedNotifications = 10'000;
-    std::size_t queuedBytes = 32 * 1024 * 1024;
+    std::size_t queuedBytes = std::size_t{32} * 1024 * 1024;
     // Users register first and start their listener on the port that they get.
     std::chrono::milliseconds connectPatience{10'000};
     // Without a byte taken. One that pauses now and then is slow, but not lost.

@@ -186,7 +186,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
             } else {
                 append(element.get());
             }
-            element.release();
+            static_cast<void>(element.release());
         }
     }
 
