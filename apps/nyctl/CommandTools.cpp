@@ -31,23 +31,10 @@ void printUsers(Context& context, const NySeUserPtrArray& users) {
                          rows);
 }
 
-namespace {
-
-bool copyFound(const NySeUser* found, NySeUser& user) {
-    if (found != nullptr) user = *found;
-    return found != nullptr;
-}
-
-}  // namespace
-
-bool findUser(Context& context, long sessionNumber, NySeUser& user) {
-    NySeUserPtrArray users;
-    context.client().getAllUser(users);
-    return copyFound(users.findBySessionNumber(sessionNumber), user);
-}
-
 bool findUser(Context& context, const std::string& name, NySeUser& user) {
     NySeUserPtrArray users;
     context.client().getAllUser(users);
-    return copyFound(users.findByUserName(fromUtf8(name)), user);
+    const NySeUser* const found = users.findByUserName(fromUtf8(name));
+    if (found != nullptr) user = *found;
+    return found != nullptr;
 }

@@ -54,6 +54,5 @@ ExitStatus ensureRegistered(Context& context);
 Record describe(const NySeUser& user);
 void printUsers(Context& context, const NySeUserPtrArray& users);
 
-// The server's user of that session or name, copied into `user`. False when there is none.
-bool findUser(Context& context, long sessionNumber, NySeUser& user);
+// The server's user of that name, copied into `user`. False when there is none.
 bool findUser(Context& context, const std::string& name, NySeUser& user);
