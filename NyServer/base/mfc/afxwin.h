@@ -1,0 +1,6 @@
+// Windows.
+#pragma once
+
+#include "afx.h"
+
+#include "CWnd.h"
