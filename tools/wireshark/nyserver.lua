@@ -105,12 +105,13 @@ local function new_conversation(tvb, pinfo)
     }
 end
 
--- Behind a good-bye, the same two ends are another connection.
+-- What is asked behind a good-bye is asked on another connection between the same two ends.
 local function conversation_of(tvb, pinfo)
     if pinfo.visited and notes[pinfo.number] then return notes[pinfo.number].conversation end
     local name = name_of(pinfo)
     local conversation = conversations[name]
-    if not conversation or conversation.is_over then
+    local is_over = conversation and conversation.is_over and conversation.asker == end_point(pinfo.src, pinfo.src_port)
+    if not conversation or is_over then
         conversation = new_conversation(tvb, pinfo)
         conversations[name] = conversation
     end
@@ -295,7 +296,7 @@ end
 
 -- Frames
 
-function nyserver.dissector(tvb, pinfo, tree)
+local function dissect(tvb, pinfo, tree)
     local conversation = conversation_of(tvb, pinfo)
     local asks = conversation.asker == end_point(pinfo.src, pinfo.src_port)
     pinfo.cols.protocol = "NyServer"
@@ -319,11 +320,13 @@ function nyserver.dissector(tvb, pinfo, tree)
     if #said > 0 then pinfo.cols.info = table.concat(said, "; ") end
 end
 
+nyserver.dissector = dissect
+
 local function recognise(tvb, pinfo, tree)
     if not nyserver.prefs.heuristic or not is_recognised(tvb) then return false end
     if not pinfo.visited then conversations[name_of(pinfo)] = nil end -- Wireshark sees a new connection
     pinfo.conversation = nyserver
-    nyserver.dissector(tvb, pinfo, tree)
+    dissect(tvb, pinfo, tree) -- called through its protocol, it could not ask for more segments
     return true
 end
 
