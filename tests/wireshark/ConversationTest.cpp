@@ -127,8 +127,9 @@ TEST(WiresharkConversation, ShowsMessageReplies) {
 }
 
 TEST(WiresharkConversation, LeadsFromRequestToReplyAndBack) {
-    EXPECT_EQ("2", session[0]["reply_in"]);
-    EXPECT_EQ("1", session[1]["request_in"]);
+    const int requestFrame = std::stoi(session[1]["request_in"]);
+    EXPECT_EQ(std::to_string(requestFrame + 1), session[0]["reply_in"]);
+    EXPECT_EQ(std::to_string(requestFrame + 2), session[3]["request_in"]);
     EXPECT_NEAR(0.001, std::stod(session[1]["reply.time"]), 1e-6);
     EXPECT_EQ("97", session[1]["action"]);
     EXPECT_FALSE(session[8].has("reply_in"));

@@ -11,7 +11,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Fields = std::map<std::string, Decoded::Values>;
 
-constexpr int kFirstClientPort = 20000;
+// The lower port of a connection decides who decodes it.
+constexpr int kFirstClientPort = tshark::kServerPort + 1;
 constexpr int kFirstUnknownPort = 30000;
 
 std::vector<const Talk*>& allTalks() {
@@ -75,7 +76,7 @@ Everything decodeAll() {
 
     Everything everything;
     const auto frames =
-        Json::parse(run(capture, "-2 -T json --no-duplicate-keys -J 'tcp nyserver'"));
+        Json::parse(run(capture, "-2 -Y nyserver -T json --no-duplicate-keys -J 'tcp nyserver'"));
     for (const Json& frame : frames) addMessages(frame, everything);
     std::istringstream lines(
         run(capture, "-T fields -e tcp.stream -e _ws.col.Protocol -e _ws.col.Info"));
@@ -102,7 +103,16 @@ std::string Decoded::operator[](const std::string& field) const {
 }
 
 Talk::Talk(std::vector<Said> said, On on, size_t segment)
-    : m_said(std::move(said)), m_on(on), m_segment(segment), m_place(allTalks().size()) {
+    : m_said(std::move(said)),
+      m_say(nullptr),
+      m_on(on),
+      m_segment(segment),
+      m_place(allTalks().size()) {
+    allTalks().push_back(this);
+}
+
+Talk::Talk(std::vector<Said> (*say)())
+    : m_say(say), m_on(On::serverPort), m_segment(60'000), m_place(allTalks().size()) {
     allTalks().push_back(this);
 }
 
@@ -110,7 +120,7 @@ void Talk::addTo(Capture& capture, size_t place) const {
     const int client = kFirstClientPort + static_cast<int>(place);
     const int server =
         m_on == On::serverPort ? tshark::kServerPort : kFirstUnknownPort + static_cast<int>(place);
-    for (const Said& said : m_said) {
+    for (const Said& said : m_say != nullptr ? m_say() : m_said) {
         const int from = said.asks ? client : server;
         const int to = said.asks ? server : client;
         if (said.captured < said.bytes.size()) {

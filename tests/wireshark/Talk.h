@@ -47,6 +47,8 @@ class Talk {
 
     // Everything said is sent in segments of at most `segment` bytes.
     explicit Talk(std::vector<Said> said, On on = On::serverPort, size_t segment = 60'000);
+    // What is said is made when it is needed: it may use what other sources set up before main.
+    explicit Talk(std::vector<Said> (*say)());
     Talk(const Talk&) = delete;
     Talk& operator=(const Talk&) = delete;
     ~Talk() = default;
@@ -63,6 +65,7 @@ class Talk {
 
   private:
     const std::vector<Said> m_said;
+    std::vector<Said> (*const m_say)();
     const On m_on;
     const size_t m_segment;
     const size_t m_place;

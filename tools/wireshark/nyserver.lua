@@ -280,12 +280,12 @@ local function show(tree, tvb, at, message, asks)
     if message.note.lost then
         branch:add(f.opaque, range):add_proto_expert_info(remarks.lost)
         words = "not understood"
-    elseif not message.row then
-        branch:add(f.opaque, range):add_proto_expert_info(remarks.no_request)
-        words = "answer to what is not in this capture"
     elseif message.is_open then
         branch:add(f.opaque, range):add_proto_expert_info(remarks.cut)
         words = "cut"
+    elseif not message.row then
+        branch:add(f.opaque, range):add_proto_expert_info(remarks.no_request)
+        words = "answer to what is not in this capture"
     else
         if last < at + message.size then branch:add_proto_expert_info(remarks.cut) end
         words = (asks and show_question or show_answer)(branch, tvb, at, message)

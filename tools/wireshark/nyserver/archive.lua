@@ -15,6 +15,8 @@ local kDeepestNesting = 100
 
 local kWideMark = 0xFFFE
 local kLongestString = 0x7FFFFFFF
+local kWide = ENC_UTF_16 + ENC_LITTLE_ENDIAN
+local kNarrow = ENC_WINDOWS_1252
 
 -- Wireshark gives up on a frame with a million items.
 local kMostItems = 50000
@@ -77,12 +79,21 @@ function Archive:take(count)
     return self.tvb:range(self.at - count, count)
 end
 
--- Adds an item to the tree; nil when there are too many.
-function Archive:show(field, range, ...)
+-- Whether one more item may be added to the tree.
+function Archive:has_room()
     self.room = self.room - 1
     if self.room == 0 then self.root:add_proto_expert_info(remarks.hidden) end
-    if self.room <= 0 then return nil end
-    return self.tree:add(field, range, ...)
+    return self.room > 0
+end
+
+-- Adds an item to the tree; nil when there are too many.
+function Archive:show(field, range, ...)
+    if self:has_room() then return self.tree:add(field, range, ...) end
+end
+
+-- The same for characters; an item that is given its text instead would cut it to as many bytes as it covers.
+function Archive:show_characters(field, range, encoding)
+    if self:has_room() then return (self.tree:add_packet_field(field, range, encoding)) end
 end
 
 function Archive:remark(remark)
@@ -163,9 +174,15 @@ function Archive:string(field)
     local length, width = self:string_length()
     local prefix = self:since(start)
     local range = self:take(length * width)
-    local text = ""
-    if length > 0 then text = width == 2 and range:le_ustring() or range:string(ENC_WINDOWS_1252) end
-    self:below(self:show(field, self:since(start), text), function()
+    local item, text
+    if length == 0 then
+        item, text = self:show(field, prefix, ""), ""
+    elseif width == 2 then
+        item, text = self:show_characters(field, range, kWide), range:le_ustring()
+    else
+        item, text = self:show_characters(field, range, kNarrow), range:string(kNarrow)
+    end
+    self:below(item, function()
         self:show(f.string_prefix, prefix)
         self:show(f.string_length, prefix, length)
         self:show(f.string_width, prefix, width)
