@@ -12,6 +12,7 @@
 struct CentralSettings {
     // The notification ports to hand out.
     std::vector<LONG> ports = portRange(42100, 42999);
+    TableLimits tables;
     PushLimits push;
     // A client that stops in the middle of a request is given up after this.
     std::chrono::milliseconds framePatience{30'000};
