@@ -17,7 +17,7 @@ static_assert(TableLimits().bytesOfLeaving() < PushLimits().queuedBytes);
 
 CentralServer::CentralServer(CentralSettings settings)
     : m_settings(std::move(settings)),
-      m_pusher(m_settings.push, m_events),
+      m_pusher(m_settings.push, m_events, [this](LONG session) { m_lostSessions.add(session); }),
       m_tables(m_settings.ports, m_pusher, m_settings.tables) {}
 
 CentralServer::~CentralServer() {
