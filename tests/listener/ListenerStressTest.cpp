@@ -1,0 +1,58 @@
+// Listeners are started, connected to and destroyed, over and over.
+
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+#include "tests/listener/ListenerTest.h"
+#include "tests/support/Guarded.h"
+#include "tests/support/Handles.h"
+#include "tests/support/Threads.h"
+
+namespace {
+
+constexpr int kListeners = 300;
+
+class ListenerStress : public testing::Test {
+  protected:
+    // One listener from its start to its end, under which its peers vanish in different states.
+    void runListener(int number) {
+        Guarded<ProbeListener> guarded;
+        guarded->setAppWnd(m_window.wnd());
+        ASSERT_TRUE(guarded->start());
+        auto first = guarded->connection();
+        auto second = guarded->connection();
+        first.send(frame(50, "first") + kProbe);
+        if (number % 2 == 0) {
+            EXPECT_EQ(first.receive(), kAlive);
+        }
+        if (number % 3 == 0) second.close();
+        if (number % 5 == 0) guarded->StopAccept();
+        if (number % 7 == 0) guarded->pause(true);
+        guarded.destroy();
+        if (number % 3 != 0) {
+            EXPECT_EQ(second.receive(), "");
+        }
+    }
+    void runListeners(int count) {
+        for (int i = 0; i < count && !HasFailure(); ++i) runListener(i);
+        m_window.settle();
+    }
+
+    peers::WinsockSession m_winsock;
+    MainWindow m_window;
+};
+
+TEST_F(ListenerStress, LeavesNeitherHandlesNorThreadsBehind) {
+    runListeners(10);  // what the system keeps from the first use does not count
+    ::Sleep(100);
+    const size_t handles = handleLevel();
+    const int threads = countThreads();
+    runListeners(kListeners);
+    EXPECT_TRUE(eventually([&] { return countThreads() <= threads; }));
+    EXPECT_TRUE(eventually([&] { return handleLevel() <= handles + 4; }));
+    std::cout << "handles " << handles << " to " << handleLevel() << ", threads " << threads
+              << " to " << countThreads() << std::endl;
+}
+
+}  // namespace
