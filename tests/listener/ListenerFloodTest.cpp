@@ -5,6 +5,7 @@
 #include <iostream>
 #include <map>
 #include <random>
+#include <thread>
 
 #include "tests/listener/ListenerTest.h"
 
@@ -89,10 +90,11 @@ TEST_F(ListenerFlood, SurvivesAFlood) {
 TEST_F(ListenerFlood, DeliversEveryNotificationOnceAndInItsSendersOrder) {
     constexpr int kSenders = 100;
     constexpr int kEach = 200;
+    std::vector<peers::Connection> peers;
+    for (int sender = 0; sender < kSenders; ++sender) peers.push_back(connect());
     std::vector<std::thread> senders;
     for (int sender = 0; sender < kSenders; ++sender)
-        senders.emplace_back([this, sender] {
-            auto peer = m_listener.connection();
+        senders.emplace_back([&peer = peers[static_cast<size_t>(sender)], sender] {
             for (int i = 0; i < kEach; ++i)
                 peer.send(frame(50 + i % 9, wireOf(sender) + wireOf(i)));
             EXPECT_TRUE(isAlive(peer));

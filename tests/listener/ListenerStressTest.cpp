@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <iostream>
+#include <thread>
+#include <vector>
 
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
@@ -12,6 +15,7 @@
 namespace {
 
 constexpr int kListeners = 300;
+constexpr int kAtATime = 10;
 
 class ListenerStress : public testing::Test {
   protected:
@@ -34,8 +38,15 @@ class ListenerStress : public testing::Test {
             EXPECT_EQ(second.receive(), "");
         }
     }
+    // Several beside each other, since each ends with a round of its workers.
     void runListeners(int count) {
-        for (int i = 0; i < count && !HasFailure(); ++i) runListener(i);
+        std::atomic<int> next = 0;
+        std::vector<std::thread> runners;
+        for (int i = 0; i < kAtATime; ++i)
+            runners.emplace_back([&] {
+                for (int number; (number = next++) < count && !HasFailure();) runListener(number);
+            });
+        for (auto& runner : runners) runner.join();
         m_window.settle();
     }
 
@@ -44,7 +55,7 @@ class ListenerStress : public testing::Test {
 };
 
 TEST_F(ListenerStress, LeavesNeitherHandlesNorThreadsBehind) {
-    runListeners(10);  // what the system keeps from the first use does not count
+    runListeners(3 * kAtATime);  // what the system keeps from the first use does not count
     ::Sleep(100);
     const size_t handles = handleLevel();
     const int threads = countThreads();
