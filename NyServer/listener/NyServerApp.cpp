@@ -2,6 +2,7 @@
 
 #include <new>
 
+#include "NyServer/host/NyFctIpUtil.h"
 #include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/socket/SocketCodes.h"
 
@@ -36,4 +37,12 @@ CUT_WSThread* NyServerApp::CreateInstance() {
 
 void NyServerApp::ReleaseInstance(CUT_WSThread* worker) {
     delete worker;
+}
+
+CString NyServerApp::_getIpAdress() {
+    return NyFctIpUtil::_getIpAddress();
+}
+
+CString NyServerApp::_getIpAdressByName(const CString& name) {
+    return NyFctIpUtil::_getIpAddressFromHostName(name);
 }

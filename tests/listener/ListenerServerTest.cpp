@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "NyServer/host/NyFctIpUtil.h"
 #include "tests/listener/ListenerTest.h"
 
 namespace {
@@ -159,6 +160,14 @@ TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
     EXPECT_LT(::GetTickCount64() - start, 2000u);
     isEnding = true;
     for (auto& peer : peers) peer.join();
+}
+
+TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
+    EXPECT_EQ(NyServerApp::_getIpAdress(), NyFctIpUtil::_getIpAddress());
+    EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("localhost")),
+              NyFctIpUtil::_getIpAddressFromHostName(_T("localhost")));
+    EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("127.0.0.9")), _T("127.0.0.9"));
+    EXPECT_TRUE(NyServerApp::_getIpAdressByName(_T("no.such.host.invalid")).IsEmpty());
 }
 
 TEST_F(ListenerServer, TheMessageOfItsNotificationsIsRegistered) {
