@@ -1,5 +1,5 @@
 # listener.pl COUNT: listens on COUNT ports of loopback that follow each other until its standard input ends. Prints the
-# first port, and then the printable characters of what comes.
+# first port, and then for all that comes the port and the printable characters. Answers probes that come alone.
 use strict;
 use warnings;
 use IO::Select;
@@ -22,6 +22,7 @@ sub listen_on_row {
 }
 
 my @row = listen_on_row(shift);
+my $probe = pack 'l<l<', 1, 0;
 my %is_listening = map { $_ => 1 } @row;
 $| = 1;
 print $row[0]->sockport, "\n";
@@ -35,8 +36,9 @@ while (1) {
             exit 0 if $ready == \*STDIN;
             $all->remove($ready);
         } else {
+            syswrite $ready, pack('l<', 512) if $piece eq $probe;
             $piece =~ tr/ -~//cd;
-            print "$piece\n";
+            print $ready->sockport, " $piece\n";
         }
     }
 }
