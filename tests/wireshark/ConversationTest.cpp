@@ -196,17 +196,17 @@ const Talk unlucky({asks(goldenRequest("lock")), answers(wireOf<BYTE>(0)),
                     asks(goldenRequest("openConnection")), answers(wireOf<LONG>(-1))});
 
 TEST(WiresharkConversation, TellsRepliesThatSayNo) {
-    EXPECT_EQ("lock: refused", unlucky.lines()[1]);
-    EXPECT_EQ("isLockBy: not held", unlucky.lines()[3]);
-    EXPECT_EQ("isLockBy: held", unlucky.lines()[5]);
-    EXPECT_EQ("getPortClient: nothing", unlucky.lines()[7]);
-    EXPECT_EQ("openConnection: -1", unlucky.lines()[15]);
+    EXPECT_EQ("lock: refused", unlucky.line(1));
+    EXPECT_EQ("isLockBy: not held", unlucky.line(3));
+    EXPECT_EQ("isLockBy: held", unlucky.line(5));
+    EXPECT_EQ("getPortClient: nothing", unlucky.line(7));
+    EXPECT_EQ("openConnection: -1", unlucky.line(15));
 }
 
 TEST(WiresharkConversation, TakesANegativeLengthOfAReplyForAnEmptyOne) {
     EXPECT_EQ("-3", unlucky[9]["length"]);
     EXPECT_TRUE(unlucky[9].has("negative_length"));
-    EXPECT_EQ("getLock: nothing", unlucky.lines()[9]);
+    EXPECT_EQ("getLock: nothing", unlucky.line(9));
 }
 
 TEST(WiresharkConversation, RemarksOnWhatAClientWouldNotTake) {
@@ -221,7 +221,7 @@ TEST(WiresharkConversation, PassesOverAnUnknownAction) {
     EXPECT_TRUE(unknownAction[0].has("unknown_action"));
     EXPECT_EQ("01:02:03", unknownAction[0]["opaque"]);
     EXPECT_EQ("1", unknownAction[1]["action"]);
-    EXPECT_EQ("isAlive: alive", unknownAction.lines()[1]);
+    EXPECT_EQ("isAlive: alive", unknownAction.line(1));
 }
 
 const Talk absurdLength({asks(wireOf<LONG>(10) + wireOf<LONG>(-1) + goldenRequest("isAlive")),
@@ -244,14 +244,14 @@ const Talk joinedLate({answers(golden("reply-users").bytes), asks(goldenRequest(
 
 TEST(WiresharkConversation, SaysWhenTheRequestWasNotCaptured) {
     EXPECT_TRUE(joinedLate[0].has("no_request"));
-    EXPECT_EQ("isAlive: alive", joinedLate.lines()[2]);
+    EXPECT_EQ("isAlive: alive", joinedLate.line(2));
 }
 
 const Talk twice({asks(goldenRequest("getLock")), asks(goldenRequest("disconnect")), asks(hello()),
                   answers(wireOf<LONG>(2015))});
 
 TEST(WiresharkConversation, BeginsAnewBehindAGoodBye) {
-    EXPECT_EQ("initializeSchema: 2015", twice.lines()[3]);
+    EXPECT_EQ("initializeSchema: 2015", twice.line(3));
 }
 
 // What a central server sends to a listener.
@@ -299,19 +299,15 @@ TEST(WiresharkNotifications, AreReadAsAListenerReadsThem) {
     EXPECT_TRUE(listener[1].has("bad_length"));
 }
 
-std::string text(const Talk& talk) {
-    return talk.lines().empty() ? "" : talk.lines().front();
-}
-
 const Talk firstLock({asks(goldenRequest("lock"))}, Talk::On::anyPort);
 const Talk firstBare({asks(goldenRequest("getVersion")), answers(wireOf(1.0))}, Talk::On::anyPort);
 const Talk firstHalf({asks(goldenRequest("getPortClient")), asks(hello())}, Talk::On::anyPort, 20);
 
 TEST(WiresharkHeuristic, KnowsAConnectionByItsFirstMessage) {
-    EXPECT_EQ("lock \"part/42\" 0x18", text(firstLock));
-    EXPECT_EQ("getVersion", text(firstBare));
-    EXPECT_EQ("getVersion: 1", firstBare.lines()[1]);
-    EXPECT_EQ("getPortClient Anna", text(firstHalf));
+    EXPECT_EQ("lock \"part/42\" 0x18", firstLock.line(0));
+    EXPECT_EQ("getVersion", firstBare.line(0));
+    EXPECT_EQ("getVersion: 1", firstBare.line(1));
+    EXPECT_EQ("getPortClient Anna", firstHalf.line(0));
 }
 
 Bytes ofText(const std::string& characters) {

@@ -97,9 +97,12 @@ Decoded::Values Decoded::all(const std::string& field) const {
 }
 
 std::string Decoded::operator[](const std::string& field) const {
+    return all(field).size() > 1 ? "(several)" : first(field);
+}
+
+std::string Decoded::first(const std::string& field) const {
     const Values values = all(field);
-    if (values.empty()) return "(none)";
-    return values.size() == 1 ? values.front() : "(several)";
+    return values.empty() ? "(none)" : values.front();
 }
 
 Talk::Talk(std::vector<Said> said, On on, size_t segment)
@@ -142,4 +145,9 @@ Decoded Talk::operator[](size_t index) const {
 
 std::vector<std::string> Talk::lines() const {
     return everything().lines[m_place];
+}
+
+std::string Talk::line(size_t index) const {
+    const std::vector<std::string> all = lines();
+    return index < all.size() ? all[index] : "(none)";
 }

@@ -32,6 +32,8 @@ class Decoded {
     Values all(const std::string& field) const;
     // The only value; "(none)" or "(several)" when there is not one.
     std::string operator[](const std::string& field) const;
+    // The first value; "(none)" when there is none.
+    std::string first(const std::string& field) const;
     const std::map<std::string, Values>& fields() const { return m_fields; }
 
   private:
@@ -59,6 +61,8 @@ class Talk {
     Decoded operator[](size_t index) const;
     // What the packet list says of each frame of the conversation, found in one pass.
     std::vector<std::string> lines() const;
+    // The line at `index`; "(none)" when there is none.
+    std::string line(size_t index) const;
 
     // Into the capture, with this number as its place among all.
     void addTo(Capture& capture, size_t place) const;
