@@ -17,7 +17,8 @@ local kGoodBye = 666
 local nyserver = Proto("nyserver", "NyServer")
 nyserver.fields = f
 nyserver.experts = remarks
-nyserver.prefs.ports = Pref.range("Ports of central servers", "", "TCP ports whose traffic is always taken for this protocol", 65535)
+nyserver.prefs.ports =
+    Pref.range("Ports of central servers", "", "TCP ports whose traffic is always taken for this protocol", 65535)
 nyserver.prefs.heuristic =
     Pref.bool("Recognise other connections", true, "Take a connection on any port by what its first message looks like")
 nyserver.prefs.longest = Pref.uint("Longest payload", 16 * 1024 * 1024, "In bytes; a longer one is taken for a mistake")
@@ -47,29 +48,27 @@ local function may_be_request(tvb, at)
     return not is_absurd(length) and length >= row.least and length <= row.most
 end
 
--- Whether a connection that nothing is known of is one of ours: from its first bytes, which have to be whole messages of
--- an asking side, or the start of one in the library's own form.
+-- The offset behind the message at `at`; nil when the bytes there are no message of an asking side, or not the start of
+-- one in the library's own form.
+local function behind_request(tvb, at)
+    if not may_be_request(tvb, at) then return nil end
+    local row = messages[tvb:range(at, 4):le_int()]
+    if row.bare then return at + 4 end
+    if at + kHeader > tvb:len() then return at > 0 and tvb:len() or nil end
+    local length = tvb:range(at + 4, 4):le_int()
+    local start = row.starts or ""
+    local seen = math.min(length, #start / 2, tvb:len() - at - kHeader)
+    local bytes = seen > 0 and tvb:range(at + kHeader, seen):bytes():tohex() or ""
+    return bytes == start:sub(1, #bytes) and at + kHeader + length or nil
+end
+
+-- Whether a connection that nothing is known of is one of ours, from its first bytes.
 local function is_recognised(tvb)
-    if tvb:len() < 4 then return false end
     local at = 0
-    while at < tvb:len() do
-        if at + 4 > tvb:len() then return at > 0 end
-        if not may_be_request(tvb, at) then return false end
-        local row = messages[tvb:range(at, 4):le_int()]
-        if row.bare then
-            if at == 0 and tvb:len() > 4 and not may_be_request(tvb, 4) then return false end
-            at = at + 4
-        else
-            if at + kHeader > tvb:len() then return at > 0 end
-            local length = tvb:range(at + 4, 4):le_int()
-            local start = row.starts or ""
-            local seen = math.min(length, #start / 2, tvb:len() - at - kHeader)
-            local bytes = seen > 0 and tvb:range(at + kHeader, seen):bytes():tohex() or ""
-            if bytes ~= start:sub(1, #bytes) then return false end
-            at = at + kHeader + length
-        end
+    while at and at + 4 <= tvb:len() do
+        at = behind_request(tvb, at)
     end
-    return true
+    return at ~= nil and at > 0
 end
 
 -- Whether the preference names this port.
