@@ -105,7 +105,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     void endConnections();
 
   private:
-    bool hasAppWindow();
+    HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
 
     // Changed under the ThreadListLock, read with or without.
