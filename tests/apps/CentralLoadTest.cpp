@@ -1,6 +1,5 @@
 // 200 clients at once, of which 20 are killed: nothing is left of anybody, every request is
 // answered, memory stays flat. NY_LOAD_SECONDS says how long it lasts: 10 unless set.
-#include <psapi.h>
 
 #include <cstdlib>
 #include <latch>
@@ -9,6 +8,7 @@
 
 #include "tests/apps/CentralTest.h"
 #include "tests/apps/CollectingListener.h"
+#include "tests/support/WorkingSet.h"
 
 namespace {
 
@@ -24,12 +24,6 @@ constexpr SIZE_T kFlatBytes = 8 * 1024 * 1024;
 std::chrono::milliseconds duration() {
     const char* seconds = std::getenv("NY_LOAD_SECONDS");
     return std::chrono::seconds(seconds == nullptr ? 10 : std::atoi(seconds));
-}
-
-SIZE_T workingSet() {
-    PROCESS_MEMORY_COUNTERS counters{};
-    ::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters);
-    return counters.WorkingSetSize;
 }
 
 // A port whose listener reads and forgets.

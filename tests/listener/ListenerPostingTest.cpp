@@ -4,6 +4,7 @@
 
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
+#include "tests/support/WorkingSet.h"
 
 namespace {
 
@@ -120,6 +121,20 @@ TEST_F(ListenerPostingToAWindow, KeepsNoEmptyBlock) {
     all.resize(all.size() - 3);
     for (int i = 0; i < 10; ++i) post("");
     EXPECT_EQ(posted().size(), 10u);
+}
+
+TEST_F(ListenerPostingToAWindow, KeepsNothingOfWhatItPosts) {
+    const std::string content(1024 * 1024, 'm');
+    const auto round = [&] {
+        for (int i = 0; i < 50; ++i) {
+            post(content);
+            m_window.forget();
+        }
+    };
+    round();
+    const SIZE_T before = workingSet();
+    round();
+    EXPECT_LT(workingSet(), before + 20 * content.size());
 }
 
 TEST_F(ListenerPostingToAWindow, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStream) {

@@ -137,13 +137,15 @@ TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
 }
 
 TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
+    MainWindow window;
     auto listener = std::make_unique<ProbeListener>();
+    listener->setAppWnd(window.wnd());
     ASSERT_TRUE(listener->start());
     const unsigned int port = listener->GetBoundPort();
     std::atomic<bool> isEnding = false;
     std::vector<std::thread> peers;
     for (int i = 0; i < 4; ++i)
-        peers.emplace_back([&] {
+        peers.emplace_back([&, i] {
             while (!isEnding) {
                 UniqueSocket socket = peers::connectTo(port);
                 if (!socket) {
@@ -151,10 +153,11 @@ TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
                     continue;
                 }
                 peers::Connection peer(std::move(socket), isEnding);
-                peer.receive();
+                peer.send(frame(50, "coming and going") + kProbe);
+                if (i % 2 == 0) peer.receiveAll();
             }
         });
-    ASSERT_TRUE(eventually([&] { return listener->GetNumConnections() == 4; }));
+    EXPECT_TRUE(eventually([&] { return window.count() > 4; }));
     const auto start = ::GetTickCount64();
     listener.reset();
     EXPECT_LT(::GetTickCount64() - start, 2000u);

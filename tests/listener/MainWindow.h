@@ -44,10 +44,8 @@ class MainWindow {
     size_t count() const;
     // Once the window has seen all that was posted so far.
     void settle();
-
-    // The window does not get to its messages while it is held.
-    void hold();
-    void letGo();
+    // Forgets its messages once settled.
+    void forget();
 
   private:
     static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam,
@@ -59,7 +57,5 @@ class MainWindow {
     CWnd m_wnd;
     mutable std::mutex m_mutex;
     std::vector<PostedMessage> m_messages;
-    Gate m_made;
-    std::unique_ptr<Gate> m_hold;
     std::thread m_thread;
 };
