@@ -216,7 +216,7 @@ TEST(ListenerCount, IsExactUnderManyThreads) {
     EXPECT_EQ(listener.getPostMsgCount(), 0);
 }
 
-TEST(ListenerCount, ChangesUnderTheLockOfTheWorkers) {
+TEST(ListenerCount, ChangesLikeTheWindowUnderTheLockOfTheWorkers) {
     ProbeListener listener;
     std::atomic<int> done = 0;
     std::vector<std::thread> threads;
@@ -224,11 +224,12 @@ TEST(ListenerCount, ChangesUnderTheLockOfTheWorkers) {
         const ProbeListener::ThreadListLock lock(listener);
         threads.emplace_back([&] { listener.increasePostMsgCount(), ++done; });
         threads.emplace_back([&] { listener.decreasePostMsgCount(), ++done; });
+        threads.emplace_back([&] { listener.setAppWnd(nullptr), ++done; });
         ::Sleep(100);
         EXPECT_EQ(done, 0);
     }
     for (auto& thread : threads) thread.join();
-    EXPECT_EQ(done, 2);
+    EXPECT_EQ(done, 3);
 }
 
 }  // namespace

@@ -45,7 +45,8 @@ std::vector<PostedMessage> MainWindow::messages() const {
 }
 
 std::vector<PostedMessage> MainWindow::awaitMessages(size_t wanted) const {
-    eventually([&] { return count() >= wanted; });
+    for (size_t seen = 0; count() < wanted && eventually([&] { return count() > seen; });)
+        seen = count();
     return messages();
 }
 

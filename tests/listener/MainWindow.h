@@ -39,7 +39,7 @@ class MainWindow {
     void destroyWindow();
 
     std::vector<PostedMessage> messages() const;
-    // The messages there are once they are `count`, or after 10 s.
+    // The messages there are once they are `count`, or when none has come for 10 s.
     std::vector<PostedMessage> awaitMessages(size_t count) const;
     size_t count() const;
     // Once the window has seen all that was posted so far.
