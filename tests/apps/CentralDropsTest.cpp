@@ -131,6 +131,45 @@ TEST_F(CentralDrops, OneThatResetsItsConnectionInTheMiddleGetsTheWholeOnANewOne)
     pusher.reset();
 }
 
+TEST_F(CentralDrops, ManyGoOutInOrderAndALostConnectionCutsNone) {
+    constexpr int kNotifications = 1'000;
+    constexpr size_t kLength = 24'000;  // more than one to a piece, and more than sockets hold
+    std::atomic<int> connections = 0;
+    std::mutex lock;
+    std::string onTheSecond;
+    peers::Peer resettingOnce([&](peers::Connection& connection) {
+        if (++connections == 1) {
+            ::Sleep(500);  // the server is in the middle of one
+            return connection.close();
+        }
+        for (std::string piece; !(piece = connection.receive()).empty();) {
+            const std::lock_guard guard(lock);
+            onTheSecond += piece;
+        }
+    });
+    listen(resettingOnce.port());
+    const auto textOf = [](int number) {
+        std::string text = std::to_string(number) + ' ';
+        return text + std::string(kLength - text.size(), 'x');
+    };
+    for (int i = 0; i < kNotifications; ++i) tell(textOf(i));
+    const auto hasAll = [&] {
+        const std::lock_guard guard(lock);
+        return onTheSecond.ends_with(textOf(kNotifications - 1));
+    };
+    for (int i = 0; i < 500 && !hasAll(); ++i) ::Sleep(20);
+    ASSERT_TRUE(hasAll());
+    pusher->forget(1);
+    const int first = std::atoi(onTheSecond.c_str());
+    EXPECT_GT(first, 0);
+    std::string expected;
+    for (int i = first; i < kNotifications; ++i) expected += textOf(i);
+    EXPECT_TRUE(expected == onTheSecond);
+    EXPECT_EQ(2, connections);
+    EXPECT_EQ(0u, pusher->dropped());
+    pusher.reset();
+}
+
 TEST_F(CentralDrops, WhatAListenerSaysIsDroppedAndItsConnectionKept) {
     std::atomic<int> connections = 0;
     std::atomic<int> pieces = 0;
