@@ -9,7 +9,7 @@ namespace {
 
 // In bytes; a longer notification goes out alone. Thousands of small ones in a piece each take the
 // system longer than the changes that they tell of.
-constexpr size_t kLongestBatch = 64 * 1024;
+constexpr size_t kLongestBatch = size_t{64} * 1024;
 
 NotificationBytes joined(const std::deque<NotificationBytes>& batch) {
     if (batch.size() == 1) return batch.front();
