@@ -1,6 +1,8 @@
 // CWnd: a window as an object.
 #pragma once
 
+#include <atomic>
+
 #include "CObject.h"
 
 // Bears a window's handle and, for a window that it has made, receives its messages. A window and
@@ -17,7 +19,10 @@ class NYBASE_API CWnd : public CObject {
     ~CWnd() override;
 
     // The window's handle; null when there is no window.
-    HWND GetSafeHwnd() const { return m_hWnd; }
+    HWND GetSafeHwnd() const {
+        // Other threads ask while the window's own sets it; they need no more than a whole value.
+        return std::atomic_ref(const_cast<HWND&>(m_hWnd)).load(std::memory_order_relaxed);
+    }
 
     // Makes this the object of an existing window, which stays its maker's. FALSE for a null
     // handle. REQUIRES: no window attached.
@@ -27,14 +32,15 @@ class NYBASE_API CWnd : public CObject {
 
     // Makes a window of any class, registered by AfxRegisterWndClass or a control's: m_hWnd is set
     // before its first message and null after its last. With the parent HWND_MESSAGE the window
-    // only receives messages. FALSE when the system or the window itself refuses. REQUIRES: no
-    // window attached.
+    // only receives messages. FALSE when the system or the window itself refuses; m_hWnd is null
+    // then. REQUIRES: no window attached.
     BOOL CreateEx(DWORD exStyle, LPCTSTR className, LPCTSTR windowName, DWORD style, int x, int y,
                   int width, int height, HWND parent, HMENU idOrMenu, LPVOID parameter = nullptr);
 
     // FALSE when there is no window. REQUIRES: called by the window's thread.
     virtual BOOL DestroyWindow();
 
+    // For the window's thread; others use GetSafeHwnd.
     HWND m_hWnd = nullptr;
 
   protected:

@@ -4,19 +4,21 @@
 #include "../afxdllx.h"
 #include "../afxwin.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace {
 
 struct LinkedModule {
-    HMODULE module;
     HMODULE resources;
+    bool isSystem;
 };
 
 // Keeps a module loaded while it is asked something.
 class ModulePin {
   public:
-    explicit ModulePin(HMODULE module) {
+    explicit ModulePin(HMODULE module) : m_isDataFile(isDataFile(module)) {
+        if (m_isDataFile) return;
         ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                              reinterpret_cast<LPCWSTR>(module), &m_module);
     }
@@ -26,10 +28,18 @@ class ModulePin {
     ModulePin(const ModulePin&) = delete;
     ModulePin& operator=(const ModulePin&) = delete;
 
-    // False when it has been freed already.
-    explicit operator bool() const { return m_module != nullptr; }
+    // False when it has been freed already. A file mapped for its resources alone cannot be pinned;
+    // whoever has mapped it keeps it while a module is linked with it.
+    explicit operator bool() const { return m_isDataFile || m_module != nullptr; }
 
   private:
+    // Handles of modules are their addresses; the loader marks those of mapped files in the low
+    // bits.
+    static bool isDataFile(HMODULE module) {
+        return (reinterpret_cast<ULONG_PTR>(module) & 3) != 0;
+    }
+
+    bool m_isDataFile;
     HMODULE m_module = nullptr;
 };
 
@@ -38,21 +48,31 @@ bool liesIn(HMODULE module, const void* address) {
     return ::VirtualQuery(address, &region, sizeof region) != 0 && region.AllocationBase == module;
 }
 
-void appendLinked(std::vector<LinkedModule>& modules, bool isSystem) {
-    for (const AfxSharedModule* one = AfxClassChain::firstModule(); one != nullptr;
-         one = one->next) {
-        if ((one->library->m_bSystem != FALSE) == isSystem) {
-            modules.push_back({one->library->m_hModule, one->library->m_hResource});
-        }
-    }
-}
-
+// The newest first.
 std::vector<LinkedModule> linkedModules() {
     std::vector<LinkedModule> modules;
     const auto lock = AfxClassChain::lock();
-    appendLinked(modules, false);
-    appendLinked(modules, true);
+    for (const AfxSharedModule* one = AfxClassChain::firstModule(); one != nullptr;
+         one = one->next) {
+        modules.push_back({one->library->m_hResource, one->library->m_bSystem != FALSE});
+    }
     return modules;
+}
+
+// Where to search, in this order. The current module comes before all others of its kind.
+std::vector<HINSTANCE> searchOrder(HINSTANCE current) {
+    const auto modules = linkedModules();
+    const auto isCurrentOfSystem = std::ranges::any_of(modules, [=](const LinkedModule& linked) {
+        return linked.resources == current && linked.isSystem;
+    });
+    std::vector<HINSTANCE> order;
+    for (const bool isSystem : {false, true}) {
+        if (isCurrentOfSystem == isSystem) order.push_back(current);
+        for (const LinkedModule& linked : modules) {
+            if (linked.isSystem == isSystem) order.push_back(linked.resources);
+        }
+    }
+    return order;
 }
 
 }  // namespace
@@ -64,11 +84,9 @@ CRuntimeClass* afxTakeClassesOf(HMODULE module) {
 }
 
 HINSTANCE afxFindModule(const std::function<bool(HINSTANCE)>& has) {
-    const HINSTANCE current = AfxGetResourceHandle();
-    if (has(current)) return current;
-    for (const LinkedModule& linked : linkedModules()) {
-        const ModulePin pin(linked.module);
-        if (pin && has(linked.resources)) return linked.resources;
+    for (const HINSTANCE module : searchOrder(AfxGetResourceHandle())) {
+        const ModulePin pin(module);
+        if (pin && has(module)) return module;
     }
     return nullptr;
 }

@@ -10,6 +10,7 @@
 CRuntimeClass* afxTakeClassesOf(HMODULE module);
 
 // The first module that `has` says yes to: the current resource handle's, then the extension
-// modules, the newest first, those of the system last; null when none does. `has` may call
-// anything: no lock is held, and the module it is asked about stays loaded meanwhile.
+// modules, the newest first, those of the system last, and the current one just before those when
+// it is linked as one of them; null when none does. `has` may call anything: no lock is held, and
+// the module whose resources it is asked about stays loaded meanwhile.
 HINSTANCE afxFindModule(const std::function<bool(HINSTANCE)>& has);

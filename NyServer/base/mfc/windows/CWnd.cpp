@@ -1,5 +1,6 @@
 #include "../afxwin.h"
 
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <utility>
@@ -20,6 +21,47 @@ LRESULT answerToException(HWND window, UINT message) {
     if (message == WM_PAINT) ::ValidateRect(window, nullptr);
     return message == WM_CREATE ? -1 : 0;
 }
+
+// Other threads may ask for the handle meanwhile.
+void setHandle(CWnd& object, HWND window) {
+    std::atomic_ref(object.m_hWnd).store(window, std::memory_order_relaxed);
+}
+
+// Gives the next window of this thread to its object before the window's first message.
+class CreationHook {
+  public:
+    explicit CreationHook(CWnd& object) : m_outer(std::exchange(current, this)), m_object(&object) {
+        m_hook = ::SetWindowsHookExW(WH_CBT, &onEvent, nullptr, ::GetCurrentThreadId());
+    }
+    ~CreationHook() {
+        if (m_hook != nullptr) ::UnhookWindowsHookEx(m_hook);
+        current = m_outer;
+    }
+    CreationHook(const CreationHook&) = delete;
+    CreationHook& operator=(const CreationHook&) = delete;
+
+    bool isSet() const { return m_hook != nullptr; }
+
+    // Whether the object got a window and has not lost it since.
+    bool hasWindow() const { return m_owner != nullptr; }
+
+    // The object has lost its window, or is about to go.
+    static void forget(const CWnd& object) {
+        for (CreationHook* hook = current; hook != nullptr; hook = hook->m_outer) {
+            if (hook->m_owner == &object) hook->m_owner = nullptr;
+        }
+    }
+
+  private:
+    static LRESULT CALLBACK onEvent(int code, WPARAM wParam, LPARAM lParam);
+
+    static inline thread_local CreationHook* current = nullptr;
+
+    CreationHook* m_outer;
+    CWnd* m_object;           // null once it has its window
+    CWnd* m_owner = nullptr;  // null again once it has lost it
+    HHOOK m_hook;
+};
 
 }  // namespace
 
@@ -47,7 +89,7 @@ struct AfxWindowProcedure {
 
     static void attach(CWnd& object, HWND window) {
         ::SetPropW(window, kObjectProperty, &object);
-        object.m_hWnd = window;
+        setHandle(object, window);
         object.m_classProcedure = reinterpret_cast<WNDPROC>(
             ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&call)));
     }
@@ -58,7 +100,8 @@ struct AfxWindowProcedure {
                             reinterpret_cast<LONG_PTR>(object.m_classProcedure));
         ::RemovePropW(object.m_hWnd, kObjectProperty);
         object.m_classProcedure = nullptr;
-        object.m_hWnd = nullptr;
+        setHandle(object, nullptr);
+        CreationHook::forget(object);
     }
 
     static void finish(CWnd& object) noexcept {
@@ -73,38 +116,13 @@ struct AfxWindowProcedure {
     }
 };
 
-namespace {
-
-// Gives the next window of this thread to its object before the window's first message.
-class CreationHook {
-  public:
-    explicit CreationHook(CWnd& object) : m_outer(std::exchange(current, this)), m_object(&object) {
-        m_hook = ::SetWindowsHookExW(WH_CBT, &onEvent, nullptr, ::GetCurrentThreadId());
+LRESULT CALLBACK CreationHook::onEvent(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == HCBT_CREATEWND && current != nullptr && current->m_object != nullptr) {
+        current->m_owner = std::exchange(current->m_object, nullptr);
+        AfxWindowProcedure::attach(*current->m_owner, reinterpret_cast<HWND>(wParam));
     }
-    ~CreationHook() {
-        if (m_hook != nullptr) ::UnhookWindowsHookEx(m_hook);
-        current = m_outer;
-    }
-    CreationHook(const CreationHook&) = delete;
-    CreationHook& operator=(const CreationHook&) = delete;
-
-  private:
-    static LRESULT CALLBACK onEvent(int code, WPARAM wParam, LPARAM lParam) {
-        if (code == HCBT_CREATEWND && current != nullptr && current->m_object != nullptr) {
-            AfxWindowProcedure::attach(*std::exchange(current->m_object, nullptr),
-                                       reinterpret_cast<HWND>(wParam));
-        }
-        return ::CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-
-    static inline thread_local CreationHook* current = nullptr;
-
-    CreationHook* m_outer;
-    CWnd* m_object;  // null once it has its window
-    HHOOK m_hook;
-};
-
-}  // namespace
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
+}
 
 CWnd::~CWnd() {
     if (m_classProcedure == nullptr) return;
@@ -114,22 +132,28 @@ CWnd::~CWnd() {
 }
 
 BOOL CWnd::Attach(HWND window) {
-    m_hWnd = window;
+    setHandle(*this, window);
     return window != nullptr;
 }
 
 HWND CWnd::Detach() {
     const HWND window = m_hWnd;
     if (m_classProcedure != nullptr) AfxWindowProcedure::release(*this);
-    m_hWnd = nullptr;
+    setHandle(*this, nullptr);
     return window;
 }
 
 BOOL CWnd::CreateEx(DWORD exStyle, LPCTSTR className, LPCTSTR windowName, DWORD style, int x, int y,
                     int width, int height, HWND parent, HMENU idOrMenu, LPVOID parameter) {
     const CreationHook hook(*this);
-    return ::CreateWindowExW(exStyle, className, windowName, style, x, y, width, height, parent,
-                             idOrMenu, AfxGetInstanceHandle(), parameter) != nullptr;
+    if (!hook.isSet()) return FALSE;
+    const HWND window =
+        ::CreateWindowExW(exStyle, className, windowName, style, x, y, width, height, parent,
+                          idOrMenu, AfxGetInstanceHandle(), parameter);
+    // A window refused by another hook goes without a last message. After one, PostNcDestroy may
+    // have deleted this object.
+    if (window == nullptr && hook.hasWindow()) AfxWindowProcedure::release(*this);
+    return window != nullptr;
 }
 
 BOOL CWnd::DestroyWindow() {
@@ -145,6 +169,22 @@ LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
                              m_hWnd, message, wParam, lParam);
 }
 
+namespace {
+
+ATOM registerClass(LPCWSTR name, UINT classStyle, HCURSOR cursor, HBRUSH background, HICON icon) {
+    WNDCLASSW traits = {};
+    traits.style = classStyle;
+    traits.lpfnWndProc = &::DefWindowProcW;
+    traits.hInstance = AfxGetInstanceHandle();
+    traits.hCursor = cursor;
+    traits.hbrBackground = background;
+    traits.hIcon = icon;
+    traits.lpszClassName = name;
+    return ::RegisterClassW(&traits);
+}
+
+}  // namespace
+
 LPCTSTR AFXAPI AfxRegisterWndClass(UINT classStyle, HCURSOR cursor, HBRUSH background, HICON icon) {
     static std::mutex mutex;
     static std::set<std::wstring> names;
@@ -152,19 +192,9 @@ LPCTSTR AFXAPI AfxRegisterWndClass(UINT classStyle, HCURSOR cursor, HBRUSH backg
     name.Format(L"Afx:%x:%p:%p:%p", classStyle, cursor, background, icon);
     const std::lock_guard lock(mutex);
     const auto [place, isNew] = names.emplace(name.GetString());
-    if (isNew) {
-        WNDCLASSW traits = {};
-        traits.style = classStyle;
-        traits.lpfnWndProc = &::DefWindowProcW;
-        traits.hInstance = AfxGetInstanceHandle();
-        traits.hCursor = cursor;
-        traits.hbrBackground = background;
-        traits.hIcon = icon;
-        traits.lpszClassName = place->c_str();
-        if (::RegisterClassW(&traits) == 0) {
-            names.erase(place);
-            AfxThrowMemoryException();
-        }
+    if (isNew && registerClass(place->c_str(), classStyle, cursor, background, icon) == 0) {
+        names.erase(place);
+        AfxThrowMemoryException();
     }
     return place->c_str();
 }
