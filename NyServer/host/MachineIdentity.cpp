@@ -25,12 +25,13 @@ CString hexPairs(const IP_ADAPTER_INFO& adapter, LPCWSTR separator) {
 
 }  // namespace
 
-std::vector<IP_ADAPTER_INFO> machineidentity::readAdapters(size_t expectedCount) {
+std::vector<IP_ADAPTER_INFO> machineidentity::readAdapters(size_t expectedCount,
+                                                           const AdapterQuestion& ask) {
     static_assert(kUsualAdapterCount * sizeof(IP_ADAPTER_INFO) == 11264);
     std::vector<IP_ADAPTER_INFO> adapters(expectedCount);
     for (int question = 1; question <= kMostQuestions; ++question) {
         ULONG size = static_cast<ULONG>(adapters.size() * sizeof adapters[0]);
-        if (::GetAdaptersInfo(adapters.data(), &size) != ERROR_BUFFER_OVERFLOW) return adapters;
+        if (ask(adapters.data(), &size) != ERROR_BUFFER_OVERFLOW) return adapters;
         adapters.assign(std::max(adaptersIn(size), adapters.size()), IP_ADAPTER_INFO{});
     }
     return adapters;

@@ -3,6 +3,7 @@
 
 #include <afx.h>
 
+#include <functional>
 #include <vector>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -15,10 +16,14 @@ namespace machineidentity {
 // As many adapters as nearly every machine has.
 inline constexpr size_t kUsualAdapterCount = 16;
 
+// How the system is asked for its adapters: GetAdaptersInfo, or what behaves like it.
+using AdapterQuestion = std::function<DWORD(IP_ADAPTER_INFO* buffer, ULONG* size)>;
+
 // The system's adapters, chained from the first element; all zeros when there are none. The memory
 // asked for at first is that of `expectedCount` adapters, and grows when it does not do.
 // REQUIRES: expectedCount >= 1.
-std::vector<IP_ADAPTER_INFO> readAdapters(size_t expectedCount = kUsualAdapterCount);
+std::vector<IP_ADAPTER_INFO> readAdapters(size_t expectedCount = kUsualAdapterCount,
+                                          const AdapterQuestion& ask = &::GetAdaptersInfo);
 
 // The hardware address of the first adapter in the chain that carries `ipAddress`, in pairs of
 // lower-case hex digits with `separator` between them. When none carries it, that of the last

@@ -1,6 +1,7 @@
 #include "NyServer/host/NyFctIpUtil.h"
 
 #include "NyServer/host/MachineIdentity.h"
+#include "NyServer/host/TextOrEmpty.h"
 
 namespace {
 
@@ -54,9 +55,7 @@ CString computerName() {
     return CString(name);
 }
 
-}  // namespace
-
-CString NyFctIpUtil::_getIpAddress() {
+CString localAddress() {
     const WinsockStart winsock;
     if (!winsock) return {};
     char name[255];
@@ -64,7 +63,7 @@ CString NyFctIpUtil::_getIpAddress() {
     return firstAddressOf(name);
 }
 
-CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
+CString addressOf(const CString& hostName) {
     HostName name;
     if (hostName.CompareNoCase(L"localhost") == 0) {
         name.takeLocal();
@@ -76,9 +75,25 @@ CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
     return firstAddressOf(name.text);
 }
 
+}  // namespace
+
+CString NyFctIpUtil::_getIpAddress() {
+    return textOrEmpty(localAddress);
+}
+
+CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
+    return textOrEmpty([&] { return addressOf(hostName); });
+}
+
 CString NyFctIpUtil::getStrMachineID() {
     // Asked for the sake of the question, which name services see; the answer is not used.
-    _getIpAddressFromHostName(computerName());
-    const auto adapters = machineidentity::readAdapters();
-    return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
+    textOrEmpty([] { return addressOf(computerName()); });
+    CString identity = textOrEmpty([] {
+        const auto adapters = machineidentity::readAdapters();
+        return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
+    });
+    // With too little memory for the adapters there may be enough for this.
+    if (identity.IsEmpty())
+        identity = textOrEmpty([] { return machineidentity::volumeSerial(L"C"); });
+    return identity;
 }

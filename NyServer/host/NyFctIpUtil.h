@@ -6,8 +6,8 @@
 #include "NyServer/NyServerApi.h"
 
 // May be called from any thread; each call starts and cleans up Windows Sockets for itself. No call
-// reports an error: text that is not known is empty. A look-up may block for as long as the name
-// service takes.
+// reports an error or throws: text that is not known, or for which no memory is left, is empty. A
+// look-up may block for as long as the name service takes.
 namespace NyFctIpUtil {
 
 // The first IPv4 address of the local host name in dotted decimals; empty when it is not known.
@@ -22,7 +22,7 @@ NYSERVER_API CString _getIpAddressFromHostName(const CString& hostName);
 // What tells this machine from others: the hardware address of the network adapter that carries
 // _getIpAddress(), in pairs of lower-case hex digits joined by "-"; of the last adapter when none
 // does; and the serial number of the system volume in lower-case hex when there is no such address.
-// "0" when that is unknown too.
+// "0" when that is unknown too. The serial number, or empty text, when memory runs out.
 NYSERVER_API CString getStrMachineID();
 
 }  // namespace NyFctIpUtil
