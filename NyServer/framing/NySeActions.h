@@ -53,6 +53,10 @@ enum ActionType : int {
     lastSendableAction = 701  // a client sends nothing above
 };
 
+constexpr bool isNotification(int action) {
+    return action >= actionFirstNotification && action <= actionLastNotification;
+}
+
 // The form in which records are archived.
 enum SchemaType : unsigned int {
     noSchema = 0,

@@ -30,14 +30,17 @@
 //
 // When the window falls behind, so that more messages are waiting than nine tenths of what the
 // system lets wait, the workers stop reading, and TCP holds the central server back; they go on
-// when the window has consumed every message.
+// when the window has consumed every message. That bounds the messages, not their bytes: each may
+// be as large as its sender makes it, and any host that reaches the port may send.
 //
 // Threads: one thread makes, starts and destroys the listener and uses its settings. The functions
 // about the window and its messages may be called by any thread, stopThread excepted. Each
 // connection has a worker on a thread of its own.
 //
 // Ownership: the window object stays the host's; from the return of setAppWnd on, the one set
-// before is not used any more. A posted block belongs to the window.
+// before is not used any more. So setAppWnd(nullptr) comes before the CWnd goes. A posted block
+// belongs to the window. Messages may still be in the window's queue when the listener goes: the
+// host drains the queue first, or gives NyServerNotification a null listener from then on.
 //
 // A derived listener that overrides a virtual function calls endConnections in its destructor.
 class NYSERVER_API NyServerApp : public CUT_WSServer {
@@ -45,8 +48,9 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     NyServerApp();
 
     // Waits for all workers, without a limit: at most a round of 100 ms for one that is between
-    // messages, but up to 30 s after the last byte for one whose peer leaves a message unfinished.
-    // REQUIRES: not called by the thread of a worker.
+    // messages, but up to 30 s after the last byte for one whose peer leaves a message unfinished,
+    // so that a peer that drips its bytes holds it for as long as it drips, and up to 30 s more for
+    // an answer that the peer does not take. REQUIRES: not called by the thread of a worker.
     ~NyServerApp() override;
 
     // Listens on all interfaces at the port number, with a queue of 5, and accepts. 0, or the
@@ -67,14 +71,15 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     int getSessionNumber() const { return m_sessionNumber; }
 
     // This host's first IPv4 address, and that of a named host, in dotted text; empty when there is
-    // none.
+    // none or no memory is left.
     static CString _getIpAdress();
     static CString _getIpAdressByName(const CString& name);
 
     // Moves the content of `file` into a block and posts that to the window; `file` is empty then.
     // Without a window, or without memory for the block, the notification is dropped without a
-    // word, and `file` keeps its content. A message that the system does not take is counted like
-    // one that it takes. REQUIRES: the block of `file` comes from malloc, as its own does.
+    // word, and `file` keeps its content; it loses it when the window goes meanwhile. A message
+    // that the system does not take is counted like one that it takes. REQUIRES: the block of
+    // `file` comes from malloc, as its own does.
     void postMessageToMainFrame(unsigned int message, CMemFile& file);
 
     // Counts one more message as posted; pauses the workers when there are too many.
@@ -87,7 +92,8 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // The messages posted and not yet consumed.
     int getPostMsgCount();
 
-    // Pauses all present workers or lets them go on. REQUIRES: a ThreadListLock.
+    // Pauses all present workers or lets them go on. REQUIRES: a ThreadListLock, which only derived
+    // listeners can take; so it is for them.
     void stopThread(bool pause);
 
   protected:

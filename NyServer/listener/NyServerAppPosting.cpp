@@ -41,15 +41,17 @@ void NyServerApp::postMessageToMainFrame(unsigned int message, CMemFile& file) {
     post(message, size, address, std::move(block));
 }
 
-// Under the lock from posting to counting: a window that consumes the message at once would count
-// it down before it was counted up, and the count would never again come back to 0.
+// The window may have gone since it was looked at: without a handle the system would post to this
+// thread's own queue, where nobody consumes. Under the lock from posting to counting: a window that
+// consumes the message at once would count it down before it was counted up, and the count would
+// never again come back to 0.
 void NyServerApp::post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block) {
     const ThreadListLock lock(*this);
-    const CWnd* const window = getAppWnd();
+    const HWND window = appWindow();
     if (!window) return;
     // From its address the window can free the block; an empty one has none.
     if (address) static_cast<void>(block.release());
-    ::PostMessageW(window->GetSafeHwnd(), message, size, reinterpret_cast<LPARAM>(address));
+    ::PostMessageW(window, message, size, reinterpret_cast<LPARAM>(address));
     increasePostMsgCount();
 }
 

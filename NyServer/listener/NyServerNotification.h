@@ -22,13 +22,13 @@ class NYSERVER_API NyServerNotification {
   public:
     // Takes the block over. `listener`, which may be null, is told when the notification is
     // consumed, that is when this object goes; it must live as long. An address that is no
-    // allocated block is a notification without action and payload.
+    // moveable block is left alone and makes a notification without action and payload.
     NyServerNotification(WPARAM size, LPARAM address, NyServerApp* listener);
     ~NyServerNotification();
     NyServerNotification(const NyServerNotification&) = delete;
     NyServerNotification& operator=(const NyServerNotification&) = delete;
 
-    // 50 to 58; noAction when the block holds no message file.
+    // 50 to 58; noAction, and no payload, when the block holds no notification.
     NySe::ActionType getActionType() const { return m_action; }
 
     // What the central server sent, standing at its start and not able to grow. It is this

@@ -10,12 +10,8 @@ namespace {
 constexpr long kRoundMilliseconds = 100;
 constexpr int kIdleRoundsWithoutCheck = 50;
 constexpr int kLengthTimeOut = 15;  // seconds
-constexpr int kChunkTimeOut = 30;
+constexpr int kChunkTimeOut = 30;   // seconds
 constexpr UINT kGrowBytes = 1024;
-
-bool isNotification(int action) {
-    return action >= NySe::actionFirstNotification && action <= NySe::actionLastNotification;
-}
 
 }  // namespace
 
@@ -83,7 +79,7 @@ void NyServerThreadApp::receiveBody(CMemFile& body) {
 void NyServerThreadApp::dispatch(CMemFile& body) {
     if (m_currentAction == NySe::actionIsAlive)
         answerProbe();
-    else if (isNotification(m_currentAction))
+    else if (NySe::isNotification(m_currentAction))
         forward(body);
 }
 
