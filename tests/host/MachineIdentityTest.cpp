@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
+#include "NyServer/host/TextOrEmpty.h"
 #include "tests/host/AdapterChain.h"
 #include "tests/support/CStringPrinter.h"
 
@@ -169,10 +172,94 @@ TEST(AdapterList, IsTheSystems) {
     EXPECT_GE(adapters.size() * sizeof adapters[0], size);
 }
 
-TEST(AdapterList, GrowsUntilAllAdaptersFit) {
-    const auto expected = machineidentity::readAdapters();
-    const auto grown = machineidentity::readAdapters(1);
-    EXPECT_EQ(namesIn(expected), namesIn(grown));
+TEST(AdapterList, IsTheSameHoweverManyAreExpected) {
+    EXPECT_EQ(namesIn(machineidentity::readAdapters()), namesIn(machineidentity::readAdapters(1)));
+}
+
+// A system with so many adapters, of which each question but the first finds `added` more.
+class AdapterSystem {
+  public:
+    explicit AdapterSystem(size_t count, size_t added = 0) : m_count(count), m_added(added) {}
+
+    DWORD answer(IP_ADAPTER_INFO* buffer, ULONG* size) {
+        if (++questions > 1) m_count += m_added;
+        const ULONG wanted = static_cast<ULONG>(m_count * sizeof *buffer);
+        sizes.push_back(*size);
+        if (std::exchange(*size, wanted) < wanted) return ERROR_BUFFER_OVERFLOW;
+        for (size_t i = 0; i < m_count; ++i) {
+            std::snprintf(buffer[i].AdapterName, sizeof buffer[i].AdapterName, "%zu", i);
+            buffer[i].Next = i + 1 < m_count ? &buffer[i + 1] : nullptr;
+        }
+        return ERROR_SUCCESS;
+    }
+    std::vector<IP_ADAPTER_INFO> read(size_t expectedCount) {
+        return machineidentity::readAdapters(
+            expectedCount,
+            [this](IP_ADAPTER_INFO* buffer, ULONG* size) { return answer(buffer, size); });
+    }
+
+    int questions = 0;
+    std::vector<ULONG> sizes;
+
+  private:
+    size_t m_count;
+    size_t m_added;
+};
+
+TEST(AdapterList, IsReadAtOnceWhereItFits) {
+    AdapterSystem system(16);
+    EXPECT_EQ(namesIn(system.read(16)).size(), 16u);
+    EXPECT_EQ(system.sizes, std::vector<ULONG>{11264});
+}
+
+TEST(AdapterList, GrowsToWhatTheSystemAsksFor) {
+    AdapterSystem system(40);
+    const auto adapters = system.read(16);
+    EXPECT_EQ(namesIn(adapters).size(), 40u);
+    EXPECT_EQ(namesIn(adapters).back(), "39");
+    EXPECT_EQ(system.sizes, (std::vector<ULONG>{11264, 40 * sizeof(IP_ADAPTER_INFO)}));
+}
+
+TEST(AdapterList, GrowsAgainWhenMoreHaveCome) {
+    AdapterSystem system(2, 3);
+    // It has 2, 5, ... adapters, and is asked with room for 1, 2, 5, ...: never enough.
+    EXPECT_TRUE(namesIn(system.read(1)) == std::vector<std::string>{""});
+    EXPECT_EQ(system.questions, 8);
+}
+
+TEST(AdapterList, GrowsSeveralTimes) {
+    AdapterSystem system(40);
+    int overflows = 3;
+    const auto adapters =
+        machineidentity::readAdapters(1, [&](IP_ADAPTER_INFO* buffer, ULONG* size) -> DWORD {
+            if (overflows-- <= 0) return system.answer(buffer, size);
+            *size += sizeof *buffer;
+            return ERROR_BUFFER_OVERFLOW;
+        });
+    EXPECT_EQ(namesIn(adapters).size(), 40u);
+    EXPECT_EQ(system.sizes[0], 4 * sizeof(IP_ADAPTER_INFO));
+}
+
+TEST(AdapterList, IsEmptyWhenTheSystemFails) {
+    for (const DWORD error : {ERROR_NO_DATA, ERROR_NOT_SUPPORTED, ERROR_INVALID_PARAMETER}) {
+        int questions = 0;
+        const auto adapters = machineidentity::readAdapters(2, [&](IP_ADAPTER_INFO*, ULONG*) {
+            ++questions;
+            return error;
+        });
+        EXPECT_EQ(namesIn(adapters), std::vector<std::string>{""});
+        EXPECT_EQ(questions, 1);
+    }
+}
+
+TEST(TextOrEmpty, IsTheAnswer) {
+    EXPECT_EQ(textOrEmpty([] { return CString(L"answer"); }), L"answer");
+}
+
+TEST(TextOrEmpty, IsEmptyWhenMemoryRunsOut) {
+    EXPECT_EQ(textOrEmpty([]() -> CString { throw std::bad_alloc(); }), CString());
+    EXPECT_EQ(textOrEmpty([]() -> CString { AfxThrowMemoryException(); }), CString());
+    EXPECT_EQ(textOrEmpty([]() -> CString { throw 7; }), CString());
 }
 
 TEST(AdapterList, LiesInItsOwnMemory) {

@@ -30,18 +30,6 @@ const char* const kRecords[] = {
     "NySeLockArray",    "NySeMessage",         "NySeUser",
     "NySeUserPtrArray", "NySeSessionLock",     "NySeSessionLockPtrArray"};
 
-// First in this file, since the handle is kept from then on.
-TEST_F(Module, HandleIsRememberedOnceTheModuleIsLoaded) {
-    EXPECT_EQ(moduleresources::handle(), nullptr);
-    EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), CString());
-    LoadedLibrary library = load();
-    const HINSTANCE handle = library.handle();
-    ASSERT_NE(handle, nullptr);
-    EXPECT_EQ(moduleresources::handle(), handle);
-    library.free();
-    EXPECT_EQ(moduleresources::handle(), handle);
-}
-
 TEST_F(Module, BringsAndTakesItsClasses) {
     LoadedLibrary library = load();
     for (const char* name : kRecords) EXPECT_TRUE(knows(name)) << name;

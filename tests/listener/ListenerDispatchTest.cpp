@@ -87,6 +87,14 @@ TEST_F(ListenerDispatch, ANegativeLengthIsAnEmptyBody) {
     EXPECT_EQ(outline(), (Outline{{50, 0}, {51, 0}, {52, 3}}));
 }
 
+TEST_F(ListenerDispatch, ANegativeLengthLeavesTheNextConnectionAlone) {
+    send(wireOf(50) + wireOf(-1));
+    ASSERT_EQ(m_window.awaitMessages(1).size(), 1u);
+    auto next = connect();
+    next.send(frame(54, "good"));
+    EXPECT_EQ(postedFor(next).back().payload(), "good");
+}
+
 TEST_F(ListenerDispatch, ABodyMayComeInPieces) {
     const std::string body = patternOf(20);
     const std::string whole = frame(53, body);
@@ -106,13 +114,6 @@ TEST_F(ListenerDispatch, ALargeBodyArrivesAsItWasSent) {
     EXPECT_EQ(all[0].size, body.size() + 8);
     EXPECT_TRUE(all[0].payload() == body);
     EXPECT_EQ(hexOf(all[0].bytes.substr(0, 8)), "36 00 00 00 11 00 30 00");
-}
-
-TEST_F(ListenerDispatch, AnActionMayComeShort) {
-    send(std::string("\x01"));
-    ::Sleep(150);
-    send(wireOf(0));
-    EXPECT_EQ(m_peer->receive(), kAlive);
 }
 
 TEST_F(ListenerDispatch, AShortLengthIsAnEmptyBodyAndTheStreamGoesOn) {
@@ -161,6 +162,17 @@ TEST_F(ListenerReading, AsksForWhatItNeedsWithinItsTimes) {
     EXPECT_EQ(std::make_pair(asked[0].length, asked[0].timeOut), std::make_pair(4, 0));
     EXPECT_EQ(std::make_pair(asked[1].length, asked[1].timeOut), std::make_pair(4, 15));
     EXPECT_EQ(std::make_pair(asked[2].length, asked[2].timeOut), std::make_pair(5, 30));
+}
+
+TEST_F(ListenerReading, TakesAnActionThatComesShort) {
+    auto peer = connect();
+    peer.send("\x01");
+    ASSERT_TRUE(eventually([&] { return m_listener.script->all().size() == 2; }, kGenerously));
+    peer.send(wireOf(3) + "abc" + frame(52, "good"));
+    EXPECT_EQ(peer.receive(), kAlive);
+    const auto all = postedFor(peer);
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].payload(), "good");
 }
 
 TEST_F(ListenerReading, AsksForTheRestOfABody) {

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "NyServer/listener/NyServerNotification.h"
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/WorkingSet.h"
@@ -137,35 +138,109 @@ TEST_F(ListenerPostingToAWindow, KeepsNothingOfWhatItPosts) {
     EXPECT_LT(workingSet(), before + 20 * content.size());
 }
 
-TEST_F(ListenerPostingToAWindow, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStream) {
-    std::atomic<bool> isEnding = false;
-    std::thread sender([&] {
-        while (!isEnding) {
+// Posts without a pause until it goes.
+class StreamingSender {
+  public:
+    explicit StreamingSender(NyServerApp& listener)
+        : m_listener(listener), m_thread([this] { run(); }) {}
+    ~StreamingSender() {
+        m_isEnding = true;
+        m_thread.join();
+    }
+    StreamingSender(const StreamingSender&) = delete;
+    StreamingSender& operator=(const StreamingSender&) = delete;
+
+    // Once so many more posts have begun and ended.
+    bool awaitPosts(int count) {
+        const int wanted = m_posts + count + 1;
+        return eventually([&] { return m_posts >= wanted; }, kGenerously);
+    }
+
+  private:
+    void run() {
+        for (; !m_isEnding; ++m_posts) {
             CMemFile file;
             file.Write("stream", 6);
             m_listener.postMessageToMainFrame(kMessage, file);
         }
-    });
+    }
+
+    NyServerApp& m_listener;
+    std::atomic<bool> m_isEnding = false;
+    std::atomic<int> m_posts = 0;
+    std::thread m_thread;
+};
+
+TEST_F(ListenerPostingToAWindow, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStream) {
+    StreamingSender sender(m_listener);
     m_window.awaitMessages(50);
     m_window.destroyWindow();
-    ::Sleep(20);
+    ASSERT_TRUE(sender.awaitPosts(1));
     const int count = m_listener.getPostMsgCount();
     EXPECT_GE(count, 50);
-    ::Sleep(50);
+    ASSERT_TRUE(sender.awaitPosts(1000));
     EXPECT_EQ(m_listener.getPostMsgCount(), count);
-    isEnding = true;
-    sender.join();
+}
+
+// A window of the test's thread, which loses its handle when it is destroyed.
+class OwnWindow : public CWnd {
+  public:
+    OwnWindow() { CreateEx(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr); }
+    // How many messages there were.
+    int consume(NyServerApp& listener) {
+        int count = 0;
+        for (MSG one; ::PeekMessageW(&one, m_hWnd, kMessage, kMessage, PM_REMOVE); ++count)
+            const NyServerNotification consumed(one.wParam, one.lParam, &listener);
+        return count;
+    }
+};
+
+// Its length is asked for between the look at the window and the post.
+class FileThatEndsAWindow : public CMemFile {
+  public:
+    explicit FileThatEndsAWindow(CWnd& window) : m_window(window) {}
+    ULONGLONG GetLength() const override {
+        m_window.DestroyWindow();
+        return CMemFile::GetLength();
+    }
+
+  private:
+    CWnd& m_window;
+};
+
+TEST_F(ListenerPosting, NothingIsPostedToAWindowThatGoesMeanwhile) {
+    OwnWindow window;
+    m_listener.setAppWnd(&window);
+    FileThatEndsAWindow file(window);
+    file.Write("content", 7);
+    ASSERT_TRUE(::IsWindow(window.GetSafeHwnd()));
+    m_listener.postMessageToMainFrame(kMessage, file);
+    ASSERT_EQ(window.GetSafeHwnd(), nullptr);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    MSG message;
+    EXPECT_FALSE(::PeekMessageW(&message, nullptr, kMessage, kMessage, PM_REMOVE));
+    m_listener.setAppWnd(nullptr);
+}
+
+TEST_F(ListenerPosting, CountsNothingForWindowsThatGoInMidStream) {
+    StreamingSender sender(m_listener);
+    for (int round = 0; round < 50; ++round) {
+        OwnWindow window;
+        m_listener.setAppWnd(&window);
+        EXPECT_TRUE(eventually([&] { return window.consume(m_listener) > 0; }, kGenerously));
+        {
+            const ProbeListener::ThreadListLock nobodyPosts(m_listener);
+            window.consume(m_listener);
+            window.DestroyWindow();
+        }
+        ASSERT_TRUE(sender.awaitPosts(1));
+        EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+        m_listener.setAppWnd(nullptr);
+    }
 }
 
 TEST_F(ListenerPosting, LeavesAWindowObjectAloneOnceAnotherIsSet) {
-    std::atomic<bool> isEnding = false;
-    std::thread sender([&] {
-        while (!isEnding) {
-            CMemFile file;
-            file.Write("stream", 6);
-            m_listener.postMessageToMainFrame(kMessage, file);
-        }
-    });
+    const StreamingSender sender(m_listener);
     for (int i = 0; i < 3000; ++i) {
         Guarded<CWnd> window;
         window->Attach(m_window.wnd()->GetSafeHwnd());
@@ -174,8 +249,6 @@ TEST_F(ListenerPosting, LeavesAWindowObjectAloneOnceAnotherIsSet) {
         m_listener.setAppWnd(nullptr);
         window->Detach();
     }
-    isEnding = true;
-    sender.join();
     EXPECT_GT(posted().size(), 0u);
 }
 
@@ -197,7 +270,7 @@ TEST(ListenerCount, ComesBackToZeroUnderAnEagerWindow) {
         });
     for (auto& sender : senders) sender.join();
     EXPECT_EQ(window.awaitMessages(2 * kEach).size(), 2u * kEach);
-    EXPECT_TRUE(eventually([&] { return listener.getPostMsgCount() == 0; }));
+    EXPECT_TRUE(listener.awaitNoMessages());
 }
 
 TEST(ListenerCount, IsExactUnderManyThreads) {

@@ -93,7 +93,7 @@ TEST_F(ListenerServer, DoesNotServeConnectionsAboveTheMaximum) {
     ASSERT_TRUE(m_listener.awaitWorkers(1));
     auto second = m_listener.connection();
     second.send(kProbe);
-    EXPECT_EQ(second.receive(), "");
+    EXPECT_TRUE(second.awaitClose());
     first.send(kProbe);
     EXPECT_EQ(first.receive(), kAlive);
 }
@@ -133,10 +133,10 @@ TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
     listener.reset();
     EXPECT_EQ(window.awaitMessages(1).at(0).payload(), "abcdef");
     rest.join();
-    EXPECT_EQ(peer.receive(), "");
+    EXPECT_TRUE(peer.awaitClose());
 }
 
-// Connects again and again for at most 6 s.
+// Connects again and again for at most a minute.
 class RestlessPeers {
   public:
     explicit RestlessPeers(unsigned int port) : m_port(port) {
@@ -155,7 +155,7 @@ class RestlessPeers {
     static constexpr int kTalking = 2;
 
     void run(bool isSilent) {
-        const auto end = ::GetTickCount64() + 6000;
+        const auto end = ::GetTickCount64() + 60000;
         for (; !m_isEnding && ::GetTickCount64() < end; ::Sleep(1)) {
             peers::Connection peer(peers::connectTo(m_port), m_isEnding);
             if (!isSilent) peer.send(frame(50, "coming and going"));
@@ -177,7 +177,7 @@ TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
     EXPECT_GE(window.awaitMessages(5).size(), 5u);
     const auto start = ::GetTickCount64();
     listener.reset();
-    EXPECT_LT(::GetTickCount64() - start, 4000u);
+    EXPECT_LT(::GetTickCount64() - start, 30000u);
 }
 
 TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
@@ -185,7 +185,8 @@ TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("localhost")),
               NyFctIpUtil::_getIpAddressFromHostName(_T("localhost")));
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("127.0.0.9")), _T("127.0.0.9"));
-    EXPECT_TRUE(NyServerApp::_getIpAdressByName(_T("no.such.host.invalid")).IsEmpty());
+    const CString tooLong(L'x', 64);  // for a part of a host name: nobody needs to be asked
+    EXPECT_TRUE(NyServerApp::_getIpAdressByName(tooLong).IsEmpty());
 }
 
 TEST_F(ListenerServer, TheMessageOfItsNotificationsIsRegistered) {

@@ -45,7 +45,11 @@ class ProbeListener : public NyServerApp {
         SetPort(GetBoundPort());
         return true;
     }
-    peers::Connection connection() { return peers::connectionTo(GetBoundPort()); }
+    peers::Connection connection() {
+        peers::Connection peer = peers::connectionTo(GetBoundPort());
+        EXPECT_NE(peer.socket(), INVALID_SOCKET);
+        return peer;
+    }
 
     // The paused flags of the workers, the newest first.
     std::vector<bool> pauses() {
@@ -63,9 +67,13 @@ class ProbeListener : public NyServerApp {
         const ThreadListLock lock(*this);
         stopThread(isPaused);
     }
-    // Whether so many workers are there within 10 s.
+    // Whether there are so many workers before long.
     bool awaitWorkers(int count) {
-        return eventually([&] { return GetNumConnections() == count; });
+        return eventually([&] { return GetNumConnections() == count; }, kGenerously);
+    }
+    // Whether every message has been consumed before long.
+    bool awaitNoMessages() {
+        return eventually([&] { return getPostMsgCount() == 0; }, kGenerously);
     }
 };
 
@@ -143,10 +151,13 @@ class ListenerFixture : public testing::Test {
         EXPECT_TRUE(m_listener.awaitWorkers(before + 1));
         return peer;
     }
-    // Whether the connection is served.
+    // Whether the connection is served; waits up to kGenerously.
     static bool isAlive(peers::Connection& peer) {
         peer.send(kProbe);
-        return peer.receive() == kAlive;
+        std::string answer;
+        for (auto wait = kGenerously; answer.empty() && wait.count() > 0; wait -= peers::kPatience)
+            answer = peer.receive();
+        return answer == kAlive;
     }
     // What was posted, once everything sent over the connection has been handled.
     std::vector<PostedMessage> postedFor(peers::Connection& peer) {

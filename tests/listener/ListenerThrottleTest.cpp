@@ -133,6 +133,62 @@ TEST_F(ListenerThrottle, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
         EXPECT_EQ(m_window.messages()[i].payload().substr(0, 4), wireOf(static_cast<int>(i)));
 }
 
+// Sends one frame over and over, as long as the transport takes bytes at once.
+class EagerSender {
+  public:
+    EagerSender(SOCKET socket, std::string frame) : m_socket(socket), m_frame(std::move(frame)) {}
+
+    // The bytes sent when nothing more has been taken for half a second, or at least `most`.
+    size_t sendUntilHeldBack(size_t most) {
+        setNonBlocking(1);
+        while (m_sent < most && isTaking())
+            for (int count; m_sent < most && (count = sendRest()) > 0;)
+                m_sent += static_cast<size_t>(count);
+        setNonBlocking(0);
+        return m_sent;
+    }
+    // The frames sent once the one begun is whole.
+    size_t finishFrame() {
+        if (m_sent % m_frame.size() != 0) m_sent += static_cast<size_t>(sendRest());
+        EXPECT_EQ(m_sent % m_frame.size(), 0u);
+        return m_sent / m_frame.size();
+    }
+
+  private:
+    void setNonBlocking(u_long on) { ::ioctlsocket(m_socket, static_cast<long>(FIONBIO), &on); }
+    int sendRest() {
+        const size_t begun = m_sent % m_frame.size();
+        return ::send(m_socket, m_frame.data() + begun, static_cast<int>(m_frame.size() - begun),
+                      0);
+    }
+    bool isTaking() const {
+        fd_set set{};
+        set.fd_count = 1;
+        set.fd_array[0] = m_socket;
+        timeval patience{0, 500000};
+        return ::select(0, nullptr, &set, nullptr, &patience) == 1;
+    }
+
+    SOCKET m_socket;
+    std::string m_frame;
+    size_t m_sent = 0;
+};
+
+TEST_F(ListenerThrottle, ASenderIsHeldBackByTheTransportAndLosesNothing) {
+    constexpr size_t kMost = 64 * 1024 * 1024;
+    const std::string body(65528, 'b');
+    m_listener.pause(true);
+    EagerSender sender(m_peers[0].socket(), frame(54, body));
+    EXPECT_LT(sender.sendUntilHeldBack(kMost), kMost);
+    EXPECT_EQ(m_window.count(), 0u);
+    m_listener.pause(false);
+    const size_t frames = sender.finishFrame();
+    EXPECT_GT(frames, 0u);
+    const auto all = m_window.awaitMessages(frames);
+    ASSERT_EQ(all.size(), frames);
+    for (const auto& message : all) EXPECT_TRUE(message.payload() == body);
+}
+
 // Other workers than the listener's own may be in the list.
 class PlainWorker : public CUT_WSThread {
   public:

@@ -10,7 +10,6 @@ namespace {
 
 constexpr UINT kDestroy = WM_USER + 1;
 constexpr UINT kSettle = WM_USER + 2;
-constexpr DWORD kPatience = 10000;  // milliseconds
 constexpr wchar_t kClass[] = L"NyListenerTestWindow";
 
 }  // namespace
@@ -26,7 +25,7 @@ std::string PostedMessage::payload() const {
 }
 
 MainWindow::MainWindow(NyServerApp* listener) : m_listener(listener), m_thread([this] { run(); }) {
-    if (!eventually([this] { return ::IsWindow(m_wnd.GetSafeHwnd()) != FALSE; }))
+    if (!eventually([this] { return ::IsWindow(m_wnd.GetSafeHwnd()) != FALSE; }, kGenerously))
         throw std::runtime_error("no window");
 }
 
@@ -45,7 +44,8 @@ std::vector<PostedMessage> MainWindow::messages() const {
 }
 
 std::vector<PostedMessage> MainWindow::awaitMessages(size_t wanted) const {
-    for (size_t seen = 0; count() < wanted && eventually([&] { return count() > seen; });)
+    for (size_t seen = 0;
+         count() < wanted && eventually([&] { return count() > seen; }, kGenerously);)
         seen = count();
     return messages();
 }
@@ -59,7 +59,8 @@ size_t MainWindow::count() const {
 void MainWindow::settle() {
     const UniqueKernelHandle seen(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (::PostMessageW(m_wnd.GetSafeHwnd(), kSettle, 0, reinterpret_cast<LPARAM>(seen.get())))
-        ::WaitForSingleObject(seen.get(), kPatience);
+        ::WaitForSingleObject(seen.get(),
+                              static_cast<DWORD>(std::chrono::milliseconds(kGenerously).count()));
 }
 
 void MainWindow::forget() {

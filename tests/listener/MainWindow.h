@@ -3,6 +3,7 @@
 
 #include <afxwin.h>
 
+#include <chrono>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -10,6 +11,9 @@
 
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/support/Gate.h"
+
+// How long to wait for what must come; a crowded machine takes its time.
+inline constexpr std::chrono::seconds kGenerously{120};
 
 // A message as the window found it; it has freed the block.
 struct PostedMessage {
@@ -39,7 +43,7 @@ class MainWindow {
     void destroyWindow();
 
     std::vector<PostedMessage> messages() const;
-    // The messages there are once they are `count`, or when none has come for 10 s.
+    // The messages there are once they are `count`, or when none has come for kGenerously.
     std::vector<PostedMessage> awaitMessages(size_t count) const;
     size_t count() const;
     // Once the window has seen all that was posted so far.

@@ -69,6 +69,29 @@ TEST_F(Notification, IsEmptyWithoutABlock) {
     }
 }
 
+TEST_F(Notification, HasNoActionButThoseOfNotifications) {
+    for (const int action : {-1, 0, 1, 7, 49, 59, 50 + 256, 50 - 0x7FFFFFFF})
+        EXPECT_EQ(read(frame(action, "payload")), (Read{-1, ""})) << action;
+}
+
+// Any program can post the message with an address that it knows.
+TEST_F(Notification, LeavesMemoryAloneThatNobodyPosted) {
+    const std::string bytes = frame(50, "not posted");
+    const HGLOBAL fixed = ::GlobalAlloc(GMEM_FIXED, bytes.size());
+    void* const heap = ::HeapAlloc(::GetProcessHeap(), 0, bytes.size());
+    for (void* memory : {static_cast<void*>(fixed), heap}) {
+        std::memcpy(memory, bytes.data(), bytes.size());
+        {
+            NyServerNotification stranger(bytes.size(), reinterpret_cast<LPARAM>(memory), nullptr);
+            EXPECT_EQ(stranger.getActionType(), -1);
+            EXPECT_EQ(contentOf(stranger), "");
+        }
+        EXPECT_EQ(::HeapSize(::GetProcessHeap(), 0, memory), bytes.size());
+    }
+    EXPECT_EQ(::GlobalFree(fixed), nullptr);
+    EXPECT_TRUE(::HeapFree(::GetProcessHeap(), 0, heap));
+}
+
 TEST_F(Notification, FreesItsBlock) {
     for (int i = 0; i < 70000; ++i) {
         const LPARAM where = address("12345678");

@@ -77,6 +77,11 @@ std::string Connection::receive() {
     return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
 }
 
+bool Connection::awaitClose() {
+    char byte;
+    return waitForData() && ::recv(m_socket.get(), &byte, sizeof byte, 0) <= 0;
+}
+
 std::string Connection::receiveAll() {
     std::string all;
     for (std::string piece; !(piece = receive()).empty();) all += piece;

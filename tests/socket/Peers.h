@@ -43,6 +43,10 @@ class Connection {
     // What the next recv brings; empty at a close, an error, a stop or after kPatience.
     std::string receive();
 
+    // Whether this end sees the other one close, or reset, the connection within kPatience, with no
+    // data before that.
+    bool awaitClose();
+
     // All up to the first empty receive.
     std::string receiveAll();
 

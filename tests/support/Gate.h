@@ -39,10 +39,10 @@ class Gate {
     bool m_isOpen = false;
 };
 
-// Asks again and again, at most 10 s. Whether the answer was yes at last.
+// Asks again and again, at most as long as said. Whether the answer was yes at last.
 template <class Question>
-bool eventually(Question question) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+bool eventually(Question question, std::chrono::seconds patience = std::chrono::seconds(10)) {
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!question()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         ::Sleep(1);

@@ -72,6 +72,52 @@ TEST_F(Resources, OfSystemModulesAreSearchedLast) {
     EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
 }
 
+TEST_F(Resources, OfTheCurrentModuleAreSearchedAfterTheOthersWhenItIsTheSystems) {
+    AFX_EXTENSION_MODULE state = m_second.state();
+    m_second.dismiss();
+    AfxSetResourceHandle(m_second.handle());
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    const CDynLinkLibrary system(state, TRUE);
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+    m_first.free();
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+}
+
+TEST_F(Resources, OfTheCurrentSystemModuleAreSearchedBeforeThoseOfOthers) {
+    AFX_EXTENSION_MODULE first = m_first.state();
+    AFX_EXTENSION_MODULE second = m_second.state();
+    m_first.dismiss();
+    m_second.dismiss();
+    AfxSetResourceHandle(m_first.handle());
+    const CDynLinkLibrary current(first, TRUE);
+    const CDynLinkLibrary newer(second, TRUE);
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    AfxSetResourceHandle(nullptr);
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+}
+
+TEST_F(Resources, OfAModuleThatHasGoneAreNotSearched) {
+    AFX_EXTENSION_MODULE state = m_second.state();
+    state.hResource = m_first.handle();
+    const CDynLinkLibrary link(state);
+    m_first.free();
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+}
+
+TEST_F(Resources, MayLieInAFileMappedForThemAlone) {
+    wchar_t path[MAX_PATH] = L"";
+    ::GetModuleFileNameW(m_first.handle(), path, MAX_PATH);
+    const HMODULE file = ::LoadLibraryExW(path, nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    AfxSetResourceHandle(file);
+    EXPECT_EQ(text(IDS_FIRST_GUEST), L"of guest 1 alone");
+    EXPECT_EQ(finder(L"FIRSTGUEST"), file);
+    AfxSetResourceHandle(nullptr);
+    ::FreeLibrary(file);
+}
+
 TEST_F(Resources, MayLieInAnotherModuleThanTheClasses) {
     AFX_EXTENSION_MODULE state = m_second.state();
     state.hResource = m_first.handle();

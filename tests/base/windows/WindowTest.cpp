@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <stdexcept>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -139,6 +141,60 @@ TEST(Window, OfAnUnknownClassIsNotMade) {
     EXPECT_EQ(window.m_hWnd, nullptr);
     EXPECT_TRUE(window.messages.empty());
     ::DestroyWindow(other);
+}
+
+// Refuses every window of this thread.
+class WindowVeto {
+  public:
+    WindowVeto() { m_hook = ::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId()); }
+    ~WindowVeto() { ::UnhookWindowsHookEx(m_hook); }
+    WindowVeto(const WindowVeto&) = delete;
+    WindowVeto& operator=(const WindowVeto&) = delete;
+
+  private:
+    static LRESULT CALLBACK refuse(int code, WPARAM, LPARAM) { return code == HCBT_CREATEWND; }
+
+    HHOOK m_hook;
+};
+
+TEST(Window, RefusedByAHookIsNotMade) {
+    TestWindow window;
+    {
+        const WindowVeto veto;
+        EXPECT_FALSE(window.createMessageOnly());
+        EXPECT_EQ(window.GetSafeHwnd(), nullptr);
+    }
+    EXPECT_TRUE(window.createMessageOnly());
+    EXPECT_EQ(::SendMessageW(window.m_hWnd, kRequest, 40, 2), 42);
+}
+
+TEST(Window, MayDeleteItselfWhenItRefusesToBeMade) {
+    bool wasDeleted = false;
+    auto* window = new TestWindow;
+    window->deletesItself = true;
+    window->wasDeleted = &wasDeleted;
+    window->script = [](UINT message) {
+        if (message == WM_CREATE) throw std::runtime_error("no");
+    };
+    EXPECT_FALSE(window->createMessageOnly());
+    EXPECT_TRUE(wasDeleted);
+}
+
+TEST(Window, TellsOtherThreadsItsHandleWhileItComesAndGoes) {
+    TestWindow window;
+    std::atomic<bool> isDone = false;
+    std::atomic<bool> wasSeen = false;
+    std::thread reader([&] {
+        while (!isDone) wasSeen = wasSeen || window.GetSafeHwnd() != nullptr;
+    });
+    for (int i = 0; i < 1000 && !wasSeen; ++i) {
+        window.createMessageOnly();
+        ::Sleep(1);
+        window.DestroyWindow();
+    }
+    isDone = true;
+    reader.join();
+    EXPECT_TRUE(wasSeen);
 }
 
 TEST(Window, LetsNoExceptionThrough) {
