@@ -186,12 +186,12 @@ TEST_F(ListenerPostingToAWindow, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidSt
 class OwnWindow : public CWnd {
   public:
     OwnWindow() { CreateEx(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr); }
-    // How many messages there were.
-    int consume(NyServerApp& listener) {
-        int count = 0;
-        for (MSG one; ::PeekMessageW(&one, m_hWnd, kMessage, kMessage, PM_REMOVE); ++count)
-            const NyServerNotification consumed(one.wParam, one.lParam, &listener);
-        return count;
+    // Whether there was a message.
+    bool consumeOne(NyServerApp& listener) {
+        MSG one;
+        if (!::PeekMessageW(&one, m_hWnd, kMessage, kMessage, PM_REMOVE)) return false;
+        const NyServerNotification consumed(one.wParam, one.lParam, &listener);
+        return true;
     }
 };
 
@@ -227,10 +227,11 @@ TEST_F(ListenerPosting, CountsNothingForWindowsThatGoInMidStream) {
     for (int round = 0; round < 50; ++round) {
         OwnWindow window;
         m_listener.setAppWnd(&window);
-        EXPECT_TRUE(eventually([&] { return window.consume(m_listener) > 0; }, kGenerously));
+        EXPECT_TRUE(eventually([&] { return window.consumeOne(m_listener); }, kGenerously));
         {
             const ProbeListener::ThreadListLock nobodyPosts(m_listener);
-            window.consume(m_listener);
+            while (window.consumeOne(m_listener)) {
+            }
             window.DestroyWindow();
         }
         ASSERT_TRUE(sender.awaitPosts(1));
