@@ -223,7 +223,8 @@ TEST_F(ListenerPosting, NothingIsPostedToAWindowThatGoesMeanwhile) {
 }
 
 TEST_F(ListenerPosting, CountsNothingForWindowsThatGoInMidStream) {
-    StreamingSender sender(m_listener);
+    StreamingSender senders[] = {StreamingSender(m_listener), StreamingSender(m_listener),
+                                 StreamingSender(m_listener)};
     for (int round = 0; round < 50; ++round) {
         OwnWindow window;
         m_listener.setAppWnd(&window);
@@ -234,7 +235,7 @@ TEST_F(ListenerPosting, CountsNothingForWindowsThatGoInMidStream) {
             }
             window.DestroyWindow();
         }
-        ASSERT_TRUE(sender.awaitPosts(1));
+        for (auto& sender : senders) ASSERT_TRUE(sender.awaitPosts(1));
         EXPECT_EQ(m_listener.getPostMsgCount(), 0);
         m_listener.setAppWnd(nullptr);
     }
