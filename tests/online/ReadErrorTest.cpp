@@ -37,7 +37,9 @@ class FtpScript {
         const std::string verb = command.substr(0, 4);
         if (verb == "PORT") m_dataPort = dataPort(command);
         if (verb == "RETR") return sendFile(control);
-        control.send(verb == "USER" ? "331 password\r\n" : "230 fine\r\n");
+        control.send(verb == "USER"   ? "331 password\r\n"
+                     : verb == "PASS" ? "230 in\r\n"
+                                      : "200 fine\r\n");
     }
 
     // From "PORT h1,h2,h3,h4,p1,p2".
@@ -48,9 +50,11 @@ class FtpScript {
     }
 
     void sendFile(peers::Connection& control) {
-        const UniqueSocket data = connectToLoopback(m_dataPort);
+        UniqueSocket data = connectToLoopback(m_dataPort);
         control.send("150 here: 100%s\r\n");
         m_serveFile();
+        data.reset();
+        control.send("226 sent: 100%s\r\n");
     }
 
     static UniqueSocket connectToLoopback(int port) {
@@ -94,7 +98,7 @@ TEST_F(OnlineReadError, ShowsTheServersLastResponse) {
     peers::Peer ftp(FtpScript([] { closeOpened(INTERNET_HANDLE_TYPE_FTP_FILE, L""); }));
     EXPECT_EQ(L"",
               versionAt(CString(("ftp://127.0.0.1:" + std::to_string(ftp.port()) + "/").c_str())));
-    expectErrorBox(std::wstring(L"InternetReadFile return: 150 here: 100%s"));
+    expectErrorBox(std::wstring(L"InternetReadFile return: 226 sent: 100%s"));
 }
 
 }  // namespace
