@@ -1,4 +1,4 @@
-#include "../QoWaitCursor.h"
+#include "QoWaitCursor.h"
 
 QoWaitCursor::QoWaitCursor() : m_previous(::SetCursor(::LoadCursorW(nullptr, IDC_WAIT))) {}
 
