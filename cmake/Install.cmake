@@ -22,6 +22,7 @@ set(ny_public_headers
   base/mfc/afx.h
   base/mfc/afxarray.h
   base/mfc/afxcoll.h
+  base/mfc/afxdllx.h
   base/mfc/afxplatform.h
   base/mfc/afxtempl.h
   base/mfc/afxwin.h
@@ -30,6 +31,9 @@ set(ny_public_headers
   base/qo/QoArraySimple.h
   base/qo/QoObject2.h
   base/qo/QoSort.h
+  base/qo/QoUi.h
+  base/qo/QoUiLoadString.h
+  base/qo/QoUiSwitchResource.h
   client/NySeClientApp.h
   framing/NySeActions.h
   framing/NySeMemFile.h
