@@ -19,6 +19,7 @@
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "NyServer/listener/NyServerNotification.h"
+#include "NyServer/socket/SocketCodes.h"
 
 namespace {
 

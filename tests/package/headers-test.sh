@@ -4,6 +4,6 @@
 set -eu
 . "$(dirname "$0")/lib.sh"
 
-configure "$(dirname "$0")/consumer" "$scratch/consumer" -D CMAKE_BUILD_TYPE=Debug -D package_version="$version"
+configure "$(dirname "$0")/consumer" "$scratch/consumer" -D package_version="$version"
 must build-consumer cmake --build "$scratch/consumer"
 report

@@ -27,7 +27,6 @@ must() {
 
 # configure SOURCE BUILD [ARGUMENT...]: a user's project, which has the package and the toolchain.
 configure() {
-  rm -rf "$2"
   must "configure-${2##*/}" cmake -S "$1" -B "$2" -G Ninja -D CMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-toolchain.cmake" \
     -D NyServer_DIR="$prefix/lib/cmake/NyServer" "${@:3}"
 }
