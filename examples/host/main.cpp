@@ -40,17 +40,25 @@ int fail(const char* what, int status = 1) {
     return status;
 }
 
-// What happened is in the notification's number: 50 and 51 are about a lock, 54 and 55 about a
-// user. With it comes the record as it is now; it has come over the network, and may be anything.
+// The record that came with a notification. It has come over the network: null when the bytes are
+// no such record.
+template <class Record>
+std::unique_ptr<Record> recordOf(NyServerNotification& notification) {
+    CObject* const object = NySe::readReplyObject(notification.getMemFile(), RUNTIME_CLASS(Record));
+    return std::unique_ptr<Record>(static_cast<Record*>(object));
+}
+
 CString describe(NyServerNotification& notification) {
+    const int number = notification.getActionType();
     CString text;
-    text.Format(_T("notification %d"), static_cast<int>(notification.getActionType()));
-    const std::unique_ptr<CObject> record(
-        NySe::readReplyObject(notification.getMemFile(), RUNTIME_CLASS(CObject)));
-    if (const auto* lock = dynamic_cast<const NySeLock*>(record.get()))
-        text += _T(": lock ") + lock->getStrLockName();
-    if (const auto* user = dynamic_cast<const NySeUser*>(record.get()))
-        text += _T(": user ") + user->getStrUserName();
+    text.Format(_T("notification %d"), number);
+    if (number == 50 || number == 51) {  // granted, released
+        if (const auto lock = recordOf<NySeLock>(notification))
+            text += _T(": lock ") + lock->getStrLockName();
+    } else if (number == 54 || number == 55) {  // joined, left
+        if (const auto user = recordOf<NySeUser>(notification))
+            text += _T(": user ") + user->getStrUserName();
+    }
     return text;
 }
 

@@ -32,7 +32,7 @@ run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 20 > "$work/host.log" 2>&1 &
 host=$!
 trap 'kill "$host" 2> /dev/null || true; cleanup' EXIT
 for _ in $(seq 200); do
-  ! grep -q holding "$work/host.log" || break
+  ! grep -qs holding "$work/host.log" || break
   sleep 0.05
 done
 
