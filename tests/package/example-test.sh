@@ -28,7 +28,7 @@ expect_end 1 'no central server there' 127.0.0.1 1 1 1
 start_central "$prefix/bin/nycentral.exe"
 expect_end 1 'waited long enough' 127.0.0.1 "$port" 1 1
 
-run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 20 > "$work/host.log" 2>&1 &
+run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 60 > "$work/host.log" 2>&1 &
 host=$!
 trap 'kill "$host" 2> /dev/null || true; cleanup' EXIT
 for _ in $(seq 200); do
