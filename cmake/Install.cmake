@@ -44,6 +44,7 @@ set(ny_public_headers
   listener/NyServerApp.h
   listener/NyServerNotification.h
   listener/NyServerThreadApp.h
+  online/NyFctWebService.h
   records/NySeConnection.h
   records/NySeConnectionArray.h
   records/NySeLock.h
