@@ -34,6 +34,7 @@ set(ny_public_headers
   base/qo/QoUi.h
   base/qo/QoUiLoadString.h
   base/qo/QoUiSwitchResource.h
+  base/qo/QoWaitCursor.h
   client/NySeClientApp.h
   framing/NySeActions.h
   framing/NySeMemFile.h
