@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "apps/common/Utf8.h"
+#include "NyServer/socket/SocketCodes.h"
 
 namespace {
 
@@ -26,6 +27,7 @@ bool isServerAddress(const std::string& server) {
 void Session::close() {
     if (m_connected) m_client.disconnect();
     m_connected = m_registered = false;
+    m_listener.reset();
 }
 
 bool Session::open() {
@@ -48,4 +50,23 @@ bool Session::registerUser() {
     m_user.setSchema(NySe::schema2015);
     m_registered = m_client.getPortClient(m_user) != 0;
     return m_registered;
+}
+
+// The server gives up a port at which nobody listens; then only another one starts afresh.
+int Session::firstPort() {
+    if (m_registered) return m_client.getAnotherPort();
+    return registerUser() ? m_user.getPort() : 0;
+}
+
+NyServerApp* Session::listen() {
+    if (m_listener) return m_listener.get();
+    auto listener = std::make_unique<NyServerApp>();
+    for (LONG port = firstPort(); port > 0; port = m_client.getAnotherPort()) {
+        listener->setPortNumber(static_cast<unsigned short>(port));
+        if (listener->Start() != UTE_SUCCESS) continue;
+        m_user.setPort(port);
+        m_listener = std::move(listener);
+        break;
+    }
+    return m_listener.get();
 }
