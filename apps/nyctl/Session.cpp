@@ -26,7 +26,7 @@ bool isServerAddress(const std::string& server) {
 
 void Session::close() {
     if (m_connected) m_client.disconnect();
-    m_connected = m_registered = false;
+    m_connected = m_registered = m_listening = false;
     m_listener.reset();
 }
 
@@ -58,15 +58,18 @@ int Session::firstPort() {
     return registerUser() ? m_user.getPort() : 0;
 }
 
-NyServerApp* Session::listen() {
-    if (m_listener) return m_listener.get();
-    auto listener = std::make_unique<NyServerApp>();
+NyServerApp& Session::listener() {
+    if (!m_listener) m_listener = std::make_unique<NyServerApp>();
+    return *m_listener;
+}
+
+bool Session::listen() {
+    if (m_listening) return true;
     for (LONG port = firstPort(); port > 0; port = m_client.getAnotherPort()) {
-        listener->setPortNumber(static_cast<unsigned short>(port));
-        if (listener->Start() != UTE_SUCCESS) continue;
+        listener().setPortNumber(static_cast<unsigned short>(port));
+        if (listener().Start() != UTE_SUCCESS) continue;
         m_user.setPort(port);
-        m_listener = std::move(listener);
-        break;
+        return m_listening = true;
     }
-    return m_listener.get();
+    return false;
 }

@@ -28,11 +28,13 @@ class Session {
     // Enters the user at the server, once. False when there is no connection or the server gave no
     // port.
     bool registerUser();
-    // Registers the user and listens at the port that the server gives, or at another one that it
-    // gives when that is taken on this machine. The listener lives as long as the connection: the
-    // server takes a user whose listener has gone for a user who has gone. Null when there is no
+    // The user's listener, which does not listen before listen. It goes with the connection, not
+    // earlier: the server takes a user whose listener has gone for one who has gone.
+    NyServerApp& listener();
+    // Registers the user and listens, unless that was done: at the port that the server gives, or
+    // at another one that it gives when that is taken on this machine. False when there is no
     // connection or the server gave no port that is free.
-    NyServerApp* listen();
+    bool listen();
 
     NySeClientApp& client() { return m_client; }
     const NySeUser& user() const { return m_user; }
@@ -47,5 +49,6 @@ class Session {
     NySeUser m_user;
     bool m_connected = false;
     bool m_registered = false;
+    bool m_listening = false;
     std::unique_ptr<NyServerApp> m_listener;
 };

@@ -25,35 +25,37 @@ void awaitMessage() {
 
 ExitStatus Watch::run() {
     const StopRequest stopRequest;
-    NyServerApp* const listener = m_context.session.listen();
-    if (listener == nullptr) {
-        const ExitStatus status = ifAnswered(m_context, exitNo);
-        if (status == exitNo) Output::complain("the server gives no port that is free here");
-        return status;
-    }
-    Output::note("watching at port " + std::to_string(listener->getPortNumber()));
-    const ExitStatus status = follow(*listener);
-    if (status == exitNoAnswer) {
-        Output::complain(m_context.session.server() + " has gone away");
-        m_context.session.close();
-    }
-    return status;
+    const ExitStatus status = follow();
+    if (status == exitNo) Output::complain("the server gives no port that is free here");
+    // Not earlier: the window uses the listener, which goes with the connection.
+    return status == exitNoAnswer ? noAnswer(m_context) : status;
 }
 
-// What came before the server went away is shown first.
-ExitStatus Watch::follow(NyServerApp& listener) {
+// The window is there before the listener, so that nothing is missed from the registration on.
+ExitStatus Watch::follow() {
+    NyServerApp& listener = m_context.session.listener();
     const WatchWindow window(
         listener, [this](NySe::ActionType action, CMemFile& payload) { show(action, payload); });
-    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
+    if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoAnswer;
+    Output::note("watching at port " + std::to_string(listener.getPortNumber()));
+    m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
-        if (m_limits.hasCount() && m_seen >= m_limits.count) return exitYes;
-        if (StopRequest::isMade()) return exitYes;
-        if (m_limits.hasTime() && Clock::now() >= end)
-            return m_limits.hasCount() ? exitTimeOut : exitYes;
+        if (const auto end = outcome()) return *end;
         if (dispatchOne()) continue;
-        if (!m_context.client().IsConnected()) return exitNoAnswer;
+        // Only now: what came before the server went away is shown first.
+        if (!m_context.client().IsConnected()) {
+            Output::complain("the server has gone away");
+            return exitNoAnswer;
+        }
         awaitMessage();
     }
+}
+
+std::optional<ExitStatus> Watch::outcome() const {
+    if (StopRequest::isMade()) return exitYes;
+    if (m_limits.hasCount() && m_seen >= m_limits.count) return exitYes;
+    if (!m_limits.hasTime() || Clock::now() < m_end) return std::nullopt;
+    return m_limits.hasCount() ? exitTimeOut : exitYes;
 }
 
 void Watch::show(NySe::ActionType action, CMemFile& payload) {

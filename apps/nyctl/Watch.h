@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 
 #include "apps/nyctl/CommandTools.h"
 
@@ -25,10 +26,13 @@ class Watch {
   private:
     using Clock = std::chrono::steady_clock;
 
-    ExitStatus follow(NyServerApp& listener);
+    ExitStatus follow();
+    // Why it ends now; nothing when it goes on.
+    std::optional<ExitStatus> outcome() const;
     void show(NySe::ActionType action, CMemFile& payload);
 
     Context& m_context;
     const WatchLimits m_limits;
+    Clock::time_point m_end;
     unsigned long m_seen = 0;
 };
