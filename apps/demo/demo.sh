@@ -81,7 +81,7 @@ set -m  # a background program ignores Ctrl+C unless it is a job of its own
 run nycentral --port-file "$work/port" > "$work/central.log" 2>&1 &
 central=$!
 set +m
-for _ in $(seq 100); do
+for _ in $(seq 600); do  # Wine's first start takes long
   [ ! -s "$work/port" ] || break
   sleep 0.1
 done
@@ -108,6 +108,7 @@ begins bob watch --count 1 --timeout 60
 hears bob 'watching at port'
 says anna lock part/42 --mode 0x18
 expect 'granted: true'
+echo "bob, who watches:"
 hears bob
 expect '50 a lock was granted  NySeLock: part/42, held by session 1 (exclude1+exclude2)'
 
