@@ -115,7 +115,8 @@ class NyctlWatch : public CentralTest {
 TEST_F(NyctlWatch, ShowsEveryNotificationInALine) {
     EXPECT_EQ(exitYes, watchAll());
     const char* const patterns[] = {
-        "50 a lock was granted  NySeLock: part/42, held by session 1 \\(access1\\+exclude2\\)",
+        "50 a lock was granted  NySeLock: part/42, held by session 1 "
+        "\\(access1\\+exclude1\\+exclude2\\)",
         "51 a lock was released  NySeLock: part/42, held by nobody",
         "52 a connection was opened  NySeConnection: Server=c, id 1, opens 1",
         "53 a connection was closed  NySeConnection: Server=c, id 1, opens 0",
@@ -269,10 +270,11 @@ TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
 }
 
 TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
-    for (const char* options : {"--count 0", "--count -1", "--timeout 0", "--timeout -1"})
+    for (const char* options : {"--count 0", "--count -1", "--timeout 0", "--timeout -1"}) {
         EXPECT_THROW(watch(options), CLI::ParseError) << options;
-    ::testing::internal::GetCapturedStdout();
-    ::testing::internal::GetCapturedStderr();
+        ::testing::internal::GetCapturedStdout();
+        ::testing::internal::GetCapturedStderr();
+    }
 }
 
 TEST_F(NyctlWatch, AStopRequestEndsItWell) {
