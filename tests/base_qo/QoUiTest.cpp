@@ -114,13 +114,18 @@ TEST(QoUiLoadString, TakesTheTextFromItsModuleAlone) {
 TEST(QoUiLoadString, IsEmptyWithoutAModule) {
     const LoadedGuest guest(1);
     const SwitchTo toGuest(guest.handle());
-    EXPECT_EQ(TextOf(nullptr, IDS_GUESTS).loadString(), CString());
+    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
+    EXPECT_EQ(TextOf(nullptr, IDS_EVERYWHERE).loadString(), CString());
+}
+
+TEST(QoUiLoadString, TakesTheProgramsTextAtFirst) {
+    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of the program");
 }
 
 TEST(QoUiLoadString, TakesTheCurrentModuleUnlessToldOtherwise) {
     const LoadedGuest guest(1);
     const SwitchTo toGuest(guest.handle());
-    EXPECT_EQ(CurrentText(IDS_GUESTS).loadString(), L"a guest's 1");
+    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
 }
 
 TEST(QoUiLoadString, HasOneVirtualOperation) {

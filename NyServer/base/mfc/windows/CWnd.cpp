@@ -28,13 +28,13 @@ struct AfxWindowProcedure {
     static LRESULT CALLBACK call(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         CWnd* const object = objectOf(window);
         if (object == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
-        const LRESULT result = callSafely(*object, message, wParam, lParam);
+        const LRESULT result = callSafely(*object, window, message, wParam, lParam);
         if (message == WM_NCDESTROY) finish(*object);
         return result;
     }
 
-    static LRESULT callSafely(CWnd& object, UINT message, WPARAM wParam, LPARAM lParam) noexcept {
-        const HWND window = object.m_hWnd;
+    static LRESULT callSafely(CWnd& object, HWND window, UINT message, WPARAM wParam,
+                              LPARAM lParam) noexcept {
         try {
             return object.WindowProc(message, wParam, lParam);
         } catch (CException* exception) {
