@@ -253,6 +253,7 @@ TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreComes) {
     };
     EXPECT_EQ(exitYes, watchWhile(act, "--count 2 --timeout 60"));
     EXPECT_EQ(2U, lines().size());
+    EXPECT_EQ(0, session.listener().getPostMsgCount());
 }
 
 TEST_F(NyctlWatch, TheTimeMayBeUpBeforeTheCount) {
