@@ -4,6 +4,8 @@
 
 #include "apps/common/StopRequest.h"
 #include "apps/nyctl/Commands.h"
+#include "apps/nyctl/WatchWindow.h"
+#include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/CentralTest.h"
 
@@ -37,6 +39,7 @@ class NyctlWatch : public CentralTest {
         CentralTest::SetUp();
         m_options.server = "127.0.0.1:" + std::to_string(server.GetPort());
         connect(client);
+        session.listener();  // so that the acting thread finds it
     }
 
     ExitStatus watch(const std::string& options) {
@@ -51,11 +54,12 @@ class NyctlWatch : public CentralTest {
         return status;
     }
 
-    // While `act` is done on another thread, as soon as Bob is registered.
+    // While `act` is done on another thread, as soon as Bob is registered and has his window.
     template <class Act>
     ExitStatus watchWhile(Act act, const std::string& options) {
         std::thread actor([&] {
-            EXPECT_TRUE(eventually([this] { return isThere("Bob"); }));
+            EXPECT_TRUE(eventually(
+                [this] { return isThere("Bob") && session.listener().getAppWnd() != nullptr; }));
             act();
         });
         const ExitStatus status = watch(options);
@@ -253,7 +257,6 @@ TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreComes) {
     };
     EXPECT_EQ(exitYes, watchWhile(act, "--count 2 --timeout 60"));
     EXPECT_EQ(2U, lines().size());
-    EXPECT_EQ(0, session.listener().getPostMsgCount());
 }
 
 TEST_F(NyctlWatch, TheTimeMayBeUpBeforeTheCount) {
@@ -317,7 +320,11 @@ TEST_F(NyctlWatch, TheNextOneUsesTheSameListener) {
 TEST_F(NyctlWatch, AUserRegisteredEarlierGetsAnotherPort) {
     ASSERT_TRUE(session.registerUser());
     const LONG first = bob().getPort();
-    EXPECT_EQ(exitYes, watchWhile([this] { client.lock("a", 0x01); }, "--count 1 --timeout 60"));
+    const auto act = [&] {
+        EXPECT_TRUE(eventually([&] { return bob().getPort() != first; }));
+        client.lock("a", 0x01);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 1 --timeout 60"));
     EXPECT_NE(first, session.listener().getPortNumber());
     EXPECT_EQ(session.user().getPort(), session.listener().getPortNumber());
 }
@@ -351,6 +358,36 @@ TEST_F(NyctlWatchNoPort, IsRefused) {
     EXPECT_NE(std::string::npos,
               m_complaint.find("nyctl: the server gives no port that is free here\n"))
         << m_complaint;
+}
+
+// A listener of which nobody knows.
+struct NyctlWatchWindow : ::testing::Test {
+    void post() {
+        NySeMemFile message;
+        message.writeAction(NySe::actionNotification50, NySe::schema2015);
+        listener.postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, message);
+    }
+
+    NyServerApp listener;
+    int shown = 0;
+    std::unique_ptr<WatchWindow> window =
+        std::make_unique<WatchWindow>(listener, [this](NySe::ActionType, CMemFile&) { ++shown; });
+};
+
+TEST_F(NyctlWatchWindow, DropsWhatHasNotBeenDispatchedWhenItGoes) {
+    post();
+    post();
+    EXPECT_EQ(2, listener.getPostMsgCount());
+    window.reset();
+    EXPECT_EQ(0, listener.getPostMsgCount());
+    EXPECT_EQ(0, shown);
+    post();
+    EXPECT_EQ(0, listener.getPostMsgCount());
+}
+
+TEST_F(NyctlWatchWindow, PassesOverAMessageWithNothingBehindIt) {
+    ::SendMessageW(window->GetSafeHwnd(), NySe::_TM_NYSERVERMESSAGE, 100, 0);
+    EXPECT_EQ(0, shown);
 }
 
 }  // namespace
