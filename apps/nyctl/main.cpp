@@ -36,11 +36,14 @@ int run() {
     CLI::App* const shell =
         app.add_subcommand("shell", "Commands from standard input, one a line, on one connection");
     shell->footer("Example: printf 'register\\nusers\\n' | nyctl --user Anna shell");
-    shell->callback([&] { status = runShell(session, output); });
+    shell->callback([&] {
+        options.isShell = true;
+        status = runShell(session, output);
+    });
     app.footer(
         "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
-        "answer.");
+        "answer, 4 the time was up.");
 
     std::vector<std::string> arguments = commandLineArguments();
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
