@@ -90,14 +90,14 @@ void CArchive::makeRoom(size_t count) {
     if (IsLoading()) throwWrongDirection();
     Flush();
     openWindow(count);
-    if (static_cast<size_t>(m_outEnd - m_out) < count) AfxThrowMemoryException();
+    if (roomLeft() < count) AfxThrowMemoryException();
 }
 
 void CArchive::Write(const void* buffer, int count) {
     if (IsLoading()) throwWrongDirection();
     if (count <= 0) return;
     const size_t bytes = static_cast<size_t>(count);
-    if (static_cast<size_t>(m_outEnd - m_out) < bytes) {
+    if (roomLeft() < bytes) {
         if (!m_direct && bytes > std::max(m_bufferSize, kSmallestBuffer)) {
             Flush();
             m_file->Write(buffer, static_cast<UINT>(count));
@@ -118,15 +118,15 @@ bool CArchive::tryFetch(size_t count) {
         m_file->GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &max);
         m_start = m_in = static_cast<BYTE*>(start);
         m_inEnd = static_cast<BYTE*>(max);
-        return static_cast<size_t>(m_inEnd - m_in) >= count;
+        return unreadBytes() >= count;
     }
     useOwnBuffer();
-    const size_t held = static_cast<size_t>(m_inEnd - m_in);
+    const size_t held = unreadBytes();
     if (held > 0) std::memmove(m_buffer, m_in, held);
     m_start = m_in = m_buffer;
     // Kept up to date, so that nothing is lost when the file throws.
     m_inEnd = m_buffer + held;
-    while (static_cast<size_t>(m_inEnd - m_in) < count) {
+    while (unreadBytes() < count) {
         const UINT room = static_cast<UINT>(m_buffer + m_bufferSize - m_inEnd);
         const UINT got = m_file->Read(m_inEnd, room);
         if (got == 0) return false;
@@ -166,11 +166,7 @@ ULONGLONG CArchive::BytesLeft() const {
     return static_cast<ULONGLONG>(m_inEnd - m_in) + (length > position ? length - position : 0);
 }
 
-void CArchive::WriteCount(size_t count) {
-    if (count < 0xFFFF) {
-        *this << static_cast<WORD>(count);
-        return;
-    }
+void CArchive::writeLongCount(size_t count) {
     if (count > 0xFFFFFFFE) AfxThrowInvalidArgException();
     *this << static_cast<WORD>(0xFFFF) << static_cast<DWORD>(count);
 }

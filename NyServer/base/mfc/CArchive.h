@@ -61,7 +61,8 @@ class NYBASE_API CArchive {
 
     template <class T>
     requires afxIsArchiveValue<T> CArchive& operator<<(T value) {
-        if (static_cast<size_t>(m_outEnd - m_out) < sizeof value) makeRoom(sizeof value);
+        if (roomLeft() < sizeof value) [[unlikely]]
+            makeRoom(sizeof value);
         std::memcpy(m_out, &value, sizeof value);
         m_out += sizeof value;
         return *this;
@@ -69,7 +70,8 @@ class NYBASE_API CArchive {
 
     template <class T>
     requires afxIsArchiveValue<T> CArchive& operator>>(T& value) {
-        if (static_cast<size_t>(m_inEnd - m_in) < sizeof value) fetch(sizeof value);
+        if (unreadBytes() < sizeof value) [[unlikely]]
+            fetch(sizeof value);
         std::memcpy(&value, m_in, sizeof value);
         m_in += sizeof value;
         return *this;
@@ -84,7 +86,13 @@ class NYBASE_API CArchive {
     }
 
     // A count: 2 bytes below FFFF, else FFFF and 4 bytes.
-    void WriteCount(size_t count);
+    void WriteCount(size_t count) {
+        if (count < 0xFFFF) {
+            *this << static_cast<WORD>(count);
+        } else {
+            writeLongCount(count);
+        }
+    }
     size_t ReadCount();
 
     // Bytes that can still be read. Loading archives only.
@@ -126,15 +134,17 @@ class NYBASE_API CArchive {
     friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
     friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
 
+    size_t roomLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
+    size_t unreadBytes() const { return static_cast<size_t>(m_inEnd - m_in); }
     // Storing: the place of the next `count` bytes, which the caller fills. Null when the window has
     // no room for them, or when loading.
     BYTE* nextRun(size_t count) {
-        if (static_cast<size_t>(m_outEnd - m_out) < count) return nullptr;
+        if (roomLeft() < count) return nullptr;
         return std::exchange(m_out, m_out + count);
     }
     // Loading: the next `count` bytes, if the window holds them and when loading; else null.
     const BYTE* peekRun(size_t count) const {
-        return static_cast<size_t>(m_inEnd - m_in) < count ? nullptr : m_in;
+        return unreadBytes() < count ? nullptr : m_in;
     }
     [[noreturn]] void throwWrongDirection() const;
     // Makes at least `count` bytes of room at m_out; throws readOnly when loading.
@@ -149,7 +159,9 @@ class NYBASE_API CArchive {
     WrittenNumbers& written();
     ReadNumbers& read();
     [[noreturn]] void throwBad(int cause) const;
+    void writeLongCount(size_t count);
     void writeTag(DWORD number, DWORD classFlag);
+    void writeAnyObject(const CObject* object);
     // The number of the class that comes next; 0, with the number in *objectTag, when an object
     // read earlier comes next.
     DWORD readClassNumber(DWORD* objectTag);

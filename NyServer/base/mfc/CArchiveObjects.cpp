@@ -51,27 +51,38 @@ void CArchive::WriteClass(const CRuntimeClass* pClass) {
 }
 
 void CArchive::WriteObject(const CObject* object) {
+    // A loading archive has written nothing.
+    if (object != nullptr && m_written != nullptr && roomLeft() >= sizeof(WORD)) [[likely]] {
+        if (const WORD tag = m_written->addUsual(object); tag != 0) [[likely]] {
+            std::memcpy(m_out, &tag, sizeof tag);
+            m_out += sizeof tag;
+            // Serialize is one function for both directions; a storing one does not change its
+            // object.
+            const_cast<CObject*>(object)->Serialize(*this);
+            return;
+        }
+    }
+    writeAnyObject(object);
+}
+
+void CArchive::writeAnyObject(const CObject* object) {
     if (IsLoading()) throwWrongDirection();
     if (object == nullptr) {
         *this << kNullTag;
         return;
     }
-    WrittenNumbers& known = written();
-    if (const DWORD number = known.numberOfObject(object); number != 0) {
+    if (const DWORD number = written().numberOfObject(object); number != 0) {
         writeTag(number, 0);
         return;
     }
-    // Objects of one type are of one class, which saves asking the object.
-    const std::type_info& type = typeid(*object);
-    if (const WORD tag = known.tagOf(type); tag != 0) [[likely]] {
+    if (const WORD tag = written().tagOf(typeid(*object)); tag != 0) {
         *this << tag;
     } else {
         const CRuntimeClass* const pClass = object->GetRuntimeClass();
         WriteClass(pClass);
-        known.rememberTag(type, pClass);
+        written().rememberTag(typeid(*object), pClass);
     }
-    if (!known.addObject(object)) throwBad(CArchiveException::badIndex);
-    // Serialize is one function for both directions; a storing one does not change its object.
+    if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
     const_cast<CObject*>(object)->Serialize(*this);
 }
 

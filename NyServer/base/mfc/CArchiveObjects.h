@@ -29,18 +29,38 @@ inline constexpr int kDeepestNesting = 100;
 // indexed when something is met again.
 class CArchive::WrittenNumbers {
   public:
-    // The number of an object written earlier; 0 for a new one.
-    DWORD numberOfObject(const CObject* object) {
-        if (isAligned(object) && m_seen.insert(object)) [[likely]]
-            return 0;
-        return numberInIndex(object);
+    // Numbers an object that is new, of a remembered type and near to those written lately: nearly
+    // every object. Returns the tag of its class; 0, with nothing changed, for any other.
+    WORD addUsual(const CObject* object) {
+        AfxAddressSet::Place place;
+        if (m_next == m_end || !m_seen.findRecent(object, place) || place.isSet()) return 0;
+        const WORD tag = tagOf(typeid(*object));
+        if (tag == 0) return 0;
+        place.set();
+        *m_next++ = object;
+        return tag;
     }
 
-    // The tag of the class of objects of that type, where it is remembered; else 0.
+    // The tag of the class of the objects of a type, where it is remembered; else 0. Objects of one
+    // type are of one class, which saves asking each.
     WORD tagOf(const std::type_info& type) const {
         const Type& known = m_types[slotOf(type)];
         return known.type == &type ? known.tag : 0;
     }
+
+    // The number of an object written earlier; 0 for a new one, which counts as written from here
+    // on.
+    DWORD numberOfObject(const CObject* object) {
+        if (isAligned(object)) {
+            const AfxAddressSet::Place place = m_seen.find(object);
+            if (!place.isSet()) {
+                place.set();
+                return 0;
+            }
+        }
+        return numberInIndex(object);
+    }
+
     // Remembers the tag of that type's class, which was written earlier.
     void rememberTag(const std::type_info& type, const CRuntimeClass* pClass) {
         const DWORD number = numberOfClass(pClass);

@@ -3,5 +3,10 @@
 IMPLEMENT_SERIAL(CObArray, CObject, 0)
 
 void CObArray::Serialize(CArchive& ar) {
-    afxSerializeElements(ar, *this, static_cast<CObject*>(nullptr));
+    if (ar.IsLoading()) {
+        afxLoadElements(ar, *this, static_cast<CObject*>(nullptr));
+        return;
+    }
+    ar.WriteCount(static_cast<size_t>(GetSize()));
+    for (INT_PTR i = 0; i < GetSize(); ++i) ar.WriteObject(GetData()[i]);
 }

@@ -79,16 +79,11 @@ class AfxArray : public CObject {
     Elements m_elements;
 };
 
-// The archive form of an array whose elements have their own: a count, then each element in turn.
-// Loading replaces the contents and grows with the elements that are there, whatever the count
-// says.
+// Reads the archive form of an array whose elements have their own: a count, then each element in
+// turn. The contents are replaced, and the array grows with the elements that are there, whatever
+// the count says.
 template <class ARRAY, class TYPE>
-void afxSerializeElements(CArchive& ar, ARRAY& array, TYPE element) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<size_t>(array.GetSize()));
-        for (INT_PTR i = 0; i < array.GetSize(); ++i) ar << array.GetAt(i);
-        return;
-    }
+void afxLoadElements(CArchive& ar, ARRAY& array, TYPE element) {
     array.RemoveAll();
     for (size_t left = ar.ReadCount(); left > 0; --left) {
         ar >> element;
