@@ -60,7 +60,8 @@ class LibraryCodec {
     static View whole(NySeMemFile& message) {
         void* start = nullptr;
         void* end = nullptr;
-        const UINT size = message.GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &end);
+        const UINT size =
+            message.GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &end);
         message.SeekToBegin();
         return {static_cast<const unsigned char*>(start), size};
     }

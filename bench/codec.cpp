@@ -131,9 +131,12 @@ void addRequests() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    addFloor<bench::Table<bench::Lock>>("W1", [] { return bench::plainLocks(kLocks); }, kLocks);
-    addFloor<bench::Table<bench::User>>("W2", [] { return bench::plainUsers(kUsers); }, kUsers);
-    addFloor<bench::Request>("W3", [] { return bench::plainRequest(); }, 1);
+    addFloor<bench::Table<bench::Lock>>(
+        "W1", [] { return bench::plainLocks(kLocks); }, kLocks);
+    addFloor<bench::Table<bench::User>>(
+        "W2", [] { return bench::plainUsers(kUsers); }, kUsers);
+    addFloor<bench::Request>(
+        "W3", [] { return bench::plainRequest(); }, 1);
     addLibrary<NySeLockArray>("W1", kLocks);
     addLibrary<NySeUserPtrArray>("W2", kUsers);
     addRequests();

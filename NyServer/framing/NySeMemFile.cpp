@@ -76,8 +76,7 @@ void NySeMemFile::stopWriting() {
 }
 
 void NySeMemFile::writeHeader(unsigned int headerBytes) {
-    const std::array<LONG, 2> header = {m_actionType,
-                                        static_cast<LONG>(GetLength() - headerBytes)};
+    const std::array<LONG, 2> header = {m_actionType, static_cast<LONG>(GetLength() - headerBytes)};
     SeekToBegin();
     Write(header.data() + (m_actionMode ? 0 : 1), headerBytes);
     SeekToBegin();

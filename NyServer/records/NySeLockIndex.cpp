@@ -66,8 +66,8 @@ std::optional<INT_PTR> NySeLockIndex::find(const QoArraySerial2& table, const CS
 // Whether all that is in the index is true of the beginning of the table.
 bool NySeLockIndex::isCurrent(const QoArraySerial2& table) const {
     return m_changes == NySeLockName::changes() && m_locks.size() <= sizeOf(table) &&
-           (m_locks.empty() || std::memcmp(m_locks.data(), table.GetData(),
-                                           m_locks.size() * sizeof(CObject*)) == 0);
+           (m_locks.empty() ||
+            std::memcmp(m_locks.data(), table.GetData(), m_locks.size() * sizeof(CObject*)) == 0);
 }
 
 void NySeLockIndex::restart() {

@@ -9,9 +9,9 @@
 #include <vector>
 
 // What archives write is nearly always new, so that this is asked for every object and answered
-// from bits. One bit for each possible address, in pages of 4096 bytes of address space: objects that were
-// allocated one after the other share a page, whose bits lie in one line of the processor's cache.
-// Not for concurrent use.
+// from bits. One bit for each possible address, in pages of 4096 bytes of address space: objects
+// that were allocated one after the other share a page, whose bits lie in one line of the
+// processor's cache. Not for concurrent use.
 class AfxAddressSet {
   public:
     static constexpr size_t kAlignment = 8;

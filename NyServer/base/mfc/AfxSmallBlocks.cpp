@@ -87,7 +87,8 @@ constinit Store store;
     store.put(index, new (memory) AfxFreeBlock{nullptr, nullptr});
 }
 
-[[gnu::noinline]] void releaseAfterWholeBatch(AfxThreadBlocks::List& list, void* memory, size_t index) {
+[[gnu::noinline]] void releaseAfterWholeBatch(AfxThreadBlocks::List& list, void* memory,
+                                              size_t index) {
     store.put(index, std::exchange(list.spare, list.first));
     list.first = new (memory) AfxFreeBlock{nullptr, nullptr};
     list.room = blocksInBatch(index) - 1;

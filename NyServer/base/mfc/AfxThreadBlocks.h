@@ -19,7 +19,7 @@ static_assert(sizeof(AfxFreeBlock) <= kAfxBlockStep);
 struct AfxThreadBlocks {
     struct List {
         AfxFreeBlock* first;
-        size_t room;  // how many more may be put here before it is a batch
+        size_t room;          // how many more may be put here before it is a batch
         AfxFreeBlock* spare;  // a whole batch, or null
     };
     std::array<List, kAfxBlockSizes> lists;

@@ -64,16 +64,15 @@ class CArchive::WrittenNumbers {
     // Remembers the tag of that type's class, which was written earlier.
     void rememberTag(const std::type_info& type, const CRuntimeClass* pClass) {
         const DWORD number = numberOfClass(pClass);
-        if (number < kBigTag) m_types[slotOf(type)] = {&type, static_cast<WORD>(kClassFlag | number)};
+        if (number < kBigTag)
+            m_types[slotOf(type)] = {&type, static_cast<WORD>(kClassFlag | number)};
     }
 
     // The number of a class written earlier; 0 for a new one.
     DWORD numberOfClass(const CRuntimeClass* pClass) { return numberInIndex(pClass); }
 
     // Gives the next number to an object; false when all are used up.
-    bool addObject(const CObject* object) {
-        return object != nullptr ? add(object) : skipNumber();
-    }
+    bool addObject(const CObject* object) { return object != nullptr ? add(object) : skipNumber(); }
 
     bool addClass(const CRuntimeClass* pClass) { return add(pClass); }
 
@@ -115,7 +114,7 @@ class CArchive::WrittenNumbers {
     const void** m_end = nullptr;
     DWORD m_skipped = 0;  // numbers behind the last run that stand for null
     std::unordered_map<const void*, DWORD> m_index;
-    size_t m_indexedRuns = 0;    // the runs that are in the index
+    size_t m_indexedRuns = 0;       // the runs that are in the index
     ptrdiff_t m_indexedOfNext = 0;  // how much of the run behind them is
 };
 

@@ -1,8 +1,8 @@
 // CString: text in UTF-16 code units.
 #pragma once
 
-#include "AfxText.h"
 #include "afxplatform.h"
+#include "AfxText.h"
 
 // A value: copies are independent of each other. One object may be used by one thread at a time.
 // Lengths and indices count UTF-16 code units; a string may hold zero characters inside.

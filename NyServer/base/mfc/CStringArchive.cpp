@@ -1,5 +1,5 @@
-#include "AfxCopy.h"
 #include "afx.h"
+#include "AfxCopy.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // QoObject2: the base of every record.
 #pragma once
 
-#include <AfxSmallBlocks.h>
 #include <afx.h>
+#include <AfxSmallBlocks.h>
 
 #include "QoSort.h"
 
