@@ -9,12 +9,16 @@ namespace {
 
 constexpr int kListenQueue = 128;
 
+// A listener that reads loses nothing when one client leaves.
+static_assert(TableLimits().notificationsOfLeaving() < PushLimits().queuedNotifications);
+static_assert(TableLimits().bytesOfLeaving() < PushLimits().queuedBytes);
+
 }  // namespace
 
 CentralServer::CentralServer(CentralSettings settings)
     : m_settings(std::move(settings)),
-      m_pusher(m_settings.push, m_events),
-      m_tables(m_settings.ports, m_pusher) {}
+      m_pusher(m_settings.push, m_events, [this](LONG session) { m_lostSessions.add(session); }),
+      m_tables(m_settings.ports, m_pusher, m_settings.tables) {}
 
 CentralServer::~CentralServer() {
     SetShutDownFlag(1);

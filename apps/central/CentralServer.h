@@ -6,12 +6,14 @@
 
 #include "apps/central/CentralTables.h"
 #include "apps/central/EventLog.h"
+#include "apps/central/LostSessions.h"
 #include "apps/central/Pusher.h"
 #include "NyServer/socket/CUT_WSServer.h"
 
 struct CentralSettings {
     // The notification ports to hand out.
     std::vector<LONG> ports = portRange(42100, 42999);
+    TableLimits tables;
     PushLimits push;
     // A client that stops in the middle of a request is given up after this.
     std::chrono::milliseconds framePatience{30'000};
@@ -35,6 +37,7 @@ class CentralServer : public CUT_WSServer {
 
     CentralTables& tables() { return m_tables; }
     EventLog& events() { return m_events; }
+    LostSessions& lostSessions() { return m_lostSessions; }
     const Pusher& pusher() const { return m_pusher; }
     std::chrono::milliseconds framePatience() const { return m_settings.framePatience; }
     void requestShutDown() const { m_settings.onShutDownRequest(); }
@@ -46,6 +49,7 @@ class CentralServer : public CUT_WSServer {
   private:
     const CentralSettings m_settings;
     EventLog m_events;
+    LostSessions m_lostSessions;
     Pusher m_pusher;
     CentralTables m_tables;
 };

@@ -4,8 +4,9 @@
 #include "apps/central/Coherence.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
-CentralTables::CentralTables(const std::vector<LONG>& ports, Notifier& notifier)
-    : m_notifier(notifier), m_ports(ports) {}
+CentralTables::CentralTables(const std::vector<LONG>& ports, Notifier& notifier,
+                             const TableLimits& limits)
+    : m_notifier(notifier), m_limits(limits), m_ports(ports) {}
 
 LONG CentralTables::beginSession(unsigned long address) {
     const std::lock_guard guard(m_lock);
@@ -31,7 +32,8 @@ void CentralTables::endSession(LONG session) {
 std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG session) {
     const std::lock_guard guard(m_lock);
     Session* const known = findSession(session);
-    if (known == nullptr || (known->ports.empty() && takePort(*known) == 0)) return std::nullopt;
+    if (known == nullptr || hasTooLongText(user)) return std::nullopt;
+    if (known->ports.empty() && takePort(*known) == 0) return std::nullopt;
     NySeUser completed(user);
     completed.setSessionNumber(session);
     completed.setPort(known->ports.back());
@@ -47,7 +49,7 @@ std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG s
 bool CentralTables::renameUser(LONG session, const CString& name) {
     const std::lock_guard guard(m_lock);
     const NySeUser* user = m_users.findBySessionNumber(session);
-    if (user == nullptr) return false;
+    if (user == nullptr || isTooLong(name)) return false;
     NySeUser renamed(*user);
     renamed.setStrUserName(name);
     removeUser(session);
@@ -58,7 +60,8 @@ bool CentralTables::renameUser(LONG session, const CString& name) {
 LONG CentralTables::anotherPort(LONG session) {
     const std::lock_guard guard(m_lock);
     Session* const known = findSession(session);
-    if (known == nullptr || known->ports.size() == kPortsPerSession || takePort(*known) == 0)
+    if (known == nullptr || known->ports.size() >= m_limits.portsPerSession ||
+        takePort(*known) == 0)
         return -1;
     if (NySeUser* user = m_users.findBySessionNumber(session)) {
         listenTo(session, *known);
@@ -99,6 +102,15 @@ LONG CentralTables::takePort(Session& session) {
     const LONG port = m_ports.take();
     if (port != 0) session.ports.push_back(port);
     return port;
+}
+
+bool CentralTables::isTooLong(const CString& text) const {
+    return static_cast<size_t>(text.GetLength()) > m_limits.longestText;
+}
+
+bool CentralTables::hasTooLongText(const NySeUser& user) const {
+    return isTooLong(user.getStrUserName()) || isTooLong(user.getStrHostName()) ||
+           isTooLong(user.getStrComputerName());
 }
 
 void CentralTables::listenTo(LONG session, const Session& about) {

@@ -11,6 +11,7 @@
 #include "apps/central/Notifications.h"
 #include "apps/central/Openers.h"
 #include "apps/central/PortPool.h"
+#include "apps/central/TableLimits.h"
 #include "NyServer/records/NySeConnectionArray.h"
 #include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
@@ -23,11 +24,9 @@
 // Notifications are handed over under the lock, so that they go out in the order of the changes.
 class CentralTables {
   public:
-    // A session that asks for more gets none.
-    static constexpr size_t kPortsPerSession = 16;
-
     // `notifier` must outlive the tables.
-    CentralTables(const std::vector<LONG>& ports, Notifier& notifier);
+    CentralTables(const std::vector<LONG>& ports, Notifier& notifier,
+                  const TableLimits& limits = {});
 
     // Enters a session whose client is at `address` (network order). Returns its number, which no
     // other session has had.
@@ -37,19 +36,21 @@ class CentralTables {
 
     // Gives the user the session's number and a notification port and enters it. Returns the user
     // so completed; a user that the session registered before is replaced and keeps its port.
-    // Nothing, with nothing changed, when there is no port left or no such session.
+    // Nothing, with nothing changed, when a text is too long, there is no port left or no such
+    // session.
     std::optional<NySeUser> registerUser(const NySeUser& user, LONG session);
-    // False when the session has registered no user.
+    // False when the session has registered no user or the name is too long.
     bool renameUser(LONG session, const CString& name);
     // Another port for the session's listener, which replaces that of its user. The ports that it
     // was given before stay reserved, since it had a reason not to use them. -1, with nothing
-    // changed, when there is none left, the session has kPortsPerSession or there is no such
+    // changed, when there is none left, the session has as many as it may or there is no such
     // session.
     LONG anotherPort(LONG session);
     // The table of users; a copy.
     NySeUserPtrArray users() const;
 
-    // As NySeLockArray::addLock. False when refused.
+    // As NySeLockArray::addLock. False, with nothing changed, when that or a limit refuses it or
+    // there is no such session.
     bool lock(LONG session, const CString& name, unsigned int mode);
     // Releases all that the session holds of the lock; it may hold nothing of it.
     void unlock(LONG session, const CString& name);
@@ -59,7 +60,8 @@ class CentralTables {
     // The archived table of locks.
     std::string locks() const;
 
-    // As NySeConnectionArray::openConnection. The id.
+    // As NySeConnectionArray::openConnection. The id; -1, with nothing changed, when a limit
+    // refuses it or there is no such session.
     LONG openConnection(LONG session, const CString& name);
     // Closes the connection once, if the session has it open.
     void closeConnection(LONG session, LONG id);
@@ -81,12 +83,17 @@ class CentralTables {
     struct Session {
         unsigned long address;
         std::vector<LONG> ports;  // the last one is in use
+        size_t locks = 0;         // different ones that it holds
+        size_t opens = 0;         // that it has not closed yet
     };
 
     Session* findSession(LONG number);
     LONG takePort(Session& session);
+    bool isTooLong(const CString& text) const;
+    bool hasTooLongText(const NySeUser& user) const;
     void listenTo(LONG session, const Session& about);
     void removeUser(LONG session);
+    bool mayBeGranted(const NySeLock* lock, LONG session) const;
     void releaseLock(INT_PTR index, LONG session);
     void releaseLocksOf(LONG session);
     void closeOnce(LONG session, LONG id);
@@ -99,6 +106,7 @@ class CentralTables {
 
     mutable std::mutex m_lock;
     Notifier& m_notifier;
+    const TableLimits m_limits;
     PortPool m_ports;
     std::map<LONG, Session> m_sessions;
     mutable NySeUserPtrArray m_users;  // addFromSessionArray takes it as one that it may change

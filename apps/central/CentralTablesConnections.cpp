@@ -3,8 +3,12 @@
 
 LONG CentralTables::openConnection(LONG session, const CString& name) {
     const std::lock_guard guard(m_lock);
+    Session* const opener = findSession(session);
+    if (opener == nullptr || opener->opens >= m_limits.opensPerSession || isTooLong(name))
+        return -1;
     const LONG id = m_connections.openConnection(name);
     m_openers.open(id, session);
+    ++opener->opens;
     announce(notifyConnectionOpened, *m_connections.findById(id), session);
     return id;
 }
@@ -16,6 +20,7 @@ void CentralTables::closeConnection(LONG session, LONG id) {
 
 void CentralTables::closeOnce(LONG session, LONG id) {
     if (!m_openers.close(id, session)) return;
+    --findSession(session)->opens;
     NySeConnection closed(*m_connections.findById(id));
     closed.setRefCount(closed.getRefCount() - 1);
     m_connections.closeConnection(id);

@@ -19,8 +19,8 @@ constexpr int kAnswerPatienceSteps = 300;
 
 }  // namespace
 
-bool CentralWorker::isShuttingDown() const {
-    return m_server.GetShutDownFlag() != 0;
+bool CentralWorker::mustEnd() const {
+    return m_server.GetShutDownFlag() != 0 || m_server.lostSessions().contains(m_session);
 }
 
 std::chrono::milliseconds CentralWorker::framePatience() const {
@@ -34,6 +34,7 @@ void CentralWorker::OnConnect() {
     m_session = m_server.tables().beginSession(m_peerAddress.sin_addr.s_addr);
     NySe::succeeds([this] { serve(); });
     m_server.tables().endSession(m_session);
+    m_server.lostSessions().forget(m_session);
     m_server.events().add("session " + std::to_string(m_session) + " has ended");
 }
 
@@ -50,7 +51,7 @@ void CentralWorker::serve() {
     FrameReader reader(*this, kLongestPayload);
     Frame frame;
     int idleSteps = 0;
-    while (!isShuttingDown()) {
+    while (!mustEnd()) {
         switch (reader.read(frame)) {
             case FrameReader::Result::request:
                 if (!answer(frame)) return;
@@ -97,7 +98,7 @@ bool CentralWorker::sendInSteps(const std::string& bytes) {
             stepsInVain = 0;
             continue;
         }
-        if (::WSAGetLastError() != WSAEWOULDBLOCK || isShuttingDown()) break;
+        if (::WSAGetLastError() != WSAEWOULDBLOCK || mustEnd()) break;
         if (waitWritable(m_socket) != Readiness::ready) ++stepsInVain;
     }
     return sent == bytes.size();

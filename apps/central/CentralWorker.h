@@ -17,7 +17,8 @@ class CentralWorker : public CUT_WSThread {
 
     void OnConnect() override;
 
-    bool isShuttingDown() const;
+    // The server shuts down, or the client's listener is dead, and the client with it.
+    bool mustEnd() const;
     std::chrono::milliseconds framePatience() const;
 
   private:

@@ -42,7 +42,7 @@ bool FrameReader::receiveAll(void* bytes, int count) {
 }
 
 int FrameReader::receiveSome(char* buffer, int count) {
-    while (std::chrono::steady_clock::now() < m_end && !m_worker.isShuttingDown()) {
+    while (std::chrono::steady_clock::now() < m_end && !m_worker.mustEnd()) {
         if (m_worker.WaitForReceive(0, kStepMicroseconds) == 0) {
             return m_worker.Receive(buffer, count, 0);
         }

@@ -14,7 +14,7 @@ struct Frame {
 };
 
 // Reads for one worker, on the worker's thread. It waits in short steps and gives up when the
-// server shuts down.
+// worker must end.
 class FrameReader {
   public:
     enum class Result { request, idle, closed, absurd };
@@ -24,7 +24,7 @@ class FrameReader {
         : m_worker(worker), m_longestPayload(longestPayload) {}
 
     // request: `frame` holds one. idle: nothing came within 100 ms. closed: the peer has gone or
-    // took longer than the worker's framePatience() over one request, or the server shuts down.
+    // took longer than the worker's framePatience() over one request, or the worker must end.
     // absurd: the announced length in announcedLength() is not to be believed; the stream cannot be
     // read on.
     Result read(Frame& frame);

@@ -1,17 +1,18 @@
 #include "apps/central/Listener.h"
 
 #include <array>
+#include <cstring>
 
 #include "NyServer/framing/NySeReply.h"
 
-Listener::Listener(LONG session, const sockaddr_in& address, const PushLimits& limits,
-                   EventLog& events, std::atomic<size_t>& droppedByAll)
+Listener::Listener(LONG session, const sockaddr_in& address, ListenerSurroundings& surroundings)
     : m_session(session),
       m_address(address),
-      m_limits(limits),
-      m_events(events),
-      m_droppedByAll(droppedByAll),
+      m_surroundings(surroundings),
+      m_limits(surroundings.limits),
+      m_events(surroundings.events),
       m_link(address),
+      m_probe(m_limits.probeInterval, m_limits.probePatience),
       m_thread([this] { run(); }) {}
 
 Listener::~Listener() {
@@ -46,19 +47,24 @@ void Listener::end() {
 // It goes on after it has given up, with a queue that stays empty: what is dropped until the end is
 // told then.
 void Listener::run() {
-    while (const NotificationBytes notification = next()) {
-        const char* failure = "cannot be served";  // for want of memory
-        NySe::succeeds([&] { failure = deliver(*notification); });
-        NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure); });
+    while (!m_isEnding) {
+        if (const NotificationBytes notification = next()) handle(*notification);
+        NySe::succeeds([this] { probe(); });
     }
     NySe::succeeds([this] { tellTotal(); });
     m_hasEnded = true;
 }
 
+void Listener::handle(const std::string& notification) {
+    const char* failure = "cannot be served";  // for want of memory
+    NySe::succeeds([&] { failure = deliver(notification); });
+    NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure); });
+}
+
 NotificationBytes Listener::next() {
     std::unique_lock guard(m_lock);
-    m_changed.wait(guard, [this] { return m_isEnding || !m_queue.empty(); });
-    if (m_isEnding) return nullptr;
+    m_changed.wait_for(guard, m_probe.pause(), [this] { return m_isEnding || !m_queue.empty(); });
+    if (m_isEnding || m_queue.empty()) return nullptr;
     NotificationBytes first = std::move(m_queue.front());
     m_queue.pop_front();
     m_queuedBytes -= first->size();
@@ -84,6 +90,43 @@ ListenerLink::Outcome Listener::send(const std::string& bytes) {
         outcome = m_link.send(bytes, Patience(m_limits.sendPatience, m_isEnding));
     }
     return outcome;
+}
+
+void Listener::probe() {
+    if (m_probe.isDue()) {
+        m_probe.ask();
+        return sendProbe();
+    }
+    if (!m_probe.isAsking()) return;
+    static const LONG alive = NySe::kAliveAnswer;
+    const std::string& heard = m_link.hear();
+    const bool isSameLink = m_link.opened() == m_probedLink;
+    if (isSameLink && heard.size() == sizeof alive) {
+        const bool isAlive = std::memcmp(heard.data(), &alive, sizeof alive) == 0;
+        return isAlive ? m_probe.settle() : die("answers a probe wrongly");
+    }
+    if (m_probe.isOverdue()) return die("does not answer");
+    if (!isSameLink || !m_link.isOpen()) sendProbe();  // the first one is lost
+}
+
+// One that fails is sent again with the next step, until it is overdue.
+void Listener::sendProbe() {
+    static const NotificationBytes bytes = makeProbe();
+    if (!m_link.open(Patience(m_limits.connectPatience, m_isEnding)))
+        return m_link.opened() == 0 ? m_probe.settle() : die("can no longer be reached");
+    m_link.forgetHeard();
+    m_probedLink = m_link.opened();
+    m_link.send(*bytes, Patience(m_limits.probePatience, m_isEnding));
+}
+
+void Listener::die(const char* reason) {
+    m_probe.stop();
+    {
+        const std::lock_guard guard(m_lock);
+        if (m_isEnding) return;
+        m_surroundings.onDead(m_session);
+    }
+    m_events.warn(name() + ' ' + reason + ": its user is gone");
 }
 
 void Listener::giveUp(const char* reason) {
@@ -124,7 +167,7 @@ void Listener::tellTotal() {
 
 void Listener::countDropped(size_t count) {
     m_dropped += count;
-    m_droppedByAll += count;
+    m_surroundings.dropped += count;
 }
 
 void Listener::dropQueue() {

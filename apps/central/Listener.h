@@ -4,23 +4,37 @@
 #include <atomic>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <thread>
 
 #include "apps/central/EventLog.h"
 #include "apps/central/ListenerLink.h"
 #include "apps/central/Notifications.h"
+#include "apps/central/ProbeClock.h"
 #include "apps/central/PushLimits.h"
+
+// What all listeners have in common.
+struct ListenerSurroundings {
+    const PushLimits limits;
+    EventLog& events;
+    // Told on the listener's thread, under its lock, that the session's listener is dead.
+    const std::function<void(LONG session)> onDead;
+    // Every notification that is not delivered is added to it.
+    std::atomic<size_t> dropped = 0;
+};
 
 // It connects when there is something to send, and is given up when it cannot be reached or takes
 // nothing within the limits: what is queued is dropped then, and so is all that comes later. What
 // it has dropped in all is told once more when it ends, unless that has been told already.
+//
+// Every probeInterval it is asked for a sign of life, given up or not. One that has been reached
+// before and does not give it is dead. One that has never been reached is none: its user does
+// without notifications.
 class Listener {
   public:
-    // Every notification that is not delivered is added to `droppedByAll`. That and `events` must
-    // outlive it. Throws std::system_error when no thread can be started.
-    Listener(LONG session, const sockaddr_in& address, const PushLimits& limits, EventLog& events,
-             std::atomic<size_t>& droppedByAll);
+    // `surroundings` must outlive it. Throws std::system_error when no thread can be started.
+    Listener(LONG session, const sockaddr_in& address, ListenerSurroundings& surroundings);
     // Ends the thread, which takes a step of 200 ms at most.
     ~Listener();
     Listener(const Listener&) = delete;
@@ -39,12 +53,18 @@ class Listener {
 
   private:
     void run();
-    // Null when the end is asked for.
+    // Null when the end is asked for, or the probe has to be seen to.
     NotificationBytes next();
+    void handle(const std::string& notification);
     // What went wrong; null when the notification has been sent.
     const char* deliver(const std::string& bytes);
     // Sends on a new connection once more when the present one turns out to be lost.
     ListenerLink::Outcome send(const std::string& bytes);
+
+    // The step of the probe that is to be done now, if there is one; it waits for no answer.
+    void probe();
+    void sendProbe();
+    void die(const char* reason);
 
     // The one that could not be sent, and all behind it.
     void giveUp(const char* reason);
@@ -57,10 +77,12 @@ class Listener {
 
     const LONG m_session;
     const sockaddr_in m_address;
-    const PushLimits m_limits;
+    ListenerSurroundings& m_surroundings;
+    const PushLimits& m_limits;
     EventLog& m_events;
-    std::atomic<size_t>& m_droppedByAll;
     ListenerLink m_link;
+    ProbeClock m_probe;
+    unsigned long m_probedLink = 0;  // which of the link's connections the probe went out on
 
     std::mutex m_lock;
     std::condition_variable m_changed;

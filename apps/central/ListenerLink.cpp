@@ -1,5 +1,6 @@
 #include "apps/central/ListenerLink.h"
 
+#include <algorithm>
 #include <array>
 
 #include "apps/central/WaitWritable.h"
@@ -25,7 +26,7 @@ bool isWouldBlock() {
 }  // namespace
 
 bool ListenerLink::open(const Patience& patience) {
-    if (m_socket && hasBeenClosed()) m_socket.reset();
+    hear();
     while (!m_socket) {
         if (connectOnce(patience)) return true;
         if (patience.isOver()) return false;
@@ -43,19 +44,26 @@ bool ListenerLink::connectOnce(const Patience& patience) {
         readiness = waitWritable(socket.get());
     if (readiness != Readiness::ready) return false;
     m_socket = std::move(socket);
+    m_heard.clear();
+    ++m_opened;
     return true;
 }
 
-// What a listener says is not asked for, and dropped. What more there is than a few reads waits
-// until the next time.
-bool ListenerLink::hasBeenClosed() const {
-    std::array<char, 4096> unasked;
+const std::string& ListenerLink::hear() {
+    if (m_socket && !takeIn()) m_socket.reset();
+    return m_heard;
+}
+
+// False when the other end has closed. What more there is than a few reads waits until the next
+// time.
+bool ListenerLink::takeIn() {
+    std::array<char, 4096> said;
     for (int reads = 0; reads < 16; ++reads) {
-        const int count =
-            ::recv(m_socket.get(), unasked.data(), static_cast<int>(unasked.size()), 0);
-        if (count < 1) return count == 0 || !isWouldBlock();
+        const int count = ::recv(m_socket.get(), said.data(), static_cast<int>(said.size()), 0);
+        if (count < 1) return count != 0 && isWouldBlock();
+        m_heard.append(said.data(), std::min(static_cast<size_t>(count), kHeard - m_heard.size()));
     }
-    return false;
+    return true;
 }
 
 ListenerLink::Outcome ListenerLink::send(const std::string& bytes, Patience patience) {

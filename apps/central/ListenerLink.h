@@ -39,11 +39,23 @@ class ListenerLink {
     // that is. REQUIRES: an open connection.
     Outcome send(const std::string& bytes, Patience patience);
 
+    // The first kHeard bytes at most that the other end has said on the present connection since
+    // forgetHeard; what is behind them is lost. Closes the connection when the other end has.
+    const std::string& hear();
+    void forgetHeard() { m_heard.clear(); }
+    static constexpr size_t kHeard = 4;
+
+    bool isOpen() const { return m_socket.get() != INVALID_SOCKET; }
+    // How many connections there have been, with the present one.
+    unsigned long opened() const { return m_opened; }
+
   private:
     bool connectOnce(const Patience& patience);
     Outcome sendAll(const std::string& bytes, Patience& patience);
-    bool hasBeenClosed() const;
+    bool takeIn();
 
     const sockaddr_in m_address;
     UniqueSocket m_socket;
+    std::string m_heard;
+    unsigned long m_opened = 0;
 };

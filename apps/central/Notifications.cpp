@@ -1,5 +1,15 @@
 #include "apps/central/Notifications.h"
 
+namespace {
+
+NotificationBytes bytesOf(NySeMemFile& message) {
+    const size_t length = static_cast<size_t>(message.getLength());
+    return std::make_shared<const std::string>(reinterpret_cast<char*>(message.getBuffer()),
+                                               length);
+}
+
+}  // namespace
+
 NotificationBytes makeNotification(Notification number, const CObject& object) {
     return makeNotification(number, archived(object));
 }
@@ -9,9 +19,13 @@ NotificationBytes makeNotification(Notification number, const std::string& objec
     message.startWriteAction(static_cast<NySe::ActionType>(number), NySe::schema2015);
     message.getArchive()->Write(object.data(), static_cast<int>(object.size()));
     message.stopWriting();
-    const size_t length = static_cast<size_t>(message.getLength());
-    return std::make_shared<const std::string>(reinterpret_cast<char*>(message.getBuffer()),
-                                               length);
+    return bytesOf(message);
+}
+
+NotificationBytes makeProbe() {
+    NySeMemFile message;
+    message.writeAction(NySe::actionIsAlive, NySe::schema2015);
+    return bytesOf(message);
 }
 
 std::string archived(const CObject& object) {

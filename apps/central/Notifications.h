@@ -35,6 +35,10 @@ NotificationBytes makeNotification(Notification number, const CObject& object);
 // The same from the bytes of an object.
 NotificationBytes makeNotification(Notification number, const std::string& object);
 
+// What asks a listener for a sign of life: action 1 without a body. It answers with the four bytes
+// of NySe::kAliveAnswer.
+NotificationBytes makeProbe();
+
 // The object in class-tagged form. Readers take the schema from the object's own description, so
 // that it is always written under the current one.
 std::string archived(const CObject& object);

@@ -12,4 +12,8 @@ struct PushLimits {
     std::chrono::milliseconds connectPatience{10'000};
     // Without a byte taken. One that pauses now and then is slow, but not lost.
     std::chrono::milliseconds sendPatience{5'000};
+    // How often it is asked for a sign of life; 0: never.
+    std::chrono::milliseconds probeInterval{0};
+    // For the answer. As long as the clients of this server wait for one.
+    std::chrono::milliseconds probePatience{15'000};
 };

@@ -14,8 +14,7 @@ void Pusher::listen(LONG session, const sockaddr_in& address) {
     if (present != m_listeners.end() && present->second->serves(address)) return;
     retire(session);
     joinEnded();
-    m_listeners[session] =
-        std::make_unique<Listener>(session, address, m_limits, m_events, m_dropped);
+    m_listeners[session] = std::make_unique<Listener>(session, address, m_surroundings);
 }
 
 void Pusher::forget(LONG session) {

@@ -1,7 +1,7 @@
 // Pusher: sends the notifications, on one thread for each listener.
 #pragma once
 
-#include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -12,8 +12,12 @@
 // Any thread may call any of it; no call but the destructor waits for a listener or its thread.
 class Pusher : public Notifier {
   public:
-    // `events` must outlive it.
-    Pusher(const PushLimits& limits, EventLog& events) : m_limits(limits), m_events(events) {}
+    // `events` must outlive it. `onDead` is told on any thread, with locks held, of a session whose
+    // listener answers no more; it must call nothing of this.
+    Pusher(
+        const PushLimits& limits, EventLog& events,
+        std::function<void(LONG session)> onDead = [](LONG) {})
+        : m_surroundings{limits, events, std::move(onDead)} {}
     // Drops what is queued and joins all threads.
     ~Pusher() override;
 
@@ -23,15 +27,13 @@ class Pusher : public Notifier {
 
     // The notifications that were not delivered, for whatever reason, to a listener that was
     // wanted when they came.
-    size_t dropped() const { return m_dropped; }
+    size_t dropped() const { return m_surroundings.dropped; }
 
   private:
     void retire(LONG session);
     void joinEnded();
 
-    const PushLimits m_limits;
-    EventLog& m_events;
-    std::atomic<size_t> m_dropped = 0;
+    ListenerSurroundings m_surroundings;
     std::mutex m_lock;
     std::map<LONG, std::unique_ptr<Listener>> m_listeners;
     std::vector<std::unique_ptr<Listener>> m_retired;  // their threads are about to end

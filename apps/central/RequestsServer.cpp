@@ -1,8 +1,8 @@
 #include <ctime>
 
-#include "apps/central/MachineIdentity.h"
 #include "apps/central/Requests.h"
 #include "apps/common/Utf8.h"
+#include "NyServer/host/NyFctIpUtil.h"
 
 bool requests::shutDownServer(const Request& request) {
     request.server.events().add("session " + std::to_string(request.session) +
@@ -24,7 +24,7 @@ bool requests::verifyCoherancy(const Request& request) {
 }
 
 bool requests::getMachineIdentifiant(const Request& request) {
-    request.reply.text(machineIdentity());
+    request.reply.text(NyFctIpUtil::getStrMachineID());
     return true;
 }
 

@@ -21,7 +21,7 @@ bool requests::getPortClient(const Request& request) {
     const std::unique_ptr<NySeUser> user = readUser(request.payload);
     if (user == nullptr) return false;
     const auto completed = request.server.tables().registerUser(*user, request.session);
-    note(request, completed ? " registers user " : " finds no port left for user ",
+    note(request, completed ? " registers user " : " cannot register user ",
          user->getStrUserName());
     request.reply.message(completed ? archived(*completed) : std::string());
     return true;

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int kLongestProbeSeconds = 86'400;
+
 HANDLE stopRequested;
 
 BOOL WINAPI requestStop(DWORD) {
@@ -35,11 +37,13 @@ struct Options {
     unsigned short port = 0;
     std::string ports = "42100-42999";
     std::string portFile;
+    int probeSeconds = 10;
 };
 
 int serve(const Options& options) {
     CentralSettings settings;
     settings.ports = *parsePortRange(options.ports);
+    settings.push.probeInterval = std::chrono::seconds(options.probeSeconds);
     settings.onShutDownRequest = [] { ::SetEvent(stopRequested); };
     CentralServer server(std::move(settings));
     const char* const address = options.address.c_str();
@@ -76,6 +80,10 @@ int run() {
     app.add_option("--ports", options.ports, "The range of notification ports to hand out to users")
         ->capture_default_str()
         ->check(checkPortRange, "FIRST-LAST");
+    app.add_option("--probe-seconds", options.probeSeconds,
+                   "How often each listener is asked for a sign of life, in seconds; 0: never")
+        ->capture_default_str()
+        ->check(CLI::Range(0, kLongestProbeSeconds));
     app.add_option("--port-file", options.portFile, "A file to write the port to once it is open");
 
     std::vector<std::string> arguments = commandLineArguments();

@@ -11,13 +11,13 @@ using std::chrono::milliseconds;
 
 class CentralDrops : public ::testing::Test {
   protected:
-    void listen(unsigned int port) {
+    void listen(unsigned int port, LONG session = 1) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
         address.sin_port = ::htons(static_cast<unsigned short>(port));
         if (!pusher) pusher = std::make_unique<Pusher>(limits, events);
-        pusher->listen(1, address);
+        pusher->listen(session, address);
     }
     void tell(const std::string& text) {
         pusher->notify({1}, std::make_shared<const std::string>(text));
@@ -65,6 +65,14 @@ TEST_F(CentralDrops, WhatIsDroppedAfterAListenerWasGivenUpIsToldAtItsEnd) {
     EXPECT_EQ(2u, pusher->dropped());
     pusher.reset();
     EXPECT_TRUE(isTold("has ended: 2 notifications dropped in all"));
+}
+
+TEST_F(CentralDrops, AllListenersShareTheBytesOfANotification) {
+    listen(nobody.port());
+    listen(nobody.port(), 2);
+    const auto bytes = std::make_shared<const std::string>("x");
+    pusher->notify({1, 2}, bytes);
+    EXPECT_EQ(3, bytes.use_count());
 }
 
 TEST_F(CentralDrops, AListenerThatLostNothingEndsWithoutAWord) {

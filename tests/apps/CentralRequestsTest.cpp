@@ -1,7 +1,7 @@
 // Every request, from a client through the socket to the tables and back.
 #include <ctime>
 
-#include "apps/central/MachineIdentity.h"
+#include "NyServer/host/NyFctIpUtil.h"
 #include "tests/apps/CentralTest.h"
 
 namespace {
@@ -139,7 +139,7 @@ TEST_F(CentralRequests, TheTimeIsNow) {
 
 TEST_F(CentralRequests, TheMachineHasOneIdentity) {
     const CString identity = client.getMachineIdentifiant();
-    EXPECT_EQ(machineIdentity(), identity);
+    EXPECT_EQ(NyFctIpUtil::getStrMachineID(), identity);
     EXPECT_EQ(identity, other.getMachineIdentifiant());
     EXPECT_EQ(8, identity.GetLength());
     EXPECT_EQ(std::string::npos, textOf(identity).find_first_not_of("0123456789abcdef"));
@@ -170,7 +170,7 @@ TEST_F(CentralRequests, TheServerInformationIsComplete) {
     CStringArray report;
     client.getServerInformation(report);
     EXPECT_EQ(10, report.GetSize());
-    EXPECT_NE(-1, report[7].Find(machineIdentity()));
+    EXPECT_NE(-1, report[7].Find(NyFctIpUtil::getStrMachineID()));
 }
 
 class CentralShutDown : public CentralTest {

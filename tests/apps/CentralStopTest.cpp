@@ -35,8 +35,14 @@ TEST_F(CentralStop, IsNotHeldUpByAClientThatTakesNoTablesOfLocks) {
 }
 
 TEST_F(CentralStop, IsNotHeldUpByAClientThatTakesNoTablesOfUsers) {
-    NySeUser user = named(std::string(50'000, 'x').c_str());
+    NySeUser user = named(std::string(TableLimits().longestText, 'x').c_str());
     EXPECT_GT(client.getPortClient(user), 0);
+    std::vector<std::unique_ptr<NySeClientApp>> others(40);
+    for (auto& other : others) {
+        other = std::make_unique<NySeClientApp>();
+        ASSERT_EQ(0, other->connect(static_cast<int>(central->GetPort()), "127.0.0.1", -1));
+        EXPECT_GT(other->getPortClient(user), 0);
+    }
     flood("request-getAllUser");
     expectToStopSoon();
 }

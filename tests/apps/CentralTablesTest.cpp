@@ -106,7 +106,7 @@ TEST_F(CentralTablesUsers, APortAskedForBeforeRegisteringIsTheUsers) {
 TEST_F(CentralTablesUsers, ASessionGetsABoundedNumberOfPorts) {
     CentralTables many(portRange(1, 100), notifier);
     const LONG session = many.beginSession(0);
-    for (size_t i = 0; i < CentralTables::kPortsPerSession; ++i)
+    for (size_t i = 0; i < TableLimits().portsPerSession; ++i)
         EXPECT_EQ(static_cast<LONG>(i) + 1, many.anotherPort(session));
     EXPECT_EQ(-1, many.anotherPort(session));
 }

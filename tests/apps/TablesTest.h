@@ -49,6 +49,9 @@ class TablesTest : public ::testing::Test {
         return sessions;
     }
 
+    explicit TablesTest(const TableLimits& bounds = {}) : limits(bounds) {}
+
+    const TableLimits limits;
     RecordingNotifier notifier;
-    CentralTables tables{{101, 102, 103}, notifier};
+    CentralTables tables{{101, 102, 103}, notifier, limits};
 };

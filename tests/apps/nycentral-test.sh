@@ -4,13 +4,14 @@ set -eu
 nycentral=$1
 . "$(dirname "$0")/lib.sh"
 
-# refuses RANGE: no server starts with these ports.
+# refuses OPTION VALUE: no server starts so.
 refuses() {
   local status=0
-  "$root/tools/run-in-wine" "$nycentral" --ports "$1" > "$work/refused.log" 2>&1 || status=$?
-  [ $status -eq 2 ] || fail "--ports $1 ended with $status: $(cat "$work/refused.log")"
+  "$root/tools/run-in-wine" "$nycentral" "$1" "$2" > "$work/refused.log" 2>&1 || status=$?
+  [ $status -eq 2 ] || fail "$1 $2 ended with $status: $(cat "$work/refused.log")"
 }
-for range in 200-100 0-10 1-65536 100 one-two ''; do refuses "$range"; done
+for range in 200-100 0-10 1-65536 100 one-two ''; do refuses --ports "$range"; done
+for seconds in -1 86401 often ''; do refuses --probe-seconds "$seconds"; done
 
 start_central "$nycentral" --ports 42100-42100
 

@@ -39,6 +39,12 @@ const SilentCall kSilentCalls[] = {
          NySeUserPtrArray users;
          return !client.isLockBy(_T("part/42"), users) && users.GetSize() == 0;
      }},
+    {"getLock",
+     [](NySeClientApp& client) {
+         NySeLockArray locks;
+         client.getLock(locks);
+         return locks.GetSize() == 0;
+     }},
     {"openConnection",
      [](NySeClientApp& client) { return client.openConnection(_T("Server=a;Db=b")) == -1; }},
     {"getConnection",
@@ -46,6 +52,18 @@ const SilentCall kSilentCalls[] = {
          NySeConnectionArray connections;
          client.getConnection(connections);
          return connections.GetSize() == 0;
+     }},
+    {"isOpenConnectionBy",
+     [](NySeClientApp& client) {
+         NySeUserPtrArray users;
+         client.isOpenConnectionBy(7, users);
+         return users.GetSize() == 0;
+     }},
+    {"getAllUser",
+     [](NySeClientApp& client) {
+         NySeUserPtrArray users;
+         client.getAllUser(users);
+         return users.GetSize() == 0;
      }},
     {"getPortClient",
      [](NySeClientApp& client) {

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <atomic>
 #include <iostream>
 #include <random>
@@ -16,6 +15,7 @@
 #include "tests/socket/LocalConnection.h"
 #include "tests/support/Gate.h"
 #include "tests/support/Guarded.h"
+#include "tests/support/Handles.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -131,13 +131,6 @@ class Flood {
     std::atomic<bool> m_isEnding = false;
     std::thread m_thread;
 };
-
-// A new handle takes the first free place, and so tells how many are in use.
-size_t handleLevel() {
-    std::array<UniqueKernelHandle, 64> probes;
-    for (auto& probe : probes) probe.reset(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    return reinterpret_cast<size_t>(probes.back().get()) / 4;
-}
 
 class ServerStress : public testing::Test {
   protected:

@@ -1,0 +1,84 @@
+#include "NyServer/host/NyFctIpUtil.h"
+
+#include "NyServer/host/MachineIdentity.h"
+
+namespace {
+
+// One start of Windows Sockets; what did not start is not cleaned up.
+class WinsockStart {
+  public:
+    WinsockStart() {
+        WSADATA data;
+        m_isStarted = ::WSAStartup(MAKEWORD(2, 0), &data) == 0;
+    }
+    ~WinsockStart() {
+        if (m_isStarted) ::WSACleanup();
+    }
+    WinsockStart(const WinsockStart&) = delete;
+    WinsockStart& operator=(const WinsockStart&) = delete;
+
+    explicit operator bool() const { return m_isStarted; }
+
+  private:
+    bool m_isStarted;
+};
+
+// REQUIRES: Windows Sockets are started.
+CString firstAddressOf(const char* hostName) {
+    const hostent* host = ::gethostbyname(hostName);
+    if (host == nullptr || host->h_addr_list[0] == nullptr) return {};
+    in_addr address;
+    memcpy(&address, host->h_addr_list[0], sizeof address);
+    return CString(::inet_ntoa(address));
+}
+
+// A host name as the look-ups take it.
+struct HostName {
+    static constexpr int kSize = 256;  // bytes, with the terminator
+
+    // False when it does not fit.
+    bool convert(const CString& name) {
+        return ::WideCharToMultiByte(CP_ACP, 0, name, -1, text, kSize, nullptr, nullptr) != 0;
+    }
+
+    // Without effect while nobody has started Windows Sockets.
+    void takeLocal() { ::gethostname(text, kSize); }
+
+    char text[kSize] = "";
+};
+
+CString computerName() {
+    wchar_t name[255] = L"";
+    DWORD size = 255;
+    ::GetComputerNameW(name, &size);
+    return CString(name);
+}
+
+}  // namespace
+
+CString NyFctIpUtil::_getIpAddress() {
+    const WinsockStart winsock;
+    if (!winsock) return {};
+    char name[255];
+    if (::gethostname(name, sizeof name) != 0) return {};
+    return firstAddressOf(name);
+}
+
+CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
+    HostName name;
+    if (hostName.CompareNoCase(L"localhost") == 0) {
+        name.takeLocal();
+    } else if (!name.convert(hostName)) {
+        return {};
+    }
+    const WinsockStart winsock;
+    if (!winsock) return {};
+    return firstAddressOf(name.text);
+}
+
+CString NyFctIpUtil::getStrMachineID() {
+    // Asked for the sake of the question, which name services see; the answer is not used.
+    _getIpAddressFromHostName(computerName());
+    const auto adapters = machineidentity::readAdapters();
+    return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
+}

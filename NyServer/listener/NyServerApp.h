@@ -1,0 +1,118 @@
+// NyServerApp: the listener to which the central server pushes notifications, and which hands them
+// to the application's main window.
+//
+// What comes over a connection:
+//
+//   offset  bytes  content
+//   0       4      action, signed
+//   4       4      body length N, signed
+//   8       N      body: the bytes of a message file
+//
+// All integers are little-endian. Action 1 is answered with the 4 bytes of 512. Actions 50 to 58
+// are notifications; each is posted to the window as a message file of its own (NySeMemFile: the
+// same action, schema 2015) whose payload is the body. Other actions are read and dropped.
+#pragma once
+
+#include <afxwin.h>
+
+#include <atomic>
+
+#include "NyServer/listener/GlobalBlock.h"
+#include "NyServer/NyServerApi.h"
+#include "NyServer/socket/CUT_WSServer.h"
+
+// The host gives it a window and a port, then calls Start.
+//
+// What the window procedure does with a message NySe::_TM_NYSERVERMESSAGE: wParam is the size of a
+// block in bytes, lParam its address. It reads the message file there, frees the block with
+// GlobalFree(GlobalHandle(address)), and calls decreasePostMsgCount, once for each message.
+// NyServerNotification does all three.
+//
+// When the window falls behind, so that more messages are waiting than nine tenths of what the
+// system lets wait, the workers stop reading, and TCP holds the central server back; they go on
+// when the window has consumed every message.
+//
+// Threads: one thread makes, starts and destroys the listener and uses its settings. The functions
+// about the window and its messages may be called by any thread, stopThread excepted. Each
+// connection has a worker on a thread of its own.
+//
+// Ownership: the window object stays the host's; from the return of setAppWnd on, the one set
+// before is not used any more. A posted block belongs to the window.
+//
+// A derived listener that overrides a virtual function calls endConnections in its destructor.
+class NYSERVER_API NyServerApp : public CUT_WSServer {
+  public:
+    NyServerApp();
+
+    // Waits for all workers, without a limit: at most a round of 100 ms for one that is between
+    // messages, but up to 30 s after the last byte for one whose peer leaves a message unfinished.
+    // REQUIRES: not called by the thread of a worker.
+    ~NyServerApp() override;
+
+    // Listens on all interfaces at the port number, with a queue of 5, and accepts. 0, or the
+    // result of ConnectToPort (then nothing is accepted) or of StartAccept.
+    int Start();
+
+    // The window that receives the notifications; null, or an object without a window: they are
+    // dropped.
+    void setAppWnd(CWnd* window);
+    CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
+
+    // Where Start listens.
+    void setPortNumber(unsigned short port) { m_portNumber = port; }
+    unsigned short getPortNumber() const { return m_portNumber; }
+
+    // Kept for the host, and not used here.
+    void setSessionNumber(int session) { m_sessionNumber = session; }
+    int getSessionNumber() const { return m_sessionNumber; }
+
+    // This host's first IPv4 address, and that of a named host, in dotted text; empty when there is
+    // none.
+    static CString _getIpAdress();
+    static CString _getIpAdressByName(const CString& name);
+
+    // Moves the content of `file` into a block and posts that to the window. Dropped without a
+    // word: when there is no window (`file` keeps its content) and when there is no memory. A
+    // message that the system does not take is counted like one that it takes. REQUIRES: the block
+    // of `file` comes from malloc, as its own does.
+    void postMessageToMainFrame(unsigned int message, CMemFile& file);
+
+    // Counts one more message as posted; pauses the workers when there are too many.
+    void increasePostMsgCount();
+
+    // Counts one message as consumed; lets the workers go on when none is left. A surplus call
+    // does no harm.
+    void decreasePostMsgCount();
+
+    // The messages posted and not yet consumed.
+    int getPostMsgCount();
+
+    // Pauses all present workers or lets them go on. REQUIRES: a ThreadListLock.
+    void stopThread(bool pause);
+
+  protected:
+    // A NyServerThreadApp; null when there is no memory.
+    CUT_WSThread* CreateInstance() override;
+    // Deletes the worker; it may be null.
+    void ReleaseInstance(CUT_WSThread* worker) override;
+
+    // The number of waiting messages above which the workers are paused. Read from the system until
+    // a value above 0 was found. REQUIRES: a ThreadListLock.
+    long getPostMessageLimit();
+
+    // Raises the shut-down flag, stops accepting and waits as the destructor does. Afterwards no
+    // virtual function of the listener is called by a thread of its own.
+    void endConnections();
+
+  private:
+    bool hasAppWindow();
+    void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
+
+    // Changed under the ThreadListLock, read with or without.
+    std::atomic<CWnd*> m_appWnd = nullptr;
+    unsigned short m_portNumber = 0;
+    int m_sessionNumber = 0;
+    // Used under the ThreadListLock.
+    int m_postMsgCount = 0;
+    long m_postMsgLimit = -1;
+};

@@ -1,0 +1,254 @@
+// Listeners are asked for signs of life; who gives none is gone, with all that its client held.
+#include "tests/apps/CentralTest.h"
+#include "tests/apps/CollectingListener.h"
+#include "tests/apps/FrameListener.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kInterval{100};
+constexpr milliseconds kPatience{1'000};
+
+// Makes and starts its servers by itself, since each case has its own listeners.
+class CentralProbe : public CentralTest {
+  protected:
+    // Anna, whose listener is at `annasPort` and who holds a lock and two opens, Bob, whose
+    // listener answers, and a client that causes notifications.
+    void serve(LONG annasPort, milliseconds interval = kInterval,
+               milliseconds patience = kPatience) {
+        CentralSettings settings = withPorts({annasPort, ofBob.port()});
+        settings.push.probeInterval = interval;
+        settings.push.probePatience = patience;
+        settings.push.connectPatience = milliseconds(500);
+        central = std::make_unique<CentralServer>(std::move(settings));
+        ASSERT_EQ(0, central->start(::htonl(INADDR_LOOPBACK), 0));
+        for (NySeClientApp* one : {&annasClient, &bobsClient, &client})
+            ASSERT_EQ(0, one->connect(static_cast<int>(central->GetPort()), "127.0.0.1", -1));
+        NySeUser bob = named("Bob");
+        NySeUser anna = named("Anna");
+        ASSERT_EQ(annasPort, annasClient.getPortClient(anna));
+        ASSERT_EQ(ofBob.port(), bobsClient.getPortClient(bob));
+        EXPECT_TRUE(annasClient.lock("part", 0x18));
+        EXPECT_EQ(0, annasClient.openConnection("A"));
+        EXPECT_EQ(0, annasClient.openConnection("A"));
+    }
+
+    bool isTold(const std::string& text) {
+        return central->events().newest(1000).find(text) != std::string::npos;
+    }
+
+    bool isAnnaThere() { return userNames(client).size() == 2; }
+
+    // As when she leaves by herself.
+    void expectAnnaGone(const std::string& reason) {
+        EXPECT_TRUE(eventually([this] { return userNames(client).size() == 1; }));
+        EXPECT_EQ(std::vector<std::string>{"Bob"}, userNames(client));
+        expectNothingHeld(client);
+        EXPECT_TRUE(eventually([this] { return annasClient.IsConnected() == 0; }));
+        EXPECT_FALSE(annasClient.isAlive());
+        EXPECT_TRUE(eventually([&] { return isTold(reason + ": its user is gone"); }));
+        const std::vector<LONG> told{notifyLockGranted,      notifyConnectionOpened,
+                                     notifyConnectionOpened, notifyLockReleased,
+                                     notifyConnectionClosed, notifyConnectionClosed,
+                                     notifyUserLeft};
+        EXPECT_TRUE(eventually([&] { return ofBob.frames().size() >= told.size(); }));
+        EXPECT_EQ(told, numbersOf(ofBob));
+        EXPECT_FALSE(central->lostSessions().contains(1));
+    }
+
+    static std::vector<LONG> numbersOf(FrameListener& listener) {
+        std::vector<LONG> numbers;
+        for (const ReceivedFrame& frame : listener.frames()) numbers.push_back(frame.number);
+        return numbers;
+    }
+
+    void expectAnnaStays(FrameListener& hers, int probes) {
+        EXPECT_TRUE(eventually([&] { return hers.probes() >= probes; }));
+        EXPECT_TRUE(isAnnaThere());
+        EXPECT_TRUE(annasClient.isAlive());
+        EXPECT_FALSE(isTold("its user is gone"));
+    }
+
+    // What the server says on standard error is looked at as an event.
+    CentralProbe() { ::testing::internal::CaptureStderr(); }
+    ~CentralProbe() override {
+        central.reset();
+        ::testing::internal::GetCapturedStderr();
+    }
+
+    FrameListener ofBob;
+    std::unique_ptr<CentralServer> central;
+    NySeClientApp annasClient, bobsClient;
+};
+
+TEST_F(CentralProbe, IsAnActionOneWithoutABody) {
+    EXPECT_EQ(wireOf<LONG>(1) + wireOf<LONG>(0), *makeProbe());
+    CollectingListener ofAnna;
+    serve(ofAnna.port(), milliseconds(2'000));
+    ASSERT_TRUE(eventually([this] { return isTold("does not answer"); }));
+    const std::string told = ofAnna.received();
+    EXPECT_EQ(*makeProbe(), told.substr(told.size() - 8));
+    central.reset();
+}
+
+TEST_F(CentralProbe, WhoAnswersStays) {
+    FrameListener ofAnna;
+    serve(ofAnna.port());
+    expectAnnaStays(ofAnna, 8);
+    EXPECT_GE(ofBob.probes(), 4);
+    EXPECT_EQ(1, ofAnna.connections());
+}
+
+TEST_F(CentralProbe, AreSentAtTheInterval) {
+    FrameListener ofAnna;
+    const auto start = Clock::now();
+    serve(ofAnna.port(), milliseconds(400));
+    EXPECT_EQ(0, ofAnna.probes());
+    expectAnnaStays(ofAnna, 3);
+    EXPECT_GE(Clock::now() - start, milliseconds(1'200));
+}
+
+TEST_F(CentralProbe, WhoDoesNotAnswerIsGone) {
+    FrameListener ofAnna([] { return ""; });
+    const auto start = Clock::now();
+    serve(ofAnna.port());
+    expectAnnaGone("does not answer");
+    EXPECT_GE(Clock::now() - start, kInterval + kPatience);
+    EXPECT_EQ(1, ofAnna.probes());
+}
+
+TEST_F(CentralProbe, WhoAnswersWronglyIsGone) {
+    FrameListener ofAnna([] { return wireOf<LONG>(511); });
+    serve(ofAnna.port(), kInterval, milliseconds(60'000));
+    expectAnnaGone("answers a probe wrongly");
+}
+
+TEST_F(CentralProbe, WhoAnswersInPartIsGone) {
+    FrameListener ofAnna([] { return aliveAnswer().substr(0, 3); });
+    serve(ofAnna.port());
+    expectAnnaGone("does not answer");
+}
+
+TEST_F(CentralProbe, AnAnswerMayComeInPieces) {
+    std::atomic<int> probes = 0;
+    peers::Peer ofAnna([&](peers::Connection& connection) {
+        std::string received;
+        for (std::string piece; !(piece = connection.receive()).empty();) {
+            received += piece;
+            if (received.size() < 8 || received.substr(received.size() - 8) != *makeProbe())
+                continue;
+            ++probes;
+            for (const std::string& byte : inSingleBytes(aliveAnswer())) {
+                connection.send(byte);
+                ::Sleep(60);
+            }
+        }
+    });
+    serve(static_cast<LONG>(ofAnna.port()));
+    EXPECT_TRUE(eventually([&] { return probes >= 3; }));
+    EXPECT_TRUE(isAnnaThere());
+}
+
+TEST_F(CentralProbe, WhoClosesBetweenProbesIsAskedOnANewConnection) {
+    std::atomic<int> closes = 2;
+    FrameListener ofAnna(
+        [&] { return closes-- > 0 ? std::nullopt : std::optional(aliveAnswer()); });
+    serve(ofAnna.port());
+    expectAnnaStays(ofAnna, 8);
+    EXPECT_EQ(3, ofAnna.connections());
+}
+
+TEST_F(CentralProbe, WhoClosesAtEveryProbeIsGone) {
+    FrameListener ofAnna([] { return std::nullopt; });
+    serve(ofAnna.port());
+    expectAnnaGone("does not answer");
+}
+
+TEST_F(CentralProbe, WhoClosesAndListensNoMoreIsGone) {
+    auto ofAnna = std::make_unique<FrameListener>();
+    const LONG port = ofAnna->port();
+    serve(port);
+    EXPECT_TRUE(eventually([&] { return ofAnna->probes() >= 1; }));
+    ofAnna.reset();
+    expectAnnaGone("can no longer be reached");
+}
+
+TEST_F(CentralProbe, WhoNeverListenedStays) {
+    const peers::RefusingPort nobody;
+    serve(static_cast<LONG>(nobody.port()));
+    ::Sleep(2'000);  // several times the patience with a connect
+    EXPECT_TRUE(isAnnaThere());
+    EXPECT_TRUE(annasClient.isAlive());
+}
+
+TEST_F(CentralProbe, AreNotSentWhenTheIntervalIsNone) {
+    FrameListener ofAnna;
+    serve(ofAnna.port(), milliseconds(0));
+    ::Sleep(500);
+    EXPECT_EQ(0, ofAnna.probes());
+    EXPECT_EQ(1u, ofAnna.frames().size());  // that Bob joined
+}
+
+TEST_F(CentralProbe, HoldUpNeitherNotificationsNorRequestsWhileTheyWait) {
+    FrameListener ofAnna([] { return ""; });
+    serve(ofAnna.port(), kInterval, milliseconds(60'000));
+    ASSERT_TRUE(eventually([&] { return ofAnna.probes() == 1; }));
+    const size_t before = ofAnna.frames().size();
+    const auto start = Clock::now();
+    NySeMessage saved = message("saved");
+    for (int i = 0; i < 20; ++i) client.sendAllUserData(saved);
+    EXPECT_TRUE(client.isAlive());
+    EXPECT_TRUE(annasClient.isAlive());
+    EXPECT_TRUE(eventually([&] { return ofAnna.frames().size() == before + 20; }));
+    EXPECT_LT(Clock::now() - start, milliseconds(2'000));
+    EXPECT_TRUE(isAnnaThere());
+}
+
+TEST_F(CentralProbe, AnAnswerCountsAlsoWhenNotificationsComeMeanwhile) {
+    FrameListener ofAnna;
+    serve(ofAnna.port());
+    NySeMessage saved = message("saved");
+    for (int i = 0; i < 300 && ofAnna.probes() < 5; ++i) {
+        client.sendAllUserData(saved);
+        ::Sleep(5);
+    }
+    expectAnnaStays(ofAnna, 8);
+    EXPECT_EQ(1, ofAnna.connections());
+}
+
+TEST_F(CentralProbe, WhatAListenerSaysUnaskedIsNoAnswer) {
+    peers::Peer ofAnna([&](peers::Connection& connection) {
+        connection.send(aliveAnswer() + "and more");
+        connection.receiveAll();
+    });
+    serve(static_cast<LONG>(ofAnna.port()), milliseconds(500));
+    expectAnnaGone("does not answer");
+}
+
+TEST_F(CentralProbe, WhoMovedToAnotherPortIsAskedThere) {
+    FrameListener ofAnna;
+    FrameListener spare;
+    CentralSettings settings = withPorts({ofAnna.port(), spare.port()});
+    settings.push.probeInterval = kInterval;
+    central = std::make_unique<CentralServer>(std::move(settings));
+    ASSERT_EQ(0, central->start(::htonl(INADDR_LOOPBACK), 0));
+    ASSERT_EQ(0, client.connect(static_cast<int>(central->GetPort()), "127.0.0.1", -1));
+    NySeUser anna = named("Anna");
+    client.getPortClient(anna);
+    EXPECT_TRUE(eventually([&] { return ofAnna.probes() >= 1; }));
+    ASSERT_EQ(spare.port(), client.getAnotherPort());
+    EXPECT_TRUE(eventually([&] { return spare.probes() >= 3; }));
+    EXPECT_TRUE(client.isAlive());
+}
+
+TEST_F(CentralProbe, AClientInTheMiddleOfARequestEndsWithItsListener) {
+    FrameListener ofAnna([] { return ""; });
+    serve(ofAnna.port());
+    send(annasClient, wireOf<LONG>(11) + wireOf<LONG>(100) + "half");
+    EXPECT_TRUE(eventually([this] { return !isAnnaThere(); }));
+    EXPECT_TRUE(isTold("does not answer"));
+}
+
+}  // namespace

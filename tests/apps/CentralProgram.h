@@ -1,0 +1,48 @@
+// nycentral as a process of its own.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "tests/apps/ChildProcess.h"
+#include "tests/support/TempFile.h"
+
+class CentralProgram {
+  public:
+    // Starts it with a port of its own and these arguments, and waits until it listens.
+    explicit CentralProgram(const std::wstring& arguments)
+        : m_output(makeFile(L"output")), m_errors(makeFile(L"errors")) {
+        m_process = std::make_unique<ChildProcess>(
+            L"nycentral.exe", L"--port-file \"" + m_folder.path(L"port") + L"\" " + arguments,
+            nullptr, m_output.get(), m_errors.get());
+        for (int i = 0; i < 1500 && !m_folder.has(L"port"); ++i) ::Sleep(20);
+        m_port = std::atoi(m_folder.content(L"port").c_str());
+        EXPECT_NE(0, m_port) << errors();
+    }
+
+    int port() const { return m_port; }
+    std::string output() const { return textOf(L"output"); }
+    std::string errors() const { return textOf(L"errors"); }
+    ChildProcess& process() { return *m_process; }
+
+  private:
+    // Both may be read while the program writes into them.
+    UniqueKernelHandle makeFile(const std::wstring& name) const {
+        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+        return UniqueKernelHandle(::CreateFileW(m_folder.path(name).c_str(), GENERIC_WRITE,
+                                                FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    }
+    std::string textOf(const std::wstring& name) const {
+        std::string text = m_folder.content(name);
+        text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+        return text;
+    }
+
+    TempFolder m_folder;
+    UniqueKernelHandle m_output;
+    UniqueKernelHandle m_errors;
+    std::unique_ptr<ChildProcess> m_process;
+    int m_port = 0;
+};

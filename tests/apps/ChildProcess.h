@@ -1,0 +1,91 @@
+// A program of this build as a process of its own, ended at the latest when this goes.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <psapi.h>
+
+#include <chrono>
+#include <string>
+
+#include "NyServer/base/KernelHandle.h"
+
+class ChildProcess {
+  public:
+    // `program`: its name without a folder. What it prints goes to `output`, what it complains
+    // about to `errors`; it reads from `input`. All of them inheritable, or null.
+    ChildProcess(const std::wstring& program, const std::wstring& arguments, HANDLE input,
+                 HANDLE output, HANDLE errors) {
+        const std::wstring path = folder() + program;
+        std::wstring line = L'"' + path + L"\" " + arguments;
+        STARTUPINFOW start{};
+        start.cb = sizeof start;
+        start.dwFlags = STARTF_USESTDHANDLES;
+        start.hStdInput = input;
+        start.hStdOutput = output;
+        start.hStdError = errors;
+        PROCESS_INFORMATION made{};
+        EXPECT_TRUE(::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                     nullptr, &start, &made))
+            << ::GetLastError();
+        m_process = UniqueKernelHandle(made.hProcess);
+        const UniqueKernelHandle thread(made.hThread);
+    }
+    ~ChildProcess() { kill(); }
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    // Gone at once, without a word to anybody.
+    void kill() {
+        if (hasEnded(std::chrono::milliseconds(0))) return;
+        ::TerminateProcess(m_process.get(), 1);
+        hasEnded(std::chrono::seconds(10));
+    }
+
+    // Waits for its end so long.
+    bool hasEnded(std::chrono::milliseconds wait) const {
+        return ::WaitForSingleObject(m_process.get(), static_cast<DWORD>(wait.count())) ==
+               WAIT_OBJECT_0;
+    }
+
+    DWORD exitCode() const {
+        DWORD code = STILL_ACTIVE;
+        ::GetExitCodeProcess(m_process.get(), &code);
+        return code;
+    }
+
+    // In bytes.
+    SIZE_T workingSet() const {
+        PROCESS_MEMORY_COUNTERS counters{};
+        EXPECT_TRUE(::GetProcessMemoryInfo(m_process.get(), &counters, sizeof counters));
+        return counters.WorkingSetSize;
+    }
+
+  private:
+    // Where this program is, with the backslash.
+    static std::wstring folder() {
+        wchar_t path[MAX_PATH];
+        const std::wstring own(path, ::GetModuleFileNameW(nullptr, path, MAX_PATH));
+        return own.substr(0, own.rfind(L'\\') + 1);
+    }
+
+    UniqueKernelHandle m_process;
+};
+
+// A pipe of which a child may inherit one end.
+struct Pipe {
+    Pipe() {
+        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+        HANDLE read = nullptr;
+        HANDLE write = nullptr;
+        EXPECT_TRUE(::CreatePipe(&read, &write, &inheritable, 0));
+        reading = UniqueKernelHandle(read);
+        writing = UniqueKernelHandle(write);
+    }
+    static void keepToOneself(const UniqueKernelHandle& end) {
+        ::SetHandleInformation(end.get(), HANDLE_FLAG_INHERIT, 0);
+    }
+
+    UniqueKernelHandle reading;
+    UniqueKernelHandle writing;
+};

@@ -1,0 +1,186 @@
+#include "NyServer/host/MachineIdentity.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/host/AdapterChain.h"
+#include "tests/support/CStringPrinter.h"
+
+namespace {
+
+const std::vector<BYTE> kFirst = {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
+const std::vector<BYTE> kSecond = {0x02, 0xFF, 0x00, 0x10, 0xA0, 0x0B};
+const CString kFirstText = L"00-1a-2b-3c-4d-5e";
+const CString kSecondText = L"02-ff-00-10-a0-0b";
+
+CString hardwareAddress(const AdapterChain& chain, LPCWSTR ipAddress, LPCWSTR separator = L"-") {
+    return machineidentity::hardwareAddress(chain.first(), ipAddress, separator);
+}
+
+TEST(HardwareAddress, IsEmptyWithoutAdapters) {
+    EXPECT_EQ(hardwareAddress(AdapterChain(), L"10.0.0.1"), CString());
+    EXPECT_EQ(hardwareAddress(AdapterChain(), L""), CString());
+}
+
+TEST(HardwareAddress, IsSeventeenCharactersOfLowerCaseHex) {
+    const AdapterChain chain = AdapterChain().add(kFirst, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
+    EXPECT_EQ(kFirstText.GetLength(), 17);
+}
+
+TEST(HardwareAddress, JoinsThePairsByAnySeparator) {
+    const AdapterChain chain = AdapterChain().add(kFirst, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1", L""), L"001a2b3c4d5e");
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1", L", "), L"00, 1a, 2b, 3c, 4d, 5e");
+}
+
+TEST(HardwareAddress, IsThatOfTheAdapterWithTheAddress) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.2"), kSecondText);
+}
+
+TEST(HardwareAddress, IsThatOfTheFirstOfSeveralWithTheAddress) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
+}
+
+TEST(HardwareAddress, IsFoundByEachAddressOfAnAdapter) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1", "10.0.0.2", "10.0.0.3"}).add(kSecond, {"10.0.0.4"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.2"), kFirstText);
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.3"), kFirstText);
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.4"), kSecondText);
+}
+
+TEST(HardwareAddress, IsTheLastAdaptersWhenNoneMatches) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2", "10.0.0.3"});
+    EXPECT_EQ(hardwareAddress(chain, L"192.168.0.1"), kSecondText);
+    EXPECT_EQ(hardwareAddress(chain, L""), kSecondText);
+}
+
+TEST(HardwareAddress, MatchesWholeAddressesOnly) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.11"}).add(kFirst, {"10.0.0."}).add(kSecond, {"0.0.0.0"});
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kSecondText);
+}
+
+TEST(HardwareAddress, MatchesWithoutRegardToCase) {
+    AdapterChain chain;
+    chain.add(kFirst, {"fe80::a"}).add(kSecond, {"10.0.0.2"});
+    EXPECT_EQ(hardwareAddress(chain, L"FE80::A"), kFirstText);
+}
+
+TEST(HardwareAddress, OfAnUnknownAddressMayBeMatchedByAnAdapterWithoutOne) {
+    AdapterChain chain;
+    chain.add(kFirst, {""}).add(kSecond, {"10.0.0.2"});
+    EXPECT_EQ(hardwareAddress(chain, L""), kFirstText);
+}
+
+TEST(HardwareAddress, HasAsManyPairsAsTheAdapterHasBytes) {
+    AdapterChain none;
+    none.add({}, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(none, L"10.0.0.1"), CString());
+    AdapterChain one;
+    one.add({0x0F}, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(one, L"10.0.0.1"), L"0f");
+    AdapterChain eight;
+    eight.add({1, 2, 3, 4, 5, 6, 7, 0xF8}, {"10.0.0.1"});
+    EXPECT_EQ(hardwareAddress(eight, L"10.0.0.1"), L"01-02-03-04-05-06-07-f8");
+}
+
+TEST(HardwareAddress, ReadsNoByteBeyondTheEight) {
+    AdapterChain chain;
+    chain.add({1, 2, 3, 4, 5, 6, 7, 8}, {"10.0.0.1"});
+    chain.last().AddressLength = 1000;
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), L"01-02-03-04-05-06-07-08");
+}
+
+TEST(HardwareAddress, OfAnAdapterWithoutOneReplacesWhatWasFoundBefore) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1"}).add({}, {"127.0.0.1"});
+    EXPECT_EQ(hardwareAddress(chain, L"127.0.0.1"), CString());
+    EXPECT_EQ(hardwareAddress(chain, L"192.168.0.1"), CString());
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
+}
+
+TEST(HardwareAddress, IsFoundAmongForty) {
+    AdapterChain chain;
+    for (int i = 0; i < 40; ++i) {
+        chain.add({0, 0, 0, 0, 0, static_cast<BYTE>(i)}, {"10.0.0." + std::to_string(i)});
+    }
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.0"), L"00-00-00-00-00-00");
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.20"), L"00-00-00-00-00-14");
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.39"), L"00-00-00-00-00-27");
+    EXPECT_EQ(hardwareAddress(chain, L"10.0.1.0"), L"00-00-00-00-00-27");
+}
+
+DWORD systemVolumeSerial() {
+    DWORD serial = 0;
+    ::GetVolumeInformationW(L"C:\\", nullptr, 0, &serial, nullptr, nullptr, nullptr, 0);
+    return serial;
+}
+
+TEST(VolumeSerial, IsLowerCaseHexWithoutLeadingZeros) {
+    char expected[16];
+    std::snprintf(expected, sizeof expected, "%lx", systemVolumeSerial());
+    EXPECT_EQ(machineidentity::volumeSerial(L"C"), CString(expected));
+}
+
+TEST(VolumeSerial, OfNoVolumeIsZero) {
+    EXPECT_EQ(machineidentity::volumeSerial(L"not a drive"), L"0");
+}
+
+TEST(Identity, IsTheHardwareAddressWhereThereIsOne) {
+    AdapterChain chain;
+    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2"});
+    EXPECT_EQ(machineidentity::identityOf(chain.first(), L"10.0.0.2", L"C"), kSecondText);
+}
+
+TEST(Identity, IsTheVolumesSerialWithoutAdapters) {
+    EXPECT_EQ(machineidentity::identityOf(nullptr, L"10.0.0.1", L"C"),
+              machineidentity::volumeSerial(L"C"));
+    EXPECT_EQ(machineidentity::identityOf(nullptr, L"10.0.0.1", L"not a drive"), L"0");
+}
+
+TEST(Identity, IsTheVolumesSerialWithoutAnyHardwareAddress) {
+    AdapterChain chain;
+    chain.add({}, {"127.0.0.1"});
+    EXPECT_EQ(machineidentity::identityOf(chain.first(), L"127.0.0.1", L"C"),
+              machineidentity::volumeSerial(L"C"));
+}
+
+std::vector<std::string> namesIn(const std::vector<IP_ADAPTER_INFO>& adapters) {
+    std::vector<std::string> names;
+    for (const IP_ADAPTER_INFO* one = adapters.data(); one != nullptr; one = one->Next) {
+        names.emplace_back(one->AdapterName);
+    }
+    return names;
+}
+
+TEST(AdapterList, IsTheSystems) {
+    ULONG size = 0;
+    const bool hasAdapters = ::GetAdaptersInfo(nullptr, &size) == ERROR_BUFFER_OVERFLOW;
+    const auto adapters = machineidentity::readAdapters();
+    EXPECT_EQ(hasAdapters, adapters[0].AdapterName[0] != 0);
+    EXPECT_GE(adapters.size() * sizeof adapters[0], 11264u);
+    EXPECT_GE(adapters.size() * sizeof adapters[0], size);
+}
+
+TEST(AdapterList, GrowsUntilAllAdaptersFit) {
+    const auto expected = machineidentity::readAdapters();
+    const auto grown = machineidentity::readAdapters(1);
+    EXPECT_EQ(namesIn(expected), namesIn(grown));
+}
+
+TEST(AdapterList, LiesInItsOwnMemory) {
+    const auto adapters = machineidentity::readAdapters(1);
+    for (const IP_ADAPTER_INFO* one = adapters.data(); one->Next != nullptr; one = one->Next) {
+        EXPECT_GE(one->Next, &adapters.front());
+        EXPECT_LE(one->Next, &adapters.back());
+    }
+}
+
+}  // namespace

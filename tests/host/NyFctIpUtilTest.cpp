@@ -1,0 +1,84 @@
+#include "NyServer/host/NyFctIpUtil.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/host/AdapterChain.h"
+#include "tests/host/WinsockStarts.h"
+#include "tests/support/CStringPrinter.h"
+
+namespace {
+
+// What the stack itself says about a host, "" when it says nothing.
+CString lookUp(const char* name) {
+    const WinsockStarts winsock(1);
+    const hostent* host = ::gethostbyname(name);
+    if (host == nullptr) return {};
+    in_addr address;
+    std::memcpy(&address, host->h_addr_list[0], sizeof address);
+    return CString(::inet_ntoa(address));
+}
+
+CString lookUpLocalHost() {
+    const WinsockStarts winsock(1);
+    char name[256] = "";
+    ::gethostname(name, sizeof name);
+    return lookUp(name);
+}
+
+TEST(IpAddress, IsTheFirstOfTheLocalHostName) {
+    ASSERT_FALSE(lookUpLocalHost().IsEmpty());
+    EXPECT_EQ(NyFctIpUtil::_getIpAddress(), lookUpLocalHost());
+}
+
+TEST(IpAddress, LeavesWindowsSocketsAsTheyWere) {
+    ASSERT_EQ(WinsockStarts::count(), 0);
+    NyFctIpUtil::_getIpAddress();
+    NyFctIpUtil::_getIpAddressFromHostName(L"127.0.0.1");
+    NyFctIpUtil::_getIpAddressFromHostName(L"no.such.host.invalid");
+    NyFctIpUtil::getStrMachineID();
+    EXPECT_EQ(WinsockStarts::count(), 0);
+}
+
+TEST(IpAddressFromHostName, IsTheHostsFirst) {
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"127.0.0.1"), L"127.0.0.1");
+}
+
+TEST(IpAddressFromHostName, IsEmptyForAnUnknownHost) {
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"no.such.host.invalid"), CString());
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"no such host"), CString());
+}
+
+// With Windows Sockets started, "localhost" is this machine's own name, not the loopback's.
+TEST(IpAddressFromHostName, TakesLocalhostInAnyCaseForTheLocalName) {
+    const WinsockStarts winsock(1);
+    for (LPCWSTR name : {L"localhost", L"LocalHost", L"LOCALHOST"}) {
+        EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(name), lookUpLocalHost());
+    }
+}
+
+TEST(IpAddressFromHostName, TakesAnythingElseAsItIs) {
+    const WinsockStarts winsock(1);
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"localhost."), lookUp("localhost."));
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L""), lookUp(""));
+}
+
+TEST(IpAddressFromHostName, IsEmptyForANameBeyondTheBuffer) {
+    for (int length : {254, 255, 256, 257, 1000, 100000}) {
+        EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(CString(L'x', length)), CString());
+    }
+    const CString address = L"127.0.0.1";
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(address + CString(L' ', 300)), CString());
+}
+
+TEST(MachineId, IsTheLocalAdaptersHardwareAddress) {
+    const auto adapters = machineidentity::readAdapters();
+    EXPECT_EQ(NyFctIpUtil::getStrMachineID(),
+              machineidentity::identityOf(adapters.data(), NyFctIpUtil::_getIpAddress(), L"C"));
+    EXPECT_FALSE(NyFctIpUtil::getStrMachineID().IsEmpty());
+}
+
+TEST(MachineId, IsTheSameEachTime) {
+    EXPECT_EQ(NyFctIpUtil::getStrMachineID(), NyFctIpUtil::getStrMachineID());
+}
+
+}  // namespace

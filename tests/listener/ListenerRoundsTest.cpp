@@ -1,0 +1,139 @@
+// The rounds of a worker, counted by the times that it asks for an action.
+
+#include <gtest/gtest.h>
+
+#include "tests/listener/ListenerTest.h"
+
+namespace {
+
+constexpr int kFromSocket = ProbeListenerWorker::kFromSocket;
+
+class ListenerRounds : public ScriptedListenerTest {
+  protected:
+    // In the first `count` rounds in which there is something to read, nothing comes; `action` is
+    // left in the buffer.
+    void failRounds(int count, int result, int action = 0) {
+        m_listener.script->receive = [this, count, result, action](char* buffer, int, int timeOut) {
+            if (timeOut != 0 || m_listener.script->rounds() > count) return kFromSocket;
+            std::memcpy(buffer, &action, sizeof action);
+            return result;
+        };
+    }
+    // A peer that sends a probe and closes.
+    void probeAndClose() {
+        m_listener.connection().send(kProbe);
+        ASSERT_TRUE(eventually([&] { return m_listener.script->rounds() > 0; }));
+        ASSERT_TRUE(m_listener.awaitWorkers(0));
+    }
+    int rounds() { return m_listener.script->rounds(); }
+};
+
+TEST_F(ListenerRounds, AClosedPeerIsNoticedInThe51stIdleRound) {
+    m_listener.connection().close();
+    ASSERT_TRUE(eventually([&] { return rounds() > 0; }));
+    ASSERT_TRUE(m_listener.awaitWorkers(0));
+    EXPECT_EQ(rounds(), 51);
+}
+
+TEST_F(ListenerRounds, AMessageDoesNotResetTheCountOfIdleRounds) {
+    failRounds(30, 0);
+    probeAndClose();
+    EXPECT_EQ(rounds(), 51 + 1);
+}
+
+TEST_F(ListenerRounds, AFailedReceiveIsAnIdleRound) {
+    failRounds(30, -1);
+    probeAndClose();
+    EXPECT_EQ(rounds(), 51 + 1);
+}
+
+TEST_F(ListenerRounds, ALookAtALivingPeerResetsTheCount) {
+    failRounds(51, 0);
+    probeAndClose();
+    EXPECT_EQ(rounds(), 51 + 1 + 51);
+}
+
+TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsThere) {
+    failRounds(200, -1, 50);
+    auto peer = connect();
+    EXPECT_TRUE(isAlive(peer));
+    EXPECT_EQ(rounds(), 201);
+    EXPECT_EQ(m_window.count(), 0u);
+    peer.close();
+    ASSERT_TRUE(m_listener.awaitWorkers(0));
+    EXPECT_EQ(rounds(), 201 + 51);
+}
+
+TEST_F(ListenerRounds, AnActionWithoutItsReceiveMakesItLookForThePeerAtOnce) {
+    failRounds(200, 0, 1);
+    m_listener.connection().close();
+    ASSERT_TRUE(eventually([&] { return rounds() > 0; }));
+    ASSERT_TRUE(m_listener.awaitWorkers(0));
+    EXPECT_EQ(rounds(), 1);
+}
+
+TEST_F(ListenerRounds, TheShutDownFlagEndsTheWorkerAfterTheMessage) {
+    auto peer = connect();
+    m_listener.script->receive = [this](char*, int, int) {
+        m_listener.SetShutDownFlag(1);
+        return kFromSocket;
+    };
+    peer.send(kProbe + kProbe);
+    EXPECT_EQ(peer.receiveAll(), kAlive);
+    EXPECT_TRUE(m_listener.awaitWorkers(0));
+}
+
+TEST_F(ListenerRounds, TheShutDownFlagEndsAnIdleWorkerWithinARound) {
+    auto peer = connect();
+    const auto start = ::GetTickCount64();
+    m_listener.SetShutDownFlag(1);
+    EXPECT_EQ(peer.receive(), "");
+    EXPECT_LT(::GetTickCount64() - start, 1000u);
+}
+
+TEST_F(ListenerRounds, APausedWorkerLeavesItsBytesWhereTheyAre) {
+    auto peer = connect();
+    m_listener.pause(true);
+    ::Sleep(250);
+    peer.send(kProbe);
+    ::Sleep(250);
+    EXPECT_EQ(rounds(), 0);
+    m_listener.pause(false);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
+TEST_F(ListenerRounds, APauseTakesEffectInTheRoundThatWaits) {
+    auto peer = connect();
+    ::Sleep(20);
+    m_listener.pause(true);
+    peer.send(kProbe);
+    ::Sleep(250);
+    EXPECT_EQ(rounds(), 0);
+}
+
+TEST_F(ListenerRounds, APausedWorkerDoesNotSpin) {
+    auto peer = connect();
+    m_listener.pause(true);
+    peer.send(kProbe);
+    const auto used = [] {
+        FILETIME made, ended, kernel, user;
+        ::GetProcessTimes(::GetCurrentProcess(), &made, &ended, &kernel, &user);
+        return (kernel.dwLowDateTime + user.dwLowDateTime) / 10000;
+    };
+    ::Sleep(150);
+    const auto before = used();
+    ::Sleep(500);
+    EXPECT_LT(used() - before, 100u);
+}
+
+TEST_F(ListenerRounds, APausedWorkerSeesTheShutDownFlag) {
+    auto peer = connect();
+    peer.send(kProbe);
+    m_listener.pause(true);
+    const auto start = ::GetTickCount64();
+    m_listener.SetShutDownFlag(1);
+    EXPECT_TRUE(m_listener.awaitWorkers(0));
+    EXPECT_LT(::GetTickCount64() - start, 1000u);
+}
+
+}  // namespace

@@ -1,0 +1,178 @@
+#include <gtest/gtest.h>
+
+#include "NyServer/host/NyFctIpUtil.h"
+#include "tests/listener/ListenerTest.h"
+
+namespace {
+
+// Records the request to listen, and answers it as a test wants.
+class RefusingListener : public ProbeListener {
+  public:
+    ~RefusingListener() override { endConnections(); }
+    int ConnectToPort(unsigned short port, int queueSize, short family,
+                      unsigned long address) override {
+        asked = {port, queueSize, family, static_cast<long>(address)};
+        return answer;
+    }
+    std::vector<long> asked;
+    int answer = UTE_SOCK_LISTEN_ERROR;
+};
+
+struct CountingWorker : NyServerThreadApp {
+    CountingWorker(NyServerApp* server, int& count) : NyServerThreadApp(server), deleted(count) {}
+    ~CountingWorker() override { ++deleted; }
+    int& deleted;
+};
+
+class ListenerServer : public testing::Test {
+  protected:
+    peers::WinsockSession m_winsock;
+    ProbeListener m_listener;
+};
+
+TEST_F(ListenerServer, BeginsEmpty) {
+    EXPECT_EQ(m_listener.getAppWnd(), nullptr);
+    EXPECT_EQ(m_listener.getPortNumber(), 0);
+    EXPECT_EQ(m_listener.getSessionNumber(), 0);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+}
+
+TEST_F(ListenerServer, KeepsWhatItsHostSets) {
+    CWnd window;
+    m_listener.setAppWnd(&window);
+    m_listener.setPortNumber(65535);
+    m_listener.setSessionNumber(-7);
+    EXPECT_EQ(m_listener.getAppWnd(), &window);
+    EXPECT_EQ(m_listener.getPortNumber(), 65535);
+    EXPECT_EQ(m_listener.getSessionNumber(), -7);
+}
+
+TEST_F(ListenerServer, ListensOnAllInterfacesAtItsPort) {
+    RefusingListener listener;
+    listener.setPortNumber(4711);
+    EXPECT_EQ(listener.Start(), UTE_SOCK_LISTEN_ERROR);
+    EXPECT_EQ(listener.asked, (std::vector<long>{4711, 5, 2, 0}));
+}
+
+TEST_F(ListenerServer, DoesNotAcceptWhenItCannotListen) {
+    RefusingListener listener;
+    listener.Start();
+    EXPECT_EQ(listener.StartAccept(), UTE_SUCCESS);
+}
+
+TEST_F(ListenerServer, SaysWhatAcceptingSays) {
+    RefusingListener listener;
+    listener.answer = UTE_SUCCESS;
+    EXPECT_EQ(listener.Start(), UTE_SUCCESS);
+    listener.StartAccept();
+    EXPECT_EQ(listener.Start(), UTE_ERROR);
+}
+
+TEST_F(ListenerServer, SaysThatItsPortIsTaken) {
+    const UniqueSocket taken = peers::bindToLoopback();
+    ::listen(taken.get(), 1);
+    m_listener.setPortNumber(static_cast<unsigned short>(peers::portOf(taken)));
+    EXPECT_EQ(m_listener.Start(), UTE_SOCK_BIND_FAILED);
+}
+
+TEST_F(ListenerServer, ServesFromItsStartOn) {
+    ASSERT_EQ(m_listener.Start(), UTE_SUCCESS);
+    auto peer = m_listener.connection();
+    peer.send(kProbe);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
+TEST_F(ListenerServer, LeavesTheMaximumOfConnectionsAsItIs) {
+    EXPECT_EQ(m_listener.GetMaxConnections(), 30000);
+}
+
+TEST_F(ListenerServer, DoesNotServeConnectionsAboveTheMaximum) {
+    ASSERT_TRUE(m_listener.start());
+    m_listener.SetMaxConnections(1);
+    auto first = m_listener.connection();
+    ASSERT_TRUE(m_listener.awaitWorkers(1));
+    auto second = m_listener.connection();
+    second.send(kProbe);
+    EXPECT_EQ(second.receive(), "");
+    first.send(kProbe);
+    EXPECT_EQ(first.receive(), kAlive);
+}
+
+TEST_F(ListenerServer, MakesItsWorkersAtNormalPriority) {
+    ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_ABOVE_NORMAL);
+    CUT_WSThread* const worker = m_listener.CreateInstance();
+    EXPECT_EQ(::GetThreadPriority(::GetCurrentThread()), THREAD_PRIORITY_NORMAL);
+    ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_NORMAL);
+    auto* const made = dynamic_cast<NyServerThreadApp*>(worker);
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->getCurrentAction(), -1);
+    EXPECT_FALSE(made->isPaused());
+    m_listener.ReleaseInstance(worker);
+}
+
+TEST_F(ListenerServer, DeletesTheWorkersThatItTakesBack) {
+    int deleted = 0;
+    m_listener.ReleaseInstance(new CountingWorker(&m_listener, deleted));
+    EXPECT_EQ(deleted, 1);
+    m_listener.ReleaseInstance(nullptr);
+}
+
+TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
+    auto listener = std::make_unique<ProbeListener>();
+    MainWindow window;
+    listener->setAppWnd(window.wnd());
+    ASSERT_TRUE(listener->start());
+    auto peer = listener->connection();
+    peer.send(wireOf(50) + wireOf(6) + "abc");
+    ASSERT_TRUE(listener->awaitWorkers(1));
+    ::Sleep(50);
+    std::thread rest([&] {
+        ::Sleep(400);
+        peer.send("def");
+    });
+    listener.reset();
+    EXPECT_EQ(window.awaitMessages(1).at(0).payload(), "abcdef");
+    rest.join();
+    EXPECT_EQ(peer.receive(), "");
+}
+
+TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
+    auto listener = std::make_unique<ProbeListener>();
+    ASSERT_TRUE(listener->start());
+    const unsigned int port = listener->GetBoundPort();
+    std::atomic<bool> isEnding = false;
+    std::vector<std::thread> peers;
+    for (int i = 0; i < 4; ++i)
+        peers.emplace_back([&] {
+            while (!isEnding) {
+                UniqueSocket socket = peers::connectTo(port);
+                if (!socket) {
+                    ::Sleep(1);
+                    continue;
+                }
+                peers::Connection peer(std::move(socket), isEnding);
+                peer.receive();
+            }
+        });
+    ASSERT_TRUE(eventually([&] { return listener->GetNumConnections() == 4; }));
+    const auto start = ::GetTickCount64();
+    listener.reset();
+    EXPECT_LT(::GetTickCount64() - start, 2000u);
+    isEnding = true;
+    for (auto& peer : peers) peer.join();
+}
+
+TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
+    EXPECT_EQ(NyServerApp::_getIpAdress(), NyFctIpUtil::_getIpAddress());
+    EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("localhost")),
+              NyFctIpUtil::_getIpAddressFromHostName(_T("localhost")));
+    EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("127.0.0.9")), _T("127.0.0.9"));
+    EXPECT_TRUE(NyServerApp::_getIpAdressByName(_T("no.such.host.invalid")).IsEmpty());
+}
+
+TEST_F(ListenerServer, TheMessageOfItsNotificationsIsRegistered) {
+    EXPECT_EQ(NySe::_TM_NYSERVERMESSAGE, ::RegisterWindowMessageW(L"TM_NYSERVERMESSAGE"));
+    EXPECT_GE(NySe::_TM_NYSERVERMESSAGE, 0xC000u);
+}
+
+}  // namespace

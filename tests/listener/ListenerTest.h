@@ -1,0 +1,164 @@
+// A running listener with a main window; the test is the central server.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerApp.h"
+#include "NyServer/listener/NyServerThreadApp.h"
+#include "NyServer/socket/SocketCodes.h"
+#include "tests/listener/MainWindow.h"
+#include "tests/socket/LocalConnection.h"
+#include "tests/support/Gate.h"
+
+inline std::string wireOf(int value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+// A message as the central server sends it.
+inline std::string frame(int action, const std::string& body = "") {
+    return wireOf(action) + wireOf(static_cast<int>(body.size())) + body;
+}
+
+inline const std::string kProbe = frame(1);
+inline const std::string kAlive = wireOf(512);
+
+// Lets a test look inside.
+class ProbeListener : public NyServerApp {
+  public:
+    ~ProbeListener() override { endConnections(); }
+
+    using NyServerApp::CreateInstance;
+    using NyServerApp::endConnections;
+    using NyServerApp::getPostMessageLimit;
+    using NyServerApp::ReleaseInstance;
+    using NyServerApp::ThreadListLock;
+
+    // On a free port.
+    bool start() {
+        if (Start() != UTE_SUCCESS) return false;
+        SetPort(GetBoundPort());
+        return true;
+    }
+    peers::Connection connection() { return peers::connectionTo(GetBoundPort()); }
+
+    // The paused flags of the workers, the newest first.
+    std::vector<bool> pauses() {
+        std::vector<bool> flags;
+        const ThreadListLock lock(*this);
+        for (auto* entry = ThreadListFirst(); entry; entry = entry->next)
+            flags.push_back(static_cast<NyServerThreadApp*>(entry->worker)->isPaused());
+        return flags;
+    }
+    bool isPaused() {
+        const auto flags = pauses();
+        return !flags.empty() && flags.front();
+    }
+    void pause(bool isPaused) {
+        const ThreadListLock lock(*this);
+        stopThread(isPaused);
+    }
+    // Whether so many workers are there within 10 s.
+    bool awaitWorkers(int count) {
+        return eventually([&] { return GetNumConnections() == count; });
+    }
+};
+
+// What a worker asked its socket for.
+struct Asked {
+    int length;
+    int timeOut;
+    int action;  // the current one
+};
+
+// A worker whose receives a test records and can take over.
+class ProbeListenerWorker : public NyServerThreadApp {
+  public:
+    // Answers in place of the socket unless it gives nothing.
+    using Receiver = std::function<int(char* buffer, int length, int timeOut)>;
+    struct Script {
+        std::mutex mutex;
+        std::vector<Asked> asked;
+        Receiver receive;
+        std::vector<Asked> all() {
+            const std::lock_guard lock(mutex);
+            return asked;
+        }
+        // The times that it asked for an action.
+        int rounds() {
+            int count = 0;
+            for (const Asked& one : all()) count += one.timeOut == 0;
+            return count;
+        }
+    };
+    static constexpr int kFromSocket = -1000;
+
+    ProbeListenerWorker(NyServerApp* server, std::shared_ptr<Script> script)
+        : NyServerThreadApp(server), m_script(std::move(script)) {}
+
+    using NyServerThreadApp::Receive;
+    int Receive(char* buffer, int length, int timeOut) override {
+        {
+            const std::lock_guard lock(m_script->mutex);
+            m_script->asked.push_back({length, timeOut, getCurrentAction()});
+        }
+        const int result =
+            m_script->receive ? m_script->receive(buffer, length, timeOut) : kFromSocket;
+        return result == kFromSocket ? NyServerThreadApp::Receive(buffer, length, timeOut) : result;
+    }
+
+  private:
+    std::shared_ptr<Script> m_script;
+};
+
+// Makes such workers.
+class ScriptedListener : public ProbeListener {
+  public:
+    ~ScriptedListener() override { endConnections(); }
+    std::shared_ptr<ProbeListenerWorker::Script> script =
+        std::make_shared<ProbeListenerWorker::Script>();
+
+  protected:
+    CUT_WSThread* CreateInstance() override { return new ProbeListenerWorker(this, script); }
+};
+
+template <class Listener>
+class ListenerFixture : public testing::Test {
+  protected:
+    void SetUp() override {
+        m_listener.setAppWnd(m_window.wnd());
+        ASSERT_TRUE(m_listener.start());
+    }
+    // The window goes first.
+    void TearDown() override { m_listener.setAppWnd(nullptr); }
+
+    peers::Connection connect() {
+        const int before = m_listener.GetNumConnections();
+        peers::Connection peer = m_listener.connection();
+        EXPECT_TRUE(m_listener.awaitWorkers(before + 1));
+        return peer;
+    }
+    // Whether the connection is served.
+    static bool isAlive(peers::Connection& peer) {
+        peer.send(kProbe);
+        return peer.receive() == kAlive;
+    }
+    // What was posted, once everything sent over the connection has been handled.
+    std::vector<PostedMessage> postedFor(peers::Connection& peer) {
+        EXPECT_TRUE(isAlive(peer));
+        m_window.settle();
+        return m_window.messages();
+    }
+
+    peers::WinsockSession m_winsock;
+    Listener m_listener;
+    MainWindow m_window{&m_listener};
+};
+
+using ListenerTest = ListenerFixture<ProbeListener>;
+using ScriptedListenerTest = ListenerFixture<ScriptedListener>;

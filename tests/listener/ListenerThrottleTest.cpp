@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include "tests/listener/LimitSetting.h"
+#include "tests/listener/ListenerTest.h"
+
+namespace {
+
+// The window takes its messages and tells nobody; the test consumes them.
+class ListenerThrottle : public testing::Test {
+  protected:
+    void SetUp() override {
+        m_listener.setAppWnd(m_window.wnd());
+        ASSERT_TRUE(m_listener.start());
+        connect(2);
+    }
+    void TearDown() override { m_listener.setAppWnd(nullptr); }
+
+    void connect(int count) {
+        for (int i = 0; i < count; ++i) m_peers.push_back(m_listener.connection());
+        ASSERT_TRUE(m_listener.awaitWorkers(static_cast<int>(m_peers.size())));
+    }
+    void post(int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            CMemFile file;
+            file.Write("x", 1);
+            m_listener.postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, file);
+        }
+    }
+    void consume(int times = 1) {
+        for (int i = 0; i < times; ++i) m_listener.decreasePostMsgCount();
+    }
+    void expectPausedAbove(int limit) {
+        const size_t before = m_window.count();
+        const size_t posted = static_cast<size_t>(limit) + 1;
+        post(limit);
+        EXPECT_EQ(m_listener.pauses(), kNone);
+        post();
+        EXPECT_EQ(m_listener.pauses(), kAll);
+        EXPECT_EQ(m_window.awaitMessages(before + posted).size(), before + posted);
+        consume(limit);
+        EXPECT_EQ(m_listener.pauses(), kAll);
+        consume();
+        EXPECT_EQ(m_listener.pauses(), kNone);
+    }
+
+    static inline const std::vector<bool> kAll{true, true};
+    static inline const std::vector<bool> kNone{false, false};
+
+    peers::WinsockSession m_winsock;
+    LimitSetting m_setting{3600};
+    ProbeListener m_listener;
+    MainWindow m_window;
+    std::vector<peers::Connection> m_peers;
+};
+
+TEST_F(ListenerThrottle, PausesAbove3240AndReleasesWithTheLast) {
+    expectPausedAbove(3240);
+}
+
+TEST_F(ListenerThrottle, PausesAgainAsBefore) {
+    m_setting.set(30);
+    expectPausedAbove(27);
+    expectPausedAbove(27);
+}
+
+TEST_F(ListenerThrottle, PausesAboveNineTenthsOfALargerLimit) {
+    m_setting.set(10000);
+    expectPausedAbove(9000);
+}
+
+TEST_F(ListenerThrottle, PausesWithEachMessageWhenTheLimitIsNone) {
+    m_setting.set(1);
+    expectPausedAbove(0);
+    expectPausedAbove(0);
+}
+
+TEST_F(ListenerThrottle, PostsGoOnDuringAPause) {
+    m_setting.set(10);
+    post(12);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 12);
+    EXPECT_EQ(m_window.awaitMessages(12).size(), 12u);
+    consume(11);
+    EXPECT_EQ(m_listener.pauses(), kAll);
+    consume();
+    EXPECT_EQ(m_listener.pauses(), kNone);
+}
+
+TEST_F(ListenerThrottle, ASurplusConsumptionReleasesAndCountsNothing) {
+    m_listener.pause(true);
+    consume();
+    EXPECT_EQ(m_listener.pauses(), kNone);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    post();
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+}
+
+TEST_F(ListenerThrottle, AConsumptionThatLeavesSomethingReleasesNobody) {
+    post(2);
+    m_listener.pause(true);
+    consume();
+    EXPECT_EQ(m_listener.pauses(), kAll);
+}
+
+TEST_F(ListenerThrottle, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) {
+    m_setting.set(10);
+    post(10);
+    connect(1);
+    EXPECT_EQ(m_listener.pauses(), (std::vector<bool>{false, true, true}));
+    m_peers.back().send(kProbe);
+    EXPECT_EQ(m_peers.back().receive(), kAlive);
+    post();
+    EXPECT_EQ(m_listener.pauses(), (std::vector<bool>{true, true, true}));
+}
+
+TEST_F(ListenerThrottle, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
+    m_setting.set(100);
+    std::string stream;
+    for (int i = 0; i < 200; ++i) stream += frame(50 + i % 9, wireOf(i) + wireOf(i));
+    m_peers[0].send(stream);
+    m_window.awaitMessages(91);
+    ::Sleep(250);
+    EXPECT_EQ(m_window.count(), 91u);
+    consume(90);
+    ::Sleep(250);
+    EXPECT_EQ(m_window.count(), 91u);
+    consume();
+    EXPECT_EQ(m_window.awaitMessages(182).size(), 182u);
+    ::Sleep(250);
+    EXPECT_EQ(m_window.count(), 182u);
+    consume(91);
+    EXPECT_EQ(m_window.awaitMessages(200).size(), 200u);
+    for (size_t i = 0; i < 200; ++i)
+        EXPECT_EQ(m_window.messages()[i].payload().substr(0, 4), wireOf(static_cast<int>(i)));
+}
+
+// Other workers than the listener's own may be in the list.
+class PlainWorker : public CUT_WSThread {
+  public:
+    void OnConnect() override {
+        char byte;
+        Receive(&byte, 1, 0);
+    }
+};
+class PlainListener : public ProbeListener {
+  public:
+    ~PlainListener() override { endConnections(); }
+
+  protected:
+    CUT_WSThread* CreateInstance() override { return new PlainWorker; }
+};
+
+TEST(ListenerThrottleOfOthers, LeavesWorkersOfOtherKindsAlone) {
+    const peers::WinsockSession winsock;
+    PlainListener listener;
+    ASSERT_TRUE(listener.start());
+    auto peer = listener.connection();
+    ASSERT_TRUE(listener.awaitWorkers(1));
+    listener.pause(true);
+    peer.close();
+    EXPECT_TRUE(listener.awaitWorkers(0));
+}
+
+}  // namespace
