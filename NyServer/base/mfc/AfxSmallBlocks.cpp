@@ -1,8 +1,10 @@
 #include "AfxSmallBlocks.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <mutex>
 #include <new>
+#include <thread>
 #include <utility>
 
 #include "AfxThreadBlocks.h"
@@ -28,17 +30,30 @@ size_t blocksInBatch(size_t index) {
     return kAfxBatchBytes / ((index + 1) * kAfxBlockStep);
 }
 
+// Held for a few instructions, and usable before and after every constructor and destructor, which
+// a mutex is not on every platform.
+class BriefLock {
+  public:
+    void lock() {
+        while (m_isHeld.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() { m_isHeld.clear(std::memory_order_release); }
+
+  private:
+    std::atomic_flag m_isHeld;
+};
+
 // Batches of free blocks that no thread keeps. Any thread may use it at any time.
 class Store {
   public:
     void put(size_t index, AfxFreeBlock* batch) {
         if (batch == nullptr) return;
-        const std::scoped_lock lock(m_mutex);
+        const std::scoped_lock lock(m_lock);
         batch->nextBatch = std::exchange(m_batches[index], batch);
     }
     AfxFreeBlock* take(size_t index) {
         {
-            const std::scoped_lock lock(m_mutex);
+            const std::scoped_lock lock(m_lock);
             if (AfxFreeBlock* const batch = m_batches[index]) {
                 m_batches[index] = batch->nextBatch;
                 return batch;
@@ -60,7 +75,7 @@ class Store {
         return next;
     }
 
-    std::mutex m_mutex;
+    BriefLock m_lock;
     std::array<AfxFreeBlock*, kAfxBlockSizes> m_batches{};
 };
 
