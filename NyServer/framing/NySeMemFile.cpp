@@ -34,7 +34,7 @@ void dropArchiveErrors(Archive archive) {
 
 NySeMemFile::NySeMemFile() : CMemFile(kGrowBytes) {}
 
-NySeMemFile::~NySeMemFile() {
+NySeMemFile::~NySeMemFile() noexcept {
     closeArchive();
 }
 

@@ -24,7 +24,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
   public:
     NySeMemFile();
     // Deletes the open archive, which flushes a storing one.
-    ~NySeMemFile() override;
+    ~NySeMemFile() noexcept override;
 
     // Begin a message without or with an action: what was written before is dropped, and a storing
     // archive is opened behind the header, under `schema`.
