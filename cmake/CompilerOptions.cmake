@@ -1,11 +1,13 @@
 # ny_options: what every target of this project is compiled with.
 add_library(ny_options INTERFACE)
-target_compile_options(ny_options INTERFACE
+set(warnings
   -Wall -Wextra -Wpedantic -Werror
   -Wshadow -Wnon-virtual-dtor -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wunused)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(ny_options INTERFACE -Wduplicated-cond -Wlogical-op -Wsuggest-override)
+  list(APPEND warnings -Wduplicated-cond -Wlogical-op -Wsuggest-override)
 endif()
+# Not for resources: their compiler takes other options.
+target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warnings}>")
 
 if(WIN32)
   target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE)

@@ -11,4 +11,9 @@ namespace NySe {
 // never changed.
 extern NYSERVER_API unsigned int _TM_NYSERVERMESSAGE;
 
+// Joins the module's classes and resources to the chain of a host that is itself a DLL with a
+// module state of its own. Such a host calls it exactly once, when it starts; others need not.
+// Without effect when no memory is left.
+NYSERVER_API void initDll();
+
 }  // namespace NySe

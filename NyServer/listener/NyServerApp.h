@@ -71,10 +71,10 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     static CString _getIpAdress();
     static CString _getIpAdressByName(const CString& name);
 
-    // Moves the content of `file` into a block and posts that to the window. Dropped without a
-    // word: when there is no window (`file` keeps its content) and when there is no memory. A
-    // message that the system does not take is counted like one that it takes. REQUIRES: the block
-    // of `file` comes from malloc, as its own does.
+    // Moves the content of `file` into a block and posts that to the window; `file` is empty then.
+    // Without a window, or without memory for the block, the notification is dropped without a
+    // word, and `file` keeps its content. A message that the system does not take is counted like
+    // one that it takes. REQUIRES: the block of `file` comes from malloc, as its own does.
     void postMessageToMainFrame(unsigned int message, CMemFile& file);
 
     // Counts one more message as posted; pauses the workers when there are too many.
@@ -105,7 +105,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     void endConnections();
 
   private:
-    bool hasAppWindow();
+    HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
 
     // Changed under the ThreadListLock, read with or without.

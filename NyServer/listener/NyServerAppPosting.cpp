@@ -25,14 +25,14 @@ void NyServerApp::setAppWnd(CWnd* window) {
     m_appWnd.store(window, std::memory_order_relaxed);
 }
 
-bool NyServerApp::hasAppWindow() {
+HWND NyServerApp::appWindow() {
     const ThreadListLock lock(*this);
     const CWnd* const window = getAppWnd();
-    return window && ::IsWindow(window->GetSafeHwnd());
+    return window ? window->GetSafeHwnd() : nullptr;
 }
 
 void NyServerApp::postMessageToMainFrame(unsigned int message, CMemFile& file) {
-    if (!hasAppWindow()) return;
+    if (!::IsWindow(appWindow())) return;
     file.SeekToBegin();
     const DWORD size = static_cast<DWORD>(file.GetLength());
     UniqueGlobalBlock block(::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size));

@@ -41,5 +41,5 @@ class NYSERVER_API NyServerNotification {
     UniqueGlobalBlock m_block;
     NyServerApp* m_listener;
     NySe::ActionType m_action = NySe::noAction;
-    CMemFile m_payload;
+    CMemFile m_payload{0};
 };

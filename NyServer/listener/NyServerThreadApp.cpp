@@ -24,14 +24,14 @@ NyServerThreadApp::NyServerThreadApp(NyServerApp* server)
     ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_NORMAL);
 }
 
-// The idle rounds are those since the last look at the peer, whatever messages came between.
+// The idle rounds are those since the last check of the peer, whatever messages came between.
 void NyServerThreadApp::OnConnect() {
     int idleRounds = 0;
     do {
         const Round round = runRound();
-        const bool isCheckDue = round == Round::idle && ++idleRounds > kIdleRoundsWithoutCheck;
-        if (!isCheckDue && round != Round::unclear) continue;
-        if (!IsConnected()) return;
+        if (round == Round::idle) ++idleRounds;
+        const bool isCheckDue = idleRounds > kIdleRoundsWithoutCheck;
+        if ((isCheckDue || round == Round::unclear) && !IsConnected()) return;
         if (isCheckDue) idleRounds = 0;
     } while (m_server->GetShutDownFlag() == 0);
 }

@@ -5,6 +5,31 @@
 
 #include "NyServer/framing/NySeReply.h"
 
+namespace {
+
+// In bytes; a longer notification goes out alone. Thousands of small ones in a piece each take the
+// system longer than the changes that they tell of.
+constexpr size_t kLongestBatch = size_t{64} * 1024;
+
+NotificationBytes joined(const std::deque<NotificationBytes>& batch) {
+    if (batch.size() == 1) return batch.front();
+    auto bytes = std::make_shared<std::string>();
+    for (const NotificationBytes& one : batch) *bytes += *one;
+    return bytes;
+}
+
+// Takes those out that are wholly among the first `sent` bytes. Whether there were any.
+bool removeSent(std::deque<NotificationBytes>& batch, size_t sent) {
+    const size_t before = batch.size();
+    while (!batch.empty() && batch.front()->size() <= sent) {
+        sent -= batch.front()->size();
+        batch.pop_front();
+    }
+    return batch.size() < before;
+}
+
+}  // namespace
+
 Listener::Listener(LONG session, const sockaddr_in& address, ListenerSurroundings& surroundings)
     : m_session(session),
       m_address(address),
@@ -48,31 +73,36 @@ void Listener::end() {
 // told then.
 void Listener::run() {
     while (!m_isEnding) {
-        if (const NotificationBytes notification = next()) handle(*notification);
+        handle(next());
         NySe::succeeds([this] { probe(); });
     }
     NySe::succeeds([this] { tellTotal(); });
     m_hasEnded = true;
 }
 
-void Listener::handle(const std::string& notification) {
+void Listener::handle(Batch batch) {
+    if (batch.empty()) return;
     const char* failure = "cannot be served";  // for want of memory
-    NySe::succeeds([&] { failure = deliver(notification); });
-    NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure); });
+    NySe::succeeds([&] { failure = deliver(batch); });
+    NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure, batch.size()); });
 }
 
-NotificationBytes Listener::next() {
+Listener::Batch Listener::next() {
     std::unique_lock guard(m_lock);
     m_changed.wait_for(guard, m_probe.pause(), [this] { return m_isEnding || !m_queue.empty(); });
-    if (m_isEnding || m_queue.empty()) return nullptr;
-    NotificationBytes first = std::move(m_queue.front());
-    m_queue.pop_front();
-    m_queuedBytes -= first->size();
-    return first;
+    Batch batch;
+    for (size_t bytes = 0; !m_isEnding && !m_queue.empty();) {
+        bytes += m_queue.front()->size();
+        if (bytes > kLongestBatch && !batch.empty()) break;
+        m_queuedBytes -= m_queue.front()->size();
+        batch.push_back(std::move(m_queue.front()));
+        m_queue.pop_front();
+    }
+    return batch;
 }
 
-const char* Listener::deliver(const std::string& bytes) {
-    switch (send(bytes)) {
+const char* Listener::deliver(Batch& batch) {
+    switch (send(batch)) {
         case ListenerLink::Outcome::done:
             return nullptr;
         case ListenerLink::Outcome::unreachable:
@@ -82,14 +112,17 @@ const char* Listener::deliver(const std::string& bytes) {
     }
 }
 
-ListenerLink::Outcome Listener::send(const std::string& bytes) {
-    auto outcome = ListenerLink::Outcome::lost;
-    for (int attempt = 0; attempt < 2 && outcome == ListenerLink::Outcome::lost; ++attempt) {
+ListenerLink::Outcome Listener::send(Batch& batch) {
+    for (int attempts = 0; !batch.empty() && attempts < 2; ++attempts) {
         if (!m_link.open(Patience(m_limits.connectPatience, m_isEnding)))
             return ListenerLink::Outcome::unreachable;
-        outcome = m_link.send(bytes, Patience(m_limits.sendPatience, m_isEnding));
+        size_t sent = 0;
+        const auto outcome =
+            m_link.send(*joined(batch), Patience(m_limits.sendPatience, m_isEnding), sent);
+        if (removeSent(batch, sent)) attempts = 0;  // another one is the first now
+        if (outcome == ListenerLink::Outcome::tooSlow) return outcome;
     }
-    return outcome;
+    return batch.empty() ? ListenerLink::Outcome::done : ListenerLink::Outcome::lost;
 }
 
 void Listener::probe() {
@@ -116,7 +149,8 @@ void Listener::sendProbe() {
         return m_link.opened() == 0 ? m_probe.settle() : die("can no longer be reached");
     m_link.forgetHeard();
     m_probedLink = m_link.opened();
-    m_link.send(*bytes, Patience(m_limits.probePatience, m_isEnding));
+    size_t sent = 0;
+    m_link.send(*bytes, Patience(m_limits.probePatience, m_isEnding), sent);
 }
 
 void Listener::die(const char* reason) {
@@ -129,12 +163,12 @@ void Listener::die(const char* reason) {
     m_events.warn(name() + ' ' + reason + ": its user is gone");
 }
 
-void Listener::giveUp(const char* reason) {
+void Listener::giveUp(const char* reason, size_t unsent) {
     size_t dropped;
     {
         const std::lock_guard guard(m_lock);
         m_isGivenUp = true;
-        countDropped(1);
+        countDropped(unsent);
         dropQueue();
         if (m_isEnding) return;
         dropped = m_toldDropped = m_dropped;

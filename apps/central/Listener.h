@@ -52,22 +52,25 @@ class Listener {
     bool hasEnded() const { return m_hasEnded; }
 
   private:
+    // What goes out in one piece.
+    using Batch = std::deque<NotificationBytes>;
+
     void run();
-    // Null when the end is asked for, or the probe has to be seen to.
-    NotificationBytes next();
-    void handle(const std::string& notification);
-    // What went wrong; null when the notification has been sent.
-    const char* deliver(const std::string& bytes);
-    // Sends on a new connection once more when the present one turns out to be lost.
-    ListenerLink::Outcome send(const std::string& bytes);
+    // Empty when the end is asked for, or the probe has to be seen to.
+    Batch next();
+    void handle(Batch batch);
+    // What went wrong; null when all has been sent. What has not stays in the batch.
+    const char* deliver(Batch& batch);
+    // A notification that is lost with its connection goes out on a new one once more, whole.
+    ListenerLink::Outcome send(Batch& batch);
 
     // The step of the probe that is to be done now, if there is one; it waits for no answer.
     void probe();
     void sendProbe();
     void die(const char* reason);
 
-    // The one that could not be sent, and all behind it.
-    void giveUp(const char* reason);
+    // So many that could not be sent, and all behind them.
+    void giveUp(const char* reason, size_t unsent);
     void tellFirstDrop();
     void tellTotal();
     // REQUIRES: m_lock.
@@ -86,7 +89,7 @@ class Listener {
 
     std::mutex m_lock;
     std::condition_variable m_changed;
-    std::deque<NotificationBytes> m_queue;
+    Batch m_queue;
     size_t m_queuedBytes = 0;
     size_t m_dropped = 0;
     bool m_isGivenUp = false;

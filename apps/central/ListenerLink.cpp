@@ -66,14 +66,16 @@ bool ListenerLink::takeIn() {
     return true;
 }
 
-ListenerLink::Outcome ListenerLink::send(const std::string& bytes, Patience patience) {
-    const Outcome outcome = sendAll(bytes, patience);
+ListenerLink::Outcome ListenerLink::send(const std::string& bytes, Patience patience,
+                                         size_t& sent) {
+    sent = 0;
+    const Outcome outcome = sendAll(bytes, patience, sent);
     if (outcome != Outcome::done) m_socket.reset();
     return outcome;
 }
 
-ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& patience) {
-    size_t sent = 0;
+ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& patience,
+                                            size_t& sent) {
     while (sent < bytes.size()) {
         const int count =
             ::send(m_socket.get(), bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);

@@ -36,8 +36,8 @@ class ListenerLink {
 
     // All of the bytes: done. Otherwise the connection is closed; lost: by the other end, or
     // broken; tooSlow: no byte was taken until `patience` was over, which starts again with each
-    // that is. REQUIRES: an open connection.
-    Outcome send(const std::string& bytes, Patience patience);
+    // that is. `sent`: how many bytes were taken in any case. REQUIRES: an open connection.
+    Outcome send(const std::string& bytes, Patience patience, size_t& sent);
 
     // The first kHeard bytes at most that the other end has said on the present connection since
     // forgetHeard; what is behind them is lost. Closes the connection when the other end has.
@@ -51,7 +51,7 @@ class ListenerLink {
 
   private:
     bool connectOnce(const Patience& patience);
-    Outcome sendAll(const std::string& bytes, Patience& patience);
+    Outcome sendAll(const std::string& bytes, Patience& patience, size_t& sent);
     bool takeIn();
 
     const sockaddr_in m_address;

@@ -274,6 +274,7 @@ class CentralLoad : public CentralTest {
         EXPECT_EQ(0u, program.process().exitCode());
         EXPECT_EQ(0, countOf("incoherent", program.errors())) << program.errors();
         EXPECT_EQ(0, countOf("its user is gone", program.errors())) << program.errors();
+        EXPECT_EQ(0, countOf("is too slow", program.errors())) << program.errors();
     }
 
     ListenerRow listeners{kListening + kKilledPrograms};

@@ -1,4 +1,5 @@
 // Listeners are asked for signs of life; who gives none is gone, with all that its client held.
+#include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/CentralTest.h"
 #include "tests/apps/CollectingListener.h"
 #include "tests/apps/FrameListener.h"
@@ -99,6 +100,18 @@ TEST_F(CentralProbe, WhoAnswersStays) {
     expectAnnaStays(ofAnna, 8);
     EXPECT_GE(ofBob.probes(), 4);
     EXPECT_EQ(1, ofAnna.connections());
+}
+
+TEST_F(CentralProbe, TheListenerOfTheLibraryAnswers) {
+    NyServerApp ofAnna;
+    ASSERT_EQ(0, ofAnna.Start());
+    ofAnna.SetPort(ofAnna.GetBoundPort());
+    serve(static_cast<LONG>(ofAnna.GetBoundPort()));
+    ::Sleep(2'000);  // longer than the interval and the patience
+    EXPECT_EQ(1, ofAnna.GetNumConnections());
+    EXPECT_TRUE(isAnnaThere());
+    EXPECT_TRUE(annasClient.isAlive());
+    central.reset();
 }
 
 TEST_F(CentralProbe, AreSentAtTheInterval) {

@@ -106,10 +106,10 @@ class CentralTest : public ::testing::Test {
         return value;
     }
 
-    // True once `condition` holds; waits for it at most 10 s.
+    // True once `condition` holds; waits for it at most 30 s.
     template <class Condition>
     static bool eventually(Condition condition) {
-        for (int i = 0; i < 500; ++i) {
+        for (int i = 0; i < 1500; ++i) {
             if (condition()) return true;
             ::Sleep(20);
         }

@@ -48,6 +48,27 @@ TEST(IpAddressFromHostName, IsEmptyForAnUnknownHost) {
     EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"no such host"), CString());
 }
 
+// An address of any length by its leading zeros.
+CString addressOfLength(int length) {
+    const CString network = L"127.0.0.";
+    return network + CString(L'0', length - network.GetLength() - 1) + L"1";
+}
+
+// Longer names are not cut: they would be those of other hosts.
+TEST(IpAddressFromHostName, KnowsNamesOfUpTo255Bytes) {
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(addressOfLength(255)), L"127.0.0.1");
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(addressOfLength(256)), CString());
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(addressOfLength(300)), CString());
+}
+
+// The local name is asked for before the call starts Windows Sockets.
+TEST(IpAddressFromHostName, TakesTheLocalNameAsFarAsItIsKnown) {
+    ASSERT_EQ(WinsockStarts::count(), 0);
+    char name[256] = "";
+    ::gethostname(name, sizeof name);
+    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"localhost"), lookUp(name));
+}
+
 // With Windows Sockets started, "localhost" is this machine's own name, not the loopback's.
 TEST(IpAddressFromHostName, TakesLocalhostInAnyCaseForTheLocalName) {
     const WinsockStarts winsock(1);
@@ -66,8 +87,6 @@ TEST(IpAddressFromHostName, IsEmptyForANameBeyondTheBuffer) {
     for (int length : {254, 255, 256, 257, 1000, 100000}) {
         EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(CString(L'x', length)), CString());
     }
-    const CString address = L"127.0.0.1";
-    EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(address + CString(L' ', 300)), CString());
 }
 
 TEST(MachineId, IsTheLocalAdaptersHardwareAddress) {

@@ -4,6 +4,7 @@
 
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
+#include "tests/support/WorkingSet.h"
 
 namespace {
 
@@ -122,6 +123,20 @@ TEST_F(ListenerPostingToAWindow, KeepsNoEmptyBlock) {
     EXPECT_EQ(posted().size(), 10u);
 }
 
+TEST_F(ListenerPostingToAWindow, KeepsNothingOfWhatItPosts) {
+    const std::string content(1024 * 1024, 'm');
+    const auto round = [&] {
+        for (int i = 0; i < 50; ++i) {
+            post(content);
+            m_window.forget();
+        }
+    };
+    round();
+    const SIZE_T before = workingSet();
+    round();
+    EXPECT_LT(workingSet(), before + 20 * content.size());
+}
+
 TEST_F(ListenerPostingToAWindow, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStream) {
     std::atomic<bool> isEnding = false;
     std::thread sender([&] {
@@ -201,7 +216,7 @@ TEST(ListenerCount, IsExactUnderManyThreads) {
     EXPECT_EQ(listener.getPostMsgCount(), 0);
 }
 
-TEST(ListenerCount, ChangesUnderTheLockOfTheWorkers) {
+TEST(ListenerCount, ChangesLikeTheWindowUnderTheLockOfTheWorkers) {
     ProbeListener listener;
     std::atomic<int> done = 0;
     std::vector<std::thread> threads;
@@ -209,11 +224,12 @@ TEST(ListenerCount, ChangesUnderTheLockOfTheWorkers) {
         const ProbeListener::ThreadListLock lock(listener);
         threads.emplace_back([&] { listener.increasePostMsgCount(), ++done; });
         threads.emplace_back([&] { listener.decreasePostMsgCount(), ++done; });
+        threads.emplace_back([&] { listener.setAppWnd(nullptr), ++done; });
         ::Sleep(100);
         EXPECT_EQ(done, 0);
     }
     for (auto& thread : threads) thread.join();
-    EXPECT_EQ(done, 2);
+    EXPECT_EQ(done, 3);
 }
 
 }  // namespace

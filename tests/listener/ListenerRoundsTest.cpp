@@ -123,7 +123,7 @@ TEST_F(ListenerRounds, APausedWorkerDoesNotSpin) {
     ::Sleep(150);
     const auto before = used();
     ::Sleep(500);
-    EXPECT_LT(used() - before, 100u);
+    EXPECT_LT(used() - before, 30u);  // a spinning thread's share on a busy machine is more
 }
 
 TEST_F(ListenerRounds, APausedWorkerSeesTheShutDownFlag) {

@@ -136,30 +136,48 @@ TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
     EXPECT_EQ(peer.receive(), "");
 }
 
+// Connects again and again for at most 6 s.
+class RestlessPeers {
+  public:
+    explicit RestlessPeers(unsigned int port) : m_port(port) {
+        for (int i = 0; i < kSilent + kTalking; ++i)
+            m_threads.emplace_back([this, isSilent = i < kSilent] { run(isSilent); });
+    }
+    ~RestlessPeers() {
+        m_isEnding = true;
+        for (auto& thread : m_threads) thread.join();
+    }
+    RestlessPeers(const RestlessPeers&) = delete;
+    RestlessPeers& operator=(const RestlessPeers&) = delete;
+
+  private:
+    static constexpr int kSilent = 8;
+    static constexpr int kTalking = 2;
+
+    void run(bool isSilent) {
+        const auto end = ::GetTickCount64() + 6000;
+        for (; !m_isEnding && ::GetTickCount64() < end; ::Sleep(1)) {
+            peers::Connection peer(peers::connectTo(m_port), m_isEnding);
+            if (!isSilent) peer.send(frame(50, "coming and going"));
+            if (isSilent) peer.receive();
+        }
+    }
+
+    unsigned int m_port;
+    std::atomic<bool> m_isEnding = false;
+    std::vector<std::thread> m_threads;
+};
+
 TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
+    MainWindow window;
     auto listener = std::make_unique<ProbeListener>();
+    listener->setAppWnd(window.wnd());
     ASSERT_TRUE(listener->start());
-    const unsigned int port = listener->GetBoundPort();
-    std::atomic<bool> isEnding = false;
-    std::vector<std::thread> peers;
-    for (int i = 0; i < 4; ++i)
-        peers.emplace_back([&] {
-            while (!isEnding) {
-                UniqueSocket socket = peers::connectTo(port);
-                if (!socket) {
-                    ::Sleep(1);
-                    continue;
-                }
-                peers::Connection peer(std::move(socket), isEnding);
-                peer.receive();
-            }
-        });
-    ASSERT_TRUE(eventually([&] { return listener->GetNumConnections() == 4; }));
+    const RestlessPeers peers(listener->GetBoundPort());
+    EXPECT_GE(window.awaitMessages(5).size(), 5u);
     const auto start = ::GetTickCount64();
     listener.reset();
-    EXPECT_LT(::GetTickCount64() - start, 2000u);
-    isEnding = true;
-    for (auto& peer : peers) peer.join();
+    EXPECT_LT(::GetTickCount64() - start, 4000u);
 }
 
 TEST_F(ListenerServer, TellsTheAddressesOfHosts) {

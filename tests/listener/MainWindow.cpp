@@ -3,13 +3,14 @@
 #include <cstring>
 #include <stdexcept>
 
+#include "NyServer/base/KernelHandle.h"
 #include "NyServer/host/NyServerModule.h"
 
 namespace {
 
 constexpr UINT kDestroy = WM_USER + 1;
 constexpr UINT kSettle = WM_USER + 2;
-constexpr UINT kHold = WM_USER + 3;
+constexpr DWORD kPatience = 10000;  // milliseconds
 constexpr wchar_t kClass[] = L"NyListenerTestWindow";
 
 }  // namespace
@@ -44,7 +45,8 @@ std::vector<PostedMessage> MainWindow::messages() const {
 }
 
 std::vector<PostedMessage> MainWindow::awaitMessages(size_t wanted) const {
-    eventually([&] { return count() >= wanted; });
+    for (size_t seen = 0; count() < wanted && eventually([&] { return count() > seen; });)
+        seen = count();
     return messages();
 }
 
@@ -53,21 +55,17 @@ size_t MainWindow::count() const {
     return m_messages.size();
 }
 
-// A message of the lowest rank in the queue, behind all that are there.
+// Posted messages are taken in their order.
 void MainWindow::settle() {
-    Gate seen;
-    ::PostMessageW(m_wnd.GetSafeHwnd(), kSettle, 0, reinterpret_cast<LPARAM>(&seen));
-    seen.awaitArrivals();
+    const UniqueKernelHandle seen(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    if (::PostMessageW(m_wnd.GetSafeHwnd(), kSettle, 0, reinterpret_cast<LPARAM>(seen.get())))
+        ::WaitForSingleObject(seen.get(), kPatience);
 }
 
-void MainWindow::hold() {
-    m_hold = std::make_unique<Gate>();
-    ::PostMessageW(m_wnd.GetSafeHwnd(), kHold, 0, reinterpret_cast<LPARAM>(m_hold.get()));
-    m_hold->awaitArrivals();
-}
-
-void MainWindow::letGo() {
-    m_hold->open();
+void MainWindow::forget() {
+    settle();
+    const std::lock_guard lock(m_mutex);
+    m_messages.clear();
 }
 
 void MainWindow::run() {
@@ -88,10 +86,9 @@ LRESULT CALLBACK MainWindow::windowProcedure(HWND window, UINT message, WPARAM w
                                              LPARAM lParam) {
     auto* const self = reinterpret_cast<MainWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
     if (message == kSettle) {
-        reinterpret_cast<Gate*>(lParam)->open();
-        return reinterpret_cast<Gate*>(lParam)->pass();
+        ::SetEvent(reinterpret_cast<HANDLE>(lParam));
+        return 0;
     }
-    if (message == kHold) return reinterpret_cast<Gate*>(lParam)->pass();
     if (message == kDestroy) return ::DestroyWindow(window);
     if (message == WM_DESTROY) ::PostQuitMessage(0);
     if (message < WM_APP) return ::DefWindowProcW(window, message, wParam, lParam);

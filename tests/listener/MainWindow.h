@@ -39,15 +39,13 @@ class MainWindow {
     void destroyWindow();
 
     std::vector<PostedMessage> messages() const;
-    // The messages there are once they are `count`, or after 10 s.
+    // The messages there are once they are `count`, or when none has come for 10 s.
     std::vector<PostedMessage> awaitMessages(size_t count) const;
     size_t count() const;
     // Once the window has seen all that was posted so far.
     void settle();
-
-    // The window does not get to its messages while it is held.
-    void hold();
-    void letGo();
+    // Forgets its messages once settled.
+    void forget();
 
   private:
     static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam,
@@ -59,7 +57,5 @@ class MainWindow {
     CWnd m_wnd;
     mutable std::mutex m_mutex;
     std::vector<PostedMessage> m_messages;
-    Gate m_made;
-    std::unique_ptr<Gate> m_hold;
     std::thread m_thread;
 };

@@ -93,6 +93,8 @@ TEST_F(Notification, CannotGrow) {
     NyServerNotification notification(size(), where, nullptr);
     EXPECT_EQ(notification.getMemFile().GetLength(), 2u);
     EXPECT_THROW(notification.getMemFile().Write("abc", 3), CMemoryException*);
+    NyServerNotification empty(0, 0, nullptr);
+    EXPECT_THROW(empty.getMemFile().Write("a", 1), CMemoryException*);
 }
 
 }  // namespace

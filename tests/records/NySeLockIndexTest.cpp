@@ -149,10 +149,13 @@ TEST_F(LockIndex, SeesWhatAnotherTableDoesWithSharedLocks) {
         NySeLock lock;
         lock.setStrLockName(m_table.GetAt(6)->getStrLockName());
         EXPECT_TRUE(m_table.removeLock(lock, user));
-        m_table.InsertAt(6, lockNamed(nameOf(i)).release());
+        const CString name = nameOf(10 * kNames + 2 * i);
+        m_table.InsertAt(6, lockNamed(name).release());
         shared.InsertAt(6, m_table.GetAt(6));
-        expectRightAnswers(shared);
-        expectRightAnswers(m_table);
+        EXPECT_EQ(shared.lookForLockName(name), 6);
+        lookAround(shared);
+        EXPECT_EQ(shared.lookForLockName(name), 6);
+        EXPECT_EQ(m_table.lookForLockName(name), 6);
     }
 }
 

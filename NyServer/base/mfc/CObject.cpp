@@ -1,15 +1,8 @@
 #include "afx.h"
 
-#include <cstring>
 #include <new>
 
-namespace {
-
-// Registered classes, newest first. Constant-initialised: classes register from static constructors
-// of every module.
-CRuntimeClass* registeredClasses = nullptr;
-
-}  // namespace
+#include "AfxClassChain.h"
 
 CRuntimeClass CObject::classCObject = {
     "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
@@ -40,11 +33,8 @@ BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const {
 
 CRuntimeClass* PASCAL CRuntimeClass::FromName(LPCSTR className) {
     if (className == nullptr) return nullptr;
-    for (CRuntimeClass* current = registeredClasses; current != nullptr;
-         current = current->m_pNextClass) {
-        if (std::strcmp(current->m_lpszClassName, className) == 0) return current;
-    }
-    return nullptr;
+    const auto lock = AfxClassChain::lock();
+    return AfxClassChain::find(className);
 }
 
 CRuntimeClass* PASCAL CRuntimeClass::FromName(LPCWSTR className) {
@@ -58,8 +48,8 @@ CRuntimeClass* PASCAL CRuntimeClass::FromName(LPCWSTR className) {
 }
 
 void AFXAPI AfxClassInit(CRuntimeClass* newClass) {
-    newClass->m_pNextClass = registeredClasses;
-    registeredClasses = newClass;
+    const auto lock = AfxClassChain::lock();
+    AfxClassChain::registerClass(newClass);
 }
 
 CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* wanted, CObject* object) {

@@ -20,15 +20,16 @@ class CObject;
 // which one it is. The flag lies above the 16 bits that are stored.
 #define VERSIONABLE_SCHEMA 0x80000000U
 
-// One static description per class; it lives as long as its module. Reading it needs no lock;
-// registration happens while modules are loaded, which the loader serialises.
+// One static description per class; it lives as long as its module. Reading it needs no lock, and
+// classes may be looked up by any thread while modules are loaded and freed. Whoever frees a module
+// sees to it that nobody uses its classes any more.
 struct NYBASE_API CRuntimeClass {
     LPCSTR m_lpszClassName;  // ASCII
     int m_nObjectSize;       // bytes
     UINT m_wSchema;          // declared schema with its flag; 0xFFFF: not serialisable
     CObject*(PASCAL* m_pfnCreateObject)();        // null: not dynamically creatable
     CRuntimeClass*(PASCAL* m_pfnGetBaseClass)();  // null only for CObject
-    CRuntimeClass* m_pNextClass;  // next on the list of registered classes, newest first
+    CRuntimeClass* m_pNextClass;                  // next on its module's list, newest first
 
     // A new object in its default state, owned by the caller; null when the class is not
     // dynamically creatable or no memory is left.
@@ -40,7 +41,8 @@ struct NYBASE_API CRuntimeClass {
     // TRUE when objects of the class can be written to an archive and read back.
     BOOL IsSerializable() const { return m_wSchema != 0xFFFF; }
 
-    // The registered class of that name; null when there is none.
+    // The class of that name that the application has registered, or else an extension module or
+    // the class library; null when there is none.
     static CRuntimeClass* PASCAL FromName(LPCSTR className);
     static CRuntimeClass* PASCAL FromName(LPCWSTR className);
 };

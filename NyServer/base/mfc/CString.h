@@ -65,8 +65,18 @@ class NYBASE_API CString {
     CString Mid(int start) const;
     CString Mid(int start, int count) const;
 
-    // Replaces the text by printf rules, where %s takes a wide string. Windows builds only.
+    // Replaces the text by printf rules, where %s takes a wide string. Windows builds only, as is
+    // all that follows up to GetBuffer.
     void Format(LPCWSTR format, ...);
+    // The same with a format from the string tables, as LoadString finds it; the empty string when
+    // there is none.
+    void Format(UINT formatId, ...);
+
+    // Takes the text with that identifier from the first module that has it: the current resource
+    // handle's, then the extension modules, the newest first; or from the string table of
+    // `instance` alone. FALSE when there is none (or it is empty): the text is what it was then.
+    BOOL LoadString(UINT id);
+    BOOL LoadString(HINSTANCE instance, UINT id);
 
     // A writable area of at least `minLength` characters and a terminator, valid until
     // ReleaseBuffer, which must be the next call on this object.

@@ -28,6 +28,7 @@ typedef const WCHAR* LPCWSTR;
 typedef WCHAR* LPWSTR;
 typedef LPCWSTR LPCTSTR;
 typedef LPWSTR LPTSTR;
+typedef struct HINSTANCE__* HINSTANCE;  // nobody makes one
 #define TRUE 1
 #define FALSE 0
 #define _T(literal) u##literal

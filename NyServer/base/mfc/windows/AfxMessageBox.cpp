@@ -17,3 +17,9 @@ CString programName() {
 int AFXAPI AfxMessageBox(LPCTSTR text, UINT type, UINT) {
     return ::MessageBoxW(::GetActiveWindow(), text, programName(), type);
 }
+
+int AFXAPI AfxMessageBox(UINT textId, UINT type, UINT helpId) {
+    CString text;
+    text.LoadString(textId);
+    return AfxMessageBox(text.GetString(), type, helpId);
+}

@@ -1,8 +1,117 @@
-#include "afxwin.h"
+#include "../afxwin.h"
 
+#include <mutex>
+#include <set>
 #include <utility>
 
 IMPLEMENT_DYNAMIC(CWnd, CObject)
+
+namespace {
+
+// The window property that leads from a handle to its object.
+constexpr wchar_t kObjectProperty[] = L"NyBaseDll.CWnd";
+
+CWnd* objectOf(HWND window) {
+    return static_cast<CWnd*>(::GetPropW(window, kObjectProperty));
+}
+
+LRESULT answerToException(HWND window, UINT message) {
+    // An invalid area would bring the same message again at once.
+    if (message == WM_PAINT) ::ValidateRect(window, nullptr);
+    return message == WM_CREATE ? -1 : 0;
+}
+
+}  // namespace
+
+// The procedure of every window made by CreateEx, and how the window gets it.
+struct AfxWindowProcedure {
+    static LRESULT CALLBACK call(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        CWnd* const object = objectOf(window);
+        if (object == nullptr) return ::DefWindowProcW(window, message, wParam, lParam);
+        const LRESULT result = callSafely(*object, window, message, wParam, lParam);
+        if (message == WM_NCDESTROY) finish(*object);
+        return result;
+    }
+
+    static LRESULT callSafely(CWnd& object, HWND window, UINT message, WPARAM wParam,
+                              LPARAM lParam) noexcept {
+        try {
+            return object.WindowProc(message, wParam, lParam);
+        } catch (CException* exception) {
+            exception->Delete();
+        } catch (...) {
+            // Whatever it was, it must not travel through the system's code.
+        }
+        return answerToException(window, message);
+    }
+
+    static void attach(CWnd& object, HWND window) {
+        ::SetPropW(window, kObjectProperty, &object);
+        object.m_hWnd = window;
+        object.m_classProcedure = reinterpret_cast<WNDPROC>(
+            ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&call)));
+    }
+
+    // The window goes on as its class has made it.
+    static void release(CWnd& object) {
+        ::SetWindowLongPtrW(object.m_hWnd, GWLP_WNDPROC,
+                            reinterpret_cast<LONG_PTR>(object.m_classProcedure));
+        ::RemovePropW(object.m_hWnd, kObjectProperty);
+        object.m_classProcedure = nullptr;
+        object.m_hWnd = nullptr;
+    }
+
+    static void finish(CWnd& object) noexcept {
+        release(object);
+        try {
+            object.PostNcDestroy();
+        } catch (CException* exception) {
+            exception->Delete();
+        } catch (...) {
+            // As above.
+        }
+    }
+};
+
+namespace {
+
+// Gives the next window of this thread to its object before the window's first message.
+class CreationHook {
+  public:
+    explicit CreationHook(CWnd& object) : m_outer(std::exchange(current, this)), m_object(&object) {
+        m_hook = ::SetWindowsHookExW(WH_CBT, &onEvent, nullptr, ::GetCurrentThreadId());
+    }
+    ~CreationHook() {
+        if (m_hook != nullptr) ::UnhookWindowsHookEx(m_hook);
+        current = m_outer;
+    }
+    CreationHook(const CreationHook&) = delete;
+    CreationHook& operator=(const CreationHook&) = delete;
+
+  private:
+    static LRESULT CALLBACK onEvent(int code, WPARAM wParam, LPARAM lParam) {
+        if (code == HCBT_CREATEWND && current != nullptr && current->m_object != nullptr) {
+            AfxWindowProcedure::attach(*std::exchange(current->m_object, nullptr),
+                                       reinterpret_cast<HWND>(wParam));
+        }
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline thread_local CreationHook* current = nullptr;
+
+    CreationHook* m_outer;
+    CWnd* m_object;  // null once it has its window
+    HHOOK m_hook;
+};
+
+}  // namespace
+
+CWnd::~CWnd() {
+    if (m_classProcedure == nullptr) return;
+    const HWND window = m_hWnd;
+    AfxWindowProcedure::release(*this);
+    ::DestroyWindow(window);
+}
 
 BOOL CWnd::Attach(HWND window) {
     m_hWnd = window;
@@ -10,5 +119,52 @@ BOOL CWnd::Attach(HWND window) {
 }
 
 HWND CWnd::Detach() {
-    return std::exchange(m_hWnd, nullptr);
+    const HWND window = m_hWnd;
+    if (m_classProcedure != nullptr) AfxWindowProcedure::release(*this);
+    m_hWnd = nullptr;
+    return window;
+}
+
+BOOL CWnd::CreateEx(DWORD exStyle, LPCTSTR className, LPCTSTR windowName, DWORD style, int x, int y,
+                    int width, int height, HWND parent, HMENU idOrMenu, LPVOID parameter) {
+    const CreationHook hook(*this);
+    return ::CreateWindowExW(exStyle, className, windowName, style, x, y, width, height, parent,
+                             idOrMenu, AfxGetInstanceHandle(), parameter) != nullptr;
+}
+
+BOOL CWnd::DestroyWindow() {
+    return m_hWnd != nullptr && ::DestroyWindow(m_hWnd);
+}
+
+LRESULT CWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    return DefWindowProc(message, wParam, lParam);
+}
+
+LRESULT CWnd::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    return ::CallWindowProcW(m_classProcedure != nullptr ? m_classProcedure : &::DefWindowProcW,
+                             m_hWnd, message, wParam, lParam);
+}
+
+LPCTSTR AFXAPI AfxRegisterWndClass(UINT classStyle, HCURSOR cursor, HBRUSH background, HICON icon) {
+    static std::mutex mutex;
+    static std::set<std::wstring> names;
+    CString name;
+    name.Format(L"Afx:%x:%p:%p:%p", classStyle, cursor, background, icon);
+    const std::lock_guard lock(mutex);
+    const auto [place, isNew] = names.emplace(name.GetString());
+    if (isNew) {
+        WNDCLASSW traits = {};
+        traits.style = classStyle;
+        traits.lpfnWndProc = &::DefWindowProcW;
+        traits.hInstance = AfxGetInstanceHandle();
+        traits.hCursor = cursor;
+        traits.hbrBackground = background;
+        traits.hIcon = icon;
+        traits.lpszClassName = place->c_str();
+        if (::RegisterClassW(&traits) == 0) {
+            names.erase(place);
+            AfxThrowMemoryException();
+        }
+    }
+    return place->c_str();
 }

@@ -1,0 +1,64 @@
+// In which order modules are searched for a class by name. Internal to the class library.
+#pragma once
+
+#include "CObject.h"
+
+#include <mutex>
+
+class CDynLinkLibrary;
+
+// A module that shares its classes with all others.
+struct AfxSharedModule {
+    CRuntimeClass* firstClass = nullptr;  // newest first
+    CDynLinkLibrary* library = nullptr;   // whose place in the chain this is
+    AfxSharedModule* next = nullptr;
+};
+
+// Searched first is what the application has registered, then what modules have published, the
+// newest first, then the class library's own. Modules come and go while other threads look up
+// classes, hence the lock. Nobody calls into the loader while holding it: the loader's own lock is
+// held already where a module publishes its classes.
+class AfxClassChain {
+  public:
+    // The lock of everything below.
+    using Lock = std::unique_lock<std::timed_mutex>;
+    static Lock lock();
+    // For a module that is being unloaded: gives the lock up after a second. The process may be
+    // ending, and the thread that held the lock with it.
+    static Lock lockToLeave();
+
+    static void registerClass(CRuntimeClass* newClass);
+    static CRuntimeClass* find(LPCSTR className);
+
+    // Takes the classes that `isOwn` names from the application's. Their list, newest first.
+    template <class IsOwn>
+    static CRuntimeClass* take(IsOwn isOwn) {
+        CRuntimeClass* taken = nullptr;
+        CRuntimeClass** takenEnd = &taken;
+        for (CRuntimeClass** place = &applicationClasses; *place != nullptr;) {
+            CRuntimeClass* const current = *place;
+            if (!isOwn(current)) {
+                place = &current->m_pNextClass;
+                continue;
+            }
+            *place = current->m_pNextClass;
+            current->m_pNextClass = nullptr;
+            *takenEnd = current;
+            takenEnd = &current->m_pNextClass;
+        }
+        return taken;
+    }
+
+    // `module` stays the caller's, who withdraws it before it goes.
+    static void publish(AfxSharedModule& module);
+    // Without effect on a module that is not published.
+    static void withdraw(AfxSharedModule& module);
+    static const AfxSharedModule* firstModule() { return sharedModules; }
+
+    static void setLibraryClasses(CRuntimeClass* first) { libraryClasses = first; }
+
+  private:
+    static CRuntimeClass* applicationClasses;
+    static AfxSharedModule* sharedModules;
+    static CRuntimeClass* libraryClasses;
+};

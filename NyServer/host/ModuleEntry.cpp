@@ -1,0 +1,26 @@
+#include "NyServer/host/ModuleEntry.h"
+
+#include <new>
+
+namespace {
+
+int attach(AFX_EXTENSION_MODULE& state, HINSTANCE instance) {
+    return AfxInitExtensionModule(state, instance) && moduleentry::link(state) ? 1 : 0;
+}
+
+}  // namespace
+
+int moduleentry::onEvent(AFX_EXTENSION_MODULE& state, HINSTANCE instance, DWORD reason) {
+    if (reason == DLL_PROCESS_ATTACH) return attach(state, instance);
+    if (reason == DLL_PROCESS_DETACH) AfxTermExtensionModule(state);
+    return 1;
+}
+
+bool moduleentry::link(AFX_EXTENSION_MODULE& state) {
+    try {
+        new CDynLinkLibrary(state);  // the chain's, until the module goes
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}

@@ -1,0 +1,113 @@
+#include <afxwin.h>
+
+#include <gtest/gtest.h>
+
+#include "tests/base/windows/guest/Guests.h"
+#include "tests/support/CStringPrinter.h"
+#include "tests/support/MessageBoxWatch.h"
+
+namespace {
+
+// Two guests, the second the newest; no resource handle set.
+class Resources : public testing::Test {
+  protected:
+    ~Resources() override { AfxSetResourceHandle(nullptr); }
+
+    static CString text(UINT id) {
+        CString loaded = L"unchanged";
+        const BOOL isLoaded = loaded.LoadString(id);
+        EXPECT_EQ(isLoaded != FALSE, loaded != L"unchanged");
+        return loaded;
+    }
+
+    static HMODULE finder(LPCWSTR name) { return AfxFindResourceHandle(name, RT_RCDATA); }
+
+    LoadedGuest m_first{1};
+    LoadedGuest m_second{2};
+    HMODULE m_program = ::GetModuleHandleW(nullptr);
+};
+
+TEST_F(Resources, AreTheProgramsAtFirst) {
+    EXPECT_EQ(AfxGetInstanceHandle(), m_program);
+    EXPECT_EQ(AfxGetResourceHandle(), m_program);
+}
+
+TEST_F(Resources, AreThoseOfTheHandleSet) {
+    AfxSetResourceHandle(m_first.handle());
+    EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
+    EXPECT_EQ(AfxGetInstanceHandle(), m_program);
+    AfxSetResourceHandle(nullptr);
+    EXPECT_EQ(AfxGetResourceHandle(), m_program);
+}
+
+TEST_F(Resources, AreSearchedInTheCurrentModuleFirst) {
+    EXPECT_EQ(text(IDS_EVERYWHERE), L"of the program");
+    EXPECT_EQ(finder(L"EVERYWHERE"), m_program);
+    AfxSetResourceHandle(m_first.handle());
+    EXPECT_EQ(text(IDS_EVERYWHERE), L"of guest 1");
+    EXPECT_EQ(finder(L"EVERYWHERE"), m_first.handle());
+}
+
+TEST_F(Resources, AreSearchedInTheNewestExtensionModuleNext) {
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    m_second.free();
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+}
+
+TEST_F(Resources, AreSearchedUntilAModuleHasThem) {
+    EXPECT_EQ(text(IDS_FIRST_GUEST), L"of guest 1 alone");
+    EXPECT_EQ(finder(L"FIRSTGUEST"), m_first.handle());
+}
+
+TEST_F(Resources, OfSystemModulesAreSearchedLast) {
+    AFX_EXTENSION_MODULE state = m_second.state();
+    m_second.dismiss();
+    const CDynLinkLibrary system(state, TRUE);
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+    m_first.free();
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+}
+
+TEST_F(Resources, MayLieInAnotherModuleThanTheClasses) {
+    AFX_EXTENSION_MODULE state = m_second.state();
+    state.hResource = m_first.handle();
+    const CDynLinkLibrary link(state);
+    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+}
+
+TEST_F(Resources, ThatNobodyHasAreLeftToTheCurrentModule) {
+    EXPECT_EQ(finder(L"NOSUCHTHING"), m_program);
+    AfxSetResourceHandle(m_second.handle());
+    EXPECT_EQ(finder(L"NOSUCHTHING"), m_second.handle());
+    EXPECT_EQ(text(IDS_NOWHERE), L"unchanged");
+}
+
+TEST_F(Resources, OfOneModuleAreSearchedThereAlone) {
+    CString text = L"unchanged";
+    EXPECT_FALSE(text.LoadString(m_second.handle(), IDS_FIRST_GUEST));
+    EXPECT_EQ(text, L"unchanged");
+    EXPECT_TRUE(text.LoadString(m_first.handle(), IDS_FIRST_GUEST));
+    EXPECT_EQ(text, L"of guest 1 alone");
+}
+
+TEST_F(Resources, GiveFormats) {
+    CString text;
+    text.Format(IDS_PATTERN, L"She", 3);
+    EXPECT_EQ(text, L"She has 3");
+    text.Format(IDS_NOWHERE, L"She", 3);
+    EXPECT_EQ(text, CString());
+}
+
+TEST_F(Resources, GiveTheTextsOfMessageBoxes) {
+    MessageBoxWatch watch(IDYES);
+    EXPECT_EQ(AfxMessageBox(IDS_GUESTS, MB_YESNO), IDYES);
+    ASSERT_EQ(watch.boxes().size(), 1u);
+    EXPECT_EQ(watch.boxes()[0].text, L"a guest's 2");
+}
+
+}  // namespace

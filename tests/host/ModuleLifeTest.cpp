@@ -1,0 +1,158 @@
+// The module as a host loads and frees it; this program is not linked with it.
+#include <afxdllx.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "NyServer/host/ModuleEntry.h"
+#include "NyServer/host/ModuleResources.h"
+#include "tests/support/CStringPrinter.h"
+#include "tests/support/LoadedLibrary.h"
+
+namespace {
+
+class Module : public testing::Test {
+  protected:
+    static bool knows(LPCSTR className) { return CRuntimeClass::FromName(className) != nullptr; }
+
+    static bool hasText(UINT id) {
+        CString text;
+        return text.LoadString(id) != FALSE;
+    }
+
+    LoadedLibrary load() { return LoadedLibrary(L"NyServerDll.dll"); }
+};
+
+const char* const kRecords[] = {
+    "NySeConnection",   "NySeConnectionArray", "NySeLock",
+    "NySeLockArray",    "NySeMessage",         "NySeUser",
+    "NySeUserPtrArray", "NySeSessionLock",     "NySeSessionLockPtrArray"};
+
+// First in this file, since the handle is kept from then on.
+TEST_F(Module, HandleIsRememberedOnceTheModuleIsLoaded) {
+    EXPECT_EQ(moduleresources::handle(), nullptr);
+    EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), CString());
+    LoadedLibrary library = load();
+    const HINSTANCE handle = library.handle();
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(moduleresources::handle(), handle);
+    library.free();
+    EXPECT_EQ(moduleresources::handle(), handle);
+}
+
+TEST_F(Module, BringsAndTakesItsClasses) {
+    LoadedLibrary library = load();
+    for (const char* name : kRecords) EXPECT_TRUE(knows(name)) << name;
+    library.free();
+    for (const char* name : kRecords) EXPECT_FALSE(knows(name)) << name;
+}
+
+TEST_F(Module, BringsAndTakesItsTexts) {
+    LoadedLibrary library = load();
+    EXPECT_TRUE(hasText(IDS_NYSERVER_NAME));
+    library.free();
+    EXPECT_FALSE(hasText(IDS_NYSERVER_NAME));
+}
+
+TEST_F(Module, ComesAndGoesAHundredTimes) {
+    for (int i = 0; i < 100; ++i) {
+        LoadedLibrary library = load();
+        ASSERT_TRUE(knows("NySeLock"));
+        library.free();
+        ASSERT_FALSE(knows("NySeLock"));
+    }
+}
+
+TEST_F(Module, RegistersItsClassesInTheirOrder) {
+    const LoadedLibrary library = load();
+    std::vector<std::string> names;
+    for (const CRuntimeClass* one = CRuntimeClass::FromName("NySeSessionLockPtrArray");
+         one != nullptr; one = one->m_pNextClass) {
+        names.insert(names.begin(), one->m_lpszClassName);
+    }
+    EXPECT_EQ(names, std::vector<std::string>(std::begin(kRecords), std::end(kRecords)));
+}
+
+TEST_F(Module, HasItsMessageRegisteredWhenItIsLoaded) {
+    const LoadedLibrary library = load();
+    const auto* message = library.symbol<unsigned int*>("_ZN4NySe19_TM_NYSERVERMESSAGEE");
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(*message, ::RegisterWindowMessageW(L"TM_NYSERVERMESSAGE"));
+    EXPECT_NE(*message, 0u);
+}
+
+TEST_F(Module, JoinsAHostOnceMoreAndLeavesItWhole) {
+    LoadedLibrary library = load();
+    library.symbol<void (*)()>("_ZN4NySe7initDllEv")();
+    EXPECT_TRUE(knows("NySeUser"));
+    library.free();
+    EXPECT_FALSE(knows("NySeUser"));
+    EXPECT_FALSE(hasText(IDS_NYSERVER_NAME));
+}
+
+// For a host that the module has not joined while it was loaded.
+TEST_F(Module, JoinsByItsStartUpCallAlone) {
+    const LoadedLibrary library = load();
+    AFX_EXTENSION_MODULE host = {};
+    ASSERT_TRUE(AfxInitExtensionModule(host, ::GetModuleHandleW(nullptr)));
+    AfxTermExtensionModule(host, TRUE);
+    ASSERT_FALSE(knows("NySeLock"));
+    library.symbol<void (*)()>("_ZN4NySe7initDllEv")();
+    EXPECT_TRUE(knows("NySeLock"));
+    EXPECT_TRUE(hasText(IDS_NYSERVER_NAME));
+}
+
+CRuntimeClass visitor = {"Visitor", 1, 1, nullptr, nullptr, nullptr};
+
+// The entry with a state of the test's own: the program's module, which has registered a class.
+class ModuleEntry : public testing::Test {
+  protected:
+    ModuleEntry() { AfxClassInit(&visitor); }
+    ~ModuleEntry() override {
+        AfxInitExtensionModule(m_state, m_program);
+        AfxTermExtensionModule(m_state);
+    }
+
+    int enter(DWORD reason) { return moduleentry::onEvent(m_state, m_program, reason); }
+    static bool knowsVisitor() { return CRuntimeClass::FromName("Visitor") == &visitor; }
+
+    HINSTANCE m_program = ::GetModuleHandleW(nullptr);
+    AFX_EXTENSION_MODULE m_state = {};
+};
+
+TEST_F(ModuleEntry, LinksTheModuleInWhenTheProcessAttaches) {
+    EXPECT_EQ(enter(DLL_PROCESS_ATTACH), 1);
+    EXPECT_TRUE(m_state.bInitialized);
+    EXPECT_EQ(m_state.hModule, m_program);
+    EXPECT_EQ(m_state.pFirstSharedClass, &visitor);
+    EXPECT_TRUE(knowsVisitor());
+}
+
+TEST_F(ModuleEntry, RefusesTheModuleThatCannotBeInitialised) {
+    EXPECT_EQ(moduleentry::onEvent(m_state, nullptr, DLL_PROCESS_ATTACH), 0);
+    EXPECT_FALSE(m_state.bInitialized);
+}
+
+TEST_F(ModuleEntry, TakesTheModuleOutWhenTheProcessDetaches) {
+    enter(DLL_PROCESS_ATTACH);
+    ASSERT_TRUE(moduleentry::link(m_state));
+    EXPECT_EQ(enter(DLL_PROCESS_DETACH), 1);
+    EXPECT_FALSE(m_state.bInitialized);
+    EXPECT_FALSE(knowsVisitor());
+}
+
+TEST_F(ModuleEntry, DoesNothingForAnyOtherReason) {
+    for (const DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
+        EXPECT_EQ(enter(reason), 1);
+        EXPECT_FALSE(m_state.bInitialized);
+    }
+    enter(DLL_PROCESS_ATTACH);
+    for (const DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
+        EXPECT_EQ(enter(reason), 1);
+        EXPECT_TRUE(knowsVisitor());
+    }
+}
+
+}  // namespace

@@ -1,0 +1,334 @@
+// Requests and their replies, notifications and probes, found in a capture and matched to each
+// other.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/wireshark/Talk.h"
+#include "tests/wireshark/Wire.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+// Every request with the reply that it gets.
+std::vector<Said> wholeSession() {
+    const auto reply = [](const char* name) { return answers(golden(name).bytes); };
+    const auto ask = [](const char* call) { return asks(goldenRequest(call)); };
+    const Bytes yes = wireOf<BYTE>(1);
+    return {
+        ask("initializeSchema"),
+        answers(wireOf<LONG>(2015)),
+        ask("isAlive"),
+        answers(kAlive),
+        ask("getPortClient"),
+        reply("reply-user"),
+        ask("openConnection"),
+        answers(wireOf<LONG>(3)),
+        ask("closeConnection"),
+        ask("isOpenConnectionBy"),
+        reply("reply-users"),
+        ask("getConnection"),
+        reply("reply-connections"),
+        ask("lock"),
+        answers(yes),
+        ask("unLock"),
+        ask("isLockBy"),
+        answers(yes + golden("reply-users").bytes),
+        ask("getLock"),
+        reply("reply-locks"),
+        ask("getAllUser"),
+        reply("reply-users"),
+        ask("getAnotherPort"),
+        answers(wireOf<LONG>(42101)),
+        ask("sendConnectionData"),
+        ask("sendUserData"),
+        ask("sendAllUserData"),
+        ask("updateUserName"),
+        answers(yes),
+        ask("getCurrentTime"),
+        answers(wireOf<LONG>(1'700'000'000)),
+        ask("verifyCoherancy"),
+        ask("getMachineIdentifiant"),
+        reply("reply-string"),
+        ask("getEventListFromEventViewer"),
+        reply("reply-string"),
+        ask("getVersion"),
+        answers(wireOf(1.5)),
+        ask("shutDownServer"),
+        ask("disconnect"),
+    };
+}
+
+const Talk session(wholeSession(), Talk::On::anyPort);
+
+TEST(WiresharkConversation, NamesEveryRequestAndWhatItIsAnswered) {
+    EXPECT_THAT(
+        session.lines(),
+        ElementsAre(
+            "initializeSchema 2015", "initializeSchema: 2015", "isAlive", "isAlive: alive",
+            "getPortClient Anna", "getPortClient: NySeUser Anna",
+            "openConnection \"Server=a;Db=b\"", "openConnection: 3", "closeConnection 3",
+            "isOpenConnectionBy 3", "isOpenConnectionBy: NySeUserPtrArray 2", "getConnection",
+            "getConnection: NySeConnectionArray 2", "lock \"part/42\" 0x18", "lock: granted",
+            "unLock \"part/42\"", "isLockBy \"part/42\"", "isLockBy: held, NySeUserPtrArray 2",
+            "getLock", "getLock: NySeLockArray 2", "getAllUser", "getAllUser: NySeUserPtrArray 2",
+            "getAnotherPort", "getAnotherPort: 42101", "sendConnectionData 1 2 NySeMessage saved",
+            "sendUserData to Anna NySeMessage saved", "sendAllUserData NySeMessage saved",
+            "updateUserName \"Anna\"", "updateUserName: done", "getCurrentTime",
+            "getCurrentTime: 1700000000", "verifyCoherancy", "getMachineIdentifiant",
+            "getMachineIdentifiant: \"00-1a-2b-3c-4d-5e\"", "getEventListFromEventViewer 25",
+            "getEventListFromEventViewer: \"00-1a-2b-3c-4d-5e\"", "getVersion", "getVersion: 1.5",
+            "shutDownServer", "disconnect"));
+}
+
+TEST(WiresharkConversation, LeavesNoGoldenRequestOut) {
+    EXPECT_EQ(goldenNamed("request-").size(), [] {
+        size_t requests = 0;
+        for (const Said& said : wholeSession()) requests += said.asks ? 1 : 0;
+        return requests;
+    }());
+}
+
+TEST(WiresharkConversation, ShowsActionLengthAndArguments) {
+    const Decoded lock = session[13];
+    EXPECT_EQ("11", lock["action"]);
+    EXPECT_EQ("1", lock["request"]);
+    EXPECT_EQ("22", lock["length"]);
+    EXPECT_EQ("part/42", lock["lock.name"]);
+    EXPECT_EQ("0x00000018", lock["lock.mode"]);
+    EXPECT_EQ("0", lock["lock.mode.access1"]);
+    EXPECT_EQ("0", lock["lock.mode.access2"]);
+    EXPECT_EQ("1", lock["lock.mode.exclude1"]);
+    EXPECT_EQ("1", lock["lock.mode.exclude2"]);
+    EXPECT_EQ("0", session[16]["zero"]);
+    EXPECT_EQ("1", session[24]["data.first"]);
+    EXPECT_EQ("2", session[24]["data.second"]);
+    EXPECT_EQ("25", session[34]["event_count"]);
+    EXPECT_EQ("Anna", session[27]["user_name"]);
+    EXPECT_EQ("2015", session[0]["schema"]);
+}
+
+TEST(WiresharkConversation, ShowsScalarReplies) {
+    EXPECT_EQ("512", session[3]["reply.number"]);
+    EXPECT_EQ("1", session[14]["reply.byte"]);
+    EXPECT_EQ("42101", session[23]["reply.number"]);
+    EXPECT_EQ("1.5", session[37]["reply.version"]);
+    EXPECT_EQ("1700000000", session[30]["reply.number"]);
+    EXPECT_NE(std::string::npos, session[30]["reply.server_time"].find("Nov 14, 2023 22:13:20"));
+    EXPECT_FALSE(session[14].has("length"));
+}
+
+TEST(WiresharkConversation, ShowsMessageReplies) {
+    EXPECT_EQ("00-1a-2b-3c-4d-5e", session[33]["reply.text"]);
+    EXPECT_EQ("38", session[33]["length"]);
+    EXPECT_EQ("1", session[17]["reply.byte"]);
+    EXPECT_THAT(session[17].all("user.name"), ElementsAre("Anna", "bob"));
+}
+
+TEST(WiresharkConversation, LeadsFromRequestToReplyAndBack) {
+    const int requestFrame = std::stoi(session[1]["request_in"]);
+    EXPECT_EQ(std::to_string(requestFrame + 1), session[0]["reply_in"]);
+    EXPECT_EQ(std::to_string(requestFrame + 2), session[3]["request_in"]);
+    EXPECT_NEAR(0.001, std::stod(session[1]["reply.time"]), 1e-6);
+    EXPECT_EQ("97", session[1]["action"]);
+    EXPECT_FALSE(session[8].has("reply_in"));
+}
+
+TEST(WiresharkConversation, FindsNothingWrong) {
+    for (const Decoded& one : session.messages()) EXPECT_FALSE(one.has("_ws.expert.message"));
+}
+
+Bytes joined(const std::vector<Said>& said, bool asks) {
+    Bytes bytes;
+    for (const Said& one : said) {
+        if (one.asks == asks) bytes = bytes + one.bytes;
+    }
+    return bytes;
+}
+
+std::vector<Said> allAtOnce() {
+    return {asks(joined(wholeSession(), true)), answers(joined(wholeSession(), false))};
+}
+
+const Talk pipelined(allAtOnce());
+
+// Without the frames, which depend on how it was sent, and the times.
+std::vector<std::map<std::string, Decoded::Values>> contents(const Talk& talk, bool ofRequests) {
+    std::vector<std::map<std::string, Decoded::Values>> found;
+    for (const Decoded& one : talk.messages()) {
+        if (one.has("request") != ofRequests) continue;
+        found.push_back(one.fields());
+        for (const char* name : {"reply_in", "request_in", "reply.time"}) found.back().erase(name);
+    }
+    return found;
+}
+
+void expectSameAsSession(const Talk& talk) {
+    EXPECT_EQ(contents(session, true), contents(talk, true));
+    EXPECT_EQ(contents(session, false), contents(talk, false));
+}
+
+TEST(WiresharkConversation, FindsManyMessagesInOneSegment) {
+    EXPECT_EQ(2u, pipelined.lines().size());
+    expectSameAsSession(pipelined);
+}
+
+const Talk inBytes(wholeSession(), Talk::On::serverPort, 1);
+const Talk inTwos(wholeSession(), Talk::On::serverPort, 2);
+const Talk inFives(wholeSession(), Talk::On::serverPort, 5);
+const Talk inSeventeens(wholeSession(), Talk::On::anyPort, 17);
+const Talk runTogetherInHundreds(allAtOnce(), Talk::On::anyPort, 100);
+
+TEST(WiresharkConversation, PutsMessagesTogetherFromSegments) {
+    for (const Talk* talk : {&inBytes, &inTwos, &inFives, &inSeventeens, &runTogetherInHundreds})
+        expectSameAsSession(*talk);
+}
+
+// Replies that say no, and those of a server that is not well.
+const Talk unlucky({asks(goldenRequest("lock")), answers(wireOf<BYTE>(0)),
+                    asks(goldenRequest("isLockBy")), answers(wireOf<BYTE>(0)),
+                    asks(goldenRequest("isLockBy")), answers(wireOf<BYTE>(2)),
+                    asks(goldenRequest("getPortClient")), answers(golden("reply-empty").bytes),
+                    asks(goldenRequest("getLock")), answers(wireOf<LONG>(-3)),
+                    asks(goldenRequest("isAlive")), answers(wireOf<LONG>(511)),
+                    asks(goldenRequest("getLock")), answers(golden("reply-users").bytes),
+                    asks(goldenRequest("openConnection")), answers(wireOf<LONG>(-1))});
+
+TEST(WiresharkConversation, TellsRepliesThatSayNo) {
+    EXPECT_EQ("lock: refused", unlucky.line(1));
+    EXPECT_EQ("isLockBy: not held", unlucky.line(3));
+    EXPECT_EQ("isLockBy: held", unlucky.line(5));
+    EXPECT_EQ("getPortClient: nothing", unlucky.line(7));
+    EXPECT_EQ("openConnection: -1", unlucky.line(15));
+}
+
+TEST(WiresharkConversation, TakesANegativeLengthOfAReplyForAnEmptyOne) {
+    EXPECT_EQ("-3", unlucky[9]["length"]);
+    EXPECT_TRUE(unlucky[9].has("negative_length"));
+    EXPECT_EQ("getLock: nothing", unlucky.line(9));
+}
+
+TEST(WiresharkConversation, RemarksOnWhatAClientWouldNotTake) {
+    EXPECT_TRUE(unlucky[11].has("not_alive"));
+    EXPECT_TRUE(unlucky[13].has("wrong_class"));
+    EXPECT_FALSE(unlucky[1].has("_ws.expert.message"));
+}
+
+const Talk unknownAction({asks(request(5, {1, 2, 3}) + goldenRequest("isAlive")), answers(kAlive)});
+
+TEST(WiresharkConversation, PassesOverAnUnknownAction) {
+    EXPECT_TRUE(unknownAction[0].has("unknown_action"));
+    EXPECT_EQ("01:02:03", unknownAction[0]["opaque"]);
+    EXPECT_EQ("1", unknownAction[1]["action"]);
+    EXPECT_EQ("isAlive: alive", unknownAction.line(1));
+}
+
+const Talk absurdLength({asks(wireOf<LONG>(10) + wireOf<LONG>(-1) + goldenRequest("isAlive")),
+                         asks(goldenRequest("isAlive"))});
+const Talk hugeLength({asks(wireOf<LONG>(10) + wireOf<LONG>(16 * 1024 * 1024 + 1) + hello())});
+const Talk hugeReply({asks(goldenRequest("getLock")), answers(wireOf<LONG>(0x7FFFFFFF) + kAlive)});
+
+TEST(WiresharkConversation, FollowsNoFurtherThanALengthThatNobodyBelieves) {
+    EXPECT_TRUE(absurdLength[0].has("bad_length"));
+    EXPECT_TRUE(absurdLength[1].has("lost"));
+    EXPECT_TRUE(absurdLength[2].has("lost"));
+    EXPECT_TRUE(hugeLength[0].has("bad_length"));
+    EXPECT_TRUE(hugeLength[1].has("lost"));
+    EXPECT_TRUE(hugeReply[1].has("bad_length"));
+    EXPECT_TRUE(hugeReply[2].has("lost"));
+}
+
+const Talk joinedLate({answers(golden("reply-users").bytes), asks(goldenRequest("isAlive")),
+                       answers(kAlive)});
+
+TEST(WiresharkConversation, SaysWhenTheRequestWasNotCaptured) {
+    EXPECT_TRUE(joinedLate[0].has("no_request"));
+    EXPECT_EQ("isAlive: alive", joinedLate.line(2));
+}
+
+const Talk twice({asks(goldenRequest("getLock")), asks(goldenRequest("disconnect")), asks(hello()),
+                  answers(wireOf<LONG>(2015))});
+
+TEST(WiresharkConversation, BeginsAnewBehindAGoodBye) {
+    EXPECT_EQ("initializeSchema: 2015", twice.line(3));
+}
+
+// What a central server sends to a listener.
+const Talk notified({asks(goldenRequest("isAlive")), answers(kAlive),
+                     asks(golden("notification-50-with-message").bytes), asks(request(51)),
+                     asks(request(58, golden("message-plain").bytes) + request(1)),
+                     answers(kAlive)},
+                    Talk::On::anyPort);
+
+TEST(WiresharkNotifications, AreFoundBetweenProbesAndTheirAnswers) {
+    EXPECT_THAT(notified.lines(),
+                ElementsAre("isAlive", "isAlive: alive", "notification 50 NySeMessage saved",
+                            "notification 51", "notification 58 NySeMessage saved; isAlive",
+                            "isAlive: alive"));
+    EXPECT_EQ("saved", notified[2]["message"]);
+    EXPECT_EQ("1", notified[2]["notification"]);
+    EXPECT_FALSE(notified[2].has("request"));
+}
+
+std::vector<Said> eachNotification() {
+    std::vector<Said> said;
+    for (LONG number = 50; number <= 58; ++number)
+        said.push_back(asks(request(number, golden("user-plain-object").bytes)));
+    return said;
+}
+const Talk allNine(eachNotification(), Talk::On::anyPort);
+
+TEST(WiresharkNotifications, HaveNineNumbers) {
+    ASSERT_EQ(9u, allNine.messages().size());
+    for (size_t i = 0; i < 9; ++i) {
+        EXPECT_EQ(std::to_string(50 + i), allNine[i]["action"]);
+        EXPECT_EQ("Anna", allNine[i]["user.name"]);
+    }
+}
+
+// A listener reads on behind a negative length, and knows no bare codes.
+const Talk listener({asks(request(50)), asks(wireOf<LONG>(52) + wireOf<LONG>(-1) + request(106) +
+                                             request(49) + request(53))},
+                    Talk::On::anyPort);
+
+TEST(WiresharkNotifications, AreReadAsAListenerReadsThem) {
+    EXPECT_THAT(listener.lines(), ElementsAre("notification 50",
+                                              "notification 52 of impossible length; getVersion; "
+                                              "unknown action; notification 53"));
+    EXPECT_TRUE(listener[1].has("bad_length"));
+}
+
+const Talk firstLock({asks(goldenRequest("lock"))}, Talk::On::anyPort);
+const Talk firstBare({asks(goldenRequest("getVersion")), answers(wireOf(1.0))}, Talk::On::anyPort);
+const Talk firstHalf({asks(goldenRequest("getPortClient")), asks(hello())}, Talk::On::anyPort, 20);
+
+TEST(WiresharkHeuristic, KnowsAConnectionByItsFirstMessage) {
+    EXPECT_EQ("lock \"part/42\" 0x18", firstLock.line(0));
+    EXPECT_EQ("getVersion", firstBare.line(0));
+    EXPECT_EQ("getVersion: 1", firstBare.line(1));
+    EXPECT_EQ("getPortClient Anna", firstHalf.line(0));
+}
+
+Bytes ofText(const std::string& characters) {
+    return Bytes(characters.begin(), characters.end());
+}
+
+const Talk web({asks(ofText("GET / HTTP/1.1\r\n\r\n"))}, Talk::On::anyPort);
+const Talk zeroes({asks(Bytes(64, 0))}, Talk::On::anyPort);
+const Talk ones({asks(Bytes(64, 1))}, Talk::On::anyPort);
+const Talk foreignAction({asks(request(5))}, Talk::On::anyPort);
+const Talk surplus({asks(request(10, {1, 2}))}, Talk::On::anyPort);
+const Talk narrow({asks(request(12, {1, 'a'}))}, Talk::On::anyPort);
+const Talk shortOne({asks({10, 0, 0})}, Talk::On::anyPort);
+const Talk trailing({asks(hello() + Bytes(8, 0xEE))}, Talk::On::anyPort);
+const Talk negative({asks(wireOf<LONG>(50) + wireOf<LONG>(-1))}, Talk::On::anyPort);
+
+TEST(WiresharkHeuristic, LeavesOtherTrafficAlone) {
+    for (const Talk* other : {&web, &zeroes, &ones, &foreignAction, &surplus, &narrow, &shortOne,
+                              &trailing, &negative}) {
+        EXPECT_THAT(other->lines(), IsEmpty());
+    }
+}
+
+}  // namespace

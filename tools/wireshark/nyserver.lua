@@ -1,0 +1,342 @@
+-- Wireshark dissector for the protocol between clients, central server and listeners. README.md tells how to install it.
+--
+-- One side of a connection asks: a client its central server, or the central server a client's listener. The asking side
+-- sends an action, a length and a payload; the other side sends nothing but answers, in the order of the questions, and
+-- an answer does not say what it answers. So the first pass over a capture keeps a queue of open requests for each
+-- connection, and notes for every message which request it belongs to; later passes look that up.
+local known = require "nyserver.fields"
+local Archive = require "nyserver.archive"
+local messages = require "nyserver.messages"
+require "nyserver.records"
+local f, remarks = known.fields, known.remarks
+
+local kHeader = 4 + 4
+local kLength = 4
+local kGoodBye = 666
+
+local nyserver = Proto("nyserver", "NyServer")
+nyserver.fields = f
+nyserver.experts = remarks
+nyserver.prefs.ports =
+    Pref.range("Ports of central servers", "", "TCP ports whose traffic is always taken for this protocol", 65535)
+nyserver.prefs.heuristic =
+    Pref.bool("Recognise other connections", true, "Take a connection on any port by what its first message looks like")
+nyserver.prefs.longest = Pref.uint("Longest payload", 16 * 1024 * 1024, "In bytes; a longer one is taken for a mistake")
+
+-- Connections
+
+local conversations = {} -- by their two ends
+local notes = {} -- by frame: its connection, and by place in the frame what is known of a message
+
+function nyserver.init()
+    conversations = {}
+    notes = {}
+end
+
+local function is_absurd(length)
+    return length < 0 or length > nyserver.prefs.longest
+end
+
+-- Whether the bytes from `at` on may be the start of what an asking side sends.
+local function may_be_request(tvb, at)
+    local left = tvb:len() - at
+    if left < 4 then return true end
+    local row = messages[tvb:range(at, 4):le_int()]
+    if not row then return false end
+    if row.bare or left < kHeader then return true end
+    local length = tvb:range(at + 4, 4):le_int()
+    return not is_absurd(length) and length >= row.least and length <= row.most
+end
+
+-- The offset behind the message at `at`; nil when the bytes there are no message of an asking side, or not the start of
+-- one in the library's own form.
+local function behind_request(tvb, at)
+    if not may_be_request(tvb, at) then return nil end
+    local row = messages[tvb:range(at, 4):le_int()]
+    if row.bare then return at + 4 end
+    if at + kHeader > tvb:len() then return at > 0 and tvb:len() or nil end
+    local length = tvb:range(at + 4, 4):le_int()
+    local start = row.starts or ""
+    local seen = math.min(length, #start / 2, tvb:len() - at - kHeader)
+    local bytes = seen > 0 and tvb:range(at + kHeader, seen):bytes():tohex() or ""
+    return bytes == start:sub(1, #bytes) and at + kHeader + length or nil
+end
+
+-- Whether a connection that nothing is known of is one of ours, from its first bytes.
+local function is_recognised(tvb)
+    local at = 0
+    while at and at + 4 <= tvb:len() do
+        at = behind_request(tvb, at)
+    end
+    return at ~= nil and at > 0
+end
+
+-- Whether the preference names this port.
+local function serves(port)
+    for first, last in nyserver.prefs.ports:gmatch "(%d+)%-?(%d*)" do
+        if port >= tonumber(first) and port <= (tonumber(last) or tonumber(first)) then return true end
+    end
+    return false
+end
+
+local function source_asks(tvb, pinfo)
+    if serves(pinfo.dst_port) ~= serves(pinfo.src_port) then return serves(pinfo.dst_port) end
+    return may_be_request(tvb, 0)
+end
+
+local function end_point(address, port)
+    return tostring(address) .. " " .. port
+end
+
+local function name_of(pinfo)
+    local source, target = end_point(pinfo.src, pinfo.src_port), end_point(pinfo.dst, pinfo.dst_port)
+    return source < target and source .. " " .. target or target .. " " .. source
+end
+
+local function new_conversation(tvb, pinfo)
+    local source, target = end_point(pinfo.src, pinfo.src_port), end_point(pinfo.dst, pinfo.dst_port)
+    return {
+        asker = source_asks(tvb, pinfo) and source or target,
+        open = {}, -- requests to be answered, from number `oldest` on
+        oldest = 1,
+        newest = 0,
+        lost = {}, -- directions that cannot be followed any more
+    }
+end
+
+-- What is asked behind a good-bye is asked on another connection between the same two ends.
+local function conversation_of(tvb, pinfo)
+    if pinfo.visited and notes[pinfo.number] then return notes[pinfo.number].conversation end
+    local name = name_of(pinfo)
+    local conversation = conversations[name]
+    local is_over = conversation and conversation.is_over and conversation.asker == end_point(pinfo.src, pinfo.src_port)
+    if not conversation or is_over then
+        conversation = new_conversation(tvb, pinfo)
+        conversations[name] = conversation
+    end
+    notes[pinfo.number] = notes[pinfo.number] or { conversation = conversation }
+    return conversation
+end
+
+-- What the first pass has noted, or notes now, about the next message of the frame.
+local function note_of(conversation, pinfo, asks)
+    local place = tonumber(pinfo.private.nyserver_place or 1)
+    local frame = notes[pinfo.number]
+    if not pinfo.visited or not frame[place] then
+        frame[place] = {
+            lost = conversation.lost[asks],
+            request = asks and {} or conversation.open[conversation.oldest],
+            notifies = conversation.notifies,
+        }
+    end
+    return frame[place]
+end
+
+local function step_to_next_note(pinfo)
+    pinfo.private.nyserver_place = tostring(tonumber(pinfo.private.nyserver_place or 1) + 1)
+end
+
+local function expects_answer(row)
+    return (row.scalar or row.message) ~= nil
+end
+
+-- Notes on the first pass that a message is complete.
+local function settle(conversation, pinfo, asks, message)
+    local request = message.note.request
+    if message.is_absurd and not (asks and message.note.notifies and message.length < 0) then
+        conversation.lost[asks] = true
+    end
+    if asks then
+        if message.row.notification then conversation.notifies = true end
+        if message.action == kGoodBye then conversation.is_over = true end
+        request.action, request.row = message.action, message.row
+        request.frame, request.time = pinfo.number, pinfo.abs_ts
+        if expects_answer(message.row) then
+            conversation.newest = conversation.newest + 1
+            conversation.open[conversation.newest] = request
+        end
+    elseif request then
+        request.answer_frame = pinfo.number
+        message.note.seconds = pinfo.abs_ts - request.time
+        conversation.open[conversation.oldest] = nil
+        conversation.oldest = conversation.oldest + 1
+    end
+end
+
+-- The extent of a message: these give its `size` as far as the bytes up to now tell it, and `is_open` while more bytes
+-- may make it larger.
+
+local function measure_question(tvb, at, note)
+    local left = tvb:len() - at
+    if left < 4 then return { size = 4, is_open = true } end
+    local action = tvb:range(at, 4):le_int()
+    local message = { action = action, row = messages[action] or messages.unknown, size = 4 }
+    if message.row.bare and not note.notifies then return message end
+    message.size = kHeader
+    if left < kHeader then
+        message.is_open = true
+        return message
+    end
+    message.length = tvb:range(at + 4, 4):le_int()
+    message.is_absurd = is_absurd(message.length)
+    if not message.is_absurd then message.size = kHeader + message.length end
+    return message
+end
+
+local function measure_answer(tvb, at, note)
+    local left = tvb:len() - at
+    if not note.request then return { size = left } end
+    local row = note.request.row
+    local message = { action = note.request.action, row = row, size = row.scalar or 0 }
+    if not row.message then return message end
+    if row.scalar and left < row.scalar then
+        message.is_open = true
+        return message
+    end
+    message.length_at = message.size
+    if row.scalar and tvb:range(at, 1):uint() ~= 1 then
+        message.length_at = nil
+        return message
+    end
+    message.size = message.size + kLength
+    if left < message.size then
+        message.is_open = true
+        return message
+    end
+    message.length = tvb:range(at + message.length_at, kLength):le_int()
+    -- A client takes a negative length for an empty message.
+    message.is_absurd = message.length > nyserver.prefs.longest
+    if not message.is_absurd then message.size = message.size + math.max(message.length, 0) end
+    return message
+end
+
+local function measure(tvb, at, note, asks)
+    if note.lost then return { size = tvb:len() - at } end
+    return asks and measure_question(tvb, at, note) or measure_answer(tvb, at, note)
+end
+
+-- The tree
+
+local function generated(tree, field, value)
+    tree:add(field, value):set_generated()
+end
+
+local function show_length(tree, tvb, at, message)
+    local item = tree:add_le(f.length, tvb:range(at, kLength))
+    if message.is_absurd then
+        item:add_proto_expert_info(remarks.bad_length)
+    elseif message.length < 0 then
+        item:add_proto_expert_info(remarks.negative_length)
+    end
+end
+
+-- Shows the payload between two offsets. A few words about it.
+local function show_payload(tree, tvb, first, last, read)
+    local item = tree
+    if last > first then item = tree:add(f.payload, tvb:range(first, last - first)) end
+    return Archive.new(tvb, first, last, item):decode(read)
+end
+
+local function show_question(tree, tvb, at, message)
+    local last = math.min(at + message.size, tvb:len())
+    local row, request = message.row, message.note.request
+    local action = tree:add_le(f.action, tvb:range(at, 4))
+    if row == messages.unknown then action:add_proto_expert_info(remarks.unknown_action) end
+    generated(tree, row.notification and f.notification or f.request, true)
+    if request.answer_frame then generated(tree, f.reply_in, request.answer_frame) end
+    if not message.length then return row.name end
+    show_length(tree, tvb, at + 4, message)
+    if message.is_absurd then return row.name .. " of impossible length" end
+    local words = show_payload(tree, tvb, at + kHeader, last, row.payload)
+    return row.name .. (words and " " .. words or "")
+end
+
+local function show_answer(tree, tvb, at, message)
+    local last = math.min(at + message.size, tvb:len())
+    local row, request = message.row, message.note.request
+    generated(tree, f.action, message.action)
+    generated(tree, f.reply, true)
+    generated(tree, f.request_in, request.frame)
+    if message.note.seconds then generated(tree, f.reply_time, message.note.seconds) end
+    local words
+    if row.scalar then words = Archive.new(tvb, at, math.min(at + row.scalar, last), tree):decode(row.answer) end
+    if message.length then
+        show_length(tree, tvb, at + message.length_at, message)
+        if message.length > 0 and not message.is_absurd then
+            local first = at + message.length_at + kLength
+            local found = show_payload(tree, tvb, first, last, row.message)
+            words = words and words .. ", " .. (found or "") or found
+        end
+    end
+    return row.name .. ": " .. (words or "nothing")
+end
+
+local function show(tree, tvb, at, message, asks)
+    local last = math.min(at + message.size, tvb:len())
+    local range = tvb:range(at, last - at)
+    local branch = tree:add(nyserver, range)
+    local words
+    if message.note.lost then
+        branch:add(f.opaque, range):add_proto_expert_info(remarks.lost)
+        words = "not understood"
+    elseif message.is_open then
+        branch:add(f.opaque, range):add_proto_expert_info(remarks.cut)
+        words = "cut"
+    elseif not message.row then
+        branch:add(f.opaque, range):add_proto_expert_info(remarks.no_request)
+        words = "answer to what is not in this capture"
+    else
+        if last < at + message.size then branch:add_proto_expert_info(remarks.cut) end
+        words = (asks and show_question or show_answer)(branch, tvb, at, message)
+    end
+    branch:append_text(", " .. words)
+    return words
+end
+
+-- Frames
+
+local function dissect(tvb, pinfo, tree)
+    local conversation = conversation_of(tvb, pinfo)
+    local asks = conversation.asker == end_point(pinfo.src, pinfo.src_port)
+    pinfo.cols.protocol = "NyServer"
+    local said = {}
+    local at = 0
+    while at < tvb:len() do
+        local note = note_of(conversation, pinfo, asks)
+        local message = measure(tvb, at, note, asks)
+        local missing = at + message.size - tvb:len()
+        if (missing > 0 or message.is_open) and pinfo.can_desegment > 0 then
+            pinfo.desegment_offset = at
+            pinfo.desegment_len = message.is_open and DESEGMENT_ONE_MORE_SEGMENT or missing
+            break
+        end
+        message.note = note
+        if not pinfo.visited and message.row and not message.is_open then settle(conversation, pinfo, asks, message) end
+        said[#said + 1] = show(tree, tvb, at, message, asks)
+        step_to_next_note(pinfo)
+        at = at + message.size
+    end
+    if #said > 0 then pinfo.cols.info = table.concat(said, "; ") end
+end
+
+nyserver.dissector = dissect
+
+local function recognise(tvb, pinfo, tree)
+    if not nyserver.prefs.heuristic or not is_recognised(tvb) then return false end
+    if not pinfo.visited then conversations[name_of(pinfo)] = nil end -- Wireshark sees a new connection
+    pinfo.conversation = nyserver
+    dissect(tvb, pinfo, tree) -- called through its protocol, it could not ask for more segments
+    return true
+end
+
+local tcp_port = DissectorTable.get "tcp.port"
+tcp_port:add_for_decode_as(nyserver)
+nyserver:register_heuristic("tcp", recognise)
+
+local registered_ports = ""
+function nyserver.prefs_changed()
+    if nyserver.prefs.ports == registered_ports then return end
+    if registered_ports ~= "" then tcp_port:remove(registered_ports, nyserver) end
+    registered_ports = nyserver.prefs.ports
+    if registered_ports ~= "" then tcp_port:add(registered_ports, nyserver) end
+end

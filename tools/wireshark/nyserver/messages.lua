@@ -1,0 +1,170 @@
+-- What each action asks with and is answered by.
+--
+-- A row has:
+--   payload    reads the arguments; returns a few words about them
+--   least      payloads are at least so many bytes long
+--   most       and at most so many; any number unless given
+--   starts     the bytes that a payload of the library's own begins with
+--   bare       the action travels alone: 4 bytes, no length
+--   scalar     the bytes of the plain value that is answered
+--   answer     reads it; returns a few words about it
+--   message    reads the message that is answered (behind the scalar, if there is one, when that is 1)
+-- A row with neither scalar nor message is not answered.
+local known = require "nyserver.fields"
+local records = require "nyserver.records"
+local f, remarks = known.fields, known.remarks
+
+local kAlive = 512
+local kWideString = "FFFEFF"
+local kNewClass = "FFFF"
+
+local function quoted(text)
+    return '"' .. text .. '"'
+end
+
+local function string_of(field)
+    return function(archive)
+        return quoted(archive:string(field))
+    end
+end
+
+local function long_of(field)
+    return function(archive)
+        return tostring(archive:long(field))
+    end
+end
+
+local function any_object(archive)
+    local name, words = archive:object()
+    return (name or "null") .. (words and " " .. words or "")
+end
+
+local function object_of(class)
+    return function(archive)
+        return class .. " " .. (archive:object_of(class) or "")
+    end
+end
+
+local function yes_or_no(yes, no)
+    return function(archive)
+        return archive:byte(f.byte) ~= 0 and yes or no
+    end
+end
+
+local function number(archive)
+    return tostring(archive:long(f.number))
+end
+
+local function alive(archive)
+    local answer = archive:long(f.number)
+    if answer == kAlive then return "alive" end
+    archive:remark(remarks.not_alive)
+    return tostring(answer)
+end
+
+local function seconds(archive)
+    local range = archive:rest()
+    local answer = archive:long(f.number)
+    archive:show(f.server_time, range, NSTime.new(answer, 0))
+    return tostring(answer)
+end
+
+local function text(archive)
+    return quoted(archive:string(f.text))
+end
+
+local M = {
+    [1] = { most = 0, scalar = 4, answer = alive },
+    [2] = { most = 0, message = object_of "NySeConnectionArray" },
+    [3] = { payload = string_of(f.connection_name), least = 1, starts = kWideString, scalar = 4, answer = number },
+    [4] = { payload = long_of(f.connection_id), least = 4, most = 4 },
+    [6] = { payload = long_of(f.connection_id), least = 4, most = 4, message = object_of "NySeUserPtrArray" },
+    [10] = { most = 0, message = object_of "NySeLockArray" },
+    [11] = {
+        payload = function(archive)
+            return string.format('"%s" 0x%02X', archive:string(f.lock_name), archive:mode())
+        end,
+        least = 5,
+        starts = kWideString,
+        scalar = 1,
+        answer = yes_or_no("granted", "refused"),
+    },
+    [12] = { payload = string_of(f.lock_name), least = 1, starts = kWideString },
+    [13] = {
+        payload = function(archive)
+            local name = archive:string(f.lock_name)
+            archive:long(f.zero)
+            return quoted(name)
+        end,
+        least = 5,
+        starts = kWideString,
+        scalar = 1,
+        answer = yes_or_no("held", "not held"),
+        message = object_of "NySeUserPtrArray",
+    },
+    [70] = { most = 0, message = object_of "NySeUserPtrArray" },
+    [71] = { most = 0, scalar = 4, answer = number },
+    [72] = {
+        payload = function(archive)
+            local first, second = archive:long(f.first), archive:long(f.second)
+            return string.format("%d %d %s", first, second, any_object(archive))
+        end,
+        least = 8,
+    },
+    [73] = {
+        payload = function(archive)
+            local name = records.user_by_its_own_schema(archive)
+            return string.format("to %s %s", name or "nobody", any_object(archive))
+        end,
+        least = 2,
+        starts = kNewClass,
+    },
+    [74] = { payload = any_object, least = 2, starts = kNewClass },
+    [75] = {
+        payload = string_of(f.user_name),
+        least = 1,
+        starts = kWideString,
+        scalar = 1,
+        answer = yes_or_no("done", "refused"),
+    },
+    [77] = { most = 0 },
+    [84] = { most = 0, scalar = 4, answer = seconds },
+    [89] = { most = 0 },
+    [90] = { most = 0, message = text },
+    [95] = { payload = long_of(f.event_count), least = 4, most = 4, message = text },
+    [96] = {
+        payload = records.user_by_its_own_schema,
+        least = 2,
+        starts = kNewClass,
+        message = object_of "NySeUser",
+    },
+    [97] = { payload = long_of(f.schema), least = 4, most = 4, scalar = 4, answer = number },
+    [106] = {
+        bare = true,
+        scalar = 8,
+        answer = function(archive)
+            return tostring(archive:double(f.version))
+        end,
+    },
+    [666] = { bare = true },
+}
+
+for action = 50, 58 do
+    M[action] = { payload = any_object, notification = true, starts = kNewClass }
+end
+for action, row in pairs(M) do
+    row.name = known.action_names[action]
+    row.payload = row.payload or function() end
+    row.least = row.least or 0
+    row.most = row.most or math.huge
+end
+
+-- What an action means that nobody knows.
+M.unknown = {
+    name = "unknown action",
+    payload = function(archive)
+        archive:show(f.opaque, archive:take(archive.last - archive.at))
+    end,
+}
+
+return M
