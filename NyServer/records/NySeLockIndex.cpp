@@ -65,9 +65,11 @@ std::optional<INT_PTR> NySeLockIndex::find(const QoArraySerial2& table, const CS
 
 // Whether all that is in the index is true of the beginning of the table.
 bool NySeLockIndex::isCurrent(const QoArraySerial2& table) const {
-    return m_changes == NySeLockName::changes() && m_locks.size() <= sizeOf(table) &&
-           (m_locks.empty() ||
-            std::memcmp(m_locks.data(), table.GetData(), m_locks.size() * sizeof(CObject*)) == 0);
+    if (m_changes != NySeLockName::changes() || m_locks.size() > sizeOf(table)) return false;
+    if (m_locks.empty()) return true;
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): it is the addresses that are compared
+    const size_t bytes = m_locks.size() * sizeof(CObject*);
+    return std::memcmp(m_locks.data(), table.GetData(), bytes) == 0;
 }
 
 void NySeLockIndex::restart() {

@@ -26,9 +26,14 @@ struct AfxSmallAllocator {
 
     T* allocate(size_t count) {
         static_assert(alignof(T) <= alignof(std::max_align_t));
-        return static_cast<T*>(afxAllocateSmall(count * sizeof(T)));
+        return static_cast<T*>(afxAllocateSmall(bytesOf(count)));
     }
-    void deallocate(T* block, size_t count) noexcept { afxFreeSmall(block, count * sizeof(T)); }
+    void deallocate(T* block, size_t count) noexcept { afxFreeSmall(block, bytesOf(count)); }
 
     friend bool operator==(AfxSmallAllocator, AfxSmallAllocator) { return true; }
+
+  private:
+    static size_t bytesOf(size_t count) {
+        return count * sizeof(T);  // NOLINT(bugprone-sizeof-expression): T may be a pointer
+    }
 };

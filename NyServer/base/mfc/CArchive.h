@@ -134,16 +134,9 @@ class NYBASE_API CArchive {
     friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
     friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
 
+    // In the window, in bytes; 0 when it is closed or the archive goes the other way.
     size_t roomLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
     size_t unreadBytes() const { return static_cast<size_t>(m_inEnd - m_in); }
-    // Storing: the place of the next `count` bytes, which the caller fills. Null when the window
-    // has no room for them, or when loading.
-    BYTE* nextRun(size_t count) {
-        if (roomLeft() < count) return nullptr;
-        return std::exchange(m_out, m_out + count);
-    }
-    // Loading: the next `count` bytes, if the window holds them and when loading; else null.
-    const BYTE* peekRun(size_t count) const { return unreadBytes() < count ? nullptr : m_in; }
     [[noreturn]] void throwWrongDirection() const;
     // Makes at least `count` bytes of room at m_out; throws readOnly when loading.
     void makeRoom(size_t count);

@@ -56,26 +56,28 @@ UINT_PTR AfxReadStringLength(CArchive& ar, int& charSize) {
 
 CArchive& operator<<(CArchive& ar, const CString& text) {
     const size_t length = static_cast<size_t>(text.GetLength());
-    if (length < kLongForm) {
+    const size_t bytes = length * sizeof(WCHAR);
+    if (length < kLongForm && ar.roomLeft() >= sizeof(DWORD) + bytes) {
         // The usual string is one run: the mark, the length and the characters.
-        if (BYTE* const run = ar.nextRun(sizeof(DWORD) + length * sizeof(WCHAR))) {
-            const DWORD prefix = kShortWide | static_cast<DWORD>(length) << 24;
-            std::memcpy(run, &prefix, sizeof prefix);
-            afxCopyShort(run + sizeof prefix, text.GetString(), length * sizeof(WCHAR));
-            return ar;
-        }
+        const DWORD prefix = kShortWide | static_cast<DWORD>(length) << 24;
+        std::memcpy(ar.m_out, &prefix, sizeof prefix);
+        afxCopyShort(ar.m_out + sizeof prefix, text.GetString(), bytes);
+        ar.m_out += sizeof prefix + bytes;
+        return ar;
     }
     AfxWriteStringLength(ar, length, TRUE);
-    ar.Write(text.GetString(), static_cast<int>(length * sizeof(WCHAR)));
+    ar.Write(text.GetString(), static_cast<int>(bytes));
     return ar;
 }
 
 CArchive& operator>>(CArchive& ar, CString& text) {
-    if (const BYTE* const run = ar.peekRun(sizeof(DWORD)); run != nullptr && isShortWide(run)) {
-        const size_t bytes = run[3] * sizeof(WCHAR);
-        if (ar.peekRun(sizeof(DWORD) + bytes) != nullptr) {
-            afxCopyShort(text.GetBufferSetLength(run[3]), run + sizeof(DWORD), bytes);
-            ar.m_in += sizeof(DWORD) + bytes;
+    if (ar.unreadBytes() >= sizeof(DWORD) && isShortWide(ar.m_in)) {
+        const BYTE length = ar.m_in[sizeof(DWORD) - 1];
+        const size_t run = sizeof(DWORD) + length * sizeof(WCHAR);
+        if (ar.unreadBytes() >= run) {
+            afxCopyShort(text.GetBufferSetLength(length), ar.m_in + sizeof(DWORD),
+                         length * sizeof(WCHAR));
+            ar.m_in += run;
             return ar;
         }
     }
