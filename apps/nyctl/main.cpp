@@ -1,4 +1,4 @@
-// nyctl: the central server from the command line.
+// nyctl: the central server and the online service from the command line.
 #include <algorithm>
 #include <exception>
 
@@ -20,7 +20,7 @@ int run() {
     const Output output(options);
     ExitStatus status = exitYes;
 
-    CLI::App app("Talks to a central server.", "nyctl");
+    CLI::App app("Talks to a central server, and to the online service.", "nyctl");
     app.require_subcommand(1);
     app.add_option("--server", options.server, "HOST:PORT of the central server")
         ->envname("NYCTL_SERVER")

@@ -66,6 +66,13 @@ expect 0 '' send-connection 0 1 text
 expect 1 '' send-user nobody text
 expect 0 '' send-all text
 
+expect 0 'Example: nyctl online ping' online --help
+expect 0 '0 yes, 3 no' online ping --help
+expect 0 '1 none or no production service, 3 no answer' online version --help
+expect 2 'subcommand is required' online
+expect 2 'nonsense is not production, test or an http address' online ping --service nonsense
+expect 3 'no answer from the service http://127.0.0.1:1/' online ping --service http://127.0.0.1:1/
+
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {
   local status=$1 text=$2
