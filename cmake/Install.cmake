@@ -12,6 +12,8 @@ set(ny_public_headers
   NyServerApi.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
+  base/mfc/AfxSmallBlocks.h
+  base/mfc/AfxText.h
   base/mfc/CArchive.h
   base/mfc/CException.h
   base/mfc/CFile.h
@@ -50,6 +52,8 @@ set(ny_public_headers
   records/NySeConnectionArray.h
   records/NySeLock.h
   records/NySeLockArray.h
+  records/NySeLockIndex.h
+  records/NySeLockName.h
   records/NySeMessage.h
   records/NySeRecord.h
   records/NySeSessionLock.h
