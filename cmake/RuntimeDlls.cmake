@@ -1,5 +1,6 @@
 # The language runtime is shared by all modules, so that an exception thrown in one can be caught in another; its DLLs
-# lie beside the programs.
+# lie beside the programs. NY_RUNTIME_DLLS: where the compiler has them.
+set(NY_RUNTIME_DLLS)
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${dll}
     OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -7,5 +8,6 @@ foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     find_file(NY_RUNTIME_${dll} ${dll} PATHS /usr/x86_64-w64-mingw32/lib REQUIRED)
     set(path ${NY_RUNTIME_${dll}})
   endif()
+  list(APPEND NY_RUNTIME_DLLS ${path})
   file(COPY ${path} DESTINATION ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 endforeach()

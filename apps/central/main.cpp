@@ -7,18 +7,12 @@
 #include <fstream>
 
 #include "apps/central/CentralServer.h"
+#include "apps/common/StopRequest.h"
 #include "apps/common/Utf8.h"
 
 namespace {
 
 constexpr int kLongestProbeSeconds = 86'400;
-
-HANDLE stopRequested;
-
-BOOL WINAPI requestStop(DWORD) {
-    ::SetEvent(stopRequested);
-    return TRUE;
-}
 
 // The whole number at once: who waits for the file reads it as soon as it is there.
 bool writePortFile(const std::string& path, unsigned int port) {
@@ -44,7 +38,7 @@ int serve(const Options& options) {
     CentralSettings settings;
     settings.ports = *parsePortRange(options.ports);
     settings.push.probeInterval = std::chrono::seconds(options.probeSeconds);
-    settings.onShutDownRequest = [] { ::SetEvent(stopRequested); };
+    settings.onShutDownRequest = [] { StopRequest::make(); };
     CentralServer server(std::move(settings));
     const char* const address = options.address.c_str();
     if (const int code = server.start(::inet_addr(address), options.port); code != 0) {
@@ -57,7 +51,7 @@ int serve(const Options& options) {
     }
     std::printf("listening on %s:%u\n", address, server.GetPort());
     std::fflush(stdout);
-    ::WaitForSingleObject(stopRequested, INFINITE);
+    ::WaitForSingleObject(StopRequest::event(), INFINITE);
     std::printf("stopping\n");
     if (const size_t dropped = server.pusher().dropped(); dropped != 0)
         std::printf("%zu notifications dropped\n", dropped);
@@ -93,8 +87,7 @@ int run() {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
-    stopRequested = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    ::SetConsoleCtrlHandler(&requestStop, TRUE);
+    const StopRequest stopRequest;
     return serve(options);
 }
 

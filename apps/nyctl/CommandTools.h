@@ -33,6 +33,7 @@ extern const std::vector<Command> kUserCommands;
 extern const std::vector<Command> kLockCommands;
 extern const std::vector<Command> kConnectionCommands;
 extern const std::vector<Command> kServerCommands;
+extern const std::vector<Command> kOnlineCommands;  // below "online"; without a server
 
 // A required argument, filled when the line is parsed; it lives as long as what runs with it.
 template <class Value>
@@ -52,6 +53,7 @@ ExitStatus ifAnswered(Context& context, ExitStatus status);
 ExitStatus ensureRegistered(Context& context);
 
 Record describe(const NySeUser& user);
+Record describe(const NySeConnection& connection);
 void printUsers(Context& context, const NySeUserPtrArray& users);
 
 // The server's user of that name, copied into `user`. False when there is none.

@@ -4,22 +4,44 @@
 
 namespace {
 
-void addCommand(CLI::App& app, const Command& row, Session& session, const Output& output,
-                ExitStatus& status) {
-    CLI::App* const command = app.add_subcommand(row.name, row.help);
-    command->footer(std::string("Example: nyctl ") + row.example);
-    const Run run = row.define(*command);
-    command->callback([&session, &output, &status, run] {
-        Context context{session, output};
-        status = session.open() ? run(context) : noAnswer(context);
-    });
-}
+enum class Needs { server, nothing };
+
+class CommandAdder {
+  public:
+    CommandAdder(Session& session, const Output& output, ExitStatus& status)
+        : m_session(session), m_output(output), m_status(status) {}
+
+    void add(CLI::App& app, const std::vector<Command>& family, Needs needs) const {
+        for (const Command& row : family) add(app, row, needs);
+    }
+
+  private:
+    void add(CLI::App& app, const Command& row, Needs needs) const {
+        CLI::App* const command = app.add_subcommand(row.name, row.help);
+        command->footer(std::string("Example: nyctl ") + row.example);
+        command->callback([adder = *this, run = row.define(*command), needs] {
+            Context context{adder.m_session, adder.m_output};
+            const bool isReady = needs == Needs::nothing || adder.m_session.open();
+            adder.m_status = isReady ? run(context) : noAnswer(context);
+        });
+    }
+
+    Session& m_session;
+    const Output& m_output;
+    ExitStatus& m_status;
+};
 
 }  // namespace
 
 void addCommands(CLI::App& app, Session& session, const Output& output, ExitStatus& status) {
+    const CommandAdder adder(session, output, status);
     for (const auto* family :
          {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
-        for (const Command& row : *family) addCommand(app, row, session, output, status);
+        adder.add(app, *family, Needs::server);
     }
+    CLI::App* const online =
+        app.add_subcommand("online", "Asks the maker's online service, not the central server");
+    online->require_subcommand(1);
+    online->footer("Example: nyctl online ping");
+    adder.add(*online, kOnlineCommands, Needs::nothing);
 }

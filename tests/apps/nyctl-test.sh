@@ -14,7 +14,10 @@ expect() {
   [[ $output == *"$text"* ]] || fail "nyctl $* should say \"$text\"; it says: $output"
 }
 
-start_central "$nycentral"
+# Notification ports of this run's own: with those of another server of this machine its users would be told this
+# server's news.
+first_port=$((20000 + $$ % 480 * 20))
+start_central "$nycentral" --ports $first_port-$((first_port + 19))
 export NYCTL_SERVER=127.0.0.1:$port
 
 [ "$(tr -d '\r' < "$work/central.log")" = "listening on 127.0.0.1:$port" ] || fail "nycentral says: $(cat "$work/central.log")"
@@ -38,7 +41,7 @@ expect 3 'no answer' --server 127.0.0.1:1 users
 expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
-for command in ping register users port rename send-connection send-user send-all lock unlock holders locks open close \
+for command in ping register users port rename send-connection send-user send-all watch lock unlock holders locks open close \
   openers connections time machine info verify events shutdown; do
   expect 0 "Example: nyctl $command" $command --help
 done
@@ -55,7 +58,7 @@ expect 0 'id: 0' open 'Server=a;Db=b'
 expect 0 '' close 0
 expect 1 'user  session' openers 0
 expect 0 'id  connection  opens' connections
-expect 0 'port: 4' port
+expect 0 'port: 2' port
 expect 0 '' rename Anna
 expect 0 'time: 1' time
 expect 0 'machine: ' machine
@@ -65,6 +68,13 @@ expect 0 'session' events 3
 expect 0 '' send-connection 0 1 text
 expect 1 '' send-user nobody text
 expect 0 '' send-all text
+
+expect 0 'Example: nyctl online ping' online --help
+expect 0 '0 yes, 3 no' online ping --help
+expect 0 '1 none or no production service, 3 no answer' online version --help
+expect 2 'subcommand is required' online
+expect 2 'nonsense is not production, test or an http address' online ping --service nonsense
+expect 3 'no answer from the service http://127.0.0.1:1/' online ping --service http://127.0.0.1:1/
 
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {
@@ -87,6 +97,65 @@ expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
 expect_shell 0 'one  two'
 
+# watch ARGUMENT...: Bob watches in the background, as the process $watcher, and what he sees comes out of descriptor 5.
+watch() {
+  rm -f "$work/seen"
+  mkfifo "$work/seen"
+  set -m
+  "$root/tools/run-in-wine" "$nyctl" --user Bob "$@" > "$work/seen" 2>&1 &
+  watcher=$!
+  set +m
+  exec 5< "$work/seen"
+  expect_seen 'watching at port'
+}
+
+# expect_seen TEXT: the watcher's next line holds the text, and comes while the watcher goes on.
+expect_seen() {
+  local line=
+  IFS= read -r -t 60 line <&5 || fail "the watcher does not say \"$1\""
+  [[ $line == *"$1"* ]] || fail "the watcher should say \"$1\"; it says: $line"
+}
+
+# expect_watched STATUS: the watcher ends by itself with the status.
+expect_watched() {
+  local actual=0
+  for _ in $(seq 300); do
+    kill -0 "$watcher" 2> /dev/null || break
+    sleep 0.1
+  done
+  kill -KILL "$watcher" 2> /dev/null && fail "the watcher goes on"
+  wait "$watcher" || actual=$?
+  [ $actual -eq "$1" ] || fail "the watcher ended with $actual instead of $1"
+}
+
+watch watch
+expect 0 'granted: true' lock part/42
+expect_seen '54 a user joined or registered again  NySeUser: '
+expect_seen '50 a lock was granted  NySeLock: part/42, held by session'
+expect_seen '51 a lock was released  NySeLock: part/42, held by nobody'
+expect_seen '55 a user left  NySeUser: '
+expect 0 'Bob' users
+kill -INT "$watcher"
+expect_watched 0
+[[ $("$root/tools/run-in-wine" "$nyctl" users) != *Bob* ]] || fail "the watcher is still registered"
+
+watch --json watch --count 2
+expect 0 '' send-all 'it is "late"'
+expect_seen '"object":{"message":"it is \"late\""}'
+kill -0 "$watcher" || fail "one was not all"
+expect 0 '' send-all bye
+expect_seen '"class":"NySeMessage","object":{"message":"bye"}'
+expect_watched 0
+
+expect 4 '' watch --count 1 --timeout 0.2
+expect 0 '' watch --timeout 0.2
+expect 2 'not in range' watch --count 0
+printf 'watch\nwatch --timeout 0.2\n' > "$work/lines"
+expect_shell 2 "would never come to the shell's next line"
+
+watch watch
 expect 0 '' shutdown
 expect_stopped
+expect_seen 'the server has gone away'
+expect_watched 3
 report

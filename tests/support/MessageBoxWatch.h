@@ -15,7 +15,7 @@ class MessageBoxWatch {
         std::wstring title, text;
         LONG style;
         HWND owner;
-        bool hasIcon;
+        HICON icon;  // null without one
     };
 
     explicit MessageBoxWatch(int answer) : m_answer(answer) {
@@ -62,7 +62,7 @@ class MessageBoxWatch {
         const HWND icon = ::GetDlgItem(box, 0x0440);
         m_boxes.push_back({textOf(box), textOf(text), ::GetWindowLongW(box, GWL_STYLE),
                            ::GetWindow(box, GW_OWNER),
-                           ::SendMessageW(icon, STM_GETICON, 0, 0) != 0});
+                           reinterpret_cast<HICON>(::SendMessageW(icon, STM_GETICON, 0, 0))});
         ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(m_answer), 0);
     }
 

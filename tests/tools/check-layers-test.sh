@@ -4,7 +4,7 @@ set -eu
 . "$(dirname "$0")/testing.sh"
 
 cd "$project"
-mkdir -p tests NyServer/{base/mfc/windows,base/qo,records,framing,socket,client}
+mkdir -p tests NyServer/{base/mfc/windows,base/qo,records,framing,socket,client,online}
 touch tests/Helper.h NyServer/{NyServerApi.h,base/WindowsPrelude.h,base/mfc/afx.h,base/qo/QoObject2.h} \
   NyServer/{records/NySeUser.h,framing/NySeMemFile.h}
 
@@ -39,6 +39,9 @@ after_adding '#include <process.h>' records/Added.h
 rejects check-layers 'is portable and includes <process.h>'
 after_adding '#include <winsock2.h>' socket/Added.cpp
 rejects check-layers 'include "NyServer/base/WindowsPrelude.h" instead'
+echo '#include <wininet.h>' > NyServer/online/ElementText.cpp
+rejects check-layers 'ElementText.cpp is portable and includes <wininet.h>'
+rm NyServer/online/ElementText.cpp
 after_adding '#include "NyServer/records/Nowhere.h"' client/Added.cpp
 rejects check-layers 'does not exist'
 after_adding '#ifdef _WIN32' records/Added.h

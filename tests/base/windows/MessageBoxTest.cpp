@@ -24,8 +24,8 @@ TEST(AfxMessageBox, ShowsTheIconAskedFor) {
     AfxMessageBox(L"plain");
     AfxMessageBox(L"error", MB_ICONERROR);
     ASSERT_EQ(watch.boxes().size(), 2u);
-    EXPECT_FALSE(watch.boxes()[0].hasIcon);
-    EXPECT_TRUE(watch.boxes()[1].hasIcon);
+    EXPECT_EQ(nullptr, watch.boxes()[0].icon);
+    EXPECT_EQ(::LoadIconW(nullptr, IDI_ERROR), watch.boxes()[1].icon);
 }
 
 }  // namespace

@@ -1,0 +1,115 @@
+// A read that fails: what has been opened is closed by another thread while the library waits for
+// its first byte. No server can bring this about alone: WinINet reads what it has announced.
+#include <gmock/gmock.h>
+
+#include "tests/online/OnlineTest.h"
+#include "tests/support/MessageBoxWatch.h"
+
+namespace {
+
+// The handle appears while the answer is being opened, and waiting for the first byte begins at
+// once after that; nothing tells when. A pause that was too short shows no box.
+constexpr DWORD kPausesMs[] = {500, 2000, 8000};
+
+// Closes the handle of the type whose address has `part` in it.
+void closeOpened(DWORD type, const std::wstring& part, DWORD pauseMs) {
+    ::Sleep(pauseMs);
+    for (const OpenInternetHandle& open : openInternetHandles()) {
+        if (open.type != type || urlOf(open.handle).find(part) == std::wstring::npos) continue;
+        ::InternetCloseHandle(open.handle);
+    }
+}
+
+// An FTP server with one file, the opening of which `serveFile` follows.
+class FtpScript {
+  public:
+    explicit FtpScript(std::function<void()> serveFile) : m_serveFile(std::move(serveFile)) {}
+
+    void operator()(peers::Connection& control) {
+        control.send("220 ready\r\n");
+        for (std::string command; !(command = control.receive()).empty();) answer(control, command);
+    }
+
+  private:
+    void answer(peers::Connection& control, const std::string& command) {
+        const std::string verb = command.substr(0, 4);
+        if (verb == "PORT") m_dataPort = dataPort(command);
+        if (verb == "RETR") return sendFile(control);
+        control.send(verb == "USER"   ? "331 password\r\n"
+                     : verb == "PASS" ? "230 in\r\n"
+                                      : "200 fine\r\n");
+    }
+
+    // From "PORT h1,h2,h3,h4,p1,p2".
+    static int dataPort(const std::string& command) {
+        const size_t low = command.rfind(',');
+        const size_t high = command.rfind(',', low - 1);
+        return std::stoi(command.substr(high + 1)) * 256 + std::stoi(command.substr(low + 1));
+    }
+
+    void sendFile(peers::Connection& control) {
+        UniqueSocket data = connectToLoopback(m_dataPort);
+        control.send("150 here: 100%s\r\n");
+        m_serveFile();
+        data.reset();
+        control.send("226 sent: 100%s\r\n");
+    }
+
+    static UniqueSocket connectToLoopback(int port) {
+        UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = ::htons(static_cast<u_short>(port));
+        address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+        EXPECT_EQ(0, ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
+                               sizeof address));
+        return socket;
+    }
+
+    std::function<void()> m_serveFile;
+    int m_dataPort = 0;
+};
+
+class OnlineReadError : public OnlineTest {
+  protected:
+    // Tries with growing pauses until there is a box. `tryOnce` gives the version.
+    template <class Try>
+    void expectNoVersion(Try tryOnce) {
+        for (const DWORD pauseMs : kPausesMs) {
+            EXPECT_EQ(L"", tryOnce(pauseMs));
+            if (!m_watch.boxes().empty()) return;
+        }
+    }
+
+    void expectErrorBox(const ::testing::Matcher<std::wstring>& text) {
+        ASSERT_EQ(1u, m_watch.boxes().size());
+        EXPECT_THAT(m_watch.boxes()[0].text, text);
+        EXPECT_EQ(::LoadIconW(nullptr, IDI_ERROR), m_watch.boxes()[0].icon);
+    }
+
+    MessageBoxWatch m_watch{IDOK};
+};
+
+TEST_F(OnlineReadError, ShowsABoxAndGivesNoVersion) {
+    const std::string version = "<VERSION>2.1</VERSION>";
+    expectNoVersion([&](DWORD pauseMs) {
+        return versionBy([&, pauseMs](peers::Connection& connection) {
+            connection.send(webAnswer("", "200 OK", static_cast<long long>(version.size())));
+            closeOpened(INTERNET_HANDLE_TYPE_HTTP_REQUEST, L"Version.aspx", pauseMs);
+            connection.send(version);
+        });
+    });
+    // The last response is the thread's, and may be that of another test's server.
+    expectErrorBox(::testing::StartsWith(L"InternetReadFile return: "));
+}
+
+TEST_F(OnlineReadError, ShowsTheServersLastResponse) {
+    expectNoVersion([](DWORD pauseMs) {
+        const peers::Peer ftp(
+            FtpScript([pauseMs] { closeOpened(INTERNET_HANDLE_TYPE_FTP_FILE, L"", pauseMs); }));
+        return versionAt(CString(("ftp://127.0.0.1:" + std::to_string(ftp.port()) + "/").c_str()));
+    });
+    expectErrorBox(std::wstring(L"InternetReadFile return: 226 sent: 100%s"));
+}
+
+}  // namespace

@@ -1,0 +1,185 @@
+// Which service is asked for which page, and how.
+#include "NyServer/online/ServiceAddress.h"
+#include "tests/online/OnlineTest.h"
+
+namespace {
+
+using NyFctWebService::connectToTestBase;
+using NyFctWebService::getServerUrlType;
+using NyFctWebService::pingWebServer;
+using NyFctWebService::setCustomServerUrl;
+
+class OnlineService : public OnlineTest {
+  protected:
+    WebServer m_custom{page("<VERSION>custom</VERSION>")};
+    CString m_customAddress = m_custom.address();
+};
+
+TEST_F(OnlineService, AsksProductionUnlessToldOtherwise) {
+    EXPECT_EQ(NyFctWebService::serverUrlProduction, getServerUrlType());
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(L"production", version());
+    EXPECT_EQ((Paths{kPingPath, "/", kVersionPath}), m_production.paths());
+}
+
+TEST_F(OnlineService, AsksTheTestServiceOnceConnectedToIt) {
+    connectToTestBase(true);
+    EXPECT_EQ(NyFctWebService::serverUrlTest, getServerUrlType());
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(L"test", version());
+    EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_test.paths());
+}
+
+TEST_F(OnlineService, AsksTheCustomServiceOnceItIsSet) {
+    setCustomServerUrl(m_customAddress);
+    EXPECT_EQ(NyFctWebService::serverUrlCustom, getServerUrlType());
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(L"custom", version());
+    EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_custom.paths());
+}
+
+TEST_F(OnlineService, TriesProductionBeforeItAsksAnotherForTheVersion) {
+    setCustomServerUrl(m_customAddress);
+    version();
+    EXPECT_EQ((Paths{"/"}), m_production.paths());
+    connectToTestBase(true);
+    version();
+    EXPECT_EQ((Paths{"/", "/"}), m_production.paths());
+}
+
+TEST_F(OnlineService, PingsNoOtherThanTheChosenService) {
+    setCustomServerUrl(m_customAddress);
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(Paths{}, m_production.paths());
+    EXPECT_EQ(Paths{}, m_test.paths());
+}
+
+TEST_F(OnlineService, ReturnsToProductionAndForgetsTheCustomAddress) {
+    setCustomServerUrl(m_customAddress);
+    connectToTestBase(false);
+    EXPECT_EQ(NyFctWebService::serverUrlProduction, getServerUrlType());
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(L"production", version());
+    EXPECT_EQ(Paths{}, m_custom.paths());
+}
+
+TEST_F(OnlineService, RefersToTheCallersTextOfTheCustomAddress) {
+    CString address = L"no address";
+    setCustomServerUrl(address);
+    EXPECT_FALSE(pingWebServer());
+    address = m_customAddress;
+    EXPECT_TRUE(pingWebServer());
+    EXPECT_EQ(Paths{kPingPath}, m_custom.paths());
+}
+
+TEST_F(OnlineService, NamesPagesDirectlyBehindTheAddress) {
+    m_customAddress += L"service/x_";
+    setCustomServerUrl(m_customAddress);
+    EXPECT_TRUE(pingWebServer());
+    version();
+    EXPECT_EQ(
+        (Paths{"/service/x__Utilities/Ping.aspx", "/service/x__Utilities/Version.aspx?sid=42"}),
+        m_custom.paths());
+}
+
+TEST_F(OnlineService, WritesTheProductInDecimal) {
+    setCustomServerUrl(m_customAddress);
+    for (const long product : {0L, -7L, 2147483647L}) {
+        EXPECT_EQ(L"custom", NyFctWebService::getOnlineVersionFromSoftwareID(product));
+        EXPECT_EQ("/_Utilities/Version.aspx?sid=" + std::to_string(product),
+                  m_custom.paths().back());
+    }
+}
+
+TEST_F(OnlineService, CallsItselfQuillmarkInEveryRequest) {
+    pingWebServer();
+    version();
+    ASSERT_EQ(3u, m_production.requests().size());
+    for (const WebRequest& request : m_production.requests()) {
+        EXPECT_EQ("quillmark", request.header("User-Agent"));
+        EXPECT_EQ(0u, request.head.find("GET "));
+    }
+}
+
+TEST_F(OnlineService, NeedsOneConnectionForAPingAndTwoForAVersion) {
+    pingWebServer();
+    EXPECT_EQ(1, m_production.connections());
+    version();
+    EXPECT_EQ(3, m_production.connections());
+}
+
+TEST_F(OnlineService, AsksForNoCopyToBeConfirmed) {
+    pingWebServer();
+    version();
+    for (const WebRequest& request : m_production.requests()) {
+        EXPECT_EQ("", request.header("If-Modified-Since"));
+        EXPECT_EQ("", request.header("If-None-Match"));
+    }
+}
+
+TEST_F(OnlineService, KeepsNoPageThatItOnlyOpensInTheCache) {
+    const auto keepable = peers::sendingAndClosing(
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 2\r\n\r\nok");
+    const WebServer production(keepable);
+    const WebServer custom(keepable);
+    addresses::production = production.address();
+    const CString customAddress = custom.address();
+    setCustomServerUrl(customAddress);
+    pingWebServer();
+    version();
+    for (const CString& url : {customAddress + L"_Utilities/Ping.aspx", production.address()}) {
+        DWORD size = 0;
+        EXPECT_FALSE(::GetUrlCacheEntryInfoW(url, nullptr, &size));
+        EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, ::GetLastError());
+    }
+}
+
+TEST_F(OnlineService, WritesNoFile) {
+    wchar_t folder[MAX_PATH] = L"";
+    ::GetTempPathW(MAX_PATH, folder);
+    NyFctWebService::Util::setStrTempFolderPath(folder);
+    pingWebServer();
+    EXPECT_EQ(L"production", version());
+    for (const CString& place : {CString(folder), CString()}) {
+        for (const wchar_t* name : {L"nyWebServerPing.xml", L"nyOnlineVersion.xml"}) {
+            EXPECT_EQ(INVALID_FILE_ATTRIBUTES, ::GetFileAttributesW(place + name));
+        }
+    }
+}
+
+// Answers, and adds the cursor that the thread shows meanwhile.
+peers::Script keepingCursor(DWORD thread, std::vector<HCURSOR>& cursors) {
+    return [thread, &cursors](peers::Connection& connection) {
+        ::AttachThreadInput(::GetCurrentThreadId(), thread, TRUE);
+        cursors.push_back(::GetCursor());
+        ::AttachThreadInput(::GetCurrentThreadId(), thread, FALSE);
+        connection.send(webAnswer("<VERSION>2.1</VERSION>"));
+    };
+}
+
+TEST_F(OnlineService, ShowsTheWaitCursorDuringARequest) {
+    const HCURSOR wait = ::LoadCursorW(nullptr, IDC_WAIT);
+    const HCURSOR cross = ::LoadCursorW(nullptr, IDC_CROSS);
+    ::SetCursor(cross);
+    std::vector<HCURSOR> cursors;
+    const WebServer server(keepingCursor(::GetCurrentThreadId(), cursors));
+    addresses::production = server.address();
+    pingWebServer();
+    EXPECT_EQ(cross, ::GetCursor());
+    version();
+    EXPECT_EQ(cross, ::GetCursor());
+    EXPECT_EQ(std::vector<HCURSOR>(3, wait), cursors);
+}
+
+TEST(ServiceAddress, IsProductionForATypeThatIsNone) {
+    addresses::production = L"p/";
+    addresses::test = L"t/";
+    using Type = NyFctWebService::ServerUrlType;
+    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(0), L"c/"));
+    EXPECT_EQ(L"t/", serviceAddress(static_cast<Type>(1), L"c/"));
+    EXPECT_EQ(L"c/", serviceAddress(static_cast<Type>(2), L"c/"));
+    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(3), L"c/"));
+    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(-1), L"c/"));
+}
+
+}  // namespace

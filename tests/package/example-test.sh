@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# example-test.sh BUILD SCRATCH VERSION: the example builds against the installed package as its reader would do it, and
+# does what its README says, with the installed programs.
+set -eu
+. "$(dirname "$0")/lib.sh"
+
+# In a process of its own: nothing of this script stays in between.
+run() { exec "$root/tools/run-in-wine" "$@"; }
+
+# expect_end STATUS TEXT ARGUMENT...: the host with the arguments says the text and ends with the status. It writes into
+# a file, since the desktop that a first window brings along keeps its output open for longer than the program lives.
+expect_end() {
+  local status=$1 text=$2 actual=0
+  shift 2
+  (run "$scratch/example/host.exe" "$@" > "$work/end.log" 2>&1) || actual=$?
+  [ $actual -eq "$status" ] || fail "host $* ended with $actual instead of $status: $(cat "$work/end.log")"
+  grep -q "$text" "$work/end.log" || fail "host $* should say \"$text\"; it says: $(cat "$work/end.log")"
+}
+
+configure "$root/examples/host" "$scratch/example" -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_FLAGS="-Wall -Wextra -Werror"
+must build-example cmake --build "$scratch/example"
+
+expect_end 2 usage
+expect_end 2 usage 127.0.0.1 0 1 1
+expect_end 2 usage 127.0.0.1 1 1 many
+expect_end 1 'no central server there' 127.0.0.1 1 1 1
+
+start_central "$prefix/bin/nycentral.exe"
+expect_end 1 'waited long enough' 127.0.0.1 "$port" 1 1
+
+run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 60 > "$work/host.log" 2>&1 &
+host=$!
+trap 'kill "$host" 2> /dev/null || true; cleanup' EXIT
+for _ in $(seq 200); do
+  ! grep -qs holding "$work/host.log" || break
+  sleep 0.05
+done
+
+# Another user: finds the host's lock taken, and does what the host is to hear of.
+said=$(printf 'register\nlock part/1 --mode 0x1B\nlock pärt/2\nunlock pärt/2\n' |
+  run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" --user Zoë shell) || true
+same "grants" $'granted: false\ngranted: true' "$(tr -d '\r' <<< "$said" | grep granted)"
+
+status=0
+wait "$host" || status=$?
+[ $status -eq 0 ] || fail "the host ended with $status"
+same "lines of the host" "holding part/1
+notification 54: user Zoë
+notification 50: lock pärt/2
+notification 51: lock pärt/2
+notification 55: user Zoë" "$(tr -d '\r' < "$work/host.log")"
+
+# Nothing of the host is left once the server has read its good-bye.
+for _ in $(seq 50); do
+  locks=$(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" locks | tr -d '\r')
+  [[ $locks == *part/1* ]] || break
+  sleep 0.1
+done
+same "locks" 'lock  session  user  mode  words' "$locks"
+(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" shutdown)
+expect_stopped
+report
