@@ -37,13 +37,16 @@ TEST(CentralManyHeld, TheLocksOfOneSessionAreReleasedWhileNobodyWaits) {
     ASSERT_TRUE(tables.registerUser(NySeUser(), watching));
     const LONG leaving = tables.beginSession(0);
     const LONG staying = tables.beginSession(0);
-    for (int i = 0; i < kManyLocks; ++i) {
-        const CString name(std::to_string(i * 7919 % kManyLocks).c_str());
-        ASSERT_TRUE(tables.lock(leaving, name, 0));
-        if (i % 100 == 0) {
-            ASSERT_TRUE(tables.lock(staying, name, 0));
+    // Each grant looks the name up among all locks.
+    const long searched = millisecondsOf([&] {
+        for (int i = 0; i < kManyLocks; ++i) {
+            const CString name(std::to_string(i * 7919 % kManyLocks).c_str());
+            EXPECT_TRUE(tables.lock(leaving, name, 0));
+            if (i % 100 == 0) {
+                EXPECT_TRUE(tables.lock(staying, name, 0));
+            }
         }
-    }
+    });
     notifier.count = 0;
 
     long longestWait = 0;
@@ -56,10 +59,12 @@ TEST(CentralManyHeld, TheLocksOfOneSessionAreReleasedWhileNobodyWaits) {
     hasLeft = true;
     other.join();
 
-    std::printf("%d locks released in %ld ms; another call took %ld ms at most\n", kManyLocks,
-                taken, longestWait);
-    EXPECT_LT(taken, 1'000);
-    EXPECT_LT(longestWait, 1'500);
+    std::printf(
+        "%d locks granted in %ld ms, released in %ld ms; another call took %ld ms at most\n",
+        kManyLocks, searched, taken, longestWait);
+    // To look each up again would take as long as the grants, on whatever machine.
+    EXPECT_LT(taken, searched / 3);
+    EXPECT_LT(longestWait, searched / 3);
     EXPECT_EQ(kManyLocks, notifier.count);
     EXPECT_TRUE(tables.faults().empty());
     tables.endSession(staying);
@@ -120,7 +125,7 @@ TEST_F(CentralManyHeldOverSockets, AHealthyListenerHearsOfAllThatOneClientLeaves
         [this] { return toldToBob(notifyConnectionOpened) == limits().opensPerSession; }));
     client.disconnect();
     const long answered = millisecondsOf([this] { EXPECT_EQ(1u, userNames(bobsClient).size()); });
-    EXPECT_LT(answered, 2'000);
+    EXPECT_LT(answered, 10'000);
     EXPECT_TRUE(eventually(
         [this] { return toldToBob(notifyConnectionClosed) == limits().opensPerSession; }));
     EXPECT_EQ(limits().locksPerSession, toldToBob(notifyLockReleased));
