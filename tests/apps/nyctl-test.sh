@@ -70,7 +70,7 @@ expect_said 'time: [0-9]+'
 now=$(date +%s)
 ((${said#time: } > now - 300 && ${said#time: } < now + 300)) || fail "it is $now, and not $said"
 expect 0 '' machine
-expect_said 'machine: [0-9a-f]+'
+expect_said 'machine: [0-9a-f-]+'
 machine=${said#machine: }
 expect 0 'COLLABORATIVE SERVER INFORMATION' info
 [ "$(wc -l <<< "$said")" -gt 3 ] || fail "info should be a block of lines; it is: $said"
