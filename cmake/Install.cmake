@@ -12,6 +12,8 @@ set(ny_public_headers
   NyServerApi.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
+  base/mfc/AfxSmallBlocks.h
+  base/mfc/AfxText.h
   base/mfc/CArchive.h
   base/mfc/CException.h
   base/mfc/CFile.h
@@ -34,6 +36,7 @@ set(ny_public_headers
   base/qo/QoUi.h
   base/qo/QoUiLoadString.h
   base/qo/QoUiSwitchResource.h
+  base/qo/QoWaitCursor.h
   client/NySeClientApp.h
   framing/NySeActions.h
   framing/NySeMemFile.h
@@ -44,10 +47,13 @@ set(ny_public_headers
   listener/NyServerApp.h
   listener/NyServerNotification.h
   listener/NyServerThreadApp.h
+  online/NyFctWebService.h
   records/NySeConnection.h
   records/NySeConnectionArray.h
   records/NySeLock.h
   records/NySeLockArray.h
+  records/NySeLockIndex.h
+  records/NySeLockName.h
   records/NySeMessage.h
   records/NySeRecord.h
   records/NySeSessionLock.h

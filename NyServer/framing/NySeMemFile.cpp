@@ -1,6 +1,8 @@
 #include "NyServer/framing/NySeMemFile.h"
 
+#include <array>
 #include <cstdlib>
+#include <memory>
 
 #include "NyServer/records/NySeUser.h"
 
@@ -32,14 +34,14 @@ void dropArchiveErrors(Archive archive) {
 
 NySeMemFile::NySeMemFile() : CMemFile(kGrowBytes) {}
 
-NySeMemFile::~NySeMemFile() {
+NySeMemFile::~NySeMemFile() noexcept {
     closeArchive();
 }
 
 // An archive gives its unread bytes back to the file, which throws when the file was changed under
 // it; neither a destructor nor the end of reading may.
 void NySeMemFile::closeArchive() {
-    if (m_archive != nullptr) dropArchiveErrors([this] { m_archive->Close(); });
+    if (m_archive) dropArchiveErrors([this] { m_archive->Close(); });
     m_archive.reset();
 }
 
@@ -48,7 +50,7 @@ void NySeMemFile::openForWriting(unsigned int headerBytes, NySe::SchemaType sche
     m_schemaType = schema;
     SetLength(headerBytes);
     Seek(headerBytes, begin);
-    m_archive = std::make_unique<CArchive>(this, CArchive::store);
+    m_archive.emplace(this, CArchive::store);
     m_archive->SetObjectSchema(versionable(schema));
 }
 
@@ -64,7 +66,7 @@ void NySeMemFile::startWriteAction(NySe::ActionType action, NySe::SchemaType sch
 }
 
 void NySeMemFile::stopWriting() {
-    if (m_archive == nullptr) return;
+    if (!m_archive) return;
     closeArchive();
     if (!m_actionMode) {
         writeHeader(NySe::kLengthBytes);
@@ -74,13 +76,9 @@ void NySeMemFile::stopWriting() {
 }
 
 void NySeMemFile::writeHeader(unsigned int headerBytes) {
-    const LONG length = static_cast<LONG>(GetLength() - headerBytes);
+    const std::array<LONG, 2> header = {m_actionType, static_cast<LONG>(GetLength() - headerBytes)};
     SeekToBegin();
-    if (m_actionMode) {
-        const LONG action = m_actionType;
-        Write(&action, sizeof action);
-    }
-    Write(&length, sizeof length);
+    Write(header.data() + (m_actionMode ? 0 : 1), headerBytes);
     SeekToBegin();
 }
 
@@ -91,7 +89,7 @@ void NySeMemFile::writeAction(NySe::ActionType action, NySe::SchemaType schema) 
 
 void NySeMemFile::startReading() {
     closeArchive();
-    m_archive = std::make_unique<CArchive>(this, CArchive::load);
+    m_archive.emplace(this, CArchive::load);
 }
 
 void NySeMemFile::stopReading() {

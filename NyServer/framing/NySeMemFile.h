@@ -11,7 +11,7 @@
 
 #include <afx.h>
 
-#include <memory>
+#include <optional>
 
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/NyServerApi.h"
@@ -24,7 +24,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
   public:
     NySeMemFile();
     // Deletes the open archive, which flushes a storing one.
-    ~NySeMemFile() override;
+    ~NySeMemFile() noexcept override;
 
     // Begin a message without or with an action: what was written before is dropped, and a storing
     // archive is opened behind the header, under `schema`.
@@ -64,7 +64,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
     ULONGLONG getLength() const { return GetLength(); }
     CMemFile& getMemFile() { return *this; }
     // The open archive, or null.
-    CArchive* getArchive() { return m_archive.get(); }
+    CArchive* getArchive() { return m_archive ? &*m_archive : nullptr; }
 
     const NySe::ActionType& getActionType() const { return m_actionType; }
     const NySe::SchemaType& getSchemaType() const { return m_schemaType; }
@@ -75,11 +75,11 @@ class NYSERVER_API NySeMemFile : public CMemFile {
   private:
     void openForWriting(unsigned int headerBytes, NySe::SchemaType schema);
     void closeArchive();
-    bool isWriting() const { return m_archive != nullptr && m_archive->IsStoring(); }
+    bool isWriting() const { return m_archive && m_archive->IsStoring(); }
     void writeHeader(unsigned int headerBytes);
 
     NySe::ActionType m_actionType = NySe::noAction;
     NySe::SchemaType m_schemaType = NySe::noSchema;
-    std::unique_ptr<CArchive> m_archive;
+    std::optional<CArchive> m_archive;  // in place: opening a message asks for no memory
     bool m_actionMode = false;
 };

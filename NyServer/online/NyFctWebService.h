@@ -28,8 +28,8 @@ NYSERVER_API bool pingWebServer();
 // The version published for a product, as the service writes it. Empty when the service publishes
 // none, on every failure, and when the production service cannot be opened: it is tried first,
 // whichever service is asked. Only the part of the answer that has arrived by the first look at it
-// counts. An error box is shown, and waited for, when an answer that has been opened cannot be
-// read.
+// counts. It may come from the system's cache, and passes by the configured proxy. An error box is
+// shown, and waited for, when an answer that has been opened cannot be read.
 NYSERVER_API CString getOnlineVersionFromSoftwareID(long softwareId);
 
 // The production service unless a setter has said otherwise.
@@ -43,6 +43,7 @@ NYSERVER_API void connectToTestBase(bool test);
 // REQUIRES: the string lives, unchanged, until connectToTestBase or setCustomServerUrl has been
 // called again: a reference to it is kept, not a copy.
 NYSERVER_API void setCustomServerUrl(const CString& url);
+void setCustomServerUrl(CString&& url) = delete;  // would refer to a text that is gone
 
 }  // namespace NyFctWebService
 

@@ -12,21 +12,21 @@ constexpr unsigned int kExcludesNewcomers = 0x08 | 0x10;
 
 void NySeLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        ar << m_strLockName;
+        ar << m_lockName.text();
     } else {
-        ar >> m_strLockName;
+        ar >> m_lockName.change();
     }
     m_holders.Serialize(ar);
 }
 
 // The holders stay out: a grant is of one lock, not of its copies.
 void NySeLock::typeCopyFrom(const NySeLock& other) {
-    m_strLockName = other.m_strLockName;
+    setStrLockName(other.getStrLockName());
 }
 
 void NySeLock::typeCompareTo(const NySeLock& other, short key,
                              QoSort::CompareResult& result) const {
-    if (key == 1) result = NySe::compareTexts(m_strLockName, other.m_strLockName);
+    if (key == 1) result = NySe::compareTexts(getStrLockName(), other.getStrLockName());
 }
 
 bool NySeLock::seekShareMode(unsigned int mode) const {

@@ -1,6 +1,7 @@
 // NySeLock: one named lock and its holders.
 #pragma once
 
+#include "NyServer/records/NySeLockName.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
 class NySeUser;
@@ -13,8 +14,8 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeLock)
 
   public:
-    const CString& getStrLockName() const { return m_strLockName; }
-    void setStrLockName(const CString& lockName) { m_strLockName = lockName; }
+    const CString& getStrLockName() const { return m_lockName.text(); }
+    void setStrLockName(const CString& lockName) { m_lockName.change() = lockName; }
 
     // One entry for each grant, owned by this lock.
     NySeSessionLockPtrArray& getHolders() { return m_holders; }
@@ -34,6 +35,8 @@ class NYSERVER_API NySeLock : public QoObject2 {
     void writeUserArray(CMemFile& file) const;
 
   private:
-    CString m_strLockName;
+    friend class NySeLockIndex;
+
+    NySeLockName m_lockName;
     NySeSessionLockPtrArray m_holders;
 };

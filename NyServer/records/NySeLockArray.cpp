@@ -21,6 +21,7 @@ void NySeLockArray::Serialize(CArchive& ar) {
 }
 
 INT_PTR NySeLockArray::lookForLockName(const CString& name) const {
+    if (const std::optional<INT_PTR> index = m_index.find(*this, name)) return *index;
     NySeLock probe;
     probe.setStrLockName(name);
     return lookFor(&probe, 1);
@@ -43,7 +44,7 @@ INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsign
 }
 
 bool NySeLockArray::removeLock(NySeLock& lock, const NySeUser& user) {
-    const INT_PTR index = lookFor(&lock, 1);
+    const INT_PTR index = lookForNameOf(lock);
     if (index < 0) return false;
     NySeLock& stored = *GetAt(index);
     stored.removeUser(user);
@@ -59,8 +60,14 @@ void NySeLockArray::deleteLockByUser(const NySeUser& user) {
     }
 }
 
+INT_PTR NySeLockArray::lookForNameOf(const NySeLock& lock) const {
+    if (const auto index = m_index.find(*this, lock.getStrLockName())) return *index;
+    return lookFor(&lock, 1);
+}
+
 bool NySeLockArray::deleteUnheld(INT_PTR index) {
     if (GetAt(index)->getHolders().GetSize() > 0) return false;
+    m_index.remove(*this, index);
     RemoveAt(index, 1);
     return true;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "NyServer/records/NySeLock.h"
+#include "NyServer/records/NySeLockIndex.h"
 
 // A lock is in the table while it has holders. Lock names are the same when they differ only in
 // letter case; users are known by their session number alone. Locks that addLock makes go to the
@@ -30,6 +31,9 @@ class NYSERVER_API NySeLockArray : public QoArraySerial2 {
     void deleteLockByUser(const NySeUser& user);
 
   private:
+    INT_PTR lookForNameOf(const NySeLock& lock) const;
     // True when the lock went with its last holder.
     bool deleteUnheld(INT_PTR index);
+
+    mutable NySeLockIndex m_index;
 };

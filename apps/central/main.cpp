@@ -5,22 +5,14 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
 
 #include "apps/central/CentralServer.h"
+#include "apps/common/StopRequest.h"
 #include "apps/common/Utf8.h"
-#include "NyServer/base/KernelHandle.h"
 
 namespace {
 
 constexpr int kLongestProbeSeconds = 86'400;
-
-UniqueKernelHandle stopRequested;
-
-BOOL WINAPI requestStop(DWORD) {
-    ::SetEvent(stopRequested.get());
-    return TRUE;
-}
 
 // The whole number at once: who waits for the file reads it as soon as it is there.
 bool writePortFile(const std::string& path, unsigned int port) {
@@ -48,7 +40,7 @@ CentralSettings settingsOf(const Options& options) {
     settings.ports = *parsePortRange(options.ports);
     settings.push.probeInterval = std::chrono::seconds(options.probeSeconds);
     settings.maxSessions = options.maxSessions;
-    settings.onShutDownRequest = [] { ::SetEvent(stopRequested.get()); };
+    settings.onShutDownRequest = [] { StopRequest::make(); };
     return settings;
 }
 
@@ -71,7 +63,7 @@ bool open(CentralServer& server, const Options& options) {
 int serve(const Options& options) {
     CentralServer server(settingsOf(options));
     if (!open(server, options)) return 1;
-    ::WaitForSingleObject(stopRequested.get(), INFINITE);
+    ::WaitForSingleObject(StopRequest::event(), INFINITE);
     std::printf("stopping\n");
     server.stop();  // what is queued until then counts as dropped
     if (const size_t dropped = server.pusher().dropped(); dropped != 0)
@@ -114,9 +106,7 @@ int run() {
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
-    stopRequested = UniqueKernelHandle(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    if (!stopRequested) throw std::runtime_error("no event to wait for");
-    ::SetConsoleCtrlHandler(&requestStop, TRUE);
+    const StopRequest stopRequest;
     return serve(options);
 }
 

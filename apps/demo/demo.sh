@@ -29,20 +29,30 @@ trap cleanup EXIT
 
 tell() { printf '\n* %s\n' "$*"; }
 
-# says NAME COMMAND: gives the user's shell one line and shows what comes back, up to the mark; it stays in $answer.
+# says NAME COMMAND: gives the user's shell one line and shows what comes back; it stays in $answer.
 says() {
-  local name=$1 line
-  shift
+  begins "$@"
+  hears "$1"
+}
+
+# begins NAME COMMAND: gives the user's shell one line.
+begins() {
+  printf '%s> nyctl %s\n' "$1" "${*:2}"
+  printf '%s\necho =\n' "${*:2}" >&"${shells[$1]}"
+}
+
+# hears NAME [TEXT]: shows what comes back up to the mark, or up to the line that holds the text; it stays in $answer.
+hears() {
+  local line
   answer=
-  printf '%s> nyctl %s\n' "$name" "$*"
-  printf '%s\necho =\n' "$*" >&"${shells[$name]}"
-  while IFS= read -r -t 20 line <&"${answers[$name]}"; do
+  while IFS= read -r -t 20 line <&"${answers[$1]}"; do
     line=${line%$'\r'}
     [ "$line" != = ] || return 0
     printf '    %s\n' "$line"
     answer+=$line$'\n'
+    [ $# -eq 1 ] || [[ $line != *"$2"* ]] || return 0
   done
-  fail "no answer to: $*"
+  fail "$1 gets no answer"
 }
 
 fail() {
@@ -71,7 +81,7 @@ set -m  # a background program ignores Ctrl+C unless it is a job of its own
 run nycentral --port-file "$work/port" > "$work/central.log" 2>&1 &
 central=$!
 set +m
-for _ in $(seq 100); do
+for _ in $(seq 600); do  # Wine's first start takes long
   [ ! -s "$work/port" ] || break
   sleep 0.1
 done
@@ -93,9 +103,16 @@ says anna users
 expect 'anna  1'
 expect 'bob   2'
 
-tell "Anna takes a lock that keeps others from access; Bob is refused"
+tell "Bob watches; Anna takes a lock that keeps others from access, and Bob is told"
+begins bob watch --count 1 --timeout 60
+hears bob 'watching at port'
 says anna lock part/42 --mode 0x18
 expect 'granted: true'
+echo "bob, who watches:"
+hears bob
+expect '50 a lock was granted  NySeLock: part/42, held by session 1 (exclude1+exclude2)'
+
+tell "What Anna has locked, Bob is refused"
 says bob lock part/42 --mode 0x01
 expect 'granted: false'
 says bob locks

@@ -24,6 +24,12 @@ Record describe(const NySeUser& user) {
             {"soft_type", user.getSoftType()}};
 }
 
+Record describe(const NySeConnection& connection) {
+    return {{"id", connection.getId()},
+            {"connection", toUtf8(connection.getStrConnection())},
+            {"opens", connection.getRefCount()}};
+}
+
 void printUsers(Context& context, const NySeUserPtrArray& users) {
     std::vector<Record> rows;
     for (INT_PTR i = 0; i < users.GetSize(); ++i) rows.push_back(describe(*users[i]));

@@ -53,6 +53,7 @@ ExitStatus ifAnswered(Context& context, ExitStatus status);
 ExitStatus ensureRegistered(Context& context);
 
 Record describe(const NySeUser& user);
+Record describe(const NySeConnection& connection);
 void printUsers(Context& context, const NySeUserPtrArray& users);
 
 // The server's user of that name, copied into `user`. False when there is none.

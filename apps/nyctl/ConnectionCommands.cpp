@@ -41,11 +41,8 @@ Run defineConnections(CLI::App&) {
             connections.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
         if (status != exitYes) return status;
         std::vector<Record> rows;
-        for (INT_PTR i = 0; i < connections.GetSize(); ++i) {
-            rows.push_back({{"id", connections[i]->getId()},
-                            {"connection", toUtf8(connections[i]->getStrConnection())},
-                            {"opens", connections[i]->getRefCount()}});
-        }
+        for (INT_PTR i = 0; i < connections.GetSize(); ++i)
+            rows.push_back(describe(*connections[i]));
         context.output.table({"id", "connection", "opens"}, rows);
         return exitYes;
     };

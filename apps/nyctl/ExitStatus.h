@@ -2,8 +2,9 @@
 #pragma once
 
 enum ExitStatus : int {
-    exitYes = 0,      // yes, granted, done
-    exitNo = 1,       // no, refused
-    exitUsage = 2,    // the command line was wrong
-    exitNoAnswer = 3  // no connection, or no answer
+    exitYes = 0,       // yes, granted, done
+    exitNo = 1,        // no, refused
+    exitUsage = 2,     // the command line was wrong
+    exitNoAnswer = 3,  // no connection, or no answer
+    exitTimeOut = 4    // the time was up before what was waited for had come
 };

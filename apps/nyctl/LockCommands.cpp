@@ -1,31 +1,9 @@
 // The commands about locks.
-#include <cstdio>
-
 #include "apps/nyctl/CommandTools.h"
+#include "apps/nyctl/ShareMode.h"
 #include "NyServer/records/NySeLockArray.h"
 
 namespace {
-
-std::string bits(unsigned mode) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%02X", mode);
-    return text;
-}
-
-// Which of the four bits that have a meaning are set.
-std::string words(unsigned mode) {
-    static constexpr struct {
-        unsigned bit;
-        const char* word;
-    } kWords[] = {{0x01, "access1"}, {0x02, "access2"}, {0x08, "exclude1"}, {0x10, "exclude2"}};
-    std::string text;
-    for (const auto& [bit, word] : kWords) {
-        if ((mode & bit) == 0) continue;
-        if (!text.empty()) text += '+';
-        text += word;
-    }
-    return text.empty() ? "none" : text;
-}
 
 Run defineLock(CLI::App& command) {
     auto name = argument<std::string>(command, "NAME", "The lock's name");
@@ -41,8 +19,8 @@ Run defineLock(CLI::App& command) {
         if (status == exitNoAnswer) return status;
         context.output.record({{"lock", *name},
                                {"granted", granted},
-                               {"mode", bits(*mode)},
-                               {"words", words(*mode)}});
+                               {"mode", shareModeDigits(*mode)},
+                               {"words", shareModeWords(*mode)}});
         return status;
     };
 }
@@ -70,8 +48,8 @@ Record describe(const NySeLock& lock, const NySeSessionLock& holder,
     return {{"lock", toUtf8(lock.getStrLockName())},
             {"session", holder.getSessionNumber()},
             {"user", user != nullptr ? toUtf8(user->getStrUserName()) : std::string()},
-            {"mode", bits(holder.getLockState())},
-            {"words", words(holder.getLockState())}};
+            {"mode", shareModeDigits(holder.getLockState())},
+            {"words", shareModeWords(holder.getLockState())}};
 }
 
 Run defineLocks(CLI::App&) {

@@ -64,7 +64,8 @@ Run defineVersion(CLI::App& command) {
             return exitYes;
         }
         if (!NyFctWebService::pingWebServer()) return noService(*service);
-        Output::complain("no version of product " + std::to_string(*id));
+        Output::complain("no version of product " + std::to_string(*id) +
+                         ", or no production service, which is tried first");
         return exitNo;
     };
 }

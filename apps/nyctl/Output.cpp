@@ -92,6 +92,15 @@ void Output::lines(const char* name, const std::vector<std::string>& lines) cons
     std::fflush(stdout);
 }
 
+void Output::next(const std::string& line, const Record& record) const {
+    if (m_options.json) {
+        printJson(record);
+    } else {
+        std::printf("%s\n", printable(line).c_str());
+    }
+    std::fflush(stdout);
+}
+
 std::vector<std::string> Output::split(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -102,6 +111,6 @@ std::vector<std::string> Output::split(const std::string& text) {
     return lines;
 }
 
-void Output::complain(const std::string& text) {
+void Output::note(const std::string& text) {
     std::fprintf(stderr, "nyctl: %s\n", text.c_str());
 }

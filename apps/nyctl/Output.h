@@ -20,10 +20,14 @@ class Output {
     void table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const;
     // Lines of text: as they are, or one object {name: line} each.
     void lines(const char* name, const std::vector<std::string>& lines) const;
+    // The next thing of a series that goes on: `line`, or one object. Nothing is held back.
+    void next(const std::string& line, const Record& record) const;
     // The lines of a text, without their ends.
     static std::vector<std::string> split(const std::string& text);
-    // Why a command failed, on standard error.
-    static void complain(const std::string& text);
+    // What is no result, on standard error.
+    static void note(const std::string& text);
+    // Why a command failed.
+    static void complain(const std::string& text) { note(text); }
 
   private:
     const Options& m_options;

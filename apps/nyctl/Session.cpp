@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "apps/common/Utf8.h"
+#include "NyServer/socket/SocketCodes.h"
 
 namespace {
 
@@ -25,7 +26,8 @@ bool isServerAddress(const std::string& server) {
 
 void Session::close() {
     if (m_connected) m_client.disconnect();
-    m_connected = m_registered = false;
+    m_connected = m_registered = m_listening = false;
+    m_listener.reset();
 }
 
 bool Session::open() {
@@ -48,4 +50,26 @@ bool Session::registerUser() {
     m_user.setSchema(NySe::schema2015);
     m_registered = m_client.getPortClient(m_user) != 0;
     return m_registered;
+}
+
+// The server gives up a port at which nobody listens; then only another one starts afresh.
+int Session::firstPort() {
+    if (m_registered) return m_client.getAnotherPort();
+    return registerUser() ? m_user.getPort() : 0;
+}
+
+NyServerApp& Session::listener() {
+    if (!m_listener) m_listener = std::make_unique<NyServerApp>();
+    return *m_listener;
+}
+
+bool Session::listen() {
+    if (m_listening) return true;
+    for (LONG port = firstPort(); port > 0; port = m_client.getAnotherPort()) {
+        listener().setPortNumber(static_cast<unsigned short>(port));
+        if (listener().Start() != UTE_SUCCESS) continue;
+        m_user.setPort(port);
+        return m_listening = true;
+    }
+    return false;
 }

@@ -1,10 +1,12 @@
 // Session: the connection that the commands share.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "apps/nyctl/Options.h"
 #include "NyServer/client/NySeClientApp.h"
+#include "NyServer/listener/NyServerApp.h"
 
 // Whether `server` is HOST:PORT.
 bool isServerAddress(const std::string& server);
@@ -26,15 +28,27 @@ class Session {
     // Enters the user at the server, once. False when there is no connection or the server gave no
     // port.
     bool registerUser();
+    // The user's listener, which does not listen before listen. It goes with the connection, not
+    // earlier: the server takes a user whose listener has gone for one who has gone.
+    NyServerApp& listener();
+    // Registers the user and listens, unless that was done: at the port that the server gives, or
+    // at another one that it gives when that is taken on this machine. False when there is no
+    // connection or the server gave no port that is free.
+    bool listen();
 
     NySeClientApp& client() { return m_client; }
     const NySeUser& user() const { return m_user; }
     const std::string& server() const { return m_options.server; }
+    bool isShell() const { return m_options.isShell; }
 
   private:
+    int firstPort();
+
     const Options& m_options;
     NySeClientApp m_client;
     NySeUser m_user;
     bool m_connected = false;
     bool m_registered = false;
+    bool m_listening = false;
+    std::unique_ptr<NyServerApp> m_listener;
 };

@@ -1,5 +1,6 @@
 // The commands about users and what is sent to them.
 #include "apps/nyctl/CommandTools.h"
+#include "apps/nyctl/WatchCommand.h"
 #include "NyServer/records/NySeMessage.h"
 
 namespace {
@@ -86,4 +87,6 @@ const std::vector<Command> kUserCommands = {
      "send-connection 0 1 'model saved'", &defineSendConnection},
     {"send-user", "Send a text to one user", "send-user Bob 'are you there?'", &defineSendUser},
     {"send-all", "Send a text to all users", "send-all 'back in five minutes'", &defineSendAll},
+    {"watch", "Register, and show each notification as it comes", "watch --count 3 --timeout 60",
+     &defineWatch},
 };

@@ -1,4 +1,4 @@
-// nyctl: the central server from the command line.
+// nyctl: the central server and the online service from the command line.
 #include <algorithm>
 #include <exception>
 
@@ -20,7 +20,7 @@ int run() {
     const Output output(options);
     ExitStatus status = exitYes;
 
-    CLI::App app("Talks to a central server.", "nyctl");
+    CLI::App app("Talks to a central server, and to the online service.", "nyctl");
     app.require_subcommand(1);
     app.add_option("--server", options.server, "HOST:PORT of the central server")
         ->envname("NYCTL_SERVER")
@@ -36,11 +36,14 @@ int run() {
     CLI::App* const shell =
         app.add_subcommand("shell", "Commands from standard input, one a line, on one connection");
     shell->footer("Example: printf 'register\\nusers\\n' | nyctl --user Anna shell");
-    shell->callback([&] { status = runShell(session, output); });
+    shell->callback([&] {
+        options.isShell = true;
+        status = runShell(session, output);
+    });
     app.footer(
         "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
-        "answer.");
+        "answer, 4 the time was up.");
 
     std::vector<std::string> arguments = commandLineArguments();
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

@@ -63,6 +63,17 @@ class Nyctl : public ::testing::Test {
         return wireOf(static_cast<LONG>(body.size())) + body;
     }
 
+    // The answer to a registration.
+    static std::string userWithPort(LONG port) {
+        NySeUser user;
+        user.setPort(port);
+        NySeMemFile message;
+        message.startWrite(NySe::schema2015);
+        message.writeObject(static_cast<const CObject&>(user));
+        message.stopWriting();
+        return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
+    }
+
     const std::string isAlive = goldenWire("request-isAlive");
     const std::string getVersion = goldenWire("request-getVersion");
     const std::string getLock = goldenWire("request-getLock");
@@ -104,6 +115,23 @@ TEST_F(Nyctl, RegisterIsNoWhenALivingServerAnswersWithAnotherRecord) {
 TEST_F(Nyctl, RegisterHasNoAnswerWhenTheServerStopsHalfWay) {
     serve({{registerRequest(), goldenWire("reply-user").substr(0, 30)}});
     EXPECT_EQ(exitNoAnswer, run("register"));
+}
+
+TEST_F(Nyctl, WatchIsNoWhenALivingServerGivesNoPort) {
+    serve({{registerRequest(), empty}, {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("watch"));
+    EXPECT_EQ("nyctl: the server gives no port that is free here\n", m_complaint);
+}
+
+TEST_F(Nyctl, WatchEndsWithTheServer) {
+    const LONG port = static_cast<LONG>(peers::RefusingPort().port());
+    serve({{registerRequest(), userWithPort(port)}});
+    EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
+    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("nyctl: watching at port " + std::to_string(port) +
+                  "\nnyctl: the server has gone away\nnyctl: no answer from " + m_options.server +
+                  "\n",
+              m_complaint);
 }
 
 TEST_F(Nyctl, UsersMayBeNoneOnALivingServer) {
@@ -223,7 +251,7 @@ TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
                              "lock a",   "unlock a",      "holders a",  "locks",
                              "open a",   "close 1",       "openers 1",  "connections",
                              "time",     "machine",       "info",       "verify",
-                             "events 1", "shutdown"}) {
+                             "events 1", "shutdown",      "watch"}) {
         serve({});
         EXPECT_EQ(exitNoAnswer, run(line)) << line;
         EXPECT_EQ("", m_printed) << line;

@@ -20,7 +20,10 @@ expect_said() {
   [[ $said =~ ^$1$ ]] || fail "\"$said\" should be $1"
 }
 
-start_central "$nycentral"
+# Notification ports of this run's own: with those of another server of this machine its users would be told this
+# server's news.
+first_port=$((20000 + $$ % 480 * 20))
+start_central "$nycentral" --ports $first_port-$((first_port + 19))
 export NYCTL_SERVER=127.0.0.1:$port
 
 [ "$(tr -d '\r' < "$work/central.log")" = "listening on 127.0.0.1:$port" ] || fail "nycentral says: $(cat "$work/central.log")"
@@ -44,7 +47,7 @@ expect 3 'no answer' --server 127.0.0.1:1 users
 expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
-for command in ping register users port rename send-connection send-user send-all lock unlock holders locks open close \
+for command in ping register users port rename send-connection send-user send-all watch lock unlock holders locks open close \
   openers connections time machine info verify events shutdown; do
   expect 0 "Example: nyctl $command" $command --help
 done
@@ -62,7 +65,8 @@ expect 0 '' close 0
 expect 1 'user  session' openers 0
 expect 0 'id  connection  opens' connections
 expect 0 '' port
-expect_said 'port: 42[1-9][0-9][0-9]'
+expect_said 'port: [0-9]+'
+((${said#port: } > first_port && ${said#port: } < first_port + 20)) || fail "$said is none of the server's ports"
 expect 0 '' rename Anna
 expect_said ''
 expect 0 '' time
@@ -86,7 +90,6 @@ expect 0 '1 none or no production service, 3 no answer' online version --help
 expect 2 'subcommand is required' online
 expect 2 'nonsense is not production, test or an http address' online ping --service nonsense
 expect 3 'no answer from the service http://127.0.0.1:1/' online ping --service http://127.0.0.1:1/
-expect 3 'no answer from the service' online version 42 --service http://127.0.0.1:1/
 
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {
@@ -107,7 +110,7 @@ expect_shell 1 '0   c           1'
 printf 'register\nsend-all hello\nsend-user Bob hello\nsend-connection 0 1 hello\nverify\n' > "$work/lines"
 expect_shell 0 'user: Bob'
 printf 'port\ntime\nmachine\ninfo\nevents 1\n' > "$work/lines"
-for text in 'port: 42' 'time: ' "machine: $machine" 'COLLABORATIVE SERVER INFORMATION' 'session '; do
+for text in 'port: 2' 'time: ' "machine: $machine" 'COLLABORATIVE SERVER INFORMATION' 'session '; do
   expect_shell 0 "$text"
 done
 printf 'no-such-command\nping\n' > "$work/lines"
@@ -115,9 +118,68 @@ expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
 expect_shell 0 'one  two'
 
+# watch ARGUMENT...: Bob watches in the background, as the process $watcher, and what he sees comes out of descriptor 5.
+watch() {
+  rm -f "$work/seen"
+  mkfifo "$work/seen"
+  set -m
+  "$root/tools/run-in-wine" "$nyctl" --user Bob "$@" > "$work/seen" 2>&1 &
+  watcher=$!
+  set +m
+  exec 5< "$work/seen"
+  expect_seen 'watching at port'
+}
+
+# expect_seen TEXT: the watcher's next line holds the text, and comes while the watcher goes on.
+expect_seen() {
+  local line=
+  IFS= read -r -t 60 line <&5 || fail "the watcher does not say \"$1\""
+  [[ $line == *"$1"* ]] || fail "the watcher should say \"$1\"; it says: $line"
+}
+
+# expect_watched STATUS: the watcher ends by itself with the status.
+expect_watched() {
+  local actual=0
+  for _ in $(seq 300); do
+    kill -0 "$watcher" 2> /dev/null || break
+    sleep 0.1
+  done
+  kill -KILL "$watcher" 2> /dev/null && fail "the watcher goes on"
+  wait "$watcher" || actual=$?
+  [ $actual -eq "$1" ] || fail "the watcher ended with $actual instead of $1"
+}
+
+watch watch
+expect 0 'granted: true' lock part/42
+expect_seen '54 a user joined or registered again  NySeUser: '
+expect_seen '50 a lock was granted  NySeLock: part/42, held by session'
+expect_seen '51 a lock was released  NySeLock: part/42, held by nobody'
+expect_seen '55 a user left  NySeUser: '
+expect 0 'Bob' users
+kill -INT "$watcher"
+expect_watched 0
+[[ $("$root/tools/run-in-wine" "$nyctl" users) != *Bob* ]] || fail "the watcher is still registered"
+
+watch --json watch --count 2
+expect 0 '' send-all 'it is "late"'
+expect_seen '"object":{"message":"it is \"late\""}'
+kill -0 "$watcher" || fail "one was not all"
+expect 0 '' send-all bye
+expect_seen '"class":"NySeMessage","object":{"message":"bye"}'
+expect_watched 0
+
+expect 4 '' watch --count 1 --timeout 0.2
+expect 0 '' watch --timeout 0.2
+expect 2 'not in range' watch --count 0
+printf 'watch\nwatch --timeout 0.2\n' > "$work/lines"
+expect_shell 2 "would never come to the shell's next line"
+
 printf 'shutdown\n' > "$work/lines"
+watch watch
 expect_shell 0 ''
 expect_stopped
+expect_seen 'the server has gone away'
+expect_watched 3
 rm "$work/port"
 start_central "$nycentral"
 expect 0 '' --server "127.0.0.1:$port" shutdown

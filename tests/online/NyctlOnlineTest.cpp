@@ -73,7 +73,8 @@ TEST_F(NyctlOnline, FindsNoVersionAtAServiceThatPublishesNone) {
     const WebServer custom(page("<ANSWER/>"));
     EXPECT_EQ(exitNo, run("online version 42 --service " + url(custom.port())));
     EXPECT_EQ("", m_printed);
-    EXPECT_EQ("nyctl: no version of product 42\n", m_complaint);
+    EXPECT_EQ("nyctl: no version of product 42, or no production service, which is tried first\n",
+              m_complaint);
 }
 
 TEST_F(NyctlOnline, LeavesTheProductionServiceChosen) {

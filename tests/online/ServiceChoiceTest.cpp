@@ -108,11 +108,26 @@ TEST_F(OnlineService, NeedsOneConnectionForAPingAndTwoForAVersion) {
     EXPECT_EQ(3, m_production.connections());
 }
 
-TEST_F(OnlineService, KeepsNoPageOfATrialInTheCache) {
-    setCustomServerUrl(m_customAddress);
+TEST_F(OnlineService, AsksForNoCopyToBeConfirmed) {
     pingWebServer();
     version();
-    for (const CString& url : {m_customAddress + L"_Utilities/Ping.aspx", m_production.address()}) {
+    for (const WebRequest& request : m_production.requests()) {
+        EXPECT_EQ("", request.header("If-Modified-Since"));
+        EXPECT_EQ("", request.header("If-None-Match"));
+    }
+}
+
+TEST_F(OnlineService, KeepsNoPageThatItOnlyOpensInTheCache) {
+    const auto keepable = peers::sendingAndClosing(
+        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 2\r\n\r\nok");
+    const WebServer production(keepable);
+    const WebServer custom(keepable);
+    addresses::production = production.address();
+    const CString customAddress = custom.address();
+    setCustomServerUrl(customAddress);
+    pingWebServer();
+    version();
+    for (const CString& url : {customAddress + L"_Utilities/Ping.aspx", production.address()}) {
         DWORD size = 0;
         EXPECT_FALSE(::GetUrlCacheEntryInfoW(url, nullptr, &size));
         EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, ::GetLastError());

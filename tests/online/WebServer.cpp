@@ -59,7 +59,8 @@ int WebServer::connections() const {
 std::string webAnswer(const std::string& body, const std::string& status, long long length) {
     if (length < 0) length = static_cast<long long>(body.size());
     return "HTTP/1.1 " + status + "\r\nContent-Type: text/xml\r\nConnection: close\r\n" +
-           "Content-Length: " + std::to_string(length) + "\r\n\r\n" + body;
+           "Cache-Control: no-store\r\n" + "Content-Length: " + std::to_string(length) +
+           "\r\n\r\n" + body;
 }
 
 peers::Script page(const std::string& body, const std::string& status) {

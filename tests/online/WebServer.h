@@ -38,7 +38,8 @@ class WebServer {
     peers::Peer m_peer;
 };
 
-// The bytes of an answer that says how long its body is; `length` is a lie when it is not -1.
+// The bytes of an answer that says how long its body is; `length` is a lie when it is not -1. No
+// cache may keep it: a later server may get the same port.
 std::string webAnswer(const std::string& body, const std::string& status = "200 OK",
                       long long length = -1);
 

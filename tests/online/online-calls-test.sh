@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # online-calls-test.sh ONLINE_TEST: with which arguments, and in which order, the online service client calls WinINet, as
 # Wine's trace of WinINet tells.
-set -eu
+set -eu -o pipefail
 online_test=$1
 root=$(cd "$(dirname "$0")/../.." && pwd)
 failures=0

@@ -2,8 +2,6 @@
 // and native/.
 #pragma once
 
-#include "afxplatform.h"
+#include "AfxText.h"
 
-#include <string>
-
-std::basic_string<WCHAR> textFromAnsi(LPCSTR text, size_t byteCount);
+AfxText textFromAnsi(LPCSTR text, size_t byteCount);

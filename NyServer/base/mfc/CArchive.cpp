@@ -44,8 +44,8 @@ void CArchive::Abort() noexcept {
 
 void CArchive::Flush() {
     if (m_start == nullptr) return;
-    const UINT written = static_cast<UINT>(m_cur - m_start);
-    const LONGLONG unread = m_max - m_cur;
+    const UINT written = IsStoring() ? static_cast<UINT>(m_out - m_start) : 0;
+    const LONGLONG unread = m_inEnd - m_in;
     BYTE* const start = m_start;
     closeWindow();
     if (IsLoading()) {
@@ -67,12 +67,12 @@ void CArchive::openWindow(size_t count) {
         void* start = nullptr;
         void* max = nullptr;
         m_file->GetBufferPtr(CFile::bufferWrite, static_cast<UINT>(count), &start, &max);
-        m_start = m_cur = static_cast<BYTE*>(start);
-        m_max = static_cast<BYTE*>(max);
+        m_start = m_out = static_cast<BYTE*>(start);
+        m_outEnd = static_cast<BYTE*>(max);
     } else {
         useOwnBuffer();
-        m_start = m_cur = m_buffer;
-        m_max = m_buffer + m_bufferSize;
+        m_start = m_out = m_buffer;
+        m_outEnd = m_buffer + m_bufferSize;
     }
 }
 
@@ -87,16 +87,17 @@ void CArchive::useOwnBuffer() {
 }
 
 void CArchive::makeRoom(size_t count) {
+    if (IsLoading()) throwWrongDirection();
     Flush();
     openWindow(count);
-    if (static_cast<size_t>(m_max - m_cur) < count) AfxThrowMemoryException();
+    if (roomLeft() < count) AfxThrowMemoryException();
 }
 
 void CArchive::Write(const void* buffer, int count) {
     if (IsLoading()) throwWrongDirection();
     if (count <= 0) return;
     const size_t bytes = static_cast<size_t>(count);
-    if (static_cast<size_t>(m_max - m_cur) < bytes) {
+    if (roomLeft() < bytes) {
         if (!m_direct && bytes > std::max(m_bufferSize, kSmallestBuffer)) {
             Flush();
             m_file->Write(buffer, static_cast<UINT>(count));
@@ -104,8 +105,8 @@ void CArchive::Write(const void* buffer, int count) {
         }
         makeRoom(bytes);
     }
-    std::memcpy(m_cur, buffer, bytes);
-    m_cur += bytes;
+    std::memcpy(m_out, buffer, bytes);
+    m_out += bytes;
 }
 
 bool CArchive::tryFetch(size_t count) {
@@ -115,26 +116,27 @@ bool CArchive::tryFetch(size_t count) {
         void* start = nullptr;
         void* max = nullptr;
         m_file->GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &max);
-        m_start = m_cur = static_cast<BYTE*>(start);
-        m_max = static_cast<BYTE*>(max);
-        return static_cast<size_t>(m_max - m_cur) >= count;
+        m_start = m_in = static_cast<BYTE*>(start);
+        m_inEnd = static_cast<BYTE*>(max);
+        return unreadBytes() >= count;
     }
     useOwnBuffer();
-    const size_t held = static_cast<size_t>(m_max - m_cur);
-    if (held > 0) std::memmove(m_buffer, m_cur, held);
-    m_start = m_cur = m_buffer;
+    const size_t held = unreadBytes();
+    if (held > 0) std::memmove(m_buffer, m_in, held);
+    m_start = m_in = m_buffer;
     // Kept up to date, so that nothing is lost when the file throws.
-    m_max = m_buffer + held;
-    while (static_cast<size_t>(m_max - m_cur) < count) {
-        const UINT room = static_cast<UINT>(m_buffer + m_bufferSize - m_max);
-        const UINT got = m_file->Read(m_max, room);
+    m_inEnd = m_buffer + held;
+    while (unreadBytes() < count) {
+        const UINT room = static_cast<UINT>(m_buffer + m_bufferSize - m_inEnd);
+        const UINT got = m_file->Read(m_inEnd, room);
         if (got == 0) return false;
-        m_max += got;
+        m_inEnd += got;
     }
     return true;
 }
 
 void CArchive::fetch(size_t count) {
+    if (IsStoring()) throwWrongDirection();
     if (!tryFetch(count)) AfxThrowArchiveException(CArchiveException::endOfFile, m_strFileName);
 }
 
@@ -142,10 +144,10 @@ UINT CArchive::Read(void* buffer, UINT count) {
     if (IsStoring()) throwWrongDirection();
     BYTE* target = static_cast<BYTE*>(buffer);
     UINT left = count;
-    while (left > 0 && (m_cur != m_max || tryFetch(1))) {
-        const UINT part = static_cast<UINT>(std::min<size_t>(left, m_max - m_cur));
-        std::memcpy(target, m_cur, part);
-        m_cur += part;
+    while (left > 0 && (m_in != m_inEnd || tryFetch(1))) {
+        const UINT part = static_cast<UINT>(std::min<size_t>(left, m_inEnd - m_in));
+        std::memcpy(target, m_in, part);
+        m_in += part;
         target += part;
         left -= part;
     }
@@ -161,14 +163,10 @@ void CArchive::EnsureRead(void* buffer, UINT count) {
 ULONGLONG CArchive::BytesLeft() const {
     const ULONGLONG length = m_file->GetLength();
     const ULONGLONG position = m_file->GetPosition();
-    return static_cast<ULONGLONG>(m_max - m_cur) + (length > position ? length - position : 0);
+    return static_cast<ULONGLONG>(m_inEnd - m_in) + (length > position ? length - position : 0);
 }
 
-void CArchive::WriteCount(size_t count) {
-    if (count < 0xFFFF) {
-        *this << static_cast<WORD>(count);
-        return;
-    }
+void CArchive::writeLongCount(size_t count) {
     if (count > 0xFFFFFFFE) AfxThrowInvalidArgException();
     *this << static_cast<WORD>(0xFFFF) << static_cast<DWORD>(count);
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <type_traits>
+#include <utility>
 
 class CObject;
 struct CRuntimeClass;
@@ -60,19 +61,19 @@ class NYBASE_API CArchive {
 
     template <class T>
     requires afxIsArchiveValue<T> CArchive& operator<<(T value) {
-        if (IsLoading()) throwWrongDirection();
-        if (static_cast<size_t>(m_max - m_cur) < sizeof value) makeRoom(sizeof value);
-        std::memcpy(m_cur, &value, sizeof value);
-        m_cur += sizeof value;
+        if (roomLeft() < sizeof value) [[unlikely]]
+            makeRoom(sizeof value);
+        std::memcpy(m_out, &value, sizeof value);
+        m_out += sizeof value;
         return *this;
     }
 
     template <class T>
     requires afxIsArchiveValue<T> CArchive& operator>>(T& value) {
-        if (IsStoring()) throwWrongDirection();
-        if (static_cast<size_t>(m_max - m_cur) < sizeof value) fetch(sizeof value);
-        std::memcpy(&value, m_cur, sizeof value);
-        m_cur += sizeof value;
+        if (unreadBytes() < sizeof value) [[unlikely]]
+            fetch(sizeof value);
+        std::memcpy(&value, m_in, sizeof value);
+        m_in += sizeof value;
         return *this;
     }
 
@@ -85,7 +86,13 @@ class NYBASE_API CArchive {
     }
 
     // A count: 2 bytes below FFFF, else FFFF and 4 bytes.
-    void WriteCount(size_t count);
+    void WriteCount(size_t count) {
+        if (count < 0xFFFF) {
+            *this << static_cast<WORD>(count);
+        } else {
+            writeLongCount(count);
+        }
+    }
     size_t ReadCount();
 
     // Bytes that can still be read. Loading archives only.
@@ -121,40 +128,55 @@ class NYBASE_API CArchive {
     CString m_strFileName;
 
   private:
-    class ObjectNumbers;
+    class WrittenNumbers;
+    class ReadNumbers;
 
+    friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
+    friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
+
+    // In the window, in bytes; 0 when it is closed or the archive goes the other way.
+    size_t roomLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
+    size_t unreadBytes() const { return static_cast<size_t>(m_inEnd - m_in); }
     [[noreturn]] void throwWrongDirection() const;
-    // Storing: makes at least `count` bytes of room at m_cur.
+    // Makes at least `count` bytes of room at m_out; throws readOnly when loading.
     void makeRoom(size_t count);
-    // Loading: makes at least `count` unread bytes lie at m_cur, or throws endOfFile.
+    // Makes at least `count` unread bytes lie at m_in, or throws endOfFile; writeOnly when storing.
     void fetch(size_t count);
     bool tryFetch(size_t count);
     void openWindow(size_t count);
     void useOwnBuffer();
-    void closeWindow() noexcept { m_start = m_cur = m_max = nullptr; }
+    void closeWindow() noexcept { m_start = m_in = m_inEnd = m_out = m_outEnd = nullptr; }
 
-    ObjectNumbers& numbers();
+    WrittenNumbers& written();
+    ReadNumbers& read();
     [[noreturn]] void throwBad(int cause) const;
+    void writeLongCount(size_t count);
     void writeTag(DWORD number, DWORD classFlag);
+    void writeAnyObject(const CObject* object);
     // The number of the class that comes next; 0, with the number in *objectTag, when an object
     // read earlier comes next.
     DWORD readClassNumber(DWORD* objectTag);
+    DWORD readRareTag(WORD shortTag, DWORD* objectTag);
     DWORD readNewClass();
-    DWORD addRead(CRuntimeClass* pClass, UINT schema, CObject* object);
+    DWORD addRead(CObject* object);
     CObject* readNewObject(const CRuntimeClass* pClass, UINT schema);
 
     CFile* m_file;
     const UINT m_mode;
     const bool m_direct;  // the file's own memory is the window
-    // The window: storing, [m_start, m_cur) is written and [m_cur, m_max) is room; loading, [m_cur,
-    // m_max) is unread.
+    // The window: storing, [m_start, m_out) is written and [m_out, m_outEnd) is room; loading,
+    // [m_in, m_inEnd) is unread. The other pair is null, so that a value that goes the wrong way
+    // finds no room, and one check serves for both.
     BYTE* m_start = nullptr;
-    BYTE* m_cur = nullptr;
-    BYTE* m_max = nullptr;
+    BYTE* m_in = nullptr;
+    BYTE* m_inEnd = nullptr;
+    BYTE* m_out = nullptr;
+    BYTE* m_outEnd = nullptr;
     size_t m_bufferSize;
     BYTE* m_buffer;
     std::unique_ptr<BYTE[]> m_ownBuffer;
-    std::unique_ptr<ObjectNumbers> m_numbers;
+    std::unique_ptr<WrittenNumbers> m_written;
+    std::unique_ptr<ReadNumbers> m_read;
     UINT m_objectSchema = static_cast<UINT>(-1);
     int m_depth = 0;
 };

@@ -12,9 +12,16 @@ bool acceptsSchema(const CRuntimeClass* pClass, UINT stored) {
 
 }  // namespace
 
-CArchive::ObjectNumbers& CArchive::numbers() {
-    if (m_numbers == nullptr) m_numbers = std::make_unique<ObjectNumbers>();
-    return *m_numbers;
+inline CArchive::WrittenNumbers& CArchive::written() {
+    if (m_written == nullptr) [[unlikely]]
+        m_written = std::make_unique<WrittenNumbers>();
+    return *m_written;
+}
+
+inline CArchive::ReadNumbers& CArchive::read() {
+    if (m_read == nullptr) [[unlikely]]
+        m_read = std::make_unique<ReadNumbers>();
+    return *m_read;
 }
 
 void CArchive::throwBad(int cause) const {
@@ -32,7 +39,7 @@ void CArchive::writeTag(DWORD number, DWORD classFlag) {
 void CArchive::WriteClass(const CRuntimeClass* pClass) {
     if (IsLoading()) throwWrongDirection();
     if (!pClass->IsSerializable()) AfxThrowNotSupportedException();
-    if (const DWORD number = numbers().numberOf(pClass); number != 0) {
+    if (const DWORD number = written().numberOfClass(pClass); number != 0) {
         writeTag(number, kBigClassFlag);
         return;
     }
@@ -40,31 +47,53 @@ void CArchive::WriteClass(const CRuntimeClass* pClass) {
     if (nameLength > kLongestClassName) AfxThrowNotSupportedException();
     *this << kNewClassTag << static_cast<WORD>(pClass->m_wSchema) << static_cast<WORD>(nameLength);
     Write(pClass->m_lpszClassName, static_cast<int>(nameLength));
-    if (!numbers().addWritten(pClass)) throwBad(CArchiveException::badIndex);
+    if (!written().addClass(pClass)) throwBad(CArchiveException::badIndex);
 }
 
 void CArchive::WriteObject(const CObject* object) {
+    // A loading archive has written nothing.
+    if (object != nullptr && m_written != nullptr && roomLeft() >= sizeof(WORD)) [[likely]] {
+        if (const WORD tag = m_written->addUsual(object); tag != 0) [[likely]] {
+            std::memcpy(m_out, &tag, sizeof tag);
+            m_out += sizeof tag;
+            // Serialize is one function for both directions; a storing one does not change its
+            // object.
+            const_cast<CObject*>(object)->Serialize(*this);
+            return;
+        }
+    }
+    writeAnyObject(object);
+}
+
+void CArchive::writeAnyObject(const CObject* object) {
     if (IsLoading()) throwWrongDirection();
     if (object == nullptr) {
         *this << kNullTag;
         return;
     }
-    if (const DWORD number = numbers().numberOf(object); number != 0) {
+    if (const DWORD number = written().numberOfObject(object); number != 0) {
         writeTag(number, 0);
         return;
     }
-    WriteClass(object->GetRuntimeClass());
-    if (!numbers().addWritten(object)) throwBad(CArchiveException::badIndex);
-    // Serialize is one function for both directions; a storing one does not change its object.
+    if (const WORD tag = written().tagOf(typeid(*object)); tag != 0) {
+        *this << tag;
+    } else {
+        const CRuntimeClass* const pClass = object->GetRuntimeClass();
+        WriteClass(pClass);
+        written().rememberTag(typeid(*object), pClass);
+    }
+    if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
     const_cast<CObject*>(object)->Serialize(*this);
 }
 
 void CArchive::MapObject(const CObject* object) {
     if (IsLoading()) {
-        addRead(nullptr, 0, const_cast<CObject*>(object));
-    } else if (!numbers().addWritten(object)) {
-        throwBad(CArchiveException::badIndex);
+        addRead(const_cast<CObject*>(object));
+        return;
     }
+    // Asking also notes the object as written.
+    if (object != nullptr) static_cast<void>(written().numberOfObject(object));
+    if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
 }
 
 CRuntimeClass* CArchive::ReadClass(const CRuntimeClass* wanted, UINT* schema, DWORD* objectTag) {
@@ -73,30 +102,34 @@ CRuntimeClass* CArchive::ReadClass(const CRuntimeClass* wanted, UINT* schema, DW
 
     const DWORD number = readClassNumber(objectTag);
     if (number == 0) return nullptr;
-    const ObjectNumbers::Read& read = *numbers().find(number);
-    if (wanted != nullptr && !read.pClass->IsDerivedFrom(wanted)) {
+    const ReadNumbers::Class* const known = read().findClass(number);
+    if (known == nullptr) throwBad(CArchiveException::badIndex);
+    if (wanted != nullptr && !known->pClass->IsDerivedFrom(wanted)) {
         throwBad(CArchiveException::badClass);
     }
-    if (schema != nullptr) *schema = read.schema;
-    return read.pClass;
+    if (schema != nullptr) *schema = known->schema;
+    return known->pClass;
 }
 
-DWORD CArchive::readClassNumber(DWORD* objectTag) {
+inline DWORD CArchive::readClassNumber(DWORD* objectTag) {
     WORD shortTag;
     *this >> shortTag;
-    if (shortTag == kNewClassTag) return readNewClass();
+    if (shortTag > kClassFlag && shortTag != kNewClassTag) [[likely]]
+        return static_cast<DWORD>(shortTag ^ kClassFlag);
+    return shortTag == kNewClassTag ? readNewClass() : readRareTag(shortTag, objectTag);
+}
 
-    DWORD tag = (shortTag & kClassFlag) != 0 ? kBigClassFlag | (shortTag ^ kClassFlag) : shortTag;
+DWORD CArchive::readRareTag(WORD shortTag, DWORD* objectTag) {
+    DWORD tag = shortTag == kClassFlag ? kBigClassFlag : shortTag;
     if (shortTag == kBigTag) *this >> tag;
     if ((tag & kBigClassFlag) == 0) {
         if (objectTag == nullptr) throwBad(CArchiveException::badIndex);
         *objectTag = tag;
         return 0;
     }
-    const DWORD number = tag ^ kBigClassFlag;
-    const ObjectNumbers::Read* known = numbers().find(number);
-    if (known == nullptr || known->pClass == nullptr) throwBad(CArchiveException::badIndex);
-    return number;
+    // The number of no class is told apart from that of an object read earlier.
+    if (tag == kBigClassFlag) throwBad(CArchiveException::badIndex);
+    return tag ^ kBigClassFlag;
 }
 
 DWORD CArchive::readNewClass() {
@@ -113,11 +146,13 @@ DWORD CArchive::readNewClass() {
         throwBad(CArchiveException::badClass);
     }
     if (!acceptsSchema(pClass, schema)) throwBad(CArchiveException::badSchema);
-    return addRead(pClass, schema, nullptr);
+    const DWORD number = read().addClass({pClass, schema});
+    if (number == 0) throwBad(CArchiveException::badIndex);
+    return number;
 }
 
-DWORD CArchive::addRead(CRuntimeClass* pClass, UINT schema, CObject* object) {
-    const DWORD number = numbers().addRead({pClass, schema, object});
+inline DWORD CArchive::addRead(CObject* object) {
+    const DWORD number = read().addObject(object);
     if (number == 0) throwBad(CArchiveException::badIndex);
     return number;
 }
@@ -129,26 +164,24 @@ CObject* CArchive::ReadObject(const CRuntimeClass* wanted) {
     if (pClass != nullptr) return readNewObject(pClass, schema);
     if (tag == kNullTag) return nullptr;
 
-    const ObjectNumbers::Read* known = numbers().find(tag);
-    if (known == nullptr || known->object == nullptr) throwBad(CArchiveException::badIndex);
-    if (wanted != nullptr && !known->object->IsKindOf(wanted)) {
-        throwBad(CArchiveException::badClass);
-    }
-    return known->object;
+    CObject* const known = read().findObject(tag);
+    if (known == nullptr) throwBad(CArchiveException::badIndex);
+    if (wanted != nullptr && !known->IsKindOf(wanted)) throwBad(CArchiveException::badClass);
+    return known;
 }
 
 CObject* CArchive::readNewObject(const CRuntimeClass* pClass, UINT schema) {
     if (m_depth == kDeepestNesting) throwBad(CArchiveException::badIndex);
     std::unique_ptr<CObject> object(pClass->CreateObject());
     if (object == nullptr) AfxThrowMemoryException();
-    const DWORD number = addRead(nullptr, 0, object.get());
+    const DWORD number = addRead(object.get());
 
     const UINT callersSchema = std::exchange(m_objectSchema, schema);
     ++m_depth;
     try {
         object->Serialize(*this);
     } catch (...) {
-        numbers().forgetFrom(number);
+        read().forgetFrom(number);
         --m_depth;
         m_objectSchema = callersSchema;
         throw;

@@ -4,8 +4,12 @@
 
 #include "CArchive.h"
 
+#include <algorithm>
+#include <typeinfo>
 #include <unordered_map>
 #include <vector>
+
+#include "AfxAddressSet.h"
 
 // Classes and objects share one sequence of numbers from 1; 0 stands for null. These limits are
 // part of the encoding: do not change them.
@@ -20,47 +24,146 @@ inline constexpr WORD kLongestClassName = 63;
 // Nested deeper than any honest archive; keeps a hostile one from using up the stack.
 inline constexpr int kDeepestNesting = 100;
 
-class CArchive::ObjectNumbers {
+// The numbers of what a storing archive has written. Nearly every object is written once, so that
+// the usual question is answered by a set of addresses; what was written is only listed, and
+// indexed when something is met again.
+class CArchive::WrittenNumbers {
   public:
-    // The number of a class or an object written earlier; 0 when there is none.
-    DWORD numberOf(const void* written) const {
-        const auto found = m_written.find(written);
-        return found != m_written.end() ? found->second : 0;
+    // Numbers an object that is new, of a remembered type and near to those written lately: nearly
+    // every object. Returns the tag of its class; 0, with nothing changed, for any other.
+    WORD addUsual(const CObject* object) {
+        AfxAddressSet::Place place;
+        if (m_next == m_end || !m_seen.findRecent(object, place) || place.isSet()) return 0;
+        const WORD tag = tagOf(typeid(*object));
+        if (tag == 0) return 0;
+        place.set();
+        *m_next++ = object;
+        return tag;
     }
 
-    // False when all numbers are used up.
-    bool addWritten(const void* written) {
-        if (m_next > kLastNumber) return false;
-        if (written != nullptr) m_written.emplace(written, m_next);
-        ++m_next;
+    // The tag of the class of the objects of a type, where it is remembered; else 0. Objects of one
+    // type are of one class, which saves asking each.
+    WORD tagOf(const std::type_info& type) const {
+        const Type& known = m_types[slotOf(type)];
+        return known.type == &type ? known.tag : 0;
+    }
+
+    // The number of an object written earlier; 0 for a new one, which counts as written from here
+    // on.
+    DWORD numberOfObject(const CObject* object) {
+        if (isAligned(object)) {
+            const AfxAddressSet::Place place = m_seen.find(object);
+            if (!place.isSet()) {
+                place.set();
+                return 0;
+            }
+        }
+        return numberInIndex(object);
+    }
+
+    // Remembers the tag of that type's class, which was written earlier.
+    void rememberTag(const std::type_info& type, const CRuntimeClass* pClass) {
+        const DWORD number = numberOfClass(pClass);
+        if (number < kBigTag)
+            m_types[slotOf(type)] = {&type, static_cast<WORD>(kClassFlag | number)};
+    }
+
+    // The number of a class written earlier; 0 for a new one.
+    DWORD numberOfClass(const CRuntimeClass* pClass) { return numberInIndex(pClass); }
+
+    // Gives the next number to an object; false when all are used up.
+    bool addObject(const CObject* object) { return object != nullptr ? add(object) : skipNumber(); }
+
+    bool addClass(const CRuntimeClass* pClass) { return add(pClass); }
+
+  private:
+    static constexpr size_t kTypes = 16;
+
+    struct Type {
+        const std::type_info* type = nullptr;
+        WORD tag = 0;
+    };
+    // What has consecutive numbers.
+    struct Run {
+        DWORD firstNumber;
+        std::unique_ptr<const void*[]> written;
+        const void** end;  // kept up to date by closeRun
+    };
+
+    static bool isAligned(const void* pointer) {
+        return reinterpret_cast<uintptr_t>(pointer) % AfxAddressSet::kAlignment == 0;
+    }
+    static size_t slotOf(const std::type_info& type) {
+        return reinterpret_cast<uintptr_t>(&type) / sizeof(std::type_info) % kTypes;
+    }
+    bool add(const void* written) {
+        if (m_next == m_end && !addRun()) return false;
+        *m_next++ = written;
         return true;
     }
+    DWORD nextNumber() const;
+    bool skipNumber();
+    bool addRun();
+    void closeRun();
+    DWORD numberInIndex(const void* written);
 
-    struct Read {
-        CRuntimeClass* pClass;  // null for an object
-        UINT schema;            // of the class, as stored
-        CObject* object;        // null for a class, and for an object that could not be read
+    AfxAddressSet m_seen;
+    std::array<Type, kTypes> m_types;
+    std::vector<Run> m_runs;
+    const void** m_next = nullptr;  // in the last run
+    const void** m_end = nullptr;
+    DWORD m_skipped = 0;  // numbers behind the last run that stand for null
+    std::unordered_map<const void*, DWORD> m_index;
+    size_t m_indexedRuns = 0;       // the runs that are in the index
+    ptrdiff_t m_indexedOfNext = 0;  // how much of the run behind them is
+};
+
+// The classes and objects that a loading archive has read.
+class CArchive::ReadNumbers {
+  public:
+    struct Class {
+        CRuntimeClass* pClass = nullptr;
+        UINT schema = 0;  // as stored
     };
 
     // The number given; 0 when all are used up.
-    DWORD addRead(const Read& read) {
-        if (m_next > kLastNumber) return 0;
-        m_read.push_back(read);
-        return m_next++;
+    DWORD addObject(CObject* object) { return add(reinterpret_cast<uintptr_t>(object)); }
+    DWORD addClass(const Class& added) {
+        m_classes.push_back(added);
+        return add(m_classes.size() << 1 | kIsClass);
     }
 
-    // What bears that number; null when nothing does.
-    Read* find(DWORD number) {
-        return number >= 1 && number <= m_read.size() ? &m_read[number - 1] : nullptr;
+    // What bears that number: null when it is no class.
+    const Class* findClass(DWORD number) const {
+        const uintptr_t entry = find(number);
+        return (entry & kIsClass) != 0 ? &m_classes[(entry >> 1) - 1] : nullptr;
+    }
+    // Null when it is no object, or one that could not be read.
+    CObject* findObject(DWORD number) const {
+        const uintptr_t entry = find(number);
+        return (entry & kIsClass) != 0 ? nullptr : reinterpret_cast<CObject*>(entry);
     }
 
     // The objects from that number on are gone: a read has failed half-way.
     void forgetFrom(DWORD number) {
-        for (; number <= m_read.size(); ++number) m_read[number - 1].object = nullptr;
+        for (; number <= m_entries.size(); ++number) {
+            if ((m_entries[number - 1] & kIsClass) == 0) m_entries[number - 1] = 0;
+        }
     }
 
   private:
-    std::unordered_map<const void*, DWORD> m_written;
-    std::vector<Read> m_read;
-    DWORD m_next = 1;
+    static constexpr uintptr_t kIsClass = 1;
+
+    uintptr_t find(DWORD number) const {
+        return number >= 1 && number <= m_entries.size() ? m_entries[number - 1] : 0;
+    }
+    DWORD add(uintptr_t entry) {
+        if (m_entries.size() >= kLastNumber) return 0;
+        m_entries.push_back(entry);
+        return static_cast<DWORD>(m_entries.size());
+    }
+
+    // The address of an object, or the position of a class in m_classes, from 1, with a flag.
+    std::vector<uintptr_t> m_entries;
+    std::vector<Class> m_classes;
 };

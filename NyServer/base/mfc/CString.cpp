@@ -42,17 +42,17 @@ int CString::CompareNoCase(LPCWSTR other) const {
 
 int CString::Find(LPCWSTR text, int start) const {
     const size_t index = m_text.find(text, clampCount(start));
-    return index == std::basic_string<WCHAR>::npos ? -1 : static_cast<int>(index);
+    return index == AfxText::npos ? -1 : static_cast<int>(index);
 }
 
 int CString::Find(WCHAR character, int start) const {
     const size_t index = m_text.find(character, clampCount(start));
-    return index == std::basic_string<WCHAR>::npos ? -1 : static_cast<int>(index);
+    return index == AfxText::npos ? -1 : static_cast<int>(index);
 }
 
 int CString::ReverseFind(WCHAR character) const {
     const size_t index = m_text.rfind(character);
-    return index == std::basic_string<WCHAR>::npos ? -1 : static_cast<int>(index);
+    return index == AfxText::npos ? -1 : static_cast<int>(index);
 }
 
 CString CString::Left(int count) const {

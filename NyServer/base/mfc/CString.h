@@ -2,8 +2,7 @@
 #pragma once
 
 #include "afxplatform.h"
-
-#include <string>
+#include "AfxText.h"
 
 // A value: copies are independent of each other. One object may be used by one thread at a time.
 // Lengths and indices count UTF-16 code units; a string may hold zero characters inside.
@@ -91,7 +90,7 @@ class NYBASE_API CString {
     static LPCWSTR emptyText() { return _T(""); }
     static size_t clampCount(int count) { return count > 0 ? static_cast<size_t>(count) : 0; }
 
-    std::basic_string<WCHAR> m_text;
+    AfxText m_text;
 };
 
 NYBASE_API CString operator+(const CString& left, const CString& right);

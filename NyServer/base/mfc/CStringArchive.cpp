@@ -1,16 +1,26 @@
 #include "afx.h"
+#include "AfxCopy.h"
 
 namespace {
 
 constexpr BYTE kWidePrefix = 0xFF;
 constexpr WORD kWideMark = 0xFFFE;
+constexpr size_t kLongForm = 0xFF;  // characters from which on the length takes more than a byte
 constexpr size_t kLongestString = 0x7FFFFFFF;
+// The mark as the first three of four bytes, of which the last is the length.
+constexpr DWORD kShortWide = DWORD{kWidePrefix} | DWORD{kWideMark} << 8;
+
+bool isShortWide(const BYTE* prefix) {
+    DWORD start;
+    std::memcpy(&start, prefix, sizeof start);
+    return (start & 0xFFFFFF) == kShortWide && prefix[3] < kLongForm;
+}
 
 }  // namespace
 
 void AfxWriteStringLength(CArchive& ar, UINT_PTR length, BOOL unicode) {
     if (unicode) ar << kWidePrefix << kWideMark;
-    if (length < 0xFF) {
+    if (length < kLongForm) {
         ar << static_cast<BYTE>(length);
     } else if (length < 0xFFFE) {
         ar << static_cast<BYTE>(0xFF) << static_cast<WORD>(length);
@@ -46,12 +56,31 @@ UINT_PTR AfxReadStringLength(CArchive& ar, int& charSize) {
 
 CArchive& operator<<(CArchive& ar, const CString& text) {
     const size_t length = static_cast<size_t>(text.GetLength());
+    const size_t bytes = length * sizeof(WCHAR);
+    if (length < kLongForm && ar.roomLeft() >= sizeof(DWORD) + bytes) {
+        // The usual string is one run: the mark, the length and the characters.
+        const DWORD prefix = kShortWide | static_cast<DWORD>(length) << 24;
+        std::memcpy(ar.m_out, &prefix, sizeof prefix);
+        afxCopyShort(ar.m_out + sizeof prefix, text.GetString(), bytes);
+        ar.m_out += sizeof prefix + bytes;
+        return ar;
+    }
     AfxWriteStringLength(ar, length, TRUE);
-    ar.Write(text.GetString(), static_cast<int>(length * sizeof(WCHAR)));
+    ar.Write(text.GetString(), static_cast<int>(bytes));
     return ar;
 }
 
 CArchive& operator>>(CArchive& ar, CString& text) {
+    if (ar.unreadBytes() >= sizeof(DWORD) && isShortWide(ar.m_in)) {
+        const BYTE length = ar.m_in[sizeof(DWORD) - 1];
+        const size_t run = sizeof(DWORD) + length * sizeof(WCHAR);
+        if (ar.unreadBytes() >= run) {
+            afxCopyShort(text.GetBufferSetLength(length), ar.m_in + sizeof(DWORD),
+                         length * sizeof(WCHAR));
+            ar.m_in += run;
+            return ar;
+        }
+    }
     int charSize = 0;
     const size_t length = AfxReadStringLength(ar, charSize);
     // Checked before memory is asked for: a short archive may announce any length.

@@ -2,6 +2,7 @@
 // CStringArray.
 #pragma once
 
+#include "AfxSmallBlocks.h"
 #include "CArchive.h"
 
 #include <utility>
@@ -22,7 +23,7 @@ class AfxArray : public CObject {
         require(size >= 0);
         m_elements.resize(static_cast<size_t>(size));
     }
-    void RemoveAll() { std::vector<TYPE>().swap(m_elements); }
+    void RemoveAll() { Elements().swap(m_elements); }
 
     const TYPE& GetAt(INT_PTR index) const { return m_elements[checked(index)]; }
     TYPE& ElementAt(INT_PTR index) { return m_elements[checked(index)]; }
@@ -35,6 +36,7 @@ class AfxArray : public CObject {
 
     // The index of the new last element.
     INT_PTR Add(ARG_TYPE element) {
+        if (m_elements.capacity() == 0) m_elements.reserve(kFewElements);
         m_elements.push_back(element);
         return GetUpperBound();
     }
@@ -58,6 +60,8 @@ class AfxArray : public CObject {
     }
 
   protected:
+    using Elements = std::vector<TYPE, AfxSmallAllocator<TYPE>>;
+
     AfxArray() = default;
 
     static void require(bool condition) {
@@ -70,19 +74,16 @@ class AfxArray : public CObject {
         return static_cast<size_t>(index);
     }
 
-    std::vector<TYPE> m_elements;
+    static constexpr size_t kFewElements = 4;  // most arrays hold no more and never grow
+
+    Elements m_elements;
 };
 
-// The archive form of an array whose elements have their own: a count, then each element in turn.
-// Loading replaces the contents and grows with the elements that are there, whatever the count
-// says.
+// Reads the archive form of an array whose elements have their own: a count, then each element in
+// turn. The contents are replaced, and the array grows with the elements that are there, whatever
+// the count says.
 template <class ARRAY, class TYPE>
-void afxSerializeElements(CArchive& ar, ARRAY& array, TYPE element) {
-    if (ar.IsStoring()) {
-        ar.WriteCount(static_cast<size_t>(array.GetSize()));
-        for (INT_PTR i = 0; i < array.GetSize(); ++i) ar << array.GetAt(i);
-        return;
-    }
+void afxLoadElements(CArchive& ar, ARRAY& array, TYPE element) {
     array.RemoveAll();
     for (size_t left = ar.ReadCount(); left > 0; --left) {
         ar >> element;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <afx.h>
+#include <AfxSmallBlocks.h>
 
 #include "QoSort.h"
 
@@ -10,6 +11,10 @@
 class NYBASE_API QoObject2 : public CObject {
     DECLARE_DYNAMIC(QoObject2)
   public:
+    // Records are many and small.
+    static void* operator new(size_t bytes) { return afxAllocateSmall(bytes); }
+    static void operator delete(void* object, size_t bytes) { afxFreeSmall(object, bytes); }
+
     // A text for people; the class name unless a class says more.
     virtual CString toString(short format) const;
 

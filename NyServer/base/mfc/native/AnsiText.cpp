@@ -1,8 +1,8 @@
 #include "../AnsiText.h"
 
 // There is no ANSI code page here; Latin-1 is the one that maps each byte to itself.
-std::basic_string<WCHAR> textFromAnsi(LPCSTR text, size_t byteCount) {
-    std::basic_string<WCHAR> wide;
+AfxText textFromAnsi(LPCSTR text, size_t byteCount) {
+    AfxText wide;
     wide.reserve(byteCount);
     for (size_t i = 0; i < byteCount; ++i) wide += static_cast<WCHAR>(static_cast<BYTE>(text[i]));
     return wide;

@@ -1,0 +1,155 @@
+#include "AfxSmallBlocks.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <mutex>
+#include <new>
+#include <thread>
+#include <utility>
+
+#include "AfxThreadBlocks.h"
+
+// The address sanitizer watches blocks only when each is allocated by itself.
+#if defined(__SANITIZE_ADDRESS__)
+#define AFX_BLOCKS_ARE_SHARED 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define AFX_BLOCKS_ARE_SHARED 0
+#endif
+#endif
+#ifndef AFX_BLOCKS_ARE_SHARED
+#define AFX_BLOCKS_ARE_SHARED 1
+#endif
+
+namespace {
+
+size_t sizeIndex(size_t bytes) {
+    return (bytes + kAfxBlockStep - 1) / kAfxBlockStep - 1;
+}
+size_t blocksInBatch(size_t index) {
+    return kAfxBatchBytes / ((index + 1) * kAfxBlockStep);
+}
+
+// Held for a few instructions, and usable before and after every constructor and destructor, which
+// a mutex is not on every platform.
+class BriefLock {
+  public:
+    void lock() {
+        while (m_isHeld.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() { m_isHeld.clear(std::memory_order_release); }
+
+  private:
+    std::atomic_flag m_isHeld;
+};
+
+// Batches of free blocks that no thread keeps. Any thread may use it at any time.
+class Store {
+  public:
+    void put(size_t index, AfxFreeBlock* batch) {
+        if (batch == nullptr) return;
+        const std::scoped_lock lock(m_lock);
+        batch->nextBatch = std::exchange(m_batches[index], batch);
+    }
+    AfxFreeBlock* take(size_t index) {
+        {
+            const std::scoped_lock lock(m_lock);
+            if (AfxFreeBlock* const batch = m_batches[index]) {
+                m_batches[index] = batch->nextBatch;
+                return batch;
+            }
+        }
+        return makeBatch(index);
+    }
+
+  private:
+    // Neighbours in the list are neighbours in memory.
+    static AfxFreeBlock* makeBatch(size_t index) {
+        const size_t size = (index + 1) * kAfxBlockStep;
+        char* const memory = static_cast<char*>(std::malloc(kAfxBatchBytes));
+        if (memory == nullptr) throw std::bad_alloc();
+        AfxFreeBlock* next = nullptr;
+        for (size_t i = blocksInBatch(index); i > 0; --i) {
+            next = new (memory + (i - 1) * size) AfxFreeBlock{next, nullptr};
+        }
+        return next;
+    }
+
+    BriefLock m_lock;
+    std::array<AfxFreeBlock*, kAfxBlockSizes> m_batches{};
+};
+
+// Never destroyed: blocks are freed until the process ends.
+constinit Store store;
+
+// The rare cases are functions of their own, so that the usual ones need no room on the stack.
+
+[[gnu::noinline]] void* allocateWithoutThread(size_t index) {
+    AfxFreeBlock* const batch = store.take(index);
+    store.put(index, batch->next);
+    return batch;
+}
+
+[[gnu::noinline]] void* allocateFromNextBatch(AfxThreadBlocks::List& list, size_t index) {
+    AfxFreeBlock* const batch =
+        list.spare != nullptr ? std::exchange(list.spare, nullptr) : store.take(index);
+    list.first = batch->next;
+    list.room = 1;
+    return batch;
+}
+
+[[gnu::noinline]] void releaseWithoutThread(void* memory, size_t index) {
+    store.put(index, new (memory) AfxFreeBlock{nullptr, nullptr});
+}
+
+[[gnu::noinline]] void releaseAfterWholeBatch(AfxThreadBlocks::List& list, void* memory,
+                                              size_t index) {
+    store.put(index, std::exchange(list.spare, list.first));
+    list.first = new (memory) AfxFreeBlock{nullptr, nullptr};
+    list.room = blocksInBatch(index) - 1;
+}
+
+void* allocate(size_t index) {
+    AfxThreadBlocks* const blocks = afxThreadBlocks();
+    if (blocks == nullptr) return allocateWithoutThread(index);
+    AfxThreadBlocks::List& list = blocks->lists[index];
+    AfxFreeBlock* const block = list.first;
+    if (block == nullptr) return allocateFromNextBatch(list, index);
+    list.first = block->next;
+    ++list.room;
+    return block;
+}
+
+void release(void* memory, size_t index) {
+    AfxThreadBlocks* const blocks = afxThreadBlocks();
+    if (blocks == nullptr) return releaseWithoutThread(memory, index);
+    AfxThreadBlocks::List& list = blocks->lists[index];
+    if (list.room == 0) return releaseAfterWholeBatch(list, memory, index);
+    list.first = new (memory) AfxFreeBlock{list.first, nullptr};
+    --list.room;
+}
+
+}  // namespace
+
+void afxReturnBlocks(AfxThreadBlocks& blocks) {
+    for (size_t index = 0; index < kAfxBlockSizes; ++index) {
+        AfxThreadBlocks::List& list = blocks.lists[index];
+        store.put(index, std::exchange(list.first, nullptr));
+        store.put(index, std::exchange(list.spare, nullptr));
+    }
+}
+
+void* afxAllocateSmall(size_t bytes) {
+    if (!AFX_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kAfxLargestBlock) {
+        return ::operator new(bytes);
+    }
+    return allocate(sizeIndex(bytes));
+}
+
+void afxFreeSmall(void* block, size_t bytes) noexcept {
+    if (!AFX_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kAfxLargestBlock || block == nullptr) {
+        ::operator delete(block);
+        return;
+    }
+    release(block, sizeIndex(bytes));
+}

@@ -1,0 +1,50 @@
+#include "../AfxThreadBlocks.h"
+
+#include "NyServer/base/WindowsPrelude.h"
+
+#include <new>
+
+namespace {
+
+void returnBlocks(AfxThreadBlocks* blocks) {
+    if (blocks == nullptr) return;
+    afxReturnBlocks(*blocks);
+    delete blocks;
+}
+
+void CALLBACK atThreadEnd(void* blocks) {
+    returnBlocks(static_cast<AfxThreadBlocks*>(blocks));
+}
+
+// A slot of fiber local storage, which is the kind that says when a thread ends. When this module
+// is unloaded, giving the slot up returns the blocks of all threads.
+class Slot {
+  public:
+    Slot() : m_index(FlsAlloc(&atThreadEnd)) {}
+    ~Slot() {
+        const DWORD index = m_index;
+        m_index = FLS_OUT_OF_INDEXES;
+        if (index != FLS_OUT_OF_INDEXES) FlsFree(index);
+    }
+    Slot(const Slot&) = delete;
+    Slot& operator=(const Slot&) = delete;
+
+    AfxThreadBlocks* blocks() {
+        if (m_index == FLS_OUT_OF_INDEXES) return nullptr;
+        if (void* const known = FlsGetValue(m_index)) return static_cast<AfxThreadBlocks*>(known);
+        auto* const made = new (std::nothrow) AfxThreadBlocks{};
+        if (made != nullptr && FlsSetValue(m_index, made)) return made;
+        delete made;
+        return nullptr;
+    }
+
+  private:
+    DWORD m_index;
+};
+
+}  // namespace
+
+AfxThreadBlocks* afxThreadBlocks() {
+    static Slot slot;
+    return slot.blocks();
+}

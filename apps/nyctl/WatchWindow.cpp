@@ -1,0 +1,31 @@
+#include "apps/nyctl/WatchWindow.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerNotification.h"
+
+WatchWindow::WatchWindow(NyServerApp& listener, Show show)
+    : m_listener(listener), m_show(std::move(show)) {
+    if (!CreateEx(0, AfxRegisterWndClass(0), L"nyctl", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr))
+        throw std::runtime_error("the system makes no window");
+    m_listener.setAppWnd(this);
+}
+
+WatchWindow::~WatchWindow() {
+    m_listener.setAppWnd(nullptr);
+    const UINT posted = NySe::_TM_NYSERVERMESSAGE;
+    MSG message;
+    while (::PeekMessageW(&message, m_hWnd, posted, posted, PM_REMOVE))
+        const NyServerNotification dropped(message.wParam, message.lParam, &m_listener);
+}
+
+LRESULT WatchWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != NySe::_TM_NYSERVERMESSAGE) return CWnd::WindowProc(message, wParam, lParam);
+    NyServerNotification notification(wParam, lParam, &m_listener);
+    // Any program can post the message with nothing behind it.
+    if (notification.getActionType() != NySe::noAction)
+        m_show(notification.getActionType(), notification.getMemFile());
+    return 0;
+}

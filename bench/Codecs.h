@@ -1,0 +1,73 @@
+// The codecs that are compared, each with the same two operations:
+//   View encode(value)            one block of bytes, valid until the next call
+//   void decode(View)             makes a fresh value from them and destroys it
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include "bench/FloorCodec.h"
+#include "NyServer/framing/NySeMemFile.h"
+
+namespace bench {
+
+struct View {
+    const unsigned char* data = nullptr;
+    size_t size = 0;
+};
+
+template <class Value>
+class FloorCodec {
+  public:
+    explicit FloorCodec(size_t capacity) : m_buffer(capacity) {}
+
+    View encode(const Value& value) {
+        FloorWriter writer(m_buffer.data());
+        writer.record(value);
+        return {m_buffer.data(), static_cast<size_t>(writer.end() - m_buffer.data())};
+    }
+    static void decode(View view) {
+        Value value;
+        FloorReader reader(view.data, view.data + view.size);
+        reader.record(value);
+        benchmark::DoNotOptimize(&value);
+        benchmark::ClobberMemory();
+    }
+
+  private:
+    std::vector<unsigned char> m_buffer;
+};
+
+// A table as the central server answers with it: one object in a message file that is reused.
+template <class Value>
+class LibraryCodec {
+  public:
+    View encode(const Value& value) {
+        m_message.startWrite(NySe::schema2015);
+        m_message.writeObject(value);
+        m_message.stopWriting();
+        return whole(m_message);
+    }
+    static void decode(View view) {
+        CMemFile file(const_cast<BYTE*>(view.data), static_cast<UINT>(view.size));
+        file.Seek(NySe::kLengthBytes, CFile::begin);
+        CArchive archive(&file, CArchive::load);
+        const std::unique_ptr<CObject> value(archive.ReadObject(RUNTIME_CLASS(Value)));
+        benchmark::DoNotOptimize(value.get());
+        benchmark::ClobberMemory();
+    }
+
+    // The bytes of a finished message.
+    static View whole(NySeMemFile& message) {
+        void* start = nullptr;
+        void* end = nullptr;
+        const UINT size =
+            message.GetBufferPtr(CFile::bufferRead, static_cast<UINT>(-1), &start, &end);
+        message.SeekToBegin();
+        return {static_cast<const unsigned char*>(start), size};
+    }
+
+  private:
+    NySeMemFile m_message;
+};
+
+}  // namespace bench

@@ -1,0 +1,67 @@
+// How the cost of a record depends on the number of records: locks with 3 holders.
+//
+//   encode/library/N  decode/library/N  encode/floor/N  decode/floor/N
+//   N = 100, 1,000, ... 1,000,000 records
+//
+// Time divided by N is the cost of a record. What does not fit into the processor's caches any
+// more costs more on the floor too.
+#include "bench/Measure.h"
+
+namespace {
+
+using Locks = bench::Table<bench::Lock>;
+using FloorLocks = bench::FloorCodec<Locks>;
+using LibraryLocks = bench::LibraryCodec<NySeLockArray>;
+
+constexpr size_t kFloorBytesPerLock = 80;
+
+size_t recordsOf(const benchmark::State& state) {
+    return static_cast<size_t>(state.range(0));
+}
+
+size_t floorCapacity(const benchmark::State& state) {
+    return (recordsOf(state) + 1) * kFloorBytesPerLock;
+}
+
+void encodeFloor(benchmark::State& state) {
+    FloorLocks codec(floorCapacity(state));
+    bench::timeEncoding(state, codec, bench::plainLocks(recordsOf(state)), recordsOf(state));
+}
+
+void decodeFloor(benchmark::State& state) {
+    FloorLocks codec(floorCapacity(state));
+    const bench::View encoded = codec.encode(bench::plainLocks(recordsOf(state)));
+    bench::timeDecoding<FloorLocks>(state, encoded, recordsOf(state));
+}
+
+void encodeLibrary(benchmark::State& state) {
+    NySeLockArray table;
+    bench::fill(table, recordsOf(state));
+    LibraryLocks codec;
+    bench::timeEncoding(state, codec, table, recordsOf(state));
+}
+
+void decodeLibrary(benchmark::State& state) {
+    LibraryLocks codec;
+    bench::View encoded;
+    {
+        NySeLockArray table;
+        bench::fill(table, recordsOf(state));
+        encoded = codec.encode(table);
+    }
+    bench::timeDecoding<LibraryLocks>(state, encoded, recordsOf(state));
+}
+
+void addSizes(const char* name, void (*run)(benchmark::State&)) {
+    benchmark::RegisterBenchmark(name, run)->RangeMultiplier(10)->Range(100, 1'000'000);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    addSizes("encode/library", encodeLibrary);
+    addSizes("decode/library", decodeLibrary);
+    addSizes("encode/floor", encodeFloor);
+    addSizes("decode/floor", decodeFloor);
+    return bench::runBenchmarks(argc, argv);
+}

@@ -1,0 +1,393 @@
+// What nyctl's watch shows and how it ends. The test's server is real; another user acts.
+#include <regex>
+#include <thread>
+
+#include "apps/common/StopRequest.h"
+#include "apps/nyctl/Commands.h"
+#include "apps/nyctl/WatchWindow.h"
+#include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerApp.h"
+#include "tests/apps/CentralTest.h"
+
+namespace {
+
+// Ports at which nobody listens any more.
+std::vector<LONG> freePorts(size_t count) {
+    const std::vector<peers::RefusingPort> bound(count);
+    std::vector<LONG> ports;
+    for (const auto& one : bound) ports.push_back(static_cast<LONG>(one.port()));
+    return ports;
+}
+
+// Somebody else's listener, on all interfaces as a user's is.
+class TakenPort {
+  public:
+    TakenPort() { EXPECT_EQ(0, m_occupant.Start()); }
+    LONG port() const { return static_cast<LONG>(m_occupant.GetBoundPort()); }
+
+  private:
+    NyServerApp m_occupant;
+};
+
+// Bob watches, and Anna is `client`.
+class NyctlWatch : public CentralTest {
+  protected:
+    explicit NyctlWatch(const std::vector<LONG>& ports = freePorts(4))
+        : CentralTest(withPorts(ports)) {}
+
+    void SetUp() override {
+        CentralTest::SetUp();
+        m_options.server = "127.0.0.1:" + std::to_string(server.GetPort());
+        connect(client);
+        session.listener();  // so that the acting thread finds it
+    }
+
+    ExitStatus watch(const std::string& options) {
+        ExitStatus status = exitUsage;
+        CLI::App app("", "");
+        addCommands(app, session, m_output, status);
+        ::testing::internal::CaptureStdout();
+        ::testing::internal::CaptureStderr();
+        app.parse("watch " + options);
+        m_printed = ::testing::internal::GetCapturedStdout();
+        m_complaint = ::testing::internal::GetCapturedStderr();
+        return status;
+    }
+
+    // While `act` is done on another thread, as soon as Bob is registered and has his window.
+    template <class Act>
+    ExitStatus watchWhile(Act act, const std::string& options) {
+        std::thread actor([&] {
+            EXPECT_TRUE(eventually(
+                [this] { return isThere("Bob") && session.listener().getAppWnd() != nullptr; }));
+            act();
+        });
+        const ExitStatus status = watch(options);
+        actor.join();
+        return status;
+    }
+
+    bool isThere(const std::string& name) {
+        const std::vector<std::string> names = userNames(client);
+        return std::find(names.begin(), names.end(), name) != names.end();
+    }
+
+    NySeUser bob() {
+        NySeUserPtrArray users;
+        client.getAllUser(users);
+        const NySeUser* const found = users.findByUserName(_T("Bob"));
+        return found ? *found : NySeUser();
+    }
+
+    // Causes 50, 51, 52, 53, 54, 56, 57, 58 and 55, in this order. Bob has the connection 0 open.
+    void causeAll() {
+        client.lock("part/42", 0x19);
+        client.unLock("part/42");
+        client.openConnection("Server=c");
+        client.closeConnection(1);
+        NySeUser anna = named("Anna");
+        client.getPortClient(anna);
+        NySeMessage saved = message("saved");
+        client.sendConnectionData(0, 7, saved);
+        NySeUser receiver = bob();
+        client.sendUserData(receiver, saved);
+        client.sendAllUserData(saved);
+        client.disconnect();
+    }
+    ExitStatus watchAll() {
+        session.open();
+        session.client().openConnection("Server=a");
+        return watchWhile([this] { causeAll(); }, "--count 9 --timeout 60");
+    }
+    // Whatever is sent to all, in its bytes.
+    void sendAll(const std::string& object) { send(client, request(74, object)); }
+
+    std::vector<std::string> lines() const { return Output::split(m_printed); }
+    std::vector<nlohmann::json> objects() const {
+        std::vector<nlohmann::json> parsed;
+        for (const std::string& line : lines()) parsed.push_back(nlohmann::json::parse(line));
+        return parsed;
+    }
+
+    Options m_options{"", "Bob", false};
+    Session session{m_options};
+    const Output m_output{m_options};
+    std::string m_printed;
+    std::string m_complaint;
+};
+
+TEST_F(NyctlWatch, ShowsEveryNotificationInALine) {
+    EXPECT_EQ(exitYes, watchAll());
+    const char* const patterns[] = {
+        "50 a lock was granted  NySeLock: part/42, held by session 1 "
+        "\\(access1\\+exclude1\\+exclude2\\)",
+        "51 a lock was released  NySeLock: part/42, held by nobody",
+        "52 a connection was opened  NySeConnection: Server=c, id 1, opens 1",
+        "53 a connection was closed  NySeConnection: Server=c, id 1, opens 0",
+        "54 a user joined or registered again  NySeUser: Anna, session 1, port [0-9]+ on ",
+        "56 connection data  NySeMessage: saved",
+        "57 user data  NySeMessage: saved",
+        "58 data for all  NySeMessage: saved",
+        "55 a user left  NySeUser: Anna, session 1, port [0-9]+ on ",
+    };
+    ASSERT_EQ(std::size(patterns), lines().size()) << m_printed << m_complaint;
+    for (size_t i = 0; i < std::size(patterns); ++i) {
+        const std::regex whole(std::string("\\d\\d:\\d\\d:\\d\\d\\.\\d{3}  ") + patterns[i] +
+                               "  \\([1-9][0-9]* bytes\\)");
+        EXPECT_TRUE(std::regex_match(lines()[i], whole)) << lines()[i];
+    }
+}
+
+TEST_F(NyctlWatch, ShowsEveryNotificationAsAnObject) {
+    m_options.json = true;
+    EXPECT_EQ(exitYes, watchAll());
+    const std::vector<nlohmann::json> shown = objects();
+    ASSERT_EQ(9U, shown.size()) << m_printed << m_complaint;
+    const nlohmann::json saved = {{"message", "saved"}};
+    const nlohmann::json anna = {{"user", "Anna"},
+                                 {"session", 1},
+                                 {"host", ""},
+                                 {"computer", ""},
+                                 {"schema", 2015},
+                                 {"soft_type", 0},
+                                 {"port", shown[4]["object"]["port"]}};
+    const nlohmann::json holder = {
+        {"session", 1}, {"mode", "0x19"}, {"words", "access1+exclude1+exclude2"}};
+    const auto connection = [](int opens) {
+        return nlohmann::json{{"id", 1}, {"connection", "Server=c"}, {"opens", opens}};
+    };
+    const struct {
+        int action;
+        const char* words;
+        const char* type;
+        nlohmann::json object;
+    } expected[] = {
+        {50, "a lock was granted", "NySeLock", {{"lock", "part/42"}, {"holders", {holder}}}},
+        {51,
+         "a lock was released",
+         "NySeLock",
+         {{"lock", "part/42"}, {"holders", nlohmann::json::array()}}},
+        {52, "a connection was opened", "NySeConnection", connection(1)},
+        {53, "a connection was closed", "NySeConnection", connection(0)},
+        {54, "a user joined or registered again", "NySeUser", anna},
+        {56, "connection data", "NySeMessage", saved},
+        {57, "user data", "NySeMessage", saved},
+        {58, "data for all", "NySeMessage", saved},
+        {55, "a user left", "NySeUser", anna},
+    };
+    for (size_t i = 0; i < shown.size(); ++i) {
+        EXPECT_EQ(expected[i].action, shown[i]["action"]);
+        EXPECT_EQ(expected[i].words, shown[i]["words"]);
+        EXPECT_EQ(expected[i].type, shown[i]["class"]);
+        EXPECT_EQ(expected[i].object, shown[i]["object"]);
+        EXPECT_EQ(6U, shown[i].size());
+    }
+}
+
+TEST_F(NyctlWatch, TellsTheTimeAndTheSizeOfThePayload) {
+    m_options.json = true;
+    NySeMessage saved = message("saved");
+    watchWhile([&] { client.sendAllUserData(saved); }, "--count 1 --timeout 60");
+    ASSERT_EQ(1U, objects().size());
+    EXPECT_EQ(archived(saved).size(), objects()[0]["size"]);
+    const std::regex utc("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z");
+    EXPECT_TRUE(std::regex_match(objects()[0]["time"].get<std::string>(), utc)) << m_printed;
+}
+
+TEST_F(NyctlWatch, NamesEachHolderOfALock) {
+    NySeClientApp carl;
+    connect(carl);
+    watchWhile(
+        [&] {
+            client.lock("a", 0x02);
+            carl.lock("a", 0x05);
+        },
+        "--count 2 --timeout 60");
+    ASSERT_EQ(2U, lines().size());
+    EXPECT_NE(std::string::npos,
+              lines()[1].find("a, held by session 1 (access2), session 2 (access1)"))
+        << m_printed;
+}
+
+TEST_F(NyctlWatch, BearsPayloadsThatAreNoObject) {
+    const std::string message = archived(CentralTest::message("after"));
+    std::string unknown = message;
+    unknown.replace(unknown.find("NySeMessage"), 3, "Xyz");
+    const auto act = [&] {
+        for (const std::string& one :
+             {std::string("xyz"), unknown, message.substr(0, 20), std::string(2, '\0'), message})
+            sendAll(one);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 5 --timeout 60"));
+    ASSERT_EQ(5U, lines().size()) << m_printed;
+    EXPECT_NE(std::string::npos, lines()[0].find("58 data for all  no object  (3 bytes)"));
+    for (size_t i = 0; i < 4; ++i)
+        EXPECT_NE(std::string::npos, lines()[i].find("no object")) << lines()[i];
+    EXPECT_NE(std::string::npos, lines()[4].find("NySeMessage: after"));
+}
+
+TEST_F(NyctlWatch, ShowsNoObjectAsNull) {
+    m_options.json = true;
+    watchWhile([&] { sendAll("xyz"); }, "--count 1 --timeout 60");
+    ASSERT_EQ(1U, objects().size());
+    EXPECT_TRUE(objects()[0]["class"].is_null());
+    EXPECT_TRUE(objects()[0]["object"].is_null());
+    EXPECT_EQ(3, objects()[0]["size"]);
+}
+
+TEST_F(NyctlWatch, NamesTheClassOfObjectsItHasNoWordsFor) {
+    m_options.json = true;
+    NySeUserPtrArray users;
+    watchWhile([&] { client.sendAllUserData(users); }, "--count 1 --timeout 60");
+    ASSERT_EQ(1U, objects().size());
+    EXPECT_EQ("NySeUserPtrArray", objects()[0]["class"]);
+    EXPECT_TRUE(objects()[0]["object"].is_null());
+}
+
+TEST_F(NyctlWatch, TextsOfOthersDoNotSteerTheTerminal) {
+    NySeMessage hostile = message("a\x1b[2Jb\nc");
+    watchWhile([&] { client.sendAllUserData(hostile); }, "--count 1 --timeout 60");
+    EXPECT_EQ(1U, lines().size());
+    EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+}
+
+TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreComes) {
+    const auto act = [this] {
+        for (int i = 0; i < 20; ++i) client.lock("a", 0x01);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 2 --timeout 60"));
+    EXPECT_EQ(2U, lines().size());
+}
+
+TEST_F(NyctlWatch, TheTimeMayBeUpBeforeTheCount) {
+    const auto act = [this] { client.lock("a", 0x01); };
+    EXPECT_EQ(exitTimeOut, watchWhile(act, "--count 2 --timeout 1.5"));
+    EXPECT_EQ(1U, lines().size());
+}
+
+TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
+    const ULONGLONG begin = ::GetTickCount64();
+    EXPECT_EQ(exitYes, watch("--timeout 0.3"));
+    EXPECT_GE(::GetTickCount64() - begin, 280U);
+    EXPECT_EQ("", m_printed);
+    EXPECT_NE(std::string::npos, m_complaint.find("nyctl: watching at port "));
+}
+
+TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
+    for (const char* options : {"--count 0", "--count -1", "--timeout 0", "--timeout -1"}) {
+        EXPECT_THROW(watch(options), CLI::ParseError) << options;
+        ::testing::internal::GetCapturedStdout();
+        ::testing::internal::GetCapturedStderr();
+    }
+}
+
+TEST_F(NyctlWatch, AStopRequestEndsItWell) {
+    EXPECT_EQ(exitYes, watchWhile([] { StopRequest::make(); }, "--count 1 --timeout 60"));
+    EXPECT_EQ("", m_printed);
+}
+
+TEST_F(NyctlWatch, AnEarlierStopRequestIsForgotten) {
+    StopRequest::make();
+    EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.2"));
+}
+
+TEST_F(NyctlWatch, InTheShellItHasToEnd) {
+    m_options.isShell = true;
+    EXPECT_EQ(exitUsage, watch(""));
+    EXPECT_EQ(
+        "nyctl: watch without --count or --timeout would never come to the shell's next line\n",
+        m_complaint);
+    EXPECT_FALSE(isThere("Bob"));
+    EXPECT_EQ(exitYes, watch("--timeout 0.1"));
+    EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.1"));
+}
+
+// What comes in between is not shown, but the server goes on to find a listener.
+TEST_F(NyctlWatch, TheNextOneUsesTheSameListener) {
+    EXPECT_EQ(exitYes, watch("--timeout 0.1"));
+    const LONG port = bob().getPort();
+    client.lock("between", 0x01);
+    EXPECT_TRUE(eventually([this] { return session.listener().GetNumConnections() == 1; }));
+    ::Sleep(200);
+    EXPECT_EQ(exitYes, watchWhile([this] { client.lock("now", 0x01); }, "--count 1 --timeout 60"));
+    EXPECT_EQ(port, bob().getPort());
+    EXPECT_EQ(port, session.listener().getPortNumber());
+    ASSERT_EQ(1U, lines().size());
+    EXPECT_NE(std::string::npos, lines()[0].find("NySeLock: now"));
+    EXPECT_EQ(0, session.listener().getPostMsgCount());
+}
+
+TEST_F(NyctlWatch, AUserRegisteredEarlierGetsAnotherPort) {
+    ASSERT_TRUE(session.registerUser());
+    const LONG first = bob().getPort();
+    const auto act = [&] {
+        EXPECT_TRUE(eventually([&] { return bob().getPort() != first; }));
+        client.lock("a", 0x01);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 1 --timeout 60"));
+    EXPECT_NE(first, session.listener().getPortNumber());
+    EXPECT_EQ(session.user().getPort(), session.listener().getPortNumber());
+}
+
+TEST_F(NyctlWatch, AfterItTheUserIsGoneWithTheConnection) {
+    EXPECT_EQ(exitYes, watch("--timeout 0.1"));
+    EXPECT_TRUE(isThere("Bob"));
+    session.close();
+    EXPECT_TRUE(eventually([this] { return !isThere("Bob"); }));
+}
+
+// A port that this machine has not free, and one that it has.
+class NyctlWatchTakenPort : protected TakenPort, public NyctlWatch {
+  protected:
+    NyctlWatchTakenPort() : NyctlWatch({TakenPort::port(), freePorts(1)[0]}) {}
+};
+
+TEST_F(NyctlWatchTakenPort, IsPassedOver) {
+    EXPECT_EQ(exitYes, watchWhile([this] { client.lock("a", 0x01); }, "--count 1 --timeout 60"));
+    EXPECT_NE(TakenPort::port(), session.listener().getPortNumber());
+    EXPECT_EQ(1U, lines().size());
+}
+
+class NyctlWatchNoPort : protected TakenPort, public NyctlWatch {
+  protected:
+    NyctlWatchNoPort() : NyctlWatch({TakenPort::port()}) {}
+};
+
+TEST_F(NyctlWatchNoPort, IsRefused) {
+    EXPECT_EQ(exitNo, watch("--timeout 5"));
+    EXPECT_NE(std::string::npos,
+              m_complaint.find("nyctl: the server gives no port that is free here\n"))
+        << m_complaint;
+}
+
+// A listener of which nobody knows.
+struct NyctlWatchWindow : ::testing::Test {
+    void post() {
+        NySeMemFile message;
+        message.writeAction(NySe::actionNotification50, NySe::schema2015);
+        listener.postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, message);
+    }
+
+    NyServerApp listener;
+    int shown = 0;
+    std::unique_ptr<WatchWindow> window =
+        std::make_unique<WatchWindow>(listener, [this](NySe::ActionType, CMemFile&) { ++shown; });
+};
+
+TEST_F(NyctlWatchWindow, DropsWhatHasNotBeenDispatchedWhenItGoes) {
+    post();
+    post();
+    EXPECT_EQ(2, listener.getPostMsgCount());
+    window.reset();
+    EXPECT_EQ(0, listener.getPostMsgCount());
+    EXPECT_EQ(0, shown);
+    post();
+    EXPECT_EQ(0, listener.getPostMsgCount());
+}
+
+TEST_F(NyctlWatchWindow, PassesOverAMessageWithNothingBehindIt) {
+    ::SendMessageW(window->GetSafeHwnd(), NySe::_TM_NYSERVERMESSAGE, 100, 0);
+    EXPECT_EQ(0, shown);
+}
+
+}  // namespace

@@ -1,0 +1,150 @@
+// The numbers of classes and objects, against a plain model of them.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "tests/base/TestRecords.h"
+#include "tests/support/ArchiveBytes.h"
+
+namespace {
+
+// A type of its own that bears the class Fixed.
+template <int NUMBER>
+class Disguised : public Fixed {};
+
+using Objects = std::vector<std::unique_ptr<CObject>>;
+
+template <int... NUMBERS>
+void addDisguised(Objects& objects, std::integer_sequence<int, NUMBERS...>) {
+    (objects.push_back(std::make_unique<Disguised<NUMBERS>>()), ...);
+}
+
+// Writes tags as a reader expects them.
+class Model {
+  public:
+    void null() { word(0); }
+    void skip() { ++m_next; }
+    void write(CObject* object) {
+        if (const auto known = m_numbers.find(object); known != m_numbers.end()) {
+            tag(known->second, 0);
+            return;
+        }
+        writeClass(object->GetRuntimeClass());
+        m_numbers.emplace(object, m_next++);
+        body(object);
+    }
+    void map(CObject* object) { m_numbers.emplace(object, m_next++); }
+    void writeClass(CRuntimeClass* pClass) {
+        if (const auto known = m_numbers.find(pClass); known != m_numbers.end()) {
+            tag(known->second, 0x80000000);
+            return;
+        }
+        const std::string name = pClass->m_lpszClassName;
+        word(0xFFFF);
+        word(static_cast<WORD>(pClass->m_wSchema));
+        word(static_cast<WORD>(name.size()));
+        m_bytes.insert(m_bytes.end(), name.begin(), name.end());
+        m_numbers.emplace(pClass, m_next++);
+    }
+    const Bytes& bytes() const { return m_bytes; }
+
+  private:
+    void word(DWORD value) { little(value, 2); }
+    void little(DWORD value, int count) {
+        for (int i = 0; i < count; ++i) m_bytes.push_back(static_cast<BYTE>(value >> (8 * i)));
+    }
+    void tag(DWORD number, DWORD flag) {
+        if (number < 0x7FFF) return word(number | flag >> 16);
+        word(0x7FFF);
+        little(number | flag, 4);
+    }
+    void body(CObject* object) {
+        const Bytes fields = stored([&](CArchive& ar) { object->Serialize(ar); });
+        m_bytes.insert(m_bytes.end(), fields.begin(), fields.end());
+    }
+
+    std::map<const void*, DWORD> m_numbers;
+    DWORD m_next = 1;
+    Bytes m_bytes;
+};
+
+class ArchiveNumbering : public ::testing::Test {
+  protected:
+    ArchiveNumbering() { addDisguised(m_objects, std::make_integer_sequence<int, 64>()); }
+
+    void makeObjects(size_t count) {
+        for (size_t i = 0; i < count; ++i) {
+            m_objects.push_back(std::make_unique<Foo>(static_cast<int>(i)));
+            if (i % 3 == 0) m_objects.push_back(std::make_unique<SubFoo>());
+            if (i % 5 == 0) m_objects.push_back(std::make_unique<Fixed>());
+        }
+    }
+    CObject* anyObject() { return m_objects[m_random() % m_objects.size()].get(); }
+
+    // One operation on both: mostly an object, which may have been written before.
+    void step(CArchive& ar, Model& model) {
+        const unsigned int choice = m_random() % 100;
+        CObject* const object = anyObject();
+        if (choice == 0) {
+            ar << static_cast<CObject*>(nullptr);
+            model.null();
+        } else if (choice == 1) {
+            ar.MapObject(nullptr);
+            model.skip();
+        } else if (choice == 2) {
+            ar.MapObject(object);
+            model.map(object);
+        } else if (choice == 3) {
+            ar.WriteClass(object->GetRuntimeClass());
+            model.writeClass(object->GetRuntimeClass());
+        } else {
+            ar << object;
+            model.write(object);
+        }
+    }
+
+    void expectAsModelled(int steps) {
+        Model model;
+        const Bytes written = stored([&](CArchive& ar) {
+            for (int i = 0; i < steps; ++i) step(ar, model);
+        });
+        EXPECT_TRUE(written == model.bytes()) << steps << " steps, seed " << kSeed;
+    }
+
+    static constexpr unsigned int kSeed = 20261121;
+    std::mt19937 m_random{kSeed};
+    Objects m_objects;
+};
+
+TEST_F(ArchiveNumbering, OfTypesThatShareAClass) {
+    expectAsModelled(1000);
+}
+
+TEST_F(ArchiveNumbering, OfFewObjectsWrittenOverAndOver) {
+    makeObjects(20);
+    expectAsModelled(5000);
+}
+
+TEST_F(ArchiveNumbering, OfManyObjectsAllOverTheHeap) {
+    makeObjects(30'000);
+    expectAsModelled(60'000);
+}
+
+TEST_F(ArchiveNumbering, OfNeighboursInOneBlock) {
+    const std::unique_ptr<Fixed[]> block(new Fixed[3000]);
+    Model model;
+    const Bytes written = stored([&](CArchive& ar) {
+        for (int round = 0; round < 2; ++round) {
+            for (int i = 0; i < 3000; ++i) {
+                ar << &block[i];
+                model.write(&block[i]);
+            }
+        }
+    });
+    EXPECT_TRUE(written == model.bytes());
+}
+
+}  // namespace

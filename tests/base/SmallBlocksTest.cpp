@@ -1,0 +1,102 @@
+#include "AfxSmallBlocks.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr size_t kLargestTried = 600;
+
+// A block whose bytes are all its mark.
+struct Block {
+    void* memory;
+    size_t bytes;
+    unsigned char mark;
+};
+
+Block makeBlock(size_t bytes, unsigned char mark) {
+    void* const memory = afxAllocateSmall(bytes);
+    std::memset(memory, mark, bytes);
+    return {memory, bytes, mark};
+}
+
+bool isUntouched(const Block& block) {
+    const auto* first = static_cast<const unsigned char*>(block.memory);
+    return std::all_of(first, first + block.bytes,
+                       [&](unsigned char byte) { return byte == block.mark; });
+}
+
+std::vector<Block> makeBlocks(size_t ofEachSize) {
+    std::vector<Block> blocks;
+    for (size_t i = 0; i < ofEachSize; ++i) {
+        for (size_t bytes = 0; bytes < kLargestTried; ++bytes) {
+            blocks.push_back(makeBlock(bytes, static_cast<unsigned char>(blocks.size())));
+        }
+    }
+    return blocks;
+}
+
+void freeBlocks(const std::vector<Block>& blocks) {
+    for (const Block& block : blocks) {
+        EXPECT_TRUE(isUntouched(block)) << block.bytes << " bytes";
+        afxFreeSmall(block.memory, block.bytes);
+    }
+}
+
+TEST(SmallBlocks, AreApartAtEverySize) {
+    for (int round = 0; round < 3; ++round) freeBlocks(makeBlocks(20));
+}
+
+TEST(SmallBlocks, AreAlignedForAnyType) {
+    const std::vector<Block> blocks = makeBlocks(2);
+    for (const Block& block : blocks) {
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block.memory) % alignof(std::max_align_t), 0U);
+    }
+    freeBlocks(blocks);
+}
+
+TEST(SmallBlocks, NullMayBeFreed) {
+    afxFreeSmall(nullptr, 0);
+    afxFreeSmall(nullptr, 16);
+    afxFreeSmall(nullptr, kLargestTried);
+}
+
+TEST(SmallBlocks, MayBeFreedByAnotherThread) {
+    for (int round = 0; round < 3; ++round) {
+        const std::vector<Block> blocks = makeBlocks(10);
+        std::thread([&] { freeBlocks(blocks); }).join();
+    }
+}
+
+TEST(SmallBlocks, ThreadsDoNotDisturbEachOther) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int round = 0; round < 5; ++round) freeBlocks(makeBlocks(5));
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+}
+
+// Frees a block after the thread's own free blocks have been given back.
+struct FreesLate {
+    ~FreesLate() { afxFreeSmall(m_block, 32); }
+    void* m_block = nullptr;
+};
+
+TEST(SmallBlocks, MayBeFreedWhileTheThreadEnds) {
+    void* again = nullptr;
+    std::thread([&] {
+        static thread_local FreesLate late;  // made first, so that it goes last
+        late.m_block = nullptr;
+        late.m_block = afxAllocateSmall(32);
+        again = late.m_block;
+    }).join();
+    EXPECT_NE(again, nullptr);
+}
+
+}  // namespace
