@@ -66,7 +66,7 @@ expect 1 'user  session' openers 0
 expect 0 'id  connection  opens' connections
 expect 0 '' port
 expect_said 'port: [0-9]+'
-((${said#port: } > first_port && ${said#port: } < first_port + 20)) || fail "$said is none of the server's ports"
+((${said#port: } >= first_port && ${said#port: } < first_port + 20)) || fail "$said is none of the server's ports"
 expect 0 '' rename Anna
 expect_said ''
 expect 0 '' time
