@@ -3,6 +3,7 @@
 #include <new>
 
 #include "apps/central/CentralWorker.h"
+#include "apps/central/Reply.h"
 #include "NyServer/socket/SocketCodes.h"
 
 namespace {
@@ -13,17 +14,25 @@ constexpr int kListenQueue = 128;
 static_assert(TableLimits().notificationsOfLeaving() < PushLimits().queuedNotifications);
 static_assert(TableLimits().bytesOfLeaving() < PushLimits().queuedBytes);
 
+// Every table fits into one answer.
+static_assert(TableLimits().bytesOfLocks() < Reply::kLongestMessage);
+static_assert(TableLimits().bytesOfConnections() < Reply::kLongestMessage);
+static_assert(TableLimits().bytesOfUsers() < Reply::kLongestMessage);
+
 }  // namespace
 
 CentralServer::CentralServer(CentralSettings settings)
     : m_settings(std::move(settings)),
       m_pusher(m_settings.push, m_events, [this](LONG session) { m_lostSessions.add(session); }),
-      m_tables(m_settings.ports, m_pusher, m_settings.tables) {}
+      m_tables(m_settings.ports, m_pusher, m_settings.tables) {
+    SetMaxConnections(m_settings.maxSessions);
+}
 
-CentralServer::~CentralServer() {
+void CentralServer::stop() {
     SetShutDownFlag(1);
     StopAccept();
     while (!CloseDoorIfIdle()) ::Sleep(10);
+    m_pusher.stop();
 }
 
 int CentralServer::start(unsigned long address, unsigned short port) {

@@ -13,6 +13,8 @@
 struct CentralSettings {
     // The notification ports to hand out.
     std::vector<LONG> ports = portRange(42100, 42999);
+    // Connections beyond it are closed at once. 1 to kMostSessions.
+    int maxSessions = kMostSessions;
     TableLimits tables;
     PushLimits push;
     // A client that stops in the middle of a request is given up after this.
@@ -28,12 +30,15 @@ class CentralServer : public CUT_WSServer {
     static constexpr double kVersion = 1.0;
 
     explicit CentralServer(CentralSettings settings = {});
-    // Ends every session and waits for the workers and the senders.
-    ~CentralServer() override;
+    ~CentralServer() override { stop(); }
 
     // 0, or the result code of what failed. address: in network order; port 0: any free one, then
     // found in GetPort().
     int start(unsigned long address, unsigned short port);
+
+    // Ends every session and waits for the workers and the senders; the destructor does the same.
+    // It cannot be started again.
+    void stop();
 
     CentralTables& tables() { return m_tables; }
     EventLog& events() { return m_events; }

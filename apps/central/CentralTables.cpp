@@ -2,6 +2,7 @@
 #include "apps/central/CentralTables.h"
 
 #include "apps/central/Coherence.h"
+#include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
 CentralTables::CentralTables(const std::vector<LONG>& ports, Notifier& notifier,
@@ -20,10 +21,10 @@ void CentralTables::endSession(LONG session) {
     if (ended == nullptr) return;
     m_notifier.forget(session);
     releaseLocksOf(session);
-    for (const LONG id : m_openers.openedBy(session)) closeOnce(session, id);
+    closeAllOf(session);
     if (const NySeUser* user = m_users.findBySessionNumber(session)) {
-        announce(notifyUserLeft, *user, session);
-        removeUser(session);
+        announceIfPossible(notifyUserLeft, *user, session);
+        removeUser(user);
     }
     for (const LONG port : ended->ports) m_ports.giveBack(port);
     m_sessions.erase(session);
@@ -37,11 +38,8 @@ std::optional<NySeUser> CentralTables::registerUser(const NySeUser& user, LONG s
     NySeUser completed(user);
     completed.setSessionNumber(session);
     completed.setPort(known->ports.back());
-    // First what may fail: nobody is to hear of the leaving of a user who has not joined.
-    auto entered = std::make_unique<NySeUser>(completed);
     listenTo(session, *known);
-    removeUser(session);
-    m_users.add(entered.release());
+    enterUser(completed);
     announce(notifyUserJoined, completed, session);
     return completed;
 }
@@ -52,8 +50,7 @@ bool CentralTables::renameUser(LONG session, const CString& name) {
     if (user == nullptr || isTooLong(name)) return false;
     NySeUser renamed(*user);
     renamed.setStrUserName(name);
-    removeUser(session);
-    m_users.add(new NySeUser(renamed));
+    enterUser(renamed);
     return true;
 }
 
@@ -77,7 +74,8 @@ NySeUserPtrArray CentralTables::users() const {
 
 void CentralTables::sendToUser(LONG sender, LONG receiver, const std::string& object) {
     const std::lock_guard guard(m_lock);
-    if (receiver != sender) send(notifyUserData, object, {receiver});
+    if (receiver == sender || m_users.findBySessionNumber(receiver) == nullptr) return;
+    send(notifyUserData, object, {receiver});
 }
 
 void CentralTables::sendToAll(LONG sender, const std::string& object) {
@@ -99,6 +97,7 @@ CentralTables::Session* CentralTables::findSession(LONG number) {
 
 // 0 when there is none left.
 LONG CentralTables::takePort(Session& session) {
+    session.ports.reserve(session.ports.size() + 1);  // may throw, so that it comes first
     const LONG port = m_ports.take();
     if (port != 0) session.ports.push_back(port);
     return port;
@@ -121,11 +120,20 @@ void CentralTables::listenTo(LONG session, const Session& about) {
     m_notifier.listen(session, address);
 }
 
-void CentralTables::removeUser(LONG session) {
-    NySeUser probe;
-    probe.setSessionNumber(session);
-    const INT_PTR index = m_users.lookFor(&probe, 2);
-    if (index >= 0) m_users.RemoveAt(index);
+// In the place of the session's user, if it has one. What may throw comes first, so that a user who
+// cannot be entered takes nobody's place.
+void CentralTables::enterUser(const NySeUser& user) {
+    const NySeUser* const replaced = m_users.findBySessionNumber(user.getSessionNumber());
+    auto entered = std::make_unique<NySeUser>(user);
+    m_users.add(entered.get());
+    static_cast<void>(entered.release());
+    if (replaced != nullptr) removeUser(replaced);
+}
+
+void CentralTables::removeUser(const NySeUser* user) {
+    INT_PTR index = 0;
+    while (m_users[index] != user) ++index;
+    m_users.RemoveAt(index);
 }
 
 // The archived table of the sessions' users; sessions without a user are left out.
@@ -147,6 +155,10 @@ void CentralTables::announce(Notification number, const CObject& object, LONG ca
     if (!receivers.empty()) send(number, archived(object), receivers);
 }
 
+void CentralTables::announceIfPossible(Notification number, const CObject& object, LONG causer) {
+    NySe::succeeds([&] { announce(number, object, causer); });
+}
+
 std::vector<LONG> CentralTables::usersBut(LONG session) const {
     std::vector<LONG> others;
     for (INT_PTR i = 0; i < m_users.GetSize(); ++i) {
@@ -158,5 +170,5 @@ std::vector<LONG> CentralTables::usersBut(LONG session) const {
 
 void CentralTables::send(Notification number, const std::string& object,
                          const std::vector<LONG>& receivers) {
-    m_notifier.notify(receivers, makeNotification(number, object));
+    if (!receivers.empty()) m_notifier.notify(receivers, makeNotification(number, object));
 }

@@ -31,7 +31,8 @@ class CentralTables {
     // Enters a session whose client is at `address` (network order). Returns its number, which no
     // other session has had.
     LONG beginSession(unsigned long address);
-    // Lets go of all that the session holds: locks, connections, user and ports.
+    // Lets go of all that the session holds: locks, connections, user and ports, in this order. The
+    // others are told of each; for want of memory of fewer, and all is let go nevertheless.
     void endSession(LONG session);
 
     // Gives the user the session's number and a notification port and enters it. Returns the user
@@ -92,15 +93,19 @@ class CentralTables {
     bool isTooLong(const CString& text) const;
     bool hasTooLongText(const NySeUser& user) const;
     void listenTo(LONG session, const Session& about);
-    void removeUser(LONG session);
+    void enterUser(const NySeUser& user);
+    void removeUser(const NySeUser* user);
     bool mayBeGranted(const NySeLock* lock, LONG session) const;
     void releaseLock(INT_PTR index, LONG session);
     void releaseLocksOf(LONG session);
     void closeOnce(LONG session, LONG id);
+    void closeAllOf(LONG session);
     std::string archivedUsersOf(const std::set<LONG>& sessions) const;
 
     // To all users but that of `causer`.
     void announce(Notification number, const CObject& object, LONG causer);
+    // The same for what must go on when somebody cannot be told.
+    void announceIfPossible(Notification number, const CObject& object, LONG causer);
     std::vector<LONG> usersBut(LONG session) const;
     void send(Notification number, const std::string& object, const std::vector<LONG>& receivers);
 

@@ -35,6 +35,8 @@ bool CentralTables::lock(LONG session, const CString& name, unsigned int mode) {
 bool CentralTables::mayBeGranted(const NySeLock* lock, LONG session) const {
     const size_t own = lock == nullptr ? 0 : grantsOf(*lock, session);
     const size_t all = lock == nullptr ? 0 : static_cast<size_t>(lock->getHolders().GetSize());
+    if (lock == nullptr && static_cast<size_t>(m_locks.GetSize()) >= m_limits.locksInAll)
+        return false;
     if (own == 0 && m_sessions.at(session).locks >= m_limits.locksPerSession) return false;
     return own < m_limits.grantsPerSession && all < m_limits.grantsPerLock;
 }
@@ -78,7 +80,7 @@ void CentralTables::releaseLocksOf(LONG session) {
         NySeLock& lock = *m_locks[i];
         if (grantsOf(lock, session) == 0) continue;
         lock.removeUser(leaver);
-        announce(notifyLockReleased, lock, session);
+        announceIfPossible(notifyLockReleased, lock, session);
     }
     m_locks.deleteLockByUser(leaver);
 }

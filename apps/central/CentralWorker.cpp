@@ -33,9 +33,17 @@ void CentralWorker::OnConnect() {
     noticeDeadPeers();
     m_session = m_server.tables().beginSession(m_peerAddress.sin_addr.s_addr);
     NySe::succeeds([this] { serve(); });
-    m_server.tables().endSession(m_session);
+    NySe::succeeds([this] { m_server.tables().endSession(m_session); });
     m_server.lostSessions().forget(m_session);
-    m_server.events().add("session " + std::to_string(m_session) + " has ended");
+    NySe::succeeds([this] { m_server.events().add(name() + " has ended"); });
+}
+
+void CentralWorker::OnMaxConnect() {
+    m_server.events().add("a connection beyond the most sessions is closed");
+}
+
+std::string CentralWorker::name() const {
+    return "session " + std::to_string(m_session);
 }
 
 // A machine that goes without a word leaves a connection that looks idle. The system probes it, and
@@ -62,10 +70,9 @@ void CentralWorker::serve() {
             case FrameReader::Result::closed:
                 return;
             case FrameReader::Result::absurd:
-                m_server.events().warn("session " + std::to_string(m_session) + " announced " +
-                                       std::to_string(reader.announcedLength()) +
-                                       " bytes for action " + std::to_string(frame.action) +
-                                       ": closed");
+                m_server.events().warn(
+                    name() + " announced " + std::to_string(reader.announcedLength()) +
+                    " bytes for action " + std::to_string(frame.action) + ": closed");
                 return;
         }
     }

@@ -16,6 +16,8 @@ class CentralWorker : public CUT_WSThread {
     explicit CentralWorker(CentralServer& server) : m_server(server) {}
 
     void OnConnect() override;
+    // Closes the connection at once.
+    void OnMaxConnect() override;
 
     // The server shuts down, or the client's listener is dead, and the client with it.
     bool mustEnd() const;
@@ -26,6 +28,7 @@ class CentralWorker : public CUT_WSThread {
     // False when the connection is over.
     bool answer(Frame& frame);
     void noticeDeadPeers();
+    std::string name() const;
 
     bool sendWhole(const std::string& bytes);
     bool sendInSteps(const std::string& bytes);

@@ -11,6 +11,9 @@ namespace {
 // system longer than the changes that they tell of.
 constexpr size_t kLongestBatch = size_t{64} * 1024;
 
+// Until the next attempt at what has failed for want of memory.
+constexpr DWORD kPauseWithoutMemoryMs = 50;
+
 NotificationBytes joined(const std::deque<NotificationBytes>& batch) {
     if (batch.size() == 1) return batch.front();
     auto bytes = std::make_shared<std::string>();
@@ -73,32 +76,37 @@ void Listener::end() {
 // told then.
 void Listener::run() {
     while (!m_isEnding) {
-        handle(next());
+        if (!NySe::succeeds([this] { serveNext(); })) ::Sleep(kPauseWithoutMemoryMs);
         NySe::succeeds([this] { probe(); });
     }
     NySe::succeeds([this] { tellTotal(); });
     m_hasEnded = true;
 }
 
-void Listener::handle(Batch batch) {
-    if (batch.empty()) return;
+void Listener::serveNext() {
+    Batch batch;
+    const bool isAllTaken = NySe::succeeds([&] { takeNext(batch); });
+    if (!batch.empty()) handle(batch);
+    if (!isAllTaken) ::Sleep(kPauseWithoutMemoryMs);
+}
+
+void Listener::handle(Batch& batch) {
     const char* failure = "cannot be served";  // for want of memory
     NySe::succeeds([&] { failure = deliver(batch); });
     NySe::succeeds([&] { failure == nullptr ? tellFirstDrop() : giveUp(failure, batch.size()); });
 }
 
-Listener::Batch Listener::next() {
+void Listener::takeNext(Batch& batch) {
     std::unique_lock guard(m_lock);
     m_changed.wait_for(guard, m_probe.pause(), [this] { return m_isEnding || !m_queue.empty(); });
-    Batch batch;
     for (size_t bytes = 0; !m_isEnding && !m_queue.empty();) {
-        bytes += m_queue.front()->size();
+        const size_t size = m_queue.front()->size();
+        bytes += size;
         if (bytes > kLongestBatch && !batch.empty()) break;
-        m_queuedBytes -= m_queue.front()->size();
-        batch.push_back(std::move(m_queue.front()));
+        batch.push_back(m_queue.front());  // may throw, so that it comes first
         m_queue.pop_front();
+        m_queuedBytes -= size;
     }
-    return batch;
 }
 
 const char* Listener::deliver(Batch& batch) {
@@ -154,12 +162,12 @@ void Listener::sendProbe() {
 }
 
 void Listener::die(const char* reason) {
-    m_probe.stop();
     {
         const std::lock_guard guard(m_lock);
         if (m_isEnding) return;
-        m_surroundings.onDead(m_session);
+        m_surroundings.onDead(m_session);  // before the stop: when it throws it is tried again
     }
+    m_probe.stop();
     m_events.warn(name() + ' ' + reason + ": its user is gone");
 }
 
@@ -173,8 +181,7 @@ void Listener::giveUp(const char* reason, size_t unsent) {
         if (m_isEnding) return;
         dropped = m_toldDropped = m_dropped;
     }
-    m_events.warn(name() + ' ' + reason + ": given up, " + std::to_string(dropped) +
-                  " notifications dropped");
+    m_events.warn(name() + ' ' + reason + ": given up, " + notificationCount(dropped) + " dropped");
 }
 
 void Listener::tellFirstDrop() {
@@ -184,8 +191,7 @@ void Listener::tellFirstDrop() {
         if (m_dropped == 0 || m_toldDropped != 0 || m_isEnding) return;
         dropped = m_toldDropped = m_dropped;
     }
-    m_events.warn(name() + " is too slow: " + std::to_string(dropped) +
-                  " notifications dropped so far");
+    m_events.warn(name() + " is too slow: " + notificationCount(dropped) + " dropped so far");
 }
 
 void Listener::tellTotal() {
@@ -195,8 +201,7 @@ void Listener::tellTotal() {
         if (m_dropped == m_toldDropped) return;
         dropped = m_toldDropped = m_dropped;
     }
-    m_events.warn(name() + " has ended: " + std::to_string(dropped) +
-                  " notifications dropped in all");
+    m_events.warn(name() + " has ended: " + notificationCount(dropped) + " dropped in all");
 }
 
 void Listener::countDropped(size_t count) {

@@ -56,9 +56,12 @@ class Listener {
     using Batch = std::deque<NotificationBytes>;
 
     void run();
-    // Empty when the end is asked for, or the probe has to be seen to.
-    Batch next();
-    void handle(Batch batch);
+    // Waits for notifications or the time of the probe, and sends what there is.
+    void serveNext();
+    // Moves the next piece out of the queue: nothing when the end is asked for, or the probe has to
+    // be seen to. What it throws over, for want of memory, stays in the queue.
+    void takeNext(Batch& batch);
+    void handle(Batch& batch);
     // What went wrong; null when all has been sent. What has not stays in the batch.
     const char* deliver(Batch& batch);
     // A notification that is lost with its connection goes out on a new one once more, whole.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "apps/central/SelfConnect.h"
 #include "apps/central/WaitWritable.h"
 
 namespace {
@@ -42,7 +43,7 @@ bool ListenerLink::connectOnce(const Patience& patience) {
     Readiness readiness = Readiness::notYet;
     while (readiness == Readiness::notYet && !patience.isOver())
         readiness = waitWritable(socket.get());
-    if (readiness != Readiness::ready) return false;
+    if (readiness != Readiness::ready || isConnectedToItself(socket.get())) return false;
     m_socket = std::move(socket);
     m_heard.clear();
     ++m_opened;

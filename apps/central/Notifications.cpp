@@ -36,3 +36,7 @@ std::string archived(const CObject& object) {
     const size_t length = static_cast<size_t>(message.getLength()) - NySe::kLengthBytes;
     return std::string(reinterpret_cast<char*>(message.getBuffer()) + NySe::kLengthBytes, length);
 }
+
+std::string notificationCount(size_t count) {
+    return std::to_string(count) + (count == 1 ? " notification" : " notifications");
+}

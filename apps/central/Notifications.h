@@ -43,6 +43,9 @@ NotificationBytes makeProbe();
 // that it is always written under the current one.
 std::string archived(const CObject& object);
 
+// The number with its noun, for people.
+std::string notificationCount(size_t count);
+
 // Where notifications go. No call waits for a listener, so that each may be made under a lock.
 class Notifier {
   public:

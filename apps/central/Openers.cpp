@@ -16,12 +16,9 @@ const Openers::Counts& Openers::of(LONG connection) const {
     return counts == m_counts.end() ? nobody : counts->second;
 }
 
-std::vector<LONG> Openers::openedBy(LONG session) const {
-    std::vector<LONG> connections;
-    for (const auto& [connection, counts] : m_counts) {
-        const auto count = counts.find(session);
-        if (count == counts.end()) continue;
-        connections.insert(connections.end(), static_cast<size_t>(count->second), connection);
+std::optional<LONG> Openers::nextOpenedBy(LONG session, LONG from) const {
+    for (auto one = m_counts.lower_bound(from); one != m_counts.end(); ++one) {
+        if (one->second.contains(session)) return one->first;
     }
-    return connections;
+    return std::nullopt;
 }

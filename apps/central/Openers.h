@@ -4,7 +4,7 @@
 #include <afx.h>
 
 #include <map>
-#include <vector>
+#include <optional>
 
 // One object may be used by one thread at a time.
 class Openers {
@@ -17,8 +17,9 @@ class Openers {
     bool close(LONG connection, LONG session);
 
     const Counts& of(LONG connection) const;
-    // Each connection once for each time that the session has it open.
-    std::vector<LONG> openedBy(LONG session) const;
+    // The first connection from the number `from` on that the session has open; nothing when there
+    // is none.
+    std::optional<LONG> nextOpenedBy(LONG session, LONG from) const;
     const std::map<LONG, Counts>& all() const { return m_counts; }
 
   private:

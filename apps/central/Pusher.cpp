@@ -1,6 +1,6 @@
 #include "apps/central/Pusher.h"
 
-Pusher::~Pusher() {
+void Pusher::stop() {
     const std::lock_guard guard(m_lock);
     // All are asked before the first is waited for.
     for (const auto& [session, listener] : m_listeners) listener->end();
@@ -35,10 +35,9 @@ void Pusher::retire(LONG session) {
     const auto found = m_listeners.find(session);
     if (found == m_listeners.end()) return;
     found->second->end();
-    m_retired.push_back(std::move(found->second));
-    m_listeners.erase(found);
+    m_retired.insert(m_listeners.extract(found));
 }
 
 void Pusher::joinEnded() {
-    std::erase_if(m_retired, [](const auto& listener) { return listener->hasEnded(); });
+    std::erase_if(m_retired, [](const auto& one) { return one.second->hasEnded(); });
 }

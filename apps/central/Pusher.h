@@ -18,8 +18,11 @@ class Pusher : public Notifier {
         const PushLimits& limits, EventLog& events,
         std::function<void(LONG session)> onDead = [](LONG) {})
         : m_surroundings{limits, events, std::move(onDead)} {}
-    // Drops what is queued and joins all threads.
-    ~Pusher() override;
+    ~Pusher() override { stop(); }
+
+    // Drops what is queued and joins all threads. dropped() is final then. REQUIRES: nothing is
+    // asked of it afterwards but that.
+    void stop();
 
     void listen(LONG session, const sockaddr_in& address) override;
     void forget(LONG session) override;
@@ -36,5 +39,6 @@ class Pusher : public Notifier {
     ListenerSurroundings m_surroundings;
     std::mutex m_lock;
     std::map<LONG, std::unique_ptr<Listener>> m_listeners;
-    std::vector<std::unique_ptr<Listener>> m_retired;  // their threads are about to end
+    // Their threads are about to end. What is moved here takes no memory, so that it cannot fail.
+    std::multimap<LONG, std::unique_ptr<Listener>> m_retired;
 };

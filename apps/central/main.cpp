@@ -32,29 +32,42 @@ struct Options {
     std::string ports = "42100-42999";
     std::string portFile;
     int probeSeconds = 10;
+    int maxSessions = kMostSessions;
 };
 
-int serve(const Options& options) {
+CentralSettings settingsOf(const Options& options) {
     CentralSettings settings;
     settings.ports = *parsePortRange(options.ports);
     settings.push.probeInterval = std::chrono::seconds(options.probeSeconds);
+    settings.maxSessions = options.maxSessions;
     settings.onShutDownRequest = [] { StopRequest::make(); };
-    CentralServer server(std::move(settings));
+    return settings;
+}
+
+// False, with a word about it, when it cannot serve.
+bool open(CentralServer& server, const Options& options) {
     const char* const address = options.address.c_str();
     if (const int code = server.start(::inet_addr(address), options.port); code != 0) {
         std::fprintf(stderr, "cannot listen on %s:%u (code %d)\n", address, options.port, code);
-        return 1;
+        return false;
     }
     if (!writePortFile(options.portFile, server.GetPort())) {
         std::fprintf(stderr, "cannot write %s\n", options.portFile.c_str());
-        return 1;
+        return false;
     }
     std::printf("listening on %s:%u\n", address, server.GetPort());
     std::fflush(stdout);
+    return true;
+}
+
+int serve(const Options& options) {
+    CentralServer server(settingsOf(options));
+    if (!open(server, options)) return 1;
     ::WaitForSingleObject(StopRequest::event(), INFINITE);
     std::printf("stopping\n");
+    server.stop();  // what is queued until then counts as dropped
     if (const size_t dropped = server.pusher().dropped(); dropped != 0)
-        std::printf("%zu notifications dropped\n", dropped);
+        std::printf("%s dropped\n", notificationCount(dropped).c_str());
     return 0;
 }
 
@@ -62,10 +75,7 @@ std::string checkPortRange(const std::string& text) {
     return parsePortRange(text) ? "" : "not a range FIRST-LAST of ports: " + text;
 }
 
-int run() {
-    CLI::App app("The reference central server: who is connected, and who holds what.",
-                 "nycentral");
-    Options options;
+void addOptions(CLI::App& app, Options& options) {
     app.add_option("--bind", options.address, "The IPv4 address to listen on")
         ->capture_default_str()
         ->check(CLI::ValidIPV4);
@@ -78,8 +88,17 @@ int run() {
                    "How often each listener is asked for a sign of life, in seconds; 0: never")
         ->capture_default_str()
         ->check(CLI::Range(0, kLongestProbeSeconds));
+    app.add_option("--max-sessions", options.maxSessions, "How many clients are served at once")
+        ->capture_default_str()
+        ->check(CLI::Range(1, kMostSessions));
     app.add_option("--port-file", options.portFile, "A file to write the port to once it is open");
+}
 
+int run() {
+    CLI::App app("The reference central server: who is connected, and who holds what.",
+                 "nycentral");
+    Options options;
+    addOptions(app, options);
     std::vector<std::string> arguments = commandLineArguments();
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     try {

@@ -144,7 +144,7 @@ tell "The server tells about itself"
 says anna info
 expect 'COLLABORATIVE SERVER INFORMATION'
 
-tell "Bob leaves without a word; what he held is free"
+tell "Bob leaves; what he held is free"
 exec 4>&-
 for _ in $(seq 50); do
   [[ $(run nyctl --server "$server" --json users) == *bob* ]] || break

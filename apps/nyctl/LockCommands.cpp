@@ -65,7 +65,9 @@ Run defineLocks(CLI::App&) {
                 rows.push_back(describe(*locks[i], *holders[j], users));
             }
         }
-        const ExitStatus status = rows.empty() ? ifAnswered(context, exitYes) : exitYes;
+        // An empty table may also mean that no answer came.
+        const bool isCertain = !rows.empty() && users.GetSize() > 0;
+        const ExitStatus status = isCertain ? exitYes : ifAnswered(context, exitYes);
         if (status == exitYes) {
             context.output.table({"lock", "session", "user", "mode", "words"}, rows);
         }

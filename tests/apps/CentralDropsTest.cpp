@@ -60,7 +60,7 @@ TEST_F(CentralDrops, WhatIsDroppedAfterAListenerWasGivenUpIsToldAtItsEnd) {
     limits.connectPatience = milliseconds(50);
     listen(nobody.port());
     tell("x");
-    EXPECT_TRUE(isTold("given up, 1 notifications dropped"));
+    EXPECT_TRUE(isTold("given up, 1 notification dropped"));
     tell("y");
     EXPECT_EQ(2u, pusher->dropped());
     pusher.reset();

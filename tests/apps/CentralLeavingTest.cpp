@@ -23,6 +23,14 @@ class CentralLeaving : public CentralTest {
         EXPECT_EQ(1u, userNames(client).size());
     }
 
+    // Closes as the client itself does. What is not read by then makes the system send a reset.
+    void closeWithAnAnswerUnread() {
+        send(leaver, goldenWire("request-isAlive"));
+        char first = 0;
+        ASSERT_EQ(1, ::recv(leaverSocket(), &first, 1, MSG_PEEK));
+        NySeClientAppAccess::closeConnection(leaver);
+    }
+
     SOCKET leaverSocket() const { return NySeClientAppAccess::socket(leaver); }
 
     void expectAllLetGo() {
@@ -44,10 +52,7 @@ TEST_F(CentralLeaving, ByClosing) {
 }
 
 TEST_F(CentralLeaving, ByResetting) {
-    const linger none{1, 0};
-    ::setsockopt(leaverSocket(), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&none),
-                 sizeof none);
-    ::closesocket(leaverSocket());
+    closeWithAnAnswerUnread();
     expectAllLetGo();
 }
 

@@ -12,6 +12,7 @@ TableLimits few() {
     limits.grantsPerSession = 2;
     limits.grantsPerLock = 4;
     limits.opensPerSession = 3;
+    limits.locksInAll = 5;
     limits.longestText = 10;
     return limits;
 }
@@ -44,6 +45,18 @@ TEST_F(CentralLimits, ASessionHoldsABoundedNumberOfLocks) {
     EXPECT_TRUE(tables.lock(bob, "z", kShared));
     tables.unlock(anna, "a");
     expectGranted(1, lockAnother);
+}
+
+TEST_F(CentralLimits, AllSessionsTogetherHoldABoundedNumberOfLocks) {
+    for (const char* name : {"a", "b", "c"}) EXPECT_TRUE(tables.lock(anna, name, kShared));
+    const LONG carl = begin();
+    char name = 'd';
+    const auto lockAnother = [&] { return tables.lock(carl, CString(name++), kShared); };
+    expectGranted(2, lockAnother);
+    EXPECT_TRUE(tables.lock(bob, "a", kShared));  // not one more
+    EXPECT_FALSE(tables.lock(bob, "z", kShared));
+    tables.endSession(anna);
+    EXPECT_TRUE(tables.lock(bob, "z", kShared));
 }
 
 TEST_F(CentralLimits, WhatIsRefusedOrReleasedTwiceCountsForNothing) {

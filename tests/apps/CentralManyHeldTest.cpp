@@ -26,24 +26,28 @@ class CountingNotifier : public Notifier {
     int count = 0;
 };
 
-constexpr int kManyLocks = 20'000;
+constexpr int kManyLocks = 40'000;
+// In ms, on a busy machine; a search for each takes longer than this on an idle one.
+constexpr long kWhileNobodyWaits = 10'000;
 
 TEST(CentralManyHeld, TheLocksOfOneSessionAreReleasedWhileNobodyWaits) {
     CountingNotifier notifier;
     TableLimits limits;
-    limits.locksPerSession = kManyLocks;
+    limits.locksPerSession = limits.locksInAll = kManyLocks;
     CentralTables tables({101}, notifier, limits);
     const LONG watching = tables.beginSession(0);
     ASSERT_TRUE(tables.registerUser(NySeUser(), watching));
     const LONG leaving = tables.beginSession(0);
     const LONG staying = tables.beginSession(0);
-    for (int i = 0; i < kManyLocks; ++i) {
-        const CString name(std::to_string(i * 7919 % kManyLocks).c_str());
-        ASSERT_TRUE(tables.lock(leaving, name, 0));
-        if (i % 100 == 0) {
-            ASSERT_TRUE(tables.lock(staying, name, 0));
+    const long granted = millisecondsOf([&] {
+        for (int i = 0; i < kManyLocks; ++i) {
+            const CString name(std::to_string(i * 7919 % kManyLocks).c_str());
+            EXPECT_TRUE(tables.lock(leaving, name, 0));
+            if (i % 100 == 0) {
+                EXPECT_TRUE(tables.lock(staying, name, 0));
+            }
         }
-    }
+    });
     notifier.count = 0;
 
     long longestWait = 0;
@@ -56,10 +60,11 @@ TEST(CentralManyHeld, TheLocksOfOneSessionAreReleasedWhileNobodyWaits) {
     hasLeft = true;
     other.join();
 
-    std::printf("%d locks released in %ld ms; another call took %ld ms at most\n", kManyLocks,
-                taken, longestWait);
-    EXPECT_LT(taken, 1'000);
-    EXPECT_LT(longestWait, 1'500);
+    std::printf(
+        "%d locks granted in %ld ms, released in %ld ms; another call took %ld ms at most\n",
+        kManyLocks, granted, taken, longestWait);
+    EXPECT_LT(taken, kWhileNobodyWaits);
+    EXPECT_LT(longestWait, kWhileNobodyWaits);
     EXPECT_EQ(kManyLocks, notifier.count);
     EXPECT_TRUE(tables.faults().empty());
     tables.endSession(staying);
@@ -120,7 +125,7 @@ TEST_F(CentralManyHeldOverSockets, AHealthyListenerHearsOfAllThatOneClientLeaves
         [this] { return toldToBob(notifyConnectionOpened) == limits().opensPerSession; }));
     client.disconnect();
     const long answered = millisecondsOf([this] { EXPECT_EQ(1u, userNames(bobsClient).size()); });
-    EXPECT_LT(answered, 2'000);
+    EXPECT_LT(answered, 10'000);
     EXPECT_TRUE(eventually(
         [this] { return toldToBob(notifyConnectionClosed) == limits().opensPerSession; }));
     EXPECT_EQ(limits().locksPerSession, toldToBob(notifyLockReleased));

@@ -9,8 +9,12 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr milliseconds kInterval{100};
-constexpr milliseconds kPatience{1'000};
+constexpr milliseconds kInterval{300};
+// So long that nobody who answers is late on a busy machine.
+constexpr milliseconds kPatience{10'000};
+// For those who do not answer. Bob has to within it.
+constexpr milliseconds kShortPatience{3'000};
+constexpr milliseconds kConnectPatience{2'000};
 
 // Makes and starts its servers by itself, since each case has its own listeners.
 class CentralProbe : public CentralTest {
@@ -22,7 +26,8 @@ class CentralProbe : public CentralTest {
         CentralSettings settings = withPorts({annasPort, ofBob.port()});
         settings.push.probeInterval = interval;
         settings.push.probePatience = patience;
-        settings.push.connectPatience = milliseconds(500);
+        settings.push.connectPatience = kConnectPatience;
+        settings.framePatience = milliseconds(120'000);  // only the listener ends a client here
         central = std::make_unique<CentralServer>(std::move(settings));
         ASSERT_EQ(0, central->start(::htonl(INADDR_LOOPBACK), 0));
         for (NySeClientApp* one : {&annasClient, &bobsClient, &client})
@@ -87,7 +92,7 @@ class CentralProbe : public CentralTest {
 TEST_F(CentralProbe, IsAnActionOneWithoutABody) {
     EXPECT_EQ(wireOf<LONG>(1) + wireOf<LONG>(0), *makeProbe());
     CollectingListener ofAnna;
-    serve(ofAnna.port(), milliseconds(2'000));
+    serve(ofAnna.port(), milliseconds(1'000), kShortPatience);
     ASSERT_TRUE(eventually([this] { return isTold("does not answer"); }));
     const std::string told = ofAnna.received();
     EXPECT_EQ(*makeProbe(), told.substr(told.size() - 8));
@@ -97,8 +102,8 @@ TEST_F(CentralProbe, IsAnActionOneWithoutABody) {
 TEST_F(CentralProbe, WhoAnswersStays) {
     FrameListener ofAnna;
     serve(ofAnna.port());
-    expectAnnaStays(ofAnna, 8);
-    EXPECT_GE(ofBob.probes(), 4);
+    expectAnnaStays(ofAnna, 5);
+    EXPECT_TRUE(eventually([this] { return ofBob.probes() >= 4; }));
     EXPECT_EQ(1, ofAnna.connections());
 }
 
@@ -106,8 +111,8 @@ TEST_F(CentralProbe, TheListenerOfTheLibraryAnswers) {
     NyServerApp ofAnna;
     ASSERT_EQ(0, ofAnna.Start());
     ofAnna.SetPort(ofAnna.GetBoundPort());
-    serve(static_cast<LONG>(ofAnna.GetBoundPort()));
-    ::Sleep(2'000);  // longer than the interval and the patience
+    serve(static_cast<LONG>(ofAnna.GetBoundPort()), kInterval, kShortPatience);
+    ::Sleep(5'000);  // longer than the interval and the patience
     EXPECT_EQ(1, ofAnna.GetNumConnections());
     EXPECT_TRUE(isAnnaThere());
     EXPECT_TRUE(annasClient.isAlive());
@@ -117,30 +122,29 @@ TEST_F(CentralProbe, TheListenerOfTheLibraryAnswers) {
 TEST_F(CentralProbe, AreSentAtTheInterval) {
     FrameListener ofAnna;
     const auto start = Clock::now();
-    serve(ofAnna.port(), milliseconds(400));
-    EXPECT_EQ(0, ofAnna.probes());
+    serve(ofAnna.port(), milliseconds(1'000));
     expectAnnaStays(ofAnna, 3);
-    EXPECT_GE(Clock::now() - start, milliseconds(1'200));
+    EXPECT_GE(Clock::now() - start, milliseconds(3'000));
 }
 
 TEST_F(CentralProbe, WhoDoesNotAnswerIsGone) {
     FrameListener ofAnna([] { return ""; });
     const auto start = Clock::now();
-    serve(ofAnna.port());
+    serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
-    EXPECT_GE(Clock::now() - start, kInterval + kPatience);
+    EXPECT_GE(Clock::now() - start, kInterval + kShortPatience);
     EXPECT_EQ(1, ofAnna.probes());
 }
 
 TEST_F(CentralProbe, WhoAnswersWronglyIsGone) {
     FrameListener ofAnna([] { return wireOf<LONG>(511); });
-    serve(ofAnna.port(), kInterval, milliseconds(60'000));
+    serve(ofAnna.port(), milliseconds(1'000), milliseconds(60'000));
     expectAnnaGone("answers a probe wrongly");
 }
 
 TEST_F(CentralProbe, WhoAnswersInPartIsGone) {
     FrameListener ofAnna([] { return aliveAnswer().substr(0, 3); });
-    serve(ofAnna.port());
+    serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
 }
 
@@ -169,13 +173,13 @@ TEST_F(CentralProbe, WhoClosesBetweenProbesIsAskedOnANewConnection) {
     FrameListener ofAnna(
         [&] { return closes-- > 0 ? std::nullopt : std::optional(aliveAnswer()); });
     serve(ofAnna.port());
-    expectAnnaStays(ofAnna, 8);
+    expectAnnaStays(ofAnna, 5);
     EXPECT_EQ(3, ofAnna.connections());
 }
 
 TEST_F(CentralProbe, WhoClosesAtEveryProbeIsGone) {
     FrameListener ofAnna([] { return std::nullopt; });
-    serve(ofAnna.port());
+    serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
 }
 
@@ -191,7 +195,7 @@ TEST_F(CentralProbe, WhoClosesAndListensNoMoreIsGone) {
 TEST_F(CentralProbe, WhoNeverListenedStays) {
     const peers::RefusingPort nobody;
     serve(static_cast<LONG>(nobody.port()));
-    ::Sleep(2'000);  // several times the patience with a connect
+    ::Sleep(6'000);  // longer than it is tried to connect for a notification and then for a probe
     EXPECT_TRUE(isAnnaThere());
     EXPECT_TRUE(annasClient.isAlive());
 }
@@ -215,7 +219,7 @@ TEST_F(CentralProbe, HoldUpNeitherNotificationsNorRequestsWhileTheyWait) {
     EXPECT_TRUE(client.isAlive());
     EXPECT_TRUE(annasClient.isAlive());
     EXPECT_TRUE(eventually([&] { return ofAnna.frames().size() == before + 20; }));
-    EXPECT_LT(Clock::now() - start, milliseconds(2'000));
+    EXPECT_LT(Clock::now() - start, milliseconds(20'000));
     EXPECT_TRUE(isAnnaThere());
 }
 
@@ -227,7 +231,7 @@ TEST_F(CentralProbe, AnAnswerCountsAlsoWhenNotificationsComeMeanwhile) {
         client.sendAllUserData(saved);
         ::Sleep(5);
     }
-    expectAnnaStays(ofAnna, 8);
+    expectAnnaStays(ofAnna, 5);
     EXPECT_EQ(1, ofAnna.connections());
 }
 
@@ -236,8 +240,27 @@ TEST_F(CentralProbe, WhatAListenerSaysUnaskedIsNoAnswer) {
         connection.send(aliveAnswer() + "and more");
         connection.receiveAll();
     });
-    serve(static_cast<LONG>(ofAnna.port()), milliseconds(500));
+    serve(static_cast<LONG>(ofAnna.port()), milliseconds(2'000), kShortPatience);
     expectAnnaGone("does not answer");
+}
+
+TEST_F(CentralProbe, WhatAListenerSaysAheadOfAProbeIsNotTakenForTheAnswer) {
+    std::atomic<int> probes = 0;
+    peers::Peer ofAnna([&](peers::Connection& connection) {
+        std::string received;
+        for (std::string piece; !(piece = connection.receive()).empty();) {
+            received += piece;
+            if (!received.ends_with(*makeProbe())) continue;
+            ++probes;
+            connection.send(aliveAnswer());
+            ::Sleep(200);
+            connection.send("thank you");  // long before the next one
+        }
+    });
+    serve(static_cast<LONG>(ofAnna.port()), milliseconds(2'000));
+    EXPECT_TRUE(eventually([&] { return probes >= 3; }));
+    EXPECT_TRUE(isAnnaThere());
+    central.reset();
 }
 
 TEST_F(CentralProbe, WhoMovedToAnotherPortIsAskedThere) {
@@ -258,7 +281,7 @@ TEST_F(CentralProbe, WhoMovedToAnotherPortIsAskedThere) {
 
 TEST_F(CentralProbe, AClientInTheMiddleOfARequestEndsWithItsListener) {
     FrameListener ofAnna([] { return ""; });
-    serve(ofAnna.port());
+    serve(ofAnna.port(), kInterval, kShortPatience);
     send(annasClient, wireOf<LONG>(11) + wireOf<LONG>(100) + "half");
     EXPECT_TRUE(eventually([this] { return !isAnnaThere(); }));
     EXPECT_TRUE(isTold("does not answer"));

@@ -4,6 +4,42 @@ namespace {
 
 using CentralServerTest = CentralTest;
 
+class CentralServerOfTwo : public CentralTest {
+  protected:
+    CentralServerOfTwo() : CentralTest(ofTwo()) {}
+
+    static CentralSettings ofTwo() {
+        CentralSettings settings = withPorts(refusingPorts());
+        settings.maxSessions = 2;
+        return settings;
+    }
+
+    bool isServed(NySeClientApp& who) {
+        who.connect(static_cast<int>(server.GetPort()), "127.0.0.1", -1);
+        return who.isAlive();
+    }
+};
+
+TEST_F(CentralServerOfTwo, ClosesAThirdConnectionAtOnce) {
+    NySeClientApp second, third;
+    EXPECT_TRUE(isServed(client));
+    EXPECT_TRUE(isServed(second));
+    EXPECT_FALSE(isServed(third));
+    EXPECT_TRUE(client.isAlive());
+    EXPECT_NE(std::string::npos, server.events().newest(5).find("beyond the most sessions"));
+}
+
+TEST_F(CentralServerOfTwo, ServesAnotherWhenOneHasLeft) {
+    NySeClientApp second;
+    EXPECT_TRUE(isServed(client));
+    EXPECT_TRUE(isServed(second));
+    client.disconnect();
+    EXPECT_TRUE(eventually([this] {
+        NySeClientApp third;
+        return isServed(third);
+    }));
+}
+
 TEST_F(CentralServerTest, AnswersThatItIsAlive) {
     connect(client);
     EXPECT_TRUE(client.isAlive());

@@ -179,6 +179,18 @@ TEST_F(CentralTablesUsers, DataGoesToTheUsersThatItIsFor) {
     EXPECT_EQ("for one", notifier.told[1].body);
 }
 
+TEST_F(CentralTablesUsers, WhatNobodyIsToldIsNotMade) {
+    const LONG withoutUser = begin();
+    const LONG anna = join("Anna");
+    tables.openConnection(withoutUser, "A");
+    notifier.told.clear();
+    tables.sendToUser(anna, withoutUser, "for one");
+    tables.sendToUser(anna, 4711, "for nobody");
+    tables.sendToOpeners(anna, 0, "for openers");
+    tables.sendToAll(anna, "for all");
+    EXPECT_TRUE(notifier.told.empty());
+}
+
 TEST_F(CentralTablesUsers, DataForOneselfGoesNowhere) {
     const LONG anna = join("Anna");
     tables.sendToUser(anna, anna, "for myself");

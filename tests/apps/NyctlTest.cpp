@@ -11,7 +11,9 @@ class Nyctl : public ::testing::Test {
     void serve(std::vector<std::pair<std::string, std::string>> steps) {
         steps.insert(steps.begin(),
                      {goldenWire("request-initializeSchema"), wireOf<LONG>(NySe::schema2015)});
-        m_peer = std::make_unique<peers::Peer>([steps](peers::Connection& connection) {
+        m_peer.reset();
+        m_received.clear();
+        m_peer = std::make_unique<peers::Peer>([this, steps](peers::Connection& connection) {
             for (const auto& [request, answer] : steps) {
                 std::string received;
                 char byte;
@@ -19,6 +21,7 @@ class Nyctl : public ::testing::Test {
                        ::recv(connection.socket(), &byte, 1, 0) == 1) {
                     received += byte;
                 }
+                m_received.push_back(received);
                 connection.send(answer);
             }
         });
@@ -55,6 +58,11 @@ class Nyctl : public ::testing::Test {
         return std::string(message.getLength(), 'x');
     }
 
+    static std::string noUsers() {
+        const std::string body = goldenWire("users-empty");
+        return wireOf(static_cast<LONG>(body.size())) + body;
+    }
+
     // The answer to a registration.
     static std::string userWithPort(LONG port) {
         NySeUser user;
@@ -68,11 +76,15 @@ class Nyctl : public ::testing::Test {
 
     const std::string isAlive = goldenWire("request-isAlive");
     const std::string getVersion = goldenWire("request-getVersion");
+    const std::string getLock = goldenWire("request-getLock");
+    // Of a lock whose name is one character; only its length counts.
+    const std::string lockRequest = std::string(8 + 6 + 4, 'x');
     const std::string getAllUser = goldenWire("request-getAllUser");
     const std::string alive = wireOf<LONG>(NySe::kAliveAnswer);
     const std::string empty = wireOf<LONG>(0);
 
     Options m_options{"", "Anna", false};
+    std::vector<std::string> m_received;  // by the last connection, one a step; once it is served
     std::unique_ptr<peers::Peer> m_peer;
     std::string m_printed;
     std::string m_complaint;
@@ -123,8 +135,7 @@ TEST_F(Nyctl, WatchEndsWithTheServer) {
 }
 
 TEST_F(Nyctl, UsersMayBeNoneOnALivingServer) {
-    const std::string body = goldenWire("users-empty");
-    serve({{getAllUser, wireOf(static_cast<LONG>(body.size())) + body}, {isAlive, alive}});
+    serve({{getAllUser, noUsers()}, {isAlive, alive}});
     EXPECT_EQ(exitYes, run("users"));
 }
 
@@ -162,6 +173,76 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
             std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength())}});
     EXPECT_EQ(exitYes, run("users"));
     EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+}
+
+TEST_F(Nyctl, LocksHasNoAnswerWhenTheUsersDoNotCome) {
+    serve({{getLock, goldenWire("reply-locks")}});
+    EXPECT_EQ(exitNoAnswer, run("locks"));
+    EXPECT_EQ("", m_printed);
+}
+
+TEST_F(Nyctl, LocksMayBeHeldByNobodyOnALivingServer) {
+    serve({{getLock, goldenWire("reply-locks")}, {getAllUser, noUsers()}, {isAlive, alive}});
+    EXPECT_EQ(exitYes, run("locks"));
+    EXPECT_NE(std::string::npos, m_printed.find("Part/43  9")) << m_printed;
+}
+
+TEST_F(Nyctl, LocksAreListedWithWhoHoldsThem) {
+    serve({{getLock, goldenWire("reply-locks")}, {getAllUser, goldenWire("reply-users")}});
+    EXPECT_EQ(exitYes, run("locks"));
+    EXPECT_EQ(
+        "lock     session  user  mode  words\n"
+        "part/42  1              0x01  access1\n"
+        "part/42  7        Anna  0x18  exclude1+exclude2\n"
+        "Part/43  9              0x10  exclude2\n",
+        m_printed);
+}
+
+TEST_F(Nyctl, ShareModesAreToldInWords) {
+    for (const auto& [mode, words] : {std::pair{"0x00", "none"},
+                                      {"0x01", "access1"},
+                                      {"0x02", "access2"},
+                                      {"0x08", "exclude1"},
+                                      {"0x10", "exclude2"},
+                                      {"0x04", "none"},
+                                      {"0xE4", "none"},
+                                      {"0x05", "access1"},
+                                      {"0x1B", "access1+access2+exclude1+exclude2"}}) {
+        serve({{registerRequest(), goldenWire("reply-user")}, {lockRequest, std::string(1, '\1')}});
+        EXPECT_EQ(exitYes, run(std::string("lock a --mode ") + mode));
+        EXPECT_EQ("lock: a\ngranted: true\nmode: " + std::string(mode) + "\nwords: " + words + '\n',
+                  m_printed);
+    }
+}
+
+TEST_F(Nyctl, SendConnectionSendsTheIdTheNumberAndTheText) {
+    const std::string expected = goldenWire("request-sendConnectionData");
+    serve({{expected, ""}, {isAlive, alive}});
+    EXPECT_EQ(exitYes, run("send-connection 1 2 saved"));
+    ASSERT_EQ(1, m_peer->waitForServed(1));
+    ASSERT_EQ(3u, m_received.size());
+    EXPECT_EQ(shown(expected), shown(m_received[1]));
+}
+
+TEST_F(Nyctl, PortIsNoWhenALivingServerHasNone) {
+    serve({{goldenWire("request-getAnotherPort"), wireOf<LONG>(-1)}, {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("port"));
+    EXPECT_EQ("", m_printed);
+}
+
+TEST_F(Nyctl, RenameIsNoWhenALivingServerRefuses) {
+    serve({{registerRequest(), goldenWire("reply-user")},
+           {goldenWire("request-updateUserName"), std::string(1, '\0')},
+           {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("rename Anna"));
+}
+
+TEST_F(Nyctl, OpenIsNoWhenALivingServerRefuses) {
+    serve({{registerRequest(), goldenWire("reply-user")},
+           {goldenWire("request-openConnection"), wireOf<LONG>(-1)},
+           {isAlive, alive}});
+    EXPECT_EQ(exitNo, run("open Server=a;Db=b"));
+    EXPECT_EQ("", m_printed);
 }
 
 TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {

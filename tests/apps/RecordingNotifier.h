@@ -6,6 +6,7 @@
 #include <cstring>
 #include <map>
 #include <memory>
+#include <new>
 
 #include "apps/central/Notifications.h"
 #include "NyServer/framing/NySeReply.h"
@@ -29,12 +30,13 @@ class RecordingNotifier : public Notifier {
     void listen(LONG session, const sockaddr_in& address) override { listeners[session] = address; }
     void forget(LONG session) override { listeners.erase(session); }
     void notify(const std::vector<LONG>& sessions, NotificationBytes notification) override {
+        if (isFailing) throw std::bad_alloc();
         const std::string& bytes = *notification;
         LONG header[2] = {-1, -1};
         ASSERT_LE(sizeof header, bytes.size());
         std::memcpy(header, bytes.data(), sizeof header);
         ASSERT_EQ(static_cast<LONG>(bytes.size() - sizeof header), header[1]);
-        if (!sessions.empty()) told.push_back({header[0], sessions, bytes.substr(sizeof header)});
+        told.push_back({header[0], sessions, bytes.substr(sizeof header)});
     }
 
     std::vector<LONG> numbers() const {
@@ -44,5 +46,6 @@ class RecordingNotifier : public Notifier {
     }
 
     std::map<LONG, sockaddr_in> listeners;
-    std::vector<Told> told;  // to at least one session
+    std::vector<Told> told;
+    bool isFailing = false;  // as for want of memory
 };

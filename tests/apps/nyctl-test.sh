@@ -12,6 +12,12 @@ expect() {
   output=$("$root/tools/run-in-wine" "$nyctl" "$@" 2>&1 | tr -d '\r'; exit "${PIPESTATUS[0]}") || actual=$?
   [ $actual -eq "$status" ] || fail "nyctl $* ended with $actual instead of $status: $output"
   [[ $output == *"$text"* ]] || fail "nyctl $* should say \"$text\"; it says: $output"
+  said=$output
+}
+
+# expect_said PATTERN: the whole of what the last command said is of that pattern.
+expect_said() {
+  [[ $said =~ ^$1$ ]] || fail "\"$said\" should be $1"
 }
 
 # Notification ports of this run's own: with those of another server of this machine its users would be told this
@@ -58,11 +64,20 @@ expect 0 'id: 0' open 'Server=a;Db=b'
 expect 0 '' close 0
 expect 1 'user  session' openers 0
 expect 0 'id  connection  opens' connections
-expect 0 'port: 2' port
+expect 0 '' port
+expect_said 'port: [0-9]+'
+((${said#port: } >= first_port && ${said#port: } < first_port + 20)) || fail "$said is none of the server's ports"
 expect 0 '' rename Anna
-expect 0 'time: 1' time
-expect 0 'machine: ' machine
+expect_said ''
+expect 0 '' time
+expect_said 'time: [0-9]+'
+now=$(date +%s)
+((${said#time: } > now - 300 && ${said#time: } < now + 300)) || fail "it is $now, and not $said"
+expect 0 '' machine
+expect_said 'machine: [0-9a-f-]+'
+machine=${said#machine: }
 expect 0 'COLLABORATIVE SERVER INFORMATION' info
+[ "$(wc -l <<< "$said")" -gt 3 ] || fail "info should be a block of lines; it is: $said"
 expect 0 '' verify
 expect 0 'session' events 3
 expect 0 '' send-connection 0 1 text
@@ -92,6 +107,12 @@ printf 'lock a\nunlock a\nlock a --mode 1\n' > "$work/lines"
 expect_shell 0 'mode: 0x01'
 printf 'open c\nopeners 0\nconnections\nclose 0\nopeners 0\n' > "$work/lines"
 expect_shell 1 '0   c           1'
+printf 'register\nsend-all hello\nsend-user Bob hello\nsend-connection 0 1 hello\nverify\n' > "$work/lines"
+expect_shell 0 'user: Bob'
+printf 'port\ntime\nmachine\ninfo\nevents 1\n' > "$work/lines"
+for text in 'port: 2' 'time: ' "machine: $machine" 'COLLABORATIVE SERVER INFORMATION' 'session '; do
+  expect_shell 0 "$text"
+done
 printf 'no-such-command\nping\n' > "$work/lines"
 expect_shell 2 'alive: true'
 printf 'echo one  two\nexit\nping\n' > "$work/lines"
@@ -153,9 +174,14 @@ expect 2 'not in range' watch --count 0
 printf 'watch\nwatch --timeout 0.2\n' > "$work/lines"
 expect_shell 2 "would never come to the shell's next line"
 
+printf 'shutdown\n' > "$work/lines"
 watch watch
-expect 0 '' shutdown
+expect_shell 0 ''
 expect_stopped
 expect_seen 'the server has gone away'
 expect_watched 3
+rm "$work/port"
+start_central "$nycentral"
+expect 0 '' --server "127.0.0.1:$port" shutdown
+expect_stopped
 report

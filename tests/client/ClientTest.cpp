@@ -18,6 +18,10 @@ SOCKET NySeClientAppAccess::socket(const NySeClientApp& client) {
     return client.m_socket->GetSocket();
 }
 
+void NySeClientAppAccess::closeConnection(NySeClientApp& client) {
+    client.m_socket->CloseConnection();
+}
+
 std::string wire(std::string_view hexText) {
     const Bytes bytes = fromHex(hexText);
     return std::string(bytes.begin(), bytes.end());

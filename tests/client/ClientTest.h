@@ -26,6 +26,8 @@ struct NySeClientAppAccess {
         NySeClientApp::transfertObject(from, to);
     }
     static SOCKET socket(const NySeClientApp& client);
+    // Without a good-bye.
+    static void closeConnection(NySeClientApp& client);
 };
 
 // Bytes as they go over a socket, from hex text or from the golden file.

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "NyServer/base/WindowsPrelude.h"
+
+// Whether both ends of the connection are this socket. A connect to a free port that lies among
+// those that the system picks from for its own end may meet itself; all that is sent comes back
+// then, and nobody is there. False as well for a socket that is not connected.
+inline bool isConnectedToItself(SOCKET socket) {
+    sockaddr_in own{};
+    sockaddr_in peer{};
+    int ownLength = sizeof own;
+    int peerLength = sizeof peer;
+    return ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &ownLength) == 0 &&
+           ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &peerLength) == 0 &&
+           own.sin_port == peer.sin_port && own.sin_addr.s_addr == peer.sin_addr.s_addr;
+}
