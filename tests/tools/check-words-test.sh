@@ -14,11 +14,11 @@ accepts check-words
 written 'see tests/data/home/base/\n'
 accepts check-words
 written 'see /ro''ot/x\n'
-rejects check-words 'only their writer has'
+rejects check-words 'outside this tree'
 written 'cd "/ho''me/me/x"\n' script
-rejects check-words 'only their writer has'
+rejects check-words 'outside this tree'
 written 'as Pa''rt 2.1 says\n'
-rejects check-words 'only their writer has'
+rejects check-words 'outside this tree'
 written 'int a; \n'
 rejects check-words 'white space at the end'
 written 'int a;'
