@@ -25,7 +25,7 @@ constexpr unsigned int kSeed = 20'150'201;
 // request, which is less than the smallest block of memory.
 constexpr SIZE_T kFlatBytes = 1024 * 1024;
 constexpr SIZE_T kBytesPerRequest = 8;
-constexpr long kRequestsPerClient = 5;
+constexpr long kRequestsPerClient = 1;
 
 milliseconds duration() {
     const char* seconds = std::getenv("NY_LOAD_SECONDS");
