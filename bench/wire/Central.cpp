@@ -80,9 +80,11 @@ void printRow(const std::string& name, const bench::Samples& times, double secon
 
 void timeClients(const std::string& name, int port, int count, const bench::WireOptions& options) {
     std::vector<std::unique_ptr<LockingClient>> clients;
+    clients.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) clients.push_back(std::make_unique<LockingClient>(port, i));
     std::latch ready(count);
     std::vector<std::thread> threads;
+    threads.reserve(clients.size());
     const auto length = std::chrono::duration_cast<bench::Clock::duration>(options.seconds);
     for (const auto& client : clients) {
         threads.emplace_back([&ready, &client, length] {

@@ -133,6 +133,7 @@ void bench::runConnections(const WireOptions& options) {
 void bench::holdConnections(int port, int count) {
     const peers::WinsockSession winsock;
     std::vector<peers::Connection> held;
+    held.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
         held.push_back(peers::connectionTo(static_cast<unsigned int>(port)));
     ::Sleep(INFINITE);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <vector>
 
 namespace bench {
@@ -32,8 +33,8 @@ class Samples {
     double quantile(double share) const {
         if (m_microseconds.empty()) return 0;
         std::vector<double> sorted(m_microseconds);
-        const auto at = sorted.begin() + static_cast<ptrdiff_t>(
-                                             share * static_cast<double>(sorted.size() - 1) + 0.5);
+        const auto at =
+            sorted.begin() + std::lround(share * static_cast<double>(sorted.size() - 1));
         std::nth_element(sorted.begin(), at, sorted.end());
         return *at;
     }
