@@ -145,18 +145,6 @@ int GetThreadPriority(HANDLE) {
     return THREAD_PRIORITY_NORMAL;
 }
 
-BOOL TerminateThread(HANDLE, DWORD) {
-    return FALSE;
-}
-
-DWORD SuspendThread(HANDLE) {
-    return WAIT_FAILED;
-}
-
-DWORD ResumeThread(HANDLE) {
-    return WAIT_FAILED;
-}
-
 void Sleep(DWORD milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

@@ -56,23 +56,3 @@ LSTATUS RegQueryValueExW(HKEY, const wchar_t* name, DWORD*, DWORD*, BYTE* data, 
     *size = static_cast<DWORD>(found->second.copy(reinterpret_cast<char*>(data), *size));
     return ERROR_SUCCESS;
 }
-
-HANDLE CreateFileW(const wchar_t*, DWORD, DWORD, void*, DWORD, DWORD, HANDLE) {
-    return INVALID_HANDLE_VALUE;
-}
-
-BOOL ReadFile(HANDLE, void*, DWORD, DWORD*, void*) {
-    return FALSE;
-}
-
-BOOL WriteFile(HANDLE, const void*, DWORD, DWORD*, void*) {
-    return FALSE;
-}
-
-DWORD SetFilePointer(HANDLE, LONG, LONG*, DWORD) {
-    return 0xFFFFFFFF;
-}
-
-DWORD GetFileSize(HANDLE, DWORD*) {
-    return 0xFFFFFFFF;
-}

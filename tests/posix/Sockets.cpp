@@ -97,10 +97,6 @@ int WSAGetLastError() {
     }
 }
 
-int WSACancelBlockingCall() {
-    return SOCKET_ERROR;
-}
-
 int closesocket(SOCKET socket) {
     int isListening = 0;
     socklen_t length = sizeof isListening;

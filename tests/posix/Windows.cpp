@@ -167,19 +167,3 @@ LRESULT DispatchMessageW(const MSG* message) {
     return message->hwnd->procedure(message->hwnd, message->message, message->wParam,
                                     message->lParam);
 }
-
-int WSAAsyncSelect(UINT_PTR, HWND, UINT, long) {
-    return SOCKET_ERROR;
-}
-
-HANDLE WSAAsyncGetHostByName(HWND, UINT, const char*, char*, int) {
-    return nullptr;
-}
-
-HANDLE WSAAsyncGetHostByAddr(HWND, UINT, const char*, int, int, char*, int) {
-    return nullptr;
-}
-
-int WSACancelAsyncRequest(HANDLE) {
-    return SOCKET_ERROR;
-}
