@@ -49,4 +49,12 @@ rejects check-layers 'ask for the platform in'
 after_adding '#include "tests/Helper.h"' client/Added.cpp
 rejects check-layers 'of the library includes tests/Helper.h'
 
+find NyServer -name 'Added.*' -delete
+mkdir tests/posix
+echo '#include <winsock2.h>' > tests/posix/Sockets.cpp
+touch tests/posix/winsock2.h
+accepts check-layers
+echo '#include "tests/posix/winsock2.h"' > tests/Reaching.cpp
+rejects check-layers 'include the header that it stands in for'
+
 finish
