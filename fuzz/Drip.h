@@ -14,7 +14,7 @@ class Drip {
     // The last byte says how many come at once.
     Drip(const uint8_t* bytes, size_t size)
         : m_left(std::make_shared<Bytes>(bytes, bytes + size)),
-          m_atOnce(size == 0 ? 1 : bytes[size - 1] % 80 + 1) {}
+          m_atOnce(size == 0 ? 1 : 80 - bytes[size - 1] % 80) {}
 
     // One read, as of a connection: the number of bytes put into `buffer`, 0 when all were read.
     int operator()(char* buffer, int length, int = 0) const {
