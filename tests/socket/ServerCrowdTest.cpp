@@ -46,7 +46,7 @@ class ServerCrowd : public testing::Test {
     }
 
     peers::WinsockSession m_winsock;
-    const int m_threads = countThreads();
+    const int m_threads = countThreadsAtRest();
     std::unique_ptr<ProbeServer> m_server = std::make_unique<ProbeServer>();
     std::shared_ptr<ServerLog> m_log = m_server->log;
     std::vector<peers::Connection> m_peers;

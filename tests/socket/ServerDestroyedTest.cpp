@@ -109,9 +109,10 @@ const Step kSteps[] = {
 
 class ServerDestroyed : public testing::TestWithParam<Step> {
   protected:
+    static void SetUpTestSuite() { s_threads = countThreadsAtRest(); }
+
     // Reaches the step and destroys the server; whoever waits for something gets it meanwhile.
     void destroyAtTheStep(ProbeServer::Ending ending) {
-        const int threads = countThreads();
         {
             Scene scene;
             scene.server->ending = ending;
@@ -124,7 +125,7 @@ class ServerDestroyed : public testing::TestWithParam<Step> {
             scene.server.destroy();
             expectNothingLeft(scene);
         }
-        EXPECT_TRUE(eventually([&] { return countThreads() <= threads; }));
+        EXPECT_TRUE(eventually([&] { return countThreads() <= s_threads; }));
     }
 
   private:
@@ -133,6 +134,8 @@ class ServerDestroyed : public testing::TestWithParam<Step> {
         const int made = scene.log->count("OnConnect") + scene.log->count("OnMaxConnect");
         EXPECT_TRUE(scene.log->await("worker deleted", made));
     }
+
+    static inline int s_threads = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(Step, ServerDestroyed, testing::ValuesIn(kSteps),
