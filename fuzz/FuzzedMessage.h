@@ -8,6 +8,8 @@
 
 #include "fuzz/Require.h"
 #include "NyServer/framing/NySeReply.h"
+#include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeUser.h"
 #include "tests/support/ArchiveBytes.h"
 
 inline void copyArgument(char kind, CArchive& from, NySeMemFile& to) {
@@ -20,14 +22,16 @@ inline void copyArgument(char kind, CArchive& from, NySeMemFile& to) {
         from >> text;
         to.writeString(text);
     } else {
-        const std::unique_ptr<CObject> object(from.ReadObject(nullptr));
+        const CRuntimeClass* const wanted =
+            kind == 'u' ? RUNTIME_CLASS(NySeUser) : RUNTIME_CLASS(NySeMessage);
+        const std::unique_ptr<CObject> object(from.ReadObject(wanted));
         if (object == nullptr) AfxThrowArchiveException(CArchiveException::badClass);
         to.writeObject(*object);
     }
 }
 
-// Reads the arguments behind the header of `message`: i an integer, s a string, o an object. The
-// message made of them; no bytes when they are not there.
+// Reads the arguments behind the header of `message`: i an integer, s a string, u a user, m a
+// message record. The message made of them; no bytes when they are not there.
 inline Bytes copyMessage(const Bytes& message, std::string_view arguments) {
     NySeMemFile from;
     from.Write(message.data(), static_cast<UINT>(message.size()));

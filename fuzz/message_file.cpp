@@ -2,7 +2,7 @@
 #include "fuzz/FuzzedMessage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-    for (const char* arguments : {"i", "s", "o", "si", "iio"}) {
+    for (const char* arguments : {"i", "s", "u", "m", "si", "iim"}) {
         const Bytes copy = copyMessage(Bytes(bytes, bytes + size), arguments);
         if (copy.empty()) continue;
         LONG header[2];

@@ -73,7 +73,7 @@ bool succeeds(Action action) {
 }
 
 // The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
-// of another class than `expected`.
+// of another class than `expected`. expected null: any record or table of records.
 NYSERVER_API CObject* readReplyObject(CMemFile& reply, const CRuntimeClass* expected);
 
 // The one string in `reply`. When the bytes are no string, `text` stays as it was and false is

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
+#include "NyServer/records/NySeUserPtrArray.h"
 #include "tests/support/ArchiveBytes.h"
 
 namespace {
@@ -90,6 +92,33 @@ TEST_F(ReplyReaders, IsAskedForInStepsWhateverIsAnnounced) {
     EXPECT_FALSE(receiveMessage("FFFFFF7F 'a'"));
     EXPECT_EQ(hex("'a'"), received());
     EXPECT_LE(m_mostAsked, 2 * NySe::kReceiveStep);
+}
+
+// The class name of the object that is read where any record will do.
+std::string anyRecordIn(std::string_view bytes) {
+    const Bytes content = fromHex(bytes);
+    CMemFile reply;
+    reply.Write(content.data(), static_cast<UINT>(content.size()));
+    reply.SeekToBegin();
+    const std::unique_ptr<CObject> object(NySe::readReplyObject(reply, nullptr));
+    return object ? object->GetRuntimeClass()->m_lpszClassName : "none";
+}
+
+TEST(ReplyObject, MayBeAnyRecordOrTable) {
+    EXPECT_EQ("NySeSessionLock", anyRecordIn("FFFF DF07 0F00 'NySeSessionLock' 18000000 07000000"));
+    EXPECT_EQ("NySeUserPtrArray", anyRecordIn("FFFF DF07 1000 'NySeUserPtrArray' 0000"));
+}
+
+// It would hold objects that nobody owns: memory that any peer could have lost.
+TEST(ReplyObject, IsNoArrayOfTheClassLibrary) {
+    EXPECT_EQ("none", anyRecordIn("FFFF 0000 0800 'CObArray' 0100 FFFF 0000 0800 'CObArray' 0000"));
+    EXPECT_EQ("none", anyRecordIn("FFFF 0000 0800 'CObArray' 0000"));
+}
+
+TEST(ReplyObject, IsNoneWithoutAClass) {
+    EXPECT_EQ("none", anyRecordIn("0000"));
+    EXPECT_EQ("none", anyRecordIn("0180"));
+    EXPECT_EQ("none", anyRecordIn(""));
 }
 
 }  // namespace
