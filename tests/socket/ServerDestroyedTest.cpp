@@ -53,6 +53,7 @@ const Step kSteps[] = {
     {"JudgingAPeer",
      [](Scene& scene) {
          scene.server->onJudge = [&scene] { scene.gate.pass(); };
+         scene.server->onConnect = [](LoggingWorker&) {};
          EXPECT_TRUE(scene.server->start());
          scene.connectToTheGate();
      }},
