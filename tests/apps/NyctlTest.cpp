@@ -275,10 +275,10 @@ TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
 
 TEST(NyctlServerAddress, IsHostAndPort) {
     for (const char* good : {"127.0.0.1:1", "host:65535", "a:b:80"})
-        EXPECT_TRUE(isServerAddress(good)) << good;
+        EXPECT_TRUE(parseServer(good)) << good;
     for (const char* bad :
          {"", "host", ":80", "host:", "host:0", "host:65536", "host:8x", "host:-1"}) {
-        EXPECT_FALSE(isServerAddress(bad)) << bad;
+        EXPECT_FALSE(parseServer(bad)) << bad;
     }
 }
 

@@ -8,26 +8,9 @@
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/CentralTest.h"
+#include "tests/apps/ListenerPorts.h"
 
 namespace {
-
-// Ports at which nobody listens any more.
-std::vector<LONG> freePorts(size_t count) {
-    const std::vector<peers::RefusingPort> bound(count);
-    std::vector<LONG> ports;
-    for (const auto& one : bound) ports.push_back(static_cast<LONG>(one.port()));
-    return ports;
-}
-
-// Somebody else's listener, on all interfaces as a user's is.
-class TakenPort {
-  public:
-    TakenPort() { EXPECT_EQ(0, m_occupant.Start()); }
-    LONG port() const { return static_cast<LONG>(m_occupant.GetBoundPort()); }
-
-  private:
-    NyServerApp m_occupant;
-};
 
 // Bob watches, and Anna is `client`.
 class NyctlWatch : public CentralTest {
