@@ -41,8 +41,6 @@ expect 0 '' --json users
 expect 0 'ping' --help
 
 expect 0 'window message  ok' doctor
-expect 0 '{"check":"window message","result":"ok"' --json doctor
-expect 0 'registration    ok           Anna is session' --user Anna doctor
 NYCTL_USER=Carla expect 0 'registration    ok           Carla is session' doctor
 expect 3 'connect         FAILED' --server 127.0.0.1:1 doctor
 expect 2 'not in range' doctor --patience 0
