@@ -38,6 +38,19 @@ nycentral() {
     --ports "$ports-$((ports + 19))" "${words[@]}"
 }
 
+# settle: until the server has let everybody go who has left, so that nobody is met by those who come next.
+settle() {
+  local at staying
+  [ -n "$port" ] || return 0
+  at=$(printf ':%04X' "$port")
+  for _ in $(seq 300); do
+    staying=$(awk -v at="$at" 'substr($2, length($2) - 4) == at && ($4 == "01" || $4 == "08")' /proc/net/tcp | wc -l)
+    [ "$staying" -gt ${#jobs[@]} ] || return 0
+    sleep 0.05
+  done
+  fail "$where: $staying connections stay"
+}
+
 # begin COMMAND: runs it in the background; what it says at first, as many lines as in the file $expected, goes to the
 # file $said.
 begin() {
@@ -65,6 +78,7 @@ begin() {
 # wait: for what still runs but the server; shows what the last one has said since it began.
 wait() {
   local job
+  [ $# -eq 0 ] || { builtin wait "$@"; return; }
   for job in "${jobs[@]}"; do builtin wait "$job"; done
   jobs=()
   tail -n "+$((told + 1))" "$background"
@@ -77,6 +91,7 @@ type_command() {
     *'&') begin "$command" ;;
     *) eval "$command" > "$said" 2>&1 ;;
   esac
+  settle
   diff -u --label "$where says" --label 'but it is' <(masked < "$expected") <(masked < "$said") ||
     fail "$where: $command"
 }
@@ -120,6 +135,7 @@ sessions=0
 # test_document DOCUMENT: in a shell of its own, with a folder and a server of its own. Prints the number of its sessions.
 test_document() {
   local count=0 background='' backgrounds=0 told=0 jobs=() text way
+  port=
   mkdir -p "$work/blocks" "$work/home"
   rm -rf "$work/blocks"/* "$work/port"
   (cd "$root" && tools/doc-blocks "$1" "$work/blocks") || fail "$1 has a block that cannot be taken out"
@@ -144,6 +160,11 @@ test_document() {
 
 for document in README.md docs/*.md examples/*/README.md; do
   (cd "$root" && grep -qE '^<!-- test: (run|usage) -->$' "$document") && test_document "$document"
+done
+
+# Every command has an example.
+for command in $(in_wine nyctl --help 2> /dev/null | tr -d '\r' | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+  grep -qE "^\\$ .*(\\\\n|[ '\"])$command\b" "$root/docs/nyctl.md" || fail "docs/nyctl.md has no example of $command"
 done
 [ $sessions -gt 0 ] || fail "no document has a session"
 echo "$sessions sessions"
