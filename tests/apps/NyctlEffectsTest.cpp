@@ -47,6 +47,7 @@ class NyctlEffects : protected BobsListener, public CentralTest {
     }
 
     const std::string& printed() const { return m_run.printed(); }
+    const std::string& complaint() const { return m_run.complaint(); }
 
   private:
     Options m_options{"", "Anna", false};
@@ -130,10 +131,9 @@ class NyctlVerify : public NyctlEffects {
 
 TEST_F(NyctlVerify, HasTheFaultsTold) {
     ASSERT_EQ(exitYes, run("register"));
-    ::testing::internal::CaptureStderr();
     EXPECT_EQ(exitYes, run("verify"));
     const std::string fault = "incoherent: user Bob shares port";
-    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(fault));
+    EXPECT_NE(std::string::npos, complaint().find(fault)) << complaint();
     EXPECT_EQ(exitYes, run("events 10"));
     EXPECT_NE(std::string::npos, printed().find(fault)) << printed();
 }

@@ -6,6 +6,8 @@ set -eu
 programs=$(dirname "$1")
 . "$(dirname "$0")/../apps/lib.sh"
 set +e
+shopt -s failglob
+cd "$root"
 
 # GetComputerName's text.
 computer=$(hostname | cut -d . -f 1 | tr '[:lower:]' '[:upper:]' | cut -c 1-15)
@@ -136,9 +138,10 @@ sessions=0
 test_document() {
   local count=0 background='' backgrounds=0 told=0 jobs=() text way
   port=
-  mkdir -p "$work/blocks" "$work/home"
-  rm -rf "$work/blocks"/* "$work/port"
-  (cd "$root" && tools/doc-blocks "$1" "$work/blocks") || fail "$1 has a block that cannot be taken out"
+  mkdir -p "$work/home"
+  rm -rf "${work:?}/blocks" "$work/port"
+  mkdir "$work/blocks"
+  tools/doc-blocks "$1" "$work/blocks" || fail "$1 has a block that cannot be taken out"
   cd "$work/home"
   for text in $(find "$work/blocks" -name '*.text' | sort -V); do
     where=$(cat "${text%.text}.where")
@@ -159,7 +162,7 @@ test_document() {
 }
 
 for document in README.md docs/*.md examples/*/README.md; do
-  (cd "$root" && grep -qE '^<!-- test: (run|usage) -->$' "$document") && test_document "$document"
+  grep -qE '^<!-- test: (run|usage) -->$' "$document" && test_document "$document"
 done
 
 # Every command has an example.
