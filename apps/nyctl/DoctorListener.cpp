@@ -101,7 +101,7 @@ Finding Doctor::passThroughWindow(const std::string& text) {
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
     // Others may have been told something, too.
     if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }))
-        return {std::to_string(listener.getPostMsgCount()) + " messages are not consumed",
+        return {"messages that are not consumed: " + std::to_string(listener.getPostMsgCount()),
                 "notifications come faster than the window takes them",
                 "have the other users send less, and try again", exitNo};
     return Finding::well("a notification came within " + std::to_string(taken.count()) +

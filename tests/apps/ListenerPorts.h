@@ -1,9 +1,14 @@
-// Notification ports for a server to hand out: free ones, and one that is taken.
+// Notification ports for a server to hand out: free ones, one that is taken, and how one is told.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <string>
 #include <vector>
 
+#include "NyServer/framing/NySeMemFile.h"
 #include "NyServer/listener/NyServerApp.h"
+#include "NyServer/records/NySeUser.h"
 #include "tests/socket/Peers.h"
 
 // Ports at which nobody listens any more.
@@ -23,3 +28,14 @@ class TakenPort {
   private:
     NyServerApp m_occupant;
 };
+
+// What a server answers to a registration: the user with that port.
+inline std::string registrationAnswer(LONG port) {
+    NySeUser user;
+    user.setPort(port);
+    NySeMemFile message;
+    message.startWrite(NySe::schema2015);
+    message.writeObject(static_cast<const CObject&>(user));
+    message.stopWriting();
+    return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
+}

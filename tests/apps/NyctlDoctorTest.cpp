@@ -1,6 +1,7 @@
 // nyctl doctor: each check on a central server that is all right, and on one that is not.
 #include <atomic>
 
+#include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/AnsweringServer.h"
 #include "tests/apps/CentralTest.h"
@@ -204,20 +205,11 @@ class NyctlDoctorAlone : public ::testing::Test {
     static Answer answering(std::string bytes) {
         return [bytes](const std::string&) { return bytes; };
     }
-    static std::string userWithPort(LONG port) {
-        NySeUser user;
-        user.setPort(port);
-        NySeMemFile message;
-        message.startWrite(NySe::schema2015);
-        message.writeObject(static_cast<const CObject&>(user));
-        message.stopWriting();
-        return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
-    }
     // All is well up to and with the registration.
     std::map<LONG, Answer> registering() const {
         return {{NySe::actionInitializeSchema, m_agreed},
                 {NySe::actionIsAlive, m_alive},
-                {NySe::actionGetPortClient, answering(userWithPort(m_port))}};
+                {NySe::actionGetPortClient, answering(registrationAnswer(m_port))}};
     }
     ExitStatus examine(std::map<LONG, Answer> answers, int patience = 5) {
         AnsweringServer server(std::move(answers));
@@ -353,6 +345,50 @@ TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
                   return notification(57, object) + notification(58, "");
               }));
     doctor.expectEndsAt(windowMessage, "no notification within 5 s");
+}
+
+// Lets the first notification through to the window when the second is there, and loses that one.
+class LosingSecond {
+  public:
+    LosingSecond() {
+        s_seen = 0;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr, ::GetCurrentThreadId());
+    }
+    ~LosingSecond() { ::UnhookWindowsHookEx(m_hook); }
+    LosingSecond(const LosingSecond&) = delete;
+    LosingSecond& operator=(const LosingSecond&) = delete;
+
+  private:
+    static bool isSecondThere() {
+        MSG next;
+        return ::PeekMessageW(&next, nullptr, NySe::_TM_NYSERVERMESSAGE, NySe::_TM_NYSERVERMESSAGE,
+                              PM_NOREMOVE) != FALSE;
+    }
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        MSG& message = *reinterpret_cast<MSG*>(lParam);
+        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE) {
+            if (++s_seen == 1) {
+                for (int i = 0; i < 1500 && !isSecondThere(); ++i) ::Sleep(20);
+                ::Sleep(200);  // until it is counted, too
+            } else {
+                const UniqueGlobalBlock block(
+                    ::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
+                message.message = WM_NULL;
+            }
+        }
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline int s_seen = 0;
+    HHOOK m_hook;
+};
+
+TEST_F(NyctlDoctorTold, NamesAMessageThatIsNotConsumed) {
+    const LosingSecond losing;
+    EXPECT_EQ(exitNo, examineTold([](const std::string& object) {
+                  return notification(57, object) + notification(58, "");
+              }));
+    doctor.expectEndsAt(windowMessage, "messages that are not consumed: 1");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // With what status nyctl's commands end when the server does not do what it should.
+#include "tests/apps/ListenerPorts.h"
 #include "tests/apps/NyctlRun.h"
 #include "tests/client/ClientTest.h"
 
@@ -51,17 +52,6 @@ class Nyctl : public ::testing::Test {
         return wireOf(static_cast<LONG>(body.size())) + body;
     }
 
-    // The answer to a registration.
-    static std::string userWithPort(LONG port) {
-        NySeUser user;
-        user.setPort(port);
-        NySeMemFile message;
-        message.startWrite(NySe::schema2015);
-        message.writeObject(static_cast<const CObject&>(user));
-        message.stopWriting();
-        return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
-    }
-
     const std::string isAlive = goldenWire("request-isAlive");
     const std::string getVersion = goldenWire("request-getVersion");
     const std::string getLock = goldenWire("request-getLock");
@@ -112,7 +102,7 @@ TEST_F(Nyctl, WatchIsNoWhenALivingServerGivesNoPort) {
 
 TEST_F(Nyctl, WatchEndsWithTheServer) {
     const LONG port = static_cast<LONG>(peers::RefusingPort().port());
-    serve({{registerRequest(), userWithPort(port)}});
+    serve({{registerRequest(), registrationAnswer(port)}});
     EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: watching at port " + std::to_string(port) +

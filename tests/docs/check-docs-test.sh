@@ -98,4 +98,11 @@ accepts check-docs
 block names 'worker: NySeLock'
 rejects check-docs 'nothing is called NySeLock'
 
+written '# A head, and more\n\n[a](guide.md#a-head-and-more) [b](#a-head-and-more) [c](../source.cpp) [d](http://a.example/)\n'
+accepts check-docs
+written '[a](none.md)\n'
+rejects check-docs 'there is no docs/none.md'
+written '# A head\n[a](#a-tail)\n'
+rejects check-docs 'docs/guide.md has no heading a-tail'
+
 finish
