@@ -314,7 +314,12 @@ class NyctlWatchTakenPort : protected TakenPort, public NyctlWatch {
 };
 
 TEST_F(NyctlWatchTakenPort, IsPassedOver) {
-    EXPECT_EQ(exitYes, watchWhile([this] { client.lock("a", 0x01); }, "--count 1 --timeout 60"));
+    const auto act = [this] {
+        // What is told before that goes to the occupant.
+        EXPECT_TRUE(eventually([this] { return bob().getPort() != TakenPort::port(); }));
+        client.lock("a", 0x01);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 1 --timeout 60"));
     EXPECT_NE(TakenPort::port(), session.listener().getPortNumber());
     EXPECT_EQ(1U, lines().size());
 }
