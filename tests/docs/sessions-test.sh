@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown, and the options that the documents
 # name are the programs'. A document's sessions are typed into one shell each. Where a document says port 42015, a free
-# one is taken; times, ports and the names of this machine are masked.
+# one is taken; times, ports, numbers of sessions and the names of this machine are masked.
 set -eu
 programs=$(dirname "$1")
 . "$(dirname "$0")/../apps/lib.sh"
@@ -19,7 +19,8 @@ masked() {
   tr -d '\r' | sed -E \
     -e "s/\b$computer\b/WS-01/g" \
     -e 's/[0-9]{4}-[0-9]{2}-[0-9]{2}[T ][0-9:.]{8,12}Z?/DATE/g; s/\b[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}\b/TIME/g' \
-    -e 's/\b[0-9]{5,}\b/NUMBER/g; s/\b[0-9]+ (ms|bytes)\b/N \1/g' \
+    -e 's/\b[0-9]+ (ms|bytes)\b/N \1/g; s/\bsession [0-9]+\b/session N/g' \
+    -e 's/\b2015\b/SCHEMA/g; s/\b[0-9]{2,}\b/NUMBER/g' \
     -e 's/^(machine: |MACHINE ID.*: |CURRENT TIME.*: |HOSTNAME.*: ).*/\1MASKED/' \
     -e 's/[[:space:]]+/ /g; s/ $//'
 }
