@@ -1,4 +1,10 @@
-# Cross build for 64-bit Windows with Debian's mingw-w64 (the posix-threads variant has std::thread and std::mutex).
+# Build for 64-bit Windows with mingw-w64 (the posix-threads variant has std::thread and std::mutex).
+if(CMAKE_HOST_WIN32)  # the compiler at hand, such as MSYS2's; programs run by themselves
+  set(CMAKE_C_COMPILER gcc)
+  set(CMAKE_CXX_COMPILER g++)
+  return()
+endif()
+
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 

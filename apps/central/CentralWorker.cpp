@@ -4,7 +4,7 @@
 
 #include "apps/central/FrameReader.h"
 #include "apps/central/Requests.h"
-#include "apps/central/WaitWritable.h"
+#include "apps/common/WaitWritable.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "apps/central/SelfConnect.h"
-#include "apps/central/WaitWritable.h"
+#include "apps/common/SelfConnect.h"
+#include "apps/common/WaitWritable.h"
 
 namespace {
 

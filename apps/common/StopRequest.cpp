@@ -1,6 +1,14 @@
 #include "apps/common/StopRequest.h"
 
+#include <stdexcept>
+
 namespace {
+
+HANDLE makeEvent() {
+    const HANDLE made = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    if (made == nullptr) throw std::runtime_error("the system makes no event");
+    return made;
+}
 
 BOOL WINAPI onControl(DWORD) {
     StopRequest::make();
@@ -12,7 +20,7 @@ BOOL WINAPI onControl(DWORD) {
 // Never closed: the system calls onControl on a thread of its own, which may still run when the
 // handler has been taken away.
 HANDLE StopRequest::event() {
-    static const HANDLE made = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    static const HANDLE made = makeEvent();
     return made;
 }
 

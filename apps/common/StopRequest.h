@@ -6,13 +6,14 @@
 // While one lives, such a request sets the event and does not end the program. One lives at a time.
 class StopRequest {
   public:
-    // No request has been made.
+    // No request has been made. Throws std::runtime_error when the system makes no event.
     StopRequest();
     ~StopRequest();
     StopRequest(const StopRequest&) = delete;
     StopRequest& operator=(const StopRequest&) = delete;
 
-    // The program's one event, for waiting. Any thread may use it at any time.
+    // The program's one event, for waiting. Any thread may use it at any time; it throws as the
+    // constructor does, and not once that has been through.
     static HANDLE event();
     static bool isMade() { return ::WaitForSingleObject(event(), 0) == WAIT_OBJECT_0; }
     // Requests the stop from inside the program.

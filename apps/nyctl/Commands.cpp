@@ -1,8 +1,15 @@
 #include "apps/nyctl/Commands.h"
 
 #include "apps/nyctl/CommandTools.h"
+#include "apps/nyctl/Doctor.h"
 
 namespace {
+
+// It makes connections of its own, so that it can say why there is none.
+const std::vector<Command> kDoctor = {
+    {"doctor",
+     "Check in seven steps what a host needs of the server, and explain the first failure",
+     "doctor", &defineDoctor}};
 
 enum class Needs { server, nothing };
 
@@ -39,6 +46,7 @@ void addCommands(CLI::App& app, Session& session, const Output& output, ExitStat
          {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
         adder.add(app, *family, Needs::server);
     }
+    adder.add(app, kDoctor, Needs::nothing);
     CLI::App* const online =
         app.add_subcommand("online", "Asks the maker's online service, not the central server");
     online->require_subcommand(1);

@@ -92,11 +92,11 @@ void Output::lines(const char* name, const std::vector<std::string>& lines) cons
     std::fflush(stdout);
 }
 
-void Output::next(const std::string& line, const Record& record) const {
+void Output::next(const std::vector<std::string>& lines, const Record& record) const {
     if (m_options.json) {
         printJson(record);
     } else {
-        std::printf("%s\n", printable(line).c_str());
+        for (const std::string& line : lines) std::printf("%s\n", printable(line).c_str());
     }
     std::fflush(stdout);
 }

@@ -20,8 +20,8 @@ class Output {
     void table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const;
     // Lines of text: as they are, or one object {name: line} each.
     void lines(const char* name, const std::vector<std::string>& lines) const;
-    // The next thing of a series that goes on: `line`, or one object. Nothing is held back.
-    void next(const std::string& line, const Record& record) const;
+    // The next thing of a series that goes on: `lines`, or one object. Nothing is held back.
+    void next(const std::vector<std::string>& lines, const Record& record) const;
     // The lines of a text, without their ends.
     static std::vector<std::string> split(const std::string& text);
     // What is no result, on standard error.

@@ -5,23 +5,15 @@
 #include "apps/common/Utf8.h"
 #include "NyServer/socket/SocketCodes.h"
 
-namespace {
-
-bool splitServer(const std::string& server, std::string& host, int& port) {
+std::optional<ServerAddress> parseServer(const std::string& server) {
     const size_t colon = server.rfind(':');
-    if (colon == std::string::npos || colon == 0) return false;
-    host = server.substr(0, colon);
+    if (colon == std::string::npos || colon == 0) return std::nullopt;
+    ServerAddress address{server.substr(0, colon)};
     const char* const end = server.data() + server.size();
-    const auto [last, error] = std::from_chars(server.data() + colon + 1, end, port);
-    return error == std::errc() && last == end && port > 0 && port <= 0xFFFF;
-}
-
-}  // namespace
-
-bool isServerAddress(const std::string& server) {
-    std::string host;
-    int port = 0;
-    return splitServer(server, host, port);
+    const auto [last, error] = std::from_chars(server.data() + colon + 1, end, address.port);
+    if (error != std::errc() || last != end || address.port < 1 || address.port > 0xFFFF)
+        return std::nullopt;
+    return address;
 }
 
 void Session::close() {
@@ -30,13 +22,16 @@ void Session::close() {
     m_listener.reset();
 }
 
+bool Session::connect() {
+    if (m_connected) return true;
+    const auto address = parseServer(m_options.server);
+    m_connected = address && m_client.connect(address->port, address->host.c_str(), -1) == 0;
+    return m_connected;
+}
+
 bool Session::open() {
     if (m_connected) return true;
-    std::string host;
-    int port = 0;
-    if (!splitServer(m_options.server, host, port)) return false;
-    if (m_client.connect(port, host.c_str(), -1) != 0) return false;
-    m_connected = true;
+    if (!connect()) return false;
     m_client.initializeSchema();
     if (m_client.getSchemaType() == NySe::noSchema) close();
     return m_connected;
@@ -64,8 +59,11 @@ NyServerApp& Session::listener() {
 }
 
 bool Session::listen() {
-    if (m_listening) return true;
-    for (LONG port = firstPort(); port > 0; port = m_client.getAnotherPort()) {
+    return m_listening || listenFrom(firstPort());
+}
+
+bool Session::listenFrom(LONG port) {
+    for (; port > 0; port = m_client.getAnotherPort()) {
         listener().setPortNumber(static_cast<unsigned short>(port));
         if (listener().Start() != UTE_SUCCESS) continue;
         m_user.setPort(port);

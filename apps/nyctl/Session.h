@@ -2,14 +2,20 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "apps/nyctl/Options.h"
 #include "NyServer/client/NySeClientApp.h"
 #include "NyServer/listener/NyServerApp.h"
 
-// Whether `server` is HOST:PORT.
-bool isServerAddress(const std::string& server);
+struct ServerAddress {
+    std::string host;
+    int port = 0;
+};
+
+// HOST:PORT taken apart; nothing when `server` is something else.
+std::optional<ServerAddress> parseServer(const std::string& server);
 
 // Connects when the first command needs it and says good-bye at its end. Used by one thread.
 class Session {
@@ -22,6 +28,8 @@ class Session {
 
     // True when there is a connection on which the schema has been agreed.
     bool open();
+    // The first half of open: true when there is a connection. Nothing is agreed on it yet.
+    bool connect();
     // Ends the connection; the next open makes a new one. For use after a missed answer: one that
     // comes late would be taken for the next request's.
     void close();
@@ -35,9 +43,12 @@ class Session {
     // at another one that it gives when that is taken on this machine. False when there is no
     // connection or the server gave no port that is free.
     bool listen();
+    // The same for a user who has just been registered, from the port on that came with it.
+    bool listenFrom(LONG port);
 
     NySeClientApp& client() { return m_client; }
     const NySeUser& user() const { return m_user; }
+    const Options& options() const { return m_options; }
     const std::string& server() const { return m_options.server; }
     bool isShell() const { return m_options.isShell; }
 

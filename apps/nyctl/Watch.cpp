@@ -9,13 +9,6 @@ namespace {
 // How often the server is looked for and the time is looked at, in milliseconds.
 constexpr DWORD kRound = 100;
 
-bool dispatchOne() {
-    MSG message;
-    if (!::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return false;
-    ::DispatchMessageW(&message);
-    return true;
-}
-
 void awaitMessage() {
     const HANDLE stop = StopRequest::event();
     ::MsgWaitForMultipleObjects(1, &stop, FALSE, kRound, QS_ALLINPUT);
@@ -41,7 +34,7 @@ ExitStatus Watch::follow() {
     m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
         if (const auto end = outcome()) return *end;
-        if (dispatchOne()) continue;
+        if (dispatchNextMessage()) continue;
         // Only now: what came before the server went away is shown first.
         if (!m_context.client().IsConnected()) {
             Output::complain("the server has gone away");
@@ -61,5 +54,5 @@ std::optional<ExitStatus> Watch::outcome() const {
 void Watch::show(NySe::ActionType action, CMemFile& payload) {
     ++m_seen;
     const Notice notice = readNotice(action, payload);
-    m_context.output.next(notice.line, notice.record);
+    m_context.output.next({notice.line}, notice.record);
 }

@@ -29,3 +29,10 @@ LRESULT WatchWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
         m_show(notification.getActionType(), notification.getMemFile());
     return 0;
 }
+
+bool dispatchNextMessage() {
+    MSG message;
+    if (!::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return false;
+    ::DispatchMessageW(&message);
+    return true;
+}

@@ -27,3 +27,6 @@ class WatchWindow : public CWnd {
     NyServerApp& m_listener;
     const Show m_show;
 };
+
+// Dispatches one message of this thread. False when none is waiting.
+bool dispatchNextMessage();

@@ -25,11 +25,12 @@ int run() {
     app.add_option("--server", options.server, "HOST:PORT of the central server")
         ->envname("NYCTL_SERVER")
         ->check([](const std::string& server) {
-            return isServerAddress(server) ? std::string() : server + " is not HOST:PORT";
+            return parseServer(server) ? std::string() : server + " is not HOST:PORT";
         })
         ->capture_default_str();
     app.add_option("--user", options.user, "The name to register under")
         ->envname("NYCTL_USER")
+        ->each([&](const std::string&) { options.isUserChosen = true; })
         ->capture_default_str();
     app.add_flag("--json", options.json, "One JSON object a line instead of tables");
     addCommands(app, session, output, status);

@@ -1,7 +1,7 @@
 // What nyctl's commands do on a central server, as another user's listener and the tables show it.
-#include "apps/nyctl/Commands.h"
 #include "tests/apps/CentralTest.h"
 #include "tests/apps/FrameListener.h"
+#include "tests/apps/NyctlRun.h"
 #include "tests/apps/RecordingNotifier.h"
 
 namespace {
@@ -25,15 +25,7 @@ class NyctlEffects : protected BobsListener, public CentralTest {
     }
 
     // On one connection, as in the shell.
-    ExitStatus run(const std::string& line) {
-        ExitStatus status = exitUsage;
-        CLI::App app("", "");
-        addCommands(app, m_session, m_output, status);
-        ::testing::internal::CaptureStdout();
-        app.parse(line);
-        m_printed = ::testing::internal::GetCapturedStdout();
-        return status;
-    }
+    ExitStatus run(const std::string& line) { return m_run(m_session, m_options, line); }
 
     // The last that Bob was told, once it is of that number.
     RecordingNotifier::Told lastToBob(LONG number) {
@@ -54,13 +46,13 @@ class NyctlEffects : protected BobsListener, public CentralTest {
         EXPECT_EQ(archived(*message), told.body);  // and nothing else
     }
 
-    const std::string& printed() const { return m_printed; }
+    const std::string& printed() const { return m_run.printed(); }
+    const std::string& complaint() const { return m_run.complaint(); }
 
   private:
     Options m_options{"", "Anna", false};
     Session m_session{m_options};
-    const Output m_output{m_options};
-    std::string m_printed;
+    NyctlRun m_run;
 };
 
 TEST_F(NyctlEffects, SendAllReachesTheOthers) {
@@ -139,10 +131,9 @@ class NyctlVerify : public NyctlEffects {
 
 TEST_F(NyctlVerify, HasTheFaultsTold) {
     ASSERT_EQ(exitYes, run("register"));
-    ::testing::internal::CaptureStderr();
     EXPECT_EQ(exitYes, run("verify"));
     const std::string fault = "incoherent: user Bob shares port";
-    EXPECT_NE(std::string::npos, ::testing::internal::GetCapturedStderr().find(fault));
+    EXPECT_NE(std::string::npos, complaint().find(fault)) << complaint();
     EXPECT_EQ(exitYes, run("events 10"));
     EXPECT_NE(std::string::npos, printed().find(fault)) << printed();
 }

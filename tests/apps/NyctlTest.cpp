@@ -1,5 +1,6 @@
 // With what status nyctl's commands end when the server does not do what it should.
-#include "apps/nyctl/Commands.h"
+#include "tests/apps/ListenerPorts.h"
+#include "tests/apps/NyctlRun.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
@@ -28,19 +29,7 @@ class Nyctl : public ::testing::Test {
         m_options.server = "127.0.0.1:" + std::to_string(m_peer->port());
     }
 
-    ExitStatus run(const std::string& line) {
-        Session session(m_options);
-        const Output output(m_options);
-        ExitStatus status = exitUsage;
-        CLI::App app("", "");
-        addCommands(app, session, output, status);
-        ::testing::internal::CaptureStdout();
-        ::testing::internal::CaptureStderr();
-        app.parse(line);
-        m_printed = ::testing::internal::GetCapturedStdout();
-        m_complaint = ::testing::internal::GetCapturedStderr();
-        return status;
-    }
+    ExitStatus run(const std::string& line) { return m_run(m_options, line); }
 
     // The user that nyctl registers has names of this machine: only the length of the request is
     // known.
@@ -63,17 +52,6 @@ class Nyctl : public ::testing::Test {
         return wireOf(static_cast<LONG>(body.size())) + body;
     }
 
-    // The answer to a registration.
-    static std::string userWithPort(LONG port) {
-        NySeUser user;
-        user.setPort(port);
-        NySeMemFile message;
-        message.startWrite(NySe::schema2015);
-        message.writeObject(static_cast<const CObject&>(user));
-        message.stopWriting();
-        return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
-    }
-
     const std::string isAlive = goldenWire("request-isAlive");
     const std::string getVersion = goldenWire("request-getVersion");
     const std::string getLock = goldenWire("request-getLock");
@@ -86,20 +64,19 @@ class Nyctl : public ::testing::Test {
     Options m_options{"", "Anna", false};
     std::vector<std::string> m_received;  // by the last connection, one a step; once it is served
     std::unique_ptr<peers::Peer> m_peer;
-    std::string m_printed;
-    std::string m_complaint;
+    NyctlRun m_run;
 };
 
 TEST_F(Nyctl, PingIsYesForALivingServer) {
     serve({{isAlive, alive}, {getVersion, wireOf(2.5)}});
     EXPECT_EQ(exitYes, run("ping"));
-    EXPECT_EQ("alive: true\nversion: 2.5\nschema: 2015\n", m_printed);
+    EXPECT_EQ("alive: true\nversion: 2.5\nschema: 2015\n", m_run.printed());
 }
 
 TEST_F(Nyctl, PingIsNoForAServerThatAnswersSomethingElse) {
     serve({{isAlive, wireOf<LONG>(5)}, {getVersion, wireOf(2.5)}});
     EXPECT_EQ(exitNo, run("ping"));
-    EXPECT_EQ("alive: false\nversion: 2.5\nschema: 2015\n", m_printed);
+    EXPECT_EQ("alive: false\nversion: 2.5\nschema: 2015\n", m_run.printed());
 }
 
 TEST_F(Nyctl, RegisterIsNoWhenALivingServerGivesNoPort) {
@@ -120,18 +97,18 @@ TEST_F(Nyctl, RegisterHasNoAnswerWhenTheServerStopsHalfWay) {
 TEST_F(Nyctl, WatchIsNoWhenALivingServerGivesNoPort) {
     serve({{registerRequest(), empty}, {isAlive, alive}});
     EXPECT_EQ(exitNo, run("watch"));
-    EXPECT_EQ("nyctl: the server gives no port that is free here\n", m_complaint);
+    EXPECT_EQ("nyctl: the server gives no port that is free here\n", m_run.complaint());
 }
 
 TEST_F(Nyctl, WatchEndsWithTheServer) {
     const LONG port = static_cast<LONG>(peers::RefusingPort().port());
-    serve({{registerRequest(), userWithPort(port)}});
+    serve({{registerRequest(), registrationAnswer(port)}});
     EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: watching at port " + std::to_string(port) +
                   "\nnyctl: the server has gone away\nnyctl: no answer from " + m_options.server +
                   "\n",
-              m_complaint);
+              m_run.complaint());
 }
 
 TEST_F(Nyctl, UsersMayBeNoneOnALivingServer) {
@@ -146,7 +123,7 @@ TEST_F(Nyctl, UsersAreListedOneARow) {
         "user  session  port   host   computer  schema  soft_type\n"
         "Anna  7        40123  ws-01  WS-01     2015    3\n"
         "bob   8        40124  ws-01  WS-01     2015    3\n",
-        m_printed);
+        m_run.printed());
 }
 
 TEST_F(Nyctl, UsersAreListedOneAnObject) {
@@ -158,7 +135,7 @@ TEST_F(Nyctl, UsersAreListedOneAnObject) {
         "\"schema\":2015,\"soft_type\":3}\n"
         "{\"user\":\"bob\",\"session\":8,\"port\":40124,\"host\":\"ws-01\",\"computer\":\"WS-01\","
         "\"schema\":2015,\"soft_type\":3}\n",
-        m_printed);
+        m_run.printed());
 }
 
 TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
@@ -172,19 +149,19 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
     serve({{getAllUser,
             std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength())}});
     EXPECT_EQ(exitYes, run("users"));
-    EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+    EXPECT_NE(std::string::npos, m_run.printed().find("a?[2Jb?c")) << m_run.printed();
 }
 
 TEST_F(Nyctl, LocksHasNoAnswerWhenTheUsersDoNotCome) {
     serve({{getLock, goldenWire("reply-locks")}});
     EXPECT_EQ(exitNoAnswer, run("locks"));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
 }
 
 TEST_F(Nyctl, LocksMayBeHeldByNobodyOnALivingServer) {
     serve({{getLock, goldenWire("reply-locks")}, {getAllUser, noUsers()}, {isAlive, alive}});
     EXPECT_EQ(exitYes, run("locks"));
-    EXPECT_NE(std::string::npos, m_printed.find("Part/43  9")) << m_printed;
+    EXPECT_NE(std::string::npos, m_run.printed().find("Part/43  9")) << m_run.printed();
 }
 
 TEST_F(Nyctl, LocksAreListedWithWhoHoldsThem) {
@@ -195,7 +172,7 @@ TEST_F(Nyctl, LocksAreListedWithWhoHoldsThem) {
         "part/42  1              0x01  access1\n"
         "part/42  7        Anna  0x18  exclude1+exclude2\n"
         "Part/43  9              0x10  exclude2\n",
-        m_printed);
+        m_run.printed());
 }
 
 TEST_F(Nyctl, ShareModesAreToldInWords) {
@@ -211,7 +188,7 @@ TEST_F(Nyctl, ShareModesAreToldInWords) {
         serve({{registerRequest(), goldenWire("reply-user")}, {lockRequest, std::string(1, '\1')}});
         EXPECT_EQ(exitYes, run(std::string("lock a --mode ") + mode));
         EXPECT_EQ("lock: a\ngranted: true\nmode: " + std::string(mode) + "\nwords: " + words + '\n',
-                  m_printed);
+                  m_run.printed());
     }
 }
 
@@ -227,7 +204,7 @@ TEST_F(Nyctl, SendConnectionSendsTheIdTheNumberAndTheText) {
 TEST_F(Nyctl, PortIsNoWhenALivingServerHasNone) {
     serve({{goldenWire("request-getAnotherPort"), wireOf<LONG>(-1)}, {isAlive, alive}});
     EXPECT_EQ(exitNo, run("port"));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
 }
 
 TEST_F(Nyctl, RenameIsNoWhenALivingServerRefuses) {
@@ -242,7 +219,7 @@ TEST_F(Nyctl, OpenIsNoWhenALivingServerRefuses) {
            {goldenWire("request-openConnection"), wireOf<LONG>(-1)},
            {isAlive, alive}});
     EXPECT_EQ(exitNo, run("open Server=a;Db=b"));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
 }
 
 TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
@@ -254,8 +231,8 @@ TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
                              "events 1", "shutdown",      "watch"}) {
         serve({});
         EXPECT_EQ(exitNoAnswer, run(line)) << line;
-        EXPECT_EQ("", m_printed) << line;
-        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_complaint) << line;
+        EXPECT_EQ("", m_run.printed()) << line;
+        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_run.complaint()) << line;
     }
 }
 
@@ -275,10 +252,10 @@ TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
 
 TEST(NyctlServerAddress, IsHostAndPort) {
     for (const char* good : {"127.0.0.1:1", "host:65535", "a:b:80"})
-        EXPECT_TRUE(isServerAddress(good)) << good;
+        EXPECT_TRUE(parseServer(good)) << good;
     for (const char* bad :
          {"", "host", ":80", "host:", "host:0", "host:65536", "host:8x", "host:-1"}) {
-        EXPECT_FALSE(isServerAddress(bad)) << bad;
+        EXPECT_FALSE(parseServer(bad)) << bad;
     }
 }
 

@@ -3,31 +3,14 @@
 #include <thread>
 
 #include "apps/common/StopRequest.h"
-#include "apps/nyctl/Commands.h"
 #include "apps/nyctl/WatchWindow.h"
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/CentralTest.h"
+#include "tests/apps/ListenerPorts.h"
+#include "tests/apps/NyctlRun.h"
 
 namespace {
-
-// Ports at which nobody listens any more.
-std::vector<LONG> freePorts(size_t count) {
-    const std::vector<peers::RefusingPort> bound(count);
-    std::vector<LONG> ports;
-    for (const auto& one : bound) ports.push_back(static_cast<LONG>(one.port()));
-    return ports;
-}
-
-// Somebody else's listener, on all interfaces as a user's is.
-class TakenPort {
-  public:
-    TakenPort() { EXPECT_EQ(0, m_occupant.Start()); }
-    LONG port() const { return static_cast<LONG>(m_occupant.GetBoundPort()); }
-
-  private:
-    NyServerApp m_occupant;
-};
 
 // Bob watches, and Anna is `client`.
 class NyctlWatch : public CentralTest {
@@ -43,15 +26,7 @@ class NyctlWatch : public CentralTest {
     }
 
     ExitStatus watch(const std::string& options) {
-        ExitStatus status = exitUsage;
-        CLI::App app("", "");
-        addCommands(app, session, m_output, status);
-        ::testing::internal::CaptureStdout();
-        ::testing::internal::CaptureStderr();
-        app.parse("watch " + options);
-        m_printed = ::testing::internal::GetCapturedStdout();
-        m_complaint = ::testing::internal::GetCapturedStderr();
-        return status;
+        return m_run(session, m_options, "watch " + options);
     }
 
     // While `act` is done on another thread, as soon as Bob is registered and has his window.
@@ -102,7 +77,7 @@ class NyctlWatch : public CentralTest {
     // Whatever is sent to all, in its bytes.
     void sendAll(const std::string& object) { send(client, request(74, object)); }
 
-    std::vector<std::string> lines() const { return Output::split(m_printed); }
+    std::vector<std::string> lines() const { return Output::split(m_run.printed()); }
     std::vector<nlohmann::json> objects() const {
         std::vector<nlohmann::json> parsed;
         for (const std::string& line : lines()) parsed.push_back(nlohmann::json::parse(line));
@@ -111,9 +86,7 @@ class NyctlWatch : public CentralTest {
 
     Options m_options{"", "Bob", false};
     Session session{m_options};
-    const Output m_output{m_options};
-    std::string m_printed;
-    std::string m_complaint;
+    NyctlRun m_run;
 };
 
 TEST_F(NyctlWatch, ShowsEveryNotificationInALine) {
@@ -130,7 +103,7 @@ TEST_F(NyctlWatch, ShowsEveryNotificationInALine) {
         "58 data for all  NySeMessage: saved",
         "55 a user left  NySeUser: Anna, session 1, port [0-9]+ on ",
     };
-    ASSERT_EQ(std::size(patterns), lines().size()) << m_printed << m_complaint;
+    ASSERT_EQ(std::size(patterns), lines().size()) << m_run.printed() << m_run.complaint();
     for (size_t i = 0; i < std::size(patterns); ++i) {
         const std::regex whole(std::string("\\d\\d:\\d\\d:\\d\\d\\.\\d{3}  ") + patterns[i] +
                                "  \\([1-9][0-9]* bytes\\)");
@@ -142,7 +115,7 @@ TEST_F(NyctlWatch, ShowsEveryNotificationAsAnObject) {
     m_options.json = true;
     EXPECT_EQ(exitYes, watchAll());
     const std::vector<nlohmann::json> shown = objects();
-    ASSERT_EQ(9U, shown.size()) << m_printed << m_complaint;
+    ASSERT_EQ(9U, shown.size()) << m_run.printed() << m_run.complaint();
     const nlohmann::json saved = {{"message", "saved"}};
     const nlohmann::json anna = {{"user", "Anna"},
                                  {"session", 1},
@@ -191,7 +164,7 @@ TEST_F(NyctlWatch, TellsTheTimeAndTheSizeOfThePayload) {
     ASSERT_EQ(1U, objects().size());
     EXPECT_EQ(archived(saved).size(), objects()[0]["size"]);
     const std::regex utc("\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}Z");
-    EXPECT_TRUE(std::regex_match(objects()[0]["time"].get<std::string>(), utc)) << m_printed;
+    EXPECT_TRUE(std::regex_match(objects()[0]["time"].get<std::string>(), utc)) << m_run.printed();
 }
 
 TEST_F(NyctlWatch, NamesEachHolderOfALock) {
@@ -206,7 +179,7 @@ TEST_F(NyctlWatch, NamesEachHolderOfALock) {
     ASSERT_EQ(2U, lines().size());
     EXPECT_NE(std::string::npos,
               lines()[1].find("a, held by session 1 (access2), session 2 (access1)"))
-        << m_printed;
+        << m_run.printed();
 }
 
 TEST_F(NyctlWatch, BearsPayloadsThatAreNoObject) {
@@ -219,7 +192,7 @@ TEST_F(NyctlWatch, BearsPayloadsThatAreNoObject) {
             sendAll(one);
     };
     EXPECT_EQ(exitYes, watchWhile(act, "--count 5 --timeout 60"));
-    ASSERT_EQ(5U, lines().size()) << m_printed;
+    ASSERT_EQ(5U, lines().size()) << m_run.printed();
     EXPECT_NE(std::string::npos, lines()[0].find("58 data for all  no object  (3 bytes)"));
     for (size_t i = 0; i < 4; ++i)
         EXPECT_NE(std::string::npos, lines()[i].find("no object")) << lines()[i];
@@ -248,7 +221,7 @@ TEST_F(NyctlWatch, TextsOfOthersDoNotSteerTheTerminal) {
     NySeMessage hostile = message("a\x1b[2Jb\nc");
     watchWhile([&] { client.sendAllUserData(hostile); }, "--count 1 --timeout 60");
     EXPECT_EQ(1U, lines().size());
-    EXPECT_NE(std::string::npos, m_printed.find("a?[2Jb?c")) << m_printed;
+    EXPECT_NE(std::string::npos, m_run.printed().find("a?[2Jb?c")) << m_run.printed();
 }
 
 TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreComes) {
@@ -269,21 +242,19 @@ TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
     const ULONGLONG begin = ::GetTickCount64();
     EXPECT_EQ(exitYes, watch("--timeout 0.3"));
     EXPECT_GE(::GetTickCount64() - begin, 280U);
-    EXPECT_EQ("", m_printed);
-    EXPECT_NE(std::string::npos, m_complaint.find("nyctl: watching at port "));
+    EXPECT_EQ("", m_run.printed());
+    EXPECT_NE(std::string::npos, m_run.complaint().find("nyctl: watching at port "));
 }
 
 TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
     for (const char* options : {"--count 0", "--count -1", "--timeout 0", "--timeout -1"}) {
         EXPECT_THROW(watch(options), CLI::ParseError) << options;
-        ::testing::internal::GetCapturedStdout();
-        ::testing::internal::GetCapturedStderr();
     }
 }
 
 TEST_F(NyctlWatch, AStopRequestEndsItWell) {
     EXPECT_EQ(exitYes, watchWhile([] { StopRequest::make(); }, "--count 1 --timeout 60"));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
 }
 
 TEST_F(NyctlWatch, AnEarlierStopRequestIsForgotten) {
@@ -296,7 +267,7 @@ TEST_F(NyctlWatch, InTheShellItHasToEnd) {
     EXPECT_EQ(exitUsage, watch(""));
     EXPECT_EQ(
         "nyctl: watch without --count or --timeout would never come to the shell's next line\n",
-        m_complaint);
+        m_run.complaint());
     EXPECT_FALSE(isThere("Bob"));
     EXPECT_EQ(exitYes, watch("--timeout 0.1"));
     EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.1"));
@@ -343,7 +314,12 @@ class NyctlWatchTakenPort : protected TakenPort, public NyctlWatch {
 };
 
 TEST_F(NyctlWatchTakenPort, IsPassedOver) {
-    EXPECT_EQ(exitYes, watchWhile([this] { client.lock("a", 0x01); }, "--count 1 --timeout 60"));
+    const auto act = [this] {
+        // What is told before that goes to the occupant.
+        EXPECT_TRUE(eventually([this] { return bob().getPort() != TakenPort::port(); }));
+        client.lock("a", 0x01);
+    };
+    EXPECT_EQ(exitYes, watchWhile(act, "--count 1 --timeout 60"));
     EXPECT_NE(TakenPort::port(), session.listener().getPortNumber());
     EXPECT_EQ(1U, lines().size());
 }
@@ -356,8 +332,8 @@ class NyctlWatchNoPort : protected TakenPort, public NyctlWatch {
 TEST_F(NyctlWatchNoPort, IsRefused) {
     EXPECT_EQ(exitNo, watch("--timeout 5"));
     EXPECT_NE(std::string::npos,
-              m_complaint.find("nyctl: the server gives no port that is free here\n"))
-        << m_complaint;
+              m_run.complaint().find("nyctl: the server gives no port that is free here\n"))
+        << m_run.complaint();
 }
 
 // A listener of which nobody knows.

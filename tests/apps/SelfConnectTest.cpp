@@ -1,4 +1,4 @@
-#include "apps/central/SelfConnect.h"
+#include "apps/common/SelfConnect.h"
 
 #include <gtest/gtest.h>
 

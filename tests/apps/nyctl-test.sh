@@ -40,6 +40,11 @@ expect 0 'user  session  port' users
 expect 0 '' --json users
 expect 0 'ping' --help
 
+expect 0 'window message  ok' doctor
+NYCTL_USER=Carla expect 0 'registration    ok           Carla is session' doctor
+expect 3 'connect         FAILED' --server 127.0.0.1:1 doctor
+expect 2 'not in range' doctor --patience 0
+
 expect 2 'subcommand is required'
 expect 2 'subcommand is required' no-such-command
 expect 2 'not expected' ping --no-such-option
@@ -50,7 +55,7 @@ expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
 for command in ping register users port rename send-connection send-user send-all watch lock unlock holders locks open close \
-  openers connections time machine info verify events shutdown; do
+  openers connections time machine info verify events shutdown doctor; do
   expect 0 "Example: nyctl $command" $command --help
 done
 expect 0 'Example: ' shell --help

@@ -5,6 +5,8 @@
 #include <map>
 #include <sstream>
 
+#include "NyServer/base/mfc/CArchiveObjects.h"
+#include "NyServer/framing/NySeReply.h"
 #include "tests/support/Golden.h"
 
 namespace {
@@ -64,6 +66,15 @@ TEST_F(WireFormatDocument, NamesEveryRequestByItsCode) {
             "\n| " + std::to_string(code) + " | `" + vector.name.substr(8) + "`";
         EXPECT_TRUE(says(row)) << row;
     }
+}
+
+TEST_F(WireFormatDocument, StatesTheBoundsOfReaders) {
+    EXPECT_TRUE(says("| nesting of objects | " + std::to_string(kDeepestNesting) + " |"));
+    EXPECT_TRUE(says("| 1 to " + std::to_string(kLongestClassName) + " characters, "));
+    std::ostringstream numbers;
+    numbers << "| 0x" << std::hex << std::uppercase << kLastNumber << "; only those";
+    EXPECT_TRUE(says(numbers.str())) << numbers.str();
+    EXPECT_TRUE(says("in steps of " + std::to_string(NySe::kReceiveStep / 1024) + " KiB"));
 }
 
 }  // namespace

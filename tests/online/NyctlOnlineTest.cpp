@@ -1,5 +1,5 @@
 // nyctl's commands about the online service: what they print, and with what status they end.
-#include "apps/nyctl/Commands.h"
+#include "tests/apps/NyctlRun.h"
 #include "tests/online/OnlineTest.h"
 
 namespace {
@@ -8,30 +8,18 @@ class NyctlOnline : public OnlineTest {
   protected:
     // There is no central server, and none is needed.
     ExitStatus run(const std::string& line) {
-        const Options options{"127.0.0.1:1", "Anna", m_json};
-        Session session(options);
-        const Output output(options);
-        ExitStatus status = exitUsage;
-        CLI::App app("", "");
-        addCommands(app, session, output, status);
-        ::testing::internal::CaptureStdout();
-        ::testing::internal::CaptureStderr();
-        app.parse(line);
-        m_printed = ::testing::internal::GetCapturedStdout();
-        m_complaint = ::testing::internal::GetCapturedStderr();
-        return status;
+        return m_run(Options{"127.0.0.1:1", "Anna", m_json}, line);
     }
 
     static std::string url(unsigned int port) { return "http://127.0.0.1:" + std::to_string(port); }
 
     bool m_json = false;
-    std::string m_printed;
-    std::string m_complaint;
+    NyctlRun m_run;
 };
 
 TEST_F(NyctlOnline, PingsProductionByDefault) {
     EXPECT_EQ(exitYes, run("online ping"));
-    EXPECT_EQ("service: production\nreachable: true\n", m_printed);
+    EXPECT_EQ("service: production\nreachable: true\n", m_run.printed());
     EXPECT_EQ(Paths{kPingPath}, m_production.paths());
 }
 
@@ -49,32 +37,33 @@ TEST_F(NyctlOnline, PingsTheServiceNamed) {
 TEST_F(NyctlOnline, PrintsJson) {
     m_json = true;
     EXPECT_EQ(exitYes, run("online ping --service test"));
-    EXPECT_EQ("{\"service\":\"test\",\"reachable\":true}\n", m_printed);
+    EXPECT_EQ("{\"service\":\"test\",\"reachable\":true}\n", m_run.printed());
     EXPECT_EQ(exitYes, run("online version 42"));
-    EXPECT_EQ("{\"product\":42,\"version\":\"production\"}\n", m_printed);
+    EXPECT_EQ("{\"product\":42,\"version\":\"production\"}\n", m_run.printed());
 }
 
 TEST_F(NyctlOnline, HasNoAnswerFromAServiceThatIsNotThere) {
     const peers::RefusingPort nobody;
     for (const char* command : {"online ping", "online version 42"}) {
         EXPECT_EQ(exitNoAnswer, run(command + (" --service " + url(nobody.port()))));
-        EXPECT_EQ("", m_printed);
-        EXPECT_EQ("nyctl: no answer from the service " + url(nobody.port()) + "\n", m_complaint);
+        EXPECT_EQ("", m_run.printed());
+        EXPECT_EQ("nyctl: no answer from the service " + url(nobody.port()) + "\n",
+                  m_run.complaint());
     }
 }
 
 TEST_F(NyctlOnline, TellsTheVersion) {
     EXPECT_EQ(exitYes, run("online version 42 --service test"));
-    EXPECT_EQ("product: 42\nversion: test\n", m_printed);
+    EXPECT_EQ("product: 42\nversion: test\n", m_run.printed());
     EXPECT_EQ(Paths{kVersionPath}, m_test.paths());
 }
 
 TEST_F(NyctlOnline, FindsNoVersionAtAServiceThatPublishesNone) {
     const WebServer custom(page("<ANSWER/>"));
     EXPECT_EQ(exitNo, run("online version 42 --service " + url(custom.port())));
-    EXPECT_EQ("", m_printed);
+    EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: no version of product 42, or no production service, which is tried first\n",
-              m_complaint);
+              m_run.complaint());
 }
 
 TEST_F(NyctlOnline, LeavesTheProductionServiceChosen) {
@@ -85,8 +74,6 @@ TEST_F(NyctlOnline, LeavesTheProductionServiceChosen) {
 TEST_F(NyctlOnline, TakesNoOtherServices) {
     for (const char* service : {"nonsense", "ftp://127.0.0.1/", "Test"}) {
         EXPECT_THROW(run(std::string("online ping --service ") + service), CLI::ValidationError);
-        ::testing::internal::GetCapturedStdout();
-        ::testing::internal::GetCapturedStderr();
     }
 }
 

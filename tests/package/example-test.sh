@@ -44,11 +44,8 @@ same "grants" $'granted: false\ngranted: true' "$(tr -d '\r' <<< "$said" | grep 
 status=0
 wait "$host" || status=$?
 [ $status -eq 0 ] || fail "the host ended with $status"
-same "lines of the host" "holding part/1
-notification 54: user Zoë
-notification 50: lock pärt/2
-notification 51: lock pärt/2
-notification 55: user Zoë" "$(tr -d '\r' < "$work/host.log")"
+same "lines of the host" "$(sed -n '/^holding/,/^```/p' "$root/examples/host/README.md" | grep -v '```' |
+  sed 's/Anna/Zoë/; s/part\/2/pärt\/2/')" "$(tr -d '\r' < "$work/host.log")"
 
 # Nothing of the host is left once the server has read its good-bye.
 for _ in $(seq 50); do
@@ -57,6 +54,21 @@ for _ in $(seq 50); do
   sleep 0.1
 done
 same "locks" 'lock  session  user  mode  words' "$locks"
+
+# The small one is told of another user's lock.
+run "$scratch/example/small.exe" 127.0.0.1 "$port" > "$work/small.log" 2>&1 &
+host=$!
+for _ in $(seq 200); do
+  users=$(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" users)
+  [[ $users != *Small* ]] || break
+  sleep 0.1
+done
+(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" lock part/3 > /dev/null)
+status=0
+wait "$host" || status=$?
+[ $status -eq 0 ] || fail "the small host ended with $status"
+same "lines of the small host" $'notification 54\nnotification 50\nnotification 51' "$(tr -d '\r' < "$work/small.log")"
+
 (run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" shutdown)
 expect_stopped
 report

@@ -22,6 +22,15 @@ class Resources : public testing::Test {
 
     static HMODULE finder(LPCWSTR name) { return AfxFindResourceHandle(name, RT_RCDATA); }
 
+    // Those of the second guest are found when the first has gone.
+    void expectTheFirstGuestsAndThenTheSeconds() {
+        EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+        EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+        m_first.free();
+        EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+        EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    }
+
     LoadedGuest m_first{1};
     LoadedGuest m_second{2};
     HMODULE m_program = ::GetModuleHandleW(nullptr);
@@ -65,11 +74,7 @@ TEST_F(Resources, OfSystemModulesAreSearchedLast) {
     AFX_EXTENSION_MODULE state = m_second.state();
     m_second.dismiss();
     const CDynLinkLibrary system(state, TRUE);
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
-    m_first.free();
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    expectTheFirstGuestsAndThenTheSeconds();
 }
 
 TEST_F(Resources, OfTheCurrentModuleAreSearchedAfterTheOthersWhenItIsTheSystems) {
@@ -78,11 +83,7 @@ TEST_F(Resources, OfTheCurrentModuleAreSearchedAfterTheOthersWhenItIsTheSystems)
     AfxSetResourceHandle(m_second.handle());
     EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
     const CDynLinkLibrary system(state, TRUE);
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
-    m_first.free();
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    expectTheFirstGuestsAndThenTheSeconds();
 }
 
 TEST_F(Resources, OfTheCurrentSystemModuleAreSearchedBeforeThoseOfOthers) {

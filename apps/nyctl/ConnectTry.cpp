@@ -1,0 +1,47 @@
+#include "apps/nyctl/ConnectTry.h"
+
+#include "apps/common/SelfConnect.h"
+#include "apps/common/WaitWritable.h"
+#include "NyServer/socket/SocketCalls.h"
+
+namespace {
+
+sockaddr_in addressOf(const std::string& dotted, int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = ::htons(static_cast<u_short>(port));
+    address.sin_addr.s_addr = ::inet_addr(dotted.c_str());
+    return address;
+}
+
+ConnectOutcome outcomeOf(int error) {
+    return error == WSAECONNREFUSED ? ConnectOutcome::refused : ConnectOutcome::unreachable;
+}
+
+int pendingError(SOCKET socket) {
+    int error = 0;
+    int size = sizeof error;
+    ::getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size);
+    return error;
+}
+
+}  // namespace
+
+ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds patience) {
+    const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    u_long nonBlocking = 1;
+    ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
+    const sockaddr_in to = addressOf(address, port);
+    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&to), sizeof to) != 0 &&
+        ::WSAGetLastError() != WSAEWOULDBLOCK)
+        return outcomeOf(::WSAGetLastError());
+    const auto end = std::chrono::steady_clock::now() + patience;
+    Readiness readiness = Readiness::notYet;
+    while (readiness == Readiness::notYet && std::chrono::steady_clock::now() < end)
+        readiness = waitWritable(socket.get());
+    if (readiness == Readiness::notYet) return ConnectOutcome::silent;
+    if (const int error = pendingError(socket.get())) return outcomeOf(error);
+    return readiness == Readiness::ready && !isConnectedToItself(socket.get())
+               ? ConnectOutcome::connected
+               : ConnectOutcome::refused;
+}

@@ -1,0 +1,11 @@
+// Whether anybody takes connections at an address.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+enum class ConnectOutcome { connected, refused, unreachable, silent };
+
+// Connects to `port` of the dotted address and closes again. silent: nothing came back within
+// `patience`. REQUIRES: Winsock is started.
+ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds patience);

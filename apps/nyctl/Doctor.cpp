@@ -1,0 +1,174 @@
+// The checks of the connection, and how all are shown.
+#include "apps/nyctl/Doctor.h"
+
+#include <algorithm>
+
+#include "apps/nyctl/ConnectTry.h"
+#include "NyServer/socket/CUT_WSClient.h"
+#include "NyServer/socket/SocketCodes.h"
+
+namespace {
+
+constexpr const char* kDefaultUser = "nyctl doctor";
+
+Options withOwnUser(Options options) {
+    if (!options.isUserChosen) options.user = kDefaultUser;
+    return options;
+}
+
+// `text` in a column of that width.
+std::string cell(std::string text, size_t width) {
+    text.resize(std::max(width, text.size()), ' ');
+    return text;
+}
+
+std::string row(const char* first, const char* second, const std::string& third) {
+    return cell(first, 16) + cell(second, 13) + third;
+}
+
+void show(const Output& output, const char* name, const Finding& finding) {
+    if (finding.status == exitYes) {
+        output.next({row(name, "ok", finding.found)},
+                    {{"check", name}, {"result", "ok"}, {"found", finding.found}});
+        return;
+    }
+    output.next({row(name, "FAILED", finding.found), row("", "it means", finding.meaning),
+                 row("", "do", finding.remedy)},
+                {{"check", name},
+                 {"result", "failed"},
+                 {"found", finding.found},
+                 {"means", finding.meaning},
+                 {"do", finding.remedy}});
+}
+
+void showNotReached(const Output& output, const char* name) {
+    output.next({cell(name, 16) + "not reached"}, {{"check", name}, {"result", "not reached"}});
+}
+
+}  // namespace
+
+const std::array<Doctor::Check, 7> Doctor::kChecks = {
+    {{"name look-up", &Doctor::lookUpName},
+     {"connect", &Doctor::connect},
+     {"schema", &Doctor::agreeOnSchema},
+     {"liveness", &Doctor::askForLife},
+     {"registration", &Doctor::registerUser},
+     {"listener port", &Doctor::awaitServer},
+     {"window message", &Doctor::awaitNotification}}};
+
+Doctor::Doctor(const Options& options, std::chrono::seconds patience)
+    : m_options(withOwnUser(options)),
+      m_server(parseServer(options.server).value_or(ServerAddress())),
+      m_patience(patience),
+      m_session(m_options) {}
+
+ExitStatus Doctor::examine(const Output& output) {
+    ExitStatus status = exitYes;
+    for (const Check& check : kChecks) {
+        if (status != exitYes) {
+            showNotReached(output, check.name);
+            continue;
+        }
+        const Finding finding = (this->*check.run)();
+        show(output, check.name, finding);
+        status = finding.status;
+    }
+    return status;
+}
+
+Finding Doctor::lookUpName() {
+    CUT_WSClient client;
+    const char* const name = m_server.host.c_str();
+    if (client.IsIPAddress(name) == 1) {
+        m_dotted = m_server.host;
+        return Finding::well(m_dotted + " is an address");
+    }
+    char dotted[30] = "";
+    if (client.GetAddressFromName(name, dotted, sizeof dotted) == UTE_SUCCESS) m_dotted = dotted;
+    if (!m_dotted.empty()) return Finding::well(m_server.host + " is " + m_dotted);
+    return {"no address of " + m_server.host, "this machine's name service does not know the name",
+            "look at the spelling; try the IPv4 address in its place: nyctl --server ADDRESS:" +
+                std::to_string(m_server.port) + " doctor",
+            exitNoAnswer};
+}
+
+Finding Doctor::connect() {
+    const std::string where = m_dotted + ':' + std::to_string(m_server.port);
+    ConnectOutcome outcome = tryConnect(m_dotted, m_server.port, m_patience);
+    if (outcome == ConnectOutcome::connected && !m_session.connect())
+        outcome = ConnectOutcome::refused;
+    switch (outcome) {
+        case ConnectOutcome::connected:
+            return Finding::well(where + " takes connections");
+        case ConnectOutcome::refused:
+            return {where + " refuses connections",
+                    "the machine is there, but no program listens at this port of this address",
+                    "start the central server, and give the port that it says it listens on; one "
+                    "that listens on 127.0.0.1 is for its own machine only (nycentral --bind)",
+                    exitNoAnswer};
+        case ConnectOutcome::unreachable:
+            return {where + " cannot be reached", "no network leads from this machine to that one",
+                    "look at the address, and at this machine's network", exitNoAnswer};
+        default:
+            return {where + " does not answer within " + patience(),
+                    "the machine is off, or a firewall swallows what is sent to this port",
+                    "look whether the machine runs, and let the port through the firewalls",
+                    exitNoAnswer};
+    }
+}
+
+Finding Doctor::agreeOnSchema() {
+    NySeClientApp& client = m_session.client();
+    client.initializeSchema();
+    const auto schema = static_cast<unsigned>(client.getSchemaType());
+    if (schema == NySe::schema2015) return Finding::well(std::to_string(schema));
+    if (schema != NySe::noSchema)
+        return {"the server grants " + std::to_string(schema) + ", not 2015",
+                "it writes its records otherwise, or it is no central server at all",
+                "use a central server of schema 2015; look whether the port is that of another "
+                "program",
+                exitNo};
+    if (client.IsConnected() == 0)
+        return {"the server closes the connection",
+                "it serves as many clients as it may, or it is no central server",
+                "look at what it says; have other clients end, or start it with a larger "
+                "--max-sessions; look whether the port is that of another program",
+                exitNoAnswer};
+    return {"no schema within 15 s", "it hangs, or what listens there is no central server",
+            "look whether the port is that of another program; start the server again",
+            exitNoAnswer};
+}
+
+Finding Doctor::askForLife() {
+    if (m_session.client().isAlive()) return Finding::well("the server says that it is alive");
+    return {"no sign of life", "the server agreed on the schema, but then stopped answering",
+            "look at what it says and at how busy its machine is; start it again", exitNoAnswer};
+}
+
+Finding Doctor::registerUser() {
+    if (m_session.registerUser())
+        return Finding::well(m_options.user + " is session " +
+                             std::to_string(user().getSessionNumber()) + ", to be told at port " +
+                             std::to_string(user().getPort()));
+    if (!m_session.client().isAlive())
+        return {"no answer", "the server stopped answering when a user was to be registered",
+                "look at what it says; start it again", exitNoAnswer};
+    return {"the server refuses " + m_options.user,
+            "it has no notification port left, or takes no such user",
+            "have other users end, or start the server with more --ports; try another --user",
+            exitNo};
+}
+
+Run defineDoctor(CLI::App& command) {
+    constexpr int kLongest = 3600;
+    auto patience = std::make_shared<int>(15);
+    command
+        .add_option("--patience", *patience,
+                    "Seconds that the server has for a connection and for a notification")
+        ->check(CLI::Range(1, kLongest))
+        ->capture_default_str();
+    return [patience](Context& context) {
+        return Doctor(context.session.options(), std::chrono::seconds(*patience))
+            .examine(context.output);
+    };
+}

@@ -1,0 +1,41 @@
+// Notification ports for a server to hand out: free ones, one that is taken, and how one is told.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "NyServer/framing/NySeMemFile.h"
+#include "NyServer/listener/NyServerApp.h"
+#include "NyServer/records/NySeUser.h"
+#include "tests/socket/Peers.h"
+
+// Ports at which nobody listens any more.
+inline std::vector<LONG> freePorts(size_t count) {
+    const std::vector<peers::RefusingPort> bound(count);
+    std::vector<LONG> ports;
+    for (const auto& one : bound) ports.push_back(static_cast<LONG>(one.port()));
+    return ports;
+}
+
+// Somebody else's listener, on all interfaces as a user's is.
+class TakenPort {
+  public:
+    TakenPort() { EXPECT_EQ(0, m_occupant.Start()); }
+    LONG port() const { return static_cast<LONG>(m_occupant.GetBoundPort()); }
+
+  private:
+    NyServerApp m_occupant;
+};
+
+// What a server answers to a registration: the user with that port.
+inline std::string registrationAnswer(LONG port) {
+    NySeUser user;
+    user.setPort(port);
+    NySeMemFile message;
+    message.startWrite(NySe::schema2015);
+    message.writeObject(static_cast<const CObject&>(user));
+    message.stopWriting();
+    return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
+}

@@ -1,0 +1,394 @@
+// nyctl doctor: each check on a central server that is all right, and on one that is not.
+#include <atomic>
+
+#include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerApp.h"
+#include "tests/apps/AnsweringServer.h"
+#include "tests/apps/CentralTest.h"
+#include "tests/apps/FrameListener.h"
+#include "tests/apps/ListenerPorts.h"
+#include "tests/apps/NyctlRun.h"
+
+namespace {
+
+constexpr const char* kNames[] = {"name look-up", "connect",       "schema",        "liveness",
+                                  "registration", "listener port", "window message"};
+constexpr size_t kChecks = std::size(kNames);
+
+enum Check { nameLookUp, connecting, schema, liveness, registration, listenerPort, windowMessage };
+
+// One run of the doctor.
+class DoctorRun {
+  public:
+    ExitStatus operator()(const std::string& server, const std::string& arguments = "") {
+        m_options.server = server;
+        return m_run(m_options, "doctor " + arguments);
+    }
+
+    // It ended at this check, which found what begins so; what was before is well.
+    void expectEndsAt(Check check, const std::string& found) const {
+        const std::vector<nlohmann::json> shown = checks();
+        ASSERT_EQ(kChecks, shown.size()) << m_run.printed() << m_run.complaint();
+        for (size_t i = 0; i < kChecks; ++i) {
+            EXPECT_EQ(kNames[i], shown[i]["check"]);
+            const size_t end = check;
+            EXPECT_EQ(i < end    ? "ok"
+                      : i == end ? "failed"
+                                 : "not reached",
+                      shown[i]["result"])
+                << m_run.printed();
+        }
+        const nlohmann::json& failed = shown[check];
+        EXPECT_EQ(0U, failed.value("found", "").find(found)) << failed;
+        EXPECT_NE("", failed.value("means", ""));
+        EXPECT_NE("", failed.value("do", ""));
+    }
+    void expectAllIsWell() const {
+        ASSERT_EQ(kChecks, checks().size()) << m_run.printed() << m_run.complaint();
+        for (const nlohmann::json& check : checks()) EXPECT_EQ("ok", check["result"]) << check;
+    }
+
+    std::vector<nlohmann::json> checks() const {
+        std::vector<nlohmann::json> parsed;
+        for (const std::string& line : Output::split(m_run.printed()))
+            parsed.push_back(nlohmann::json::parse(line));
+        return parsed;
+    }
+    Options& options() { return m_options; }
+    NyctlRun& run() { return m_run; }
+
+  private:
+    Options m_options{"", "system", true};
+    NyctlRun m_run;
+};
+
+class NyctlDoctor : public CentralTest {
+  protected:
+    explicit NyctlDoctor(const std::vector<LONG>& ports = freePorts(4))
+        : CentralTest(withPorts(ports)) {}
+
+    ExitStatus examine(const std::string& arguments = "") {
+        return doctor("127.0.0.1:" + std::to_string(server.GetPort()), arguments);
+    }
+
+    DoctorRun doctor;
+};
+
+TEST_F(NyctlDoctor, FindsAllWell) {
+    EXPECT_EQ(exitYes, examine());
+    doctor.expectAllIsWell();
+    const std::string port = std::to_string(server.GetPort());
+    EXPECT_EQ("127.0.0.1 is an address", doctor.checks()[nameLookUp]["found"]);
+    EXPECT_EQ("127.0.0.1:" + port + " takes connections", doctor.checks()[connecting]["found"]);
+    EXPECT_EQ("2015", doctor.checks()[schema]["found"]);
+}
+
+TEST_F(NyctlDoctor, LooksNamesUp) {
+    EXPECT_EQ(exitYes, doctor("localhost:" + std::to_string(server.GetPort())));
+    EXPECT_EQ("localhost is 127.0.0.1", doctor.checks()[nameLookUp]["found"]);
+}
+
+TEST_F(NyctlDoctor, ShowsARowForEachCheck) {
+    doctor.options().json = false;
+    EXPECT_EQ(exitYes, examine());
+    const std::vector<std::string> lines = Output::split(doctor.run().printed());
+    ASSERT_EQ(kChecks, lines.size());
+    for (size_t i = 0; i < kChecks; ++i) {
+        std::string begin = kNames[i];
+        begin.resize(16, ' ');
+        EXPECT_EQ(begin + "ok           ", lines[i].substr(0, 29));
+    }
+}
+
+// Bob hears of the others.
+struct BobsEar {
+    FrameListener ofBob;
+};
+
+class NyctlDoctorHeard : protected BobsEar, public NyctlDoctor {
+  protected:
+    NyctlDoctorHeard() : NyctlDoctor({ofBob.port(), freePorts(1)[0]}) {}
+
+    // What Bob is told while the doctor comes and goes: its name, and the numbers.
+    std::string heard(const std::string& arguments = "") {
+        join(client, "Bob");
+        EXPECT_EQ(exitYes, examine(arguments));
+        EXPECT_TRUE(eventually([this] { return ofBob.frames().size() >= 2; }));
+        for (const ReceivedFrame& frame : ofBob.frames()) m_numbers.push_back(frame.number);
+        return ofBob.frames().front().body;
+    }
+    static std::string wide(const std::string& text) {
+        std::string bytes;
+        for (char one : text) bytes += {one, '\0'};
+        return bytes;
+    }
+
+    std::vector<LONG> m_numbers;
+};
+
+TEST_F(NyctlDoctorHeard, RegistersUnderANameOfItsOwnAndLeaves) {
+    EXPECT_NE(std::string::npos, heard().find(wide("nyctl doctor")));
+    EXPECT_EQ((std::vector<LONG>{54, 55}), m_numbers);  // nothing of what it sends itself
+    EXPECT_EQ(std::vector<std::string>{"Bob"}, userNames(client));
+}
+
+TEST_F(NyctlDoctorHeard, TakesTheNameThatWasChosen) {
+    doctor.options().user = "Anna";
+    doctor.options().isUserChosen = true;
+    EXPECT_NE(std::string::npos, heard().find(wide("Anna")));
+}
+
+TEST_F(NyctlDoctor, LeavesTheShellsConnectionAlone) {
+    Options options{"127.0.0.1:" + std::to_string(server.GetPort()), "Anna", true};
+    Session shell(options);
+    ASSERT_TRUE(shell.registerUser());
+    EXPECT_EQ(exitYes, doctor.run()(shell, options, "doctor"));
+    EXPECT_TRUE(shell.client().isAlive());
+    EXPECT_EQ(std::vector<std::string>{"Anna"}, userNames(shell.client()));
+}
+
+// Makes no window on this thread as long as it lives.
+class NoWindows {
+  public:
+    NoWindows() : m_hook(::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId())) {}
+    ~NoWindows() { ::UnhookWindowsHookEx(m_hook); }
+    NoWindows(const NoWindows&) = delete;
+    NoWindows& operator=(const NoWindows&) = delete;
+
+  private:
+    static LRESULT CALLBACK refuse(int code, WPARAM wParam, LPARAM lParam) {
+        return code == HCBT_CREATEWND ? 1 : ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    HHOOK m_hook;
+};
+
+TEST_F(NyctlDoctor, NamesAWindowThatCannotBe) {
+    const NoWindows none;
+    EXPECT_EQ(exitNo, examine());
+    doctor.expectEndsAt(windowMessage, "the system makes no window");
+}
+
+class NyctlDoctorNoPorts : public NyctlDoctor {
+  protected:
+    NyctlDoctorNoPorts() : NyctlDoctor(std::vector<LONG>()) {}
+};
+
+TEST_F(NyctlDoctorNoPorts, NamesARegistrationThatIsRefused) {
+    EXPECT_EQ(exitNo, examine());
+    doctor.expectEndsAt(registration, "the server refuses nyctl doctor");
+}
+
+class NyctlDoctorTakenPort : protected TakenPort, public NyctlDoctor {
+  protected:
+    NyctlDoctorTakenPort() : NyctlDoctor({TakenPort::port()}) {}
+};
+
+TEST_F(NyctlDoctorTakenPort, NamesPortsThatAreTakenHere) {
+    EXPECT_EQ(exitNo, examine());
+    doctor.expectEndsAt(listenerPort, "the server gives no port that is free here");
+}
+
+class NyctlDoctorTakenFirstPort : protected TakenPort, public NyctlDoctor {
+  protected:
+    NyctlDoctorTakenFirstPort() : NyctlDoctor({TakenPort::port(), freePorts(1)[0]}) {}
+};
+
+TEST_F(NyctlDoctorTakenFirstPort, PassesOverAPortThatIsTakenHere) {
+    EXPECT_EQ(exitYes, examine());
+    doctor.expectAllIsWell();
+}
+
+// No central server, or one that follows a test.
+class NyctlDoctorAlone : public ::testing::Test {
+  protected:
+    static Answer answering(std::string bytes) {
+        return [bytes](const std::string&) { return bytes; };
+    }
+    // All is well up to and with the registration.
+    std::map<LONG, Answer> registering() const {
+        return {{NySe::actionInitializeSchema, m_agreed},
+                {NySe::actionIsAlive, m_alive},
+                {NySe::actionGetPortClient, answering(registrationAnswer(m_port))}};
+    }
+    ExitStatus examine(std::map<LONG, Answer> answers, int patience = 5) {
+        AnsweringServer server(std::move(answers));
+        return doctor(server.address(), "--patience " + std::to_string(patience));
+    }
+
+    const Answer m_agreed = answering(wireOf<LONG>(NySe::schema2015));
+    const Answer m_alive = answering(wireOf<LONG>(NySe::kAliveAnswer));
+    const LONG m_port = freePorts(1)[0];
+    DoctorRun doctor;
+};
+
+TEST_F(NyctlDoctorAlone, NamesANameThatDoesNotResolve) {
+    EXPECT_EQ(exitNoAnswer, doctor("no-such-host.invalid:1"));
+    doctor.expectEndsAt(nameLookUp, "no address of no-such-host.invalid");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAPortThatRefuses) {
+    const peers::RefusingPort nobody;
+    const std::string server = "127.0.0.1:" + std::to_string(nobody.port());
+    EXPECT_EQ(exitNoAnswer, doctor(server));
+    doctor.expectEndsAt(connecting, server + " refuses connections");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
+    const peers::UnansweringPort silent;
+    const std::string server = "127.0.0.1:" + std::to_string(silent.port());
+    EXPECT_EQ(exitNoAnswer, doctor(server, "--patience 1"));
+    doctor.expectEndsAt(connecting, server + " does not answer within 1 s");
+}
+
+TEST_F(NyctlDoctorAlone, ShowsAFailureInThreeRows) {
+    const peers::RefusingPort nobody;
+    doctor.options().json = false;
+    doctor("127.0.0.1:" + std::to_string(nobody.port()));
+    const std::vector<std::string> lines = Output::split(doctor.run().printed());
+    ASSERT_EQ(kChecks + 2, lines.size());
+    EXPECT_EQ("connect         FAILED       127.0.0.1:", lines[1].substr(0, 39));
+    EXPECT_EQ("                it means     the machine", lines[2].substr(0, 40));
+    EXPECT_EQ("                do           start the central server", lines[3].substr(0, 53));
+    EXPECT_EQ("schema          not reached", lines[4]);
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerThatClosesTheConnection) {
+    EXPECT_EQ(exitNoAnswer, examine({}));
+    doctor.expectEndsAt(schema, "the server closes the connection");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerOfAnotherSchema) {
+    EXPECT_EQ(exitNo, examine({{NySe::actionInitializeSchema, answering(wireOf<LONG>(2010))}}));
+    doctor.expectEndsAt(schema, "the server grants 2010, not 2015");
+}
+
+// Waits as long as the library does.
+TEST_F(NyctlDoctorAlone, NamesAServerThatNeverAnswers) {
+    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, answering("")}}));
+    doctor.expectEndsAt(schema, "no schema within 15 s");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerThatStopsAnswering) {
+    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, m_agreed}}));
+    doctor.expectEndsAt(liveness, "no sign of life");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerThatSaysSomethingElse) {
+    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, m_agreed},
+                                     {NySe::actionIsAlive, answering(wireOf<LONG>(5))}}));
+    doctor.expectEndsAt(liveness, "no sign of life");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerThatStopsAtTheRegistration) {
+    EXPECT_EQ(exitNoAnswer,
+              examine({{NySe::actionInitializeSchema, m_agreed}, {NySe::actionIsAlive, m_alive}}));
+    doctor.expectEndsAt(registration, "no answer");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAListenerPortThatNobodyComesTo) {
+    auto answers = registering();
+    answers[NySe::actionSendUserData] = answering("");
+    EXPECT_EQ(exitNoAnswer, examine(answers));
+    doctor.expectEndsAt(listenerPort,
+                        "nobody has come to port " + std::to_string(m_port) + " within 5 s");
+}
+
+TEST_F(NyctlDoctorAlone, NamesAServerWithoutASecondSession) {
+    std::atomic<bool> isFirst = true;
+    auto answers = registering();
+    answers[NySe::actionInitializeSchema] = [&](const std::string&) -> std::optional<std::string> {
+        if (!isFirst.exchange(false)) return std::nullopt;
+        return wireOf<LONG>(NySe::schema2015);
+    };
+    EXPECT_EQ(exitNoAnswer, examine(answers));
+    doctor.expectEndsAt(listenerPort, "the server serves no second session");
+}
+
+// One that comes to the listener at the first text, and says `told` at the second.
+class NyctlDoctorTold : public NyctlDoctorAlone {
+  protected:
+    ExitStatus examineTold(const std::function<std::string(const std::string& object)>& told,
+                           int patience = 5) {
+        std::unique_ptr<peers::Connection> toListener;
+        auto answers = registering();
+        answers[NySe::actionSendUserData] = [&](const std::string& payload) {
+            if (toListener) {
+                toListener->send(told(payload.substr(payload.find("NySeMessage") - 6)));
+            } else {
+                toListener = std::make_unique<peers::Connection>(
+                    peers::connectionTo(static_cast<unsigned int>(m_port)));
+            }
+            return std::string();
+        };
+        return examine(answers, patience);
+    }
+    static std::string notification(LONG number, const std::string& object) {
+        return wireOf(number) + wireOf(static_cast<LONG>(object.size())) + object;
+    }
+};
+
+TEST_F(NyctlDoctorTold, IsSatisfiedWithItsText) {
+    const auto told = [](const std::string& object) { return notification(57, object); };
+    EXPECT_EQ(exitYes, examineTold(told, 60));
+    doctor.expectAllIsWell();
+}
+
+TEST_F(NyctlDoctorTold, NamesAServerThatTellsNothing) {
+    EXPECT_EQ(exitNoAnswer, examineTold([](const auto&) { return std::string(); }));
+    doctor.expectEndsAt(windowMessage, "no notification within 5 s");
+}
+
+TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
+    EXPECT_EQ(exitNoAnswer, examineTold([](std::string object) {
+                  object.end()[-2] ^= 1;  // its last character
+                  return notification(57, object) + notification(58, "");
+              }));
+    doctor.expectEndsAt(windowMessage, "no notification within 5 s");
+}
+
+// Lets the first notification through to the window when the second is there, and loses that one.
+class LosingSecond {
+  public:
+    LosingSecond() {
+        s_seen = 0;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr, ::GetCurrentThreadId());
+    }
+    ~LosingSecond() { ::UnhookWindowsHookEx(m_hook); }
+    LosingSecond(const LosingSecond&) = delete;
+    LosingSecond& operator=(const LosingSecond&) = delete;
+
+  private:
+    static bool isSecondThere() {
+        MSG next;
+        return ::PeekMessageW(&next, nullptr, NySe::_TM_NYSERVERMESSAGE, NySe::_TM_NYSERVERMESSAGE,
+                              PM_NOREMOVE) != FALSE;
+    }
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        MSG& message = *reinterpret_cast<MSG*>(lParam);
+        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE) {
+            if (++s_seen == 1) {
+                for (int i = 0; i < 1500 && !isSecondThere(); ++i) ::Sleep(20);
+                ::Sleep(200);  // until it is counted, too
+            } else {
+                const UniqueGlobalBlock block(
+                    ::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
+                message.message = WM_NULL;
+            }
+        }
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline int s_seen = 0;
+    HHOOK m_hook;
+};
+
+TEST_F(NyctlDoctorTold, NamesAMessageThatIsNotConsumed) {
+    const LosingSecond losing;
+    EXPECT_EQ(exitNo, examineTold([](const std::string& object) {
+                  return notification(57, object) + notification(58, "");
+              }));
+    doctor.expectEndsAt(windowMessage, "messages that are not consumed: 1");
+}
+
+}  // namespace

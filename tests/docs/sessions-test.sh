@@ -1,0 +1,175 @@
+#!/usr/bin/env bash
+# sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown, and the options that the documents
+# name are the programs'. A document's sessions are typed into one shell each. Where a document says port 42015, a free
+# one is taken; times, ports, numbers of sessions and the names of this machine are masked.
+set -eu
+programs=$(dirname "$1")
+. "$(dirname "$0")/../apps/lib.sh"
+set +e
+shopt -s failglob
+cd "$root"
+
+# GetComputerName's text.
+computer=$(hostname | cut -d . -f 1 | tr '[:lower:]' '[:upper:]' | cut -c 1-15)
+ports=$((20000 + $$ % 480 * 20))
+documented=42015
+
+# masked: standard input without what differs from run to run.
+masked() {
+  tr -d '\r' | sed -E \
+    -e "s/\b$computer\b/WS-01/g" \
+    -e 's/[0-9]{4}-[0-9]{2}-[0-9]{2}[T ][0-9:.]{8,12}Z?/DATE/g; s/\b[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}\b/TIME/g' \
+    -e 's/\b[0-9]+ (ms|bytes)\b/N \1/g; s/\bsession [0-9]+\b/session N/g' \
+    -e 's/\b2015\b/SCHEMA/g; s/\b[0-9]{2,}\b/NUMBER/g' \
+    -e 's/^(machine: |MACHINE ID.*: |CURRENT TIME.*: |HOSTNAME.*: ).*/\1MASKED/' \
+    -e 's/[[:space:]]+/ /g; s/ $//'
+}
+
+# The programs as the documents call them.
+in_wine() { "$root/tools/run-in-wine" "$programs/$1.exe" "${@:2}"; }
+nyctl() { in_wine nyctl "${@/:$documented/:$port}"; }
+nycentral() {
+  local words=()
+  while [ $# -gt 0 ]; do
+    case $1 in
+      --port | --ports) shift ;;
+      *) words+=("$1") ;;
+    esac
+    shift
+  done
+  exec "$root/tools/run-in-wine" "$programs/nycentral.exe" --port 0 --port-file "$work/port" \
+    --ports "$ports-$((ports + 19))" "${words[@]}"
+}
+
+# settle: until the server has let everybody go who has left, so that nobody is met by those who come next.
+settle() {
+  local at staying
+  [ -n "$port" ] || return 0
+  at=$(printf ':%04X' "$port")
+  for _ in $(seq 300); do
+    staying=$(awk -v at="$at" 'substr($2, length($2) - 4) == at && ($4 == "01" || $4 == "08")' /proc/net/tcp | wc -l)
+    [ "$staying" -gt ${#jobs[@]} ] || return 0
+    sleep 0.05
+  done
+  fail "$where: $staying connections stay"
+}
+
+# begin COMMAND: runs it in the background; what it says at first, as many lines as in the file $expected, goes to the
+# file $said.
+begin() {
+  background=$work/background.$((++backgrounds))
+  [[ $1 != nycentral* ]] || background=$work/central.log
+  : > "$background"
+  set -m
+  eval "${1%&}" > "$background" 2>&1 &
+  set +m
+  jobs+=($!)
+  for _ in $(seq 300); do
+    [ "$(wc -l < "$background")" -lt "$(wc -l < "$expected")" ] || break
+    sleep 0.1
+  done
+  if [[ $1 == nycentral* ]]; then
+    central=$!
+    port=$(tr -d '\r\n' < "$work/port")
+    export NYCTL_SERVER=127.0.0.1:$port
+    jobs=()
+  fi
+  head -n "$(wc -l < "$expected")" "$background" > "$said"
+  told=$(wc -l < "$said")
+}
+
+# wait: for what still runs but the server; shows what the last one has said since it began.
+wait() {
+  local job
+  [ $# -eq 0 ] || { builtin wait "$@"; return; }
+  for job in "${jobs[@]}"; do builtin wait "$job"; done
+  jobs=()
+  tail -n "+$((told + 1))" "$background"
+}
+
+# type_command COMMAND: compares what it says with the file $expected.
+type_command() {
+  local command=$1
+  case $command in
+    *'&') begin "$command" ;;
+    *) eval "$command" > "$said" 2>&1 ;;
+  esac
+  settle
+  diff -u --label "$where says" --label 'but it is' <(masked < "$expected") <(masked < "$said") ||
+    fail "$where: $command"
+}
+
+# type_session FILE
+type_session() {
+  local line command=
+  : > "$expected"
+  while IFS= read -r line <&9 || [ -n "$line" ]; do
+    if [[ $line == '$ '* ]]; then
+      [ -z "$command" ] || type_command "$command"
+      command=${line#'$ '}
+      while [[ $command == *\\ ]]; do
+        IFS= read -r line <&9
+        command=${command%\\}$line
+      done
+      : > "$expected"
+    else
+      printf '%s\n' "$line" >> "$expected"
+    fi
+  done 9< "$1"
+  type_command "$command"
+}
+
+# check_usage FILE: each option behind a program is one of its own, or of the command that is named with it.
+check_usage() {
+  local line program= option
+  while IFS= read -r line; do
+    [[ $line == ' '* ]] || program=${line%% *}
+    [ -e "$work/help.$program" ] || in_wine "$program" --help > "$work/help.$program" 2>&1
+    for option in $(grep -oE -- '--[a-z][a-z-]*' <<< "$line"); do
+      grep -qE -- "(^| )$option\b" "$work/help.$program" || fail "$where: $program has no $option"
+    done
+  done < "$1"
+}
+
+expected=$work/expected
+said=$work/said
+sessions=0
+
+# test_document DOCUMENT: in a shell of its own, with a folder and a server of its own. Prints the number of its sessions.
+test_document() {
+  local count=0 background='' backgrounds=0 told=0 jobs=() text way
+  port=
+  mkdir -p "$work/home"
+  rm -rf "${work:?}/blocks" "$work/port"
+  mkdir "$work/blocks"
+  tools/doc-blocks "$1" "$work/blocks" || fail "$1 has a block that cannot be taken out"
+  cd "$work/home"
+  for text in $(find "$work/blocks" -name '*.text' | sort -V); do
+    where=$(cat "${text%.text}.where")
+    way=$(cat "${text%.text}.mark")
+    case $way in
+      run) type_session "$text" ;;
+      usage) check_usage "$text" ;;
+      *) continue ;;
+    esac
+    count=$((count + 1))
+  done
+  if [ -n "$central" ]; then
+    nyctl shutdown > /dev/null 2>&1
+    expect_stopped
+  fi
+  sessions=$((sessions + count))
+  cd "$root"
+}
+
+for document in README.md docs/*.md examples/*/README.md; do
+  grep -qE '^<!-- test: (run|usage) -->$' "$document" && test_document "$document"
+done
+
+# Every command has an example.
+for command in $(in_wine nyctl --help 2> /dev/null | tr -d '\r' | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+  grep -qE "^\\$ .*(\\\\n|[ '\"])$command\b" "$root/docs/nyctl.md" || fail "docs/nyctl.md has no example of $command"
+done
+[ $sessions -gt 0 ] || fail "no document has a session"
+echo "$sessions sessions"
+report
