@@ -22,6 +22,8 @@ class Output {
     void lines(const char* name, const std::vector<std::string>& lines) const;
     // The next thing of a series that goes on: `line`, or one object. Nothing is held back.
     void next(const std::string& line, const Record& record) const;
+    // Whether another command may print after this one.
+    bool isShell() const { return m_options.isShell; }
     // The lines of a text, without their ends.
     static std::vector<std::string> split(const std::string& text);
     // What is no result, on standard error.

@@ -1,4 +1,4 @@
-#include "apps/nyctl/Session.h"
+#include "apps/common/Session.h"
 
 #include <charconv>
 
@@ -24,6 +24,12 @@ bool isServerAddress(const std::string& server) {
     return splitServer(server, host, port);
 }
 
+std::string loginName() {
+    WCHAR name[256];
+    DWORD length = 256;
+    return ::GetUserNameW(name, &length) ? toUtf8(CString(name)) : std::string("user");
+}
+
 void Session::close() {
     if (m_connected) m_client.disconnect();
     m_connected = m_registered = m_listening = false;
@@ -34,7 +40,7 @@ bool Session::open() {
     if (m_connected) return true;
     std::string host;
     int port = 0;
-    if (!splitServer(m_options.server, host, port)) return false;
+    if (!splitServer(m_account.server, host, port)) return false;
     if (m_client.connect(port, host.c_str(), -1) != 0) return false;
     m_connected = true;
     m_client.initializeSchema();
@@ -44,7 +50,7 @@ bool Session::open() {
 
 bool Session::registerUser() {
     if (m_registered || !open()) return m_registered;
-    m_user.setStrUserName(fromUtf8(m_options.user));
+    m_user.setStrUserName(fromUtf8(m_account.user));
     m_user.setStrHostName(m_client.getHostName());
     m_user.setStrComputerName(m_client.getHostName());
     m_user.setSchema(NySe::schema2015);
@@ -59,8 +65,12 @@ int Session::firstPort() {
 }
 
 NyServerApp& Session::listener() {
-    if (!m_listener) m_listener = std::make_unique<NyServerApp>();
+    if (!m_listener) m_listener = makeListener();
     return *m_listener;
+}
+
+std::unique_ptr<NyServerApp> Session::makeListener() const {
+    return std::make_unique<NyServerApp>();
 }
 
 bool Session::listen() {
