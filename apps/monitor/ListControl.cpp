@@ -1,0 +1,106 @@
+#include "apps/monitor/ListControl.h"
+
+#include <numeric>
+#include <utility>
+
+#include "apps/monitor/Layout.h"
+
+namespace {
+
+constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                         LVS_SINGLESEL | LVS_SHOWSELALWAYS;
+constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+constexpr UINT kChosen = LVIS_FOCUSED | LVIS_SELECTED;
+
+}  // namespace
+
+bool ListControl::create(CWnd& parent, int id, const std::vector<Column>& columns, TextOf textOf) {
+    m_columns = columns;
+    m_textOf = std::move(textOf);
+    if (!m_list.CreateEx(WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"", kStyle, 0, 0, 0, 0,
+                         parent.GetSafeHwnd(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id))))
+        return false;
+    ListView_SetExtendedListViewStyle(window(), kListStyle);
+    for (int i = 0; i < static_cast<int>(m_columns.size()); ++i) {
+        const Column& column = m_columns[static_cast<size_t>(i)];
+        LVCOLUMNW made{};
+        made.mask = LVCF_TEXT | LVCF_WIDTH | LVCF_FMT;
+        made.fmt = column.isNumber ? LVCFMT_RIGHT : LVCFMT_LEFT;
+        made.cx = column.width;
+        made.pszText = const_cast<wchar_t*>(column.title);
+        ListView_InsertColumn(window(), i, &made);
+    }
+    return true;
+}
+
+void ListControl::setFont(HFONT font, int dpi) {
+    m_dpi = dpi;
+    ::SendMessageW(window(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+    fitColumns();
+}
+
+void ListControl::place(const RECT& area) {
+    ::MoveWindow(window(), area.left, area.top, area.right - area.left, area.bottom - area.top,
+                 TRUE);
+    fitColumns();
+}
+
+// The columns share the room in proportion to their widths, and take no less than these.
+void ListControl::fitColumns() {
+    RECT client{};
+    ::GetClientRect(window(), &client);
+    const int shares =
+        std::accumulate(m_columns.begin(), m_columns.end(), 0,
+                        [](int sum, const Column& column) { return sum + column.width; });
+    const int room = std::max(static_cast<int>(client.right), scaled(shares, m_dpi));
+    int left = 0;
+    int share = 0;
+    for (int i = 0; i < static_cast<int>(m_columns.size()); ++i) {
+        share += m_columns[static_cast<size_t>(i)].width;
+        const int right = ::MulDiv(room, share, shares);
+        ListView_SetColumnWidth(window(), i, right - left);
+        left = right;
+    }
+}
+
+void ListControl::setCount(int count) {
+    ListView_SetItemCountEx(window(), count, LVSICF_NOSCROLL);
+    ::InvalidateRect(window(), nullptr, FALSE);
+    fitColumns();
+}
+
+void ListControl::scrollToEnd() {
+    if (const int count = ListView_GetItemCount(window()); count > 0)
+        ListView_EnsureVisible(window(), count - 1, FALSE);
+}
+
+int ListControl::focusedRow() const {
+    return ListView_GetNextItem(window(), -1, LVNI_FOCUSED);
+}
+
+void ListControl::focusRow(int row) {
+    constexpr int kAll = -1;
+    if (row >= 0) {
+        ListView_SetItemState(window(), row, kChosen, kChosen);
+    } else {
+        ListView_SetItemState(window(), kAll, 0, kChosen);
+    }
+}
+
+void ListControl::showOrder(int column, bool isAscending) {
+    const HWND header = ListView_GetHeader(window());
+    for (int i = 0; i < static_cast<int>(m_columns.size()); ++i) {
+        HDITEMW item{};
+        item.mask = HDI_FORMAT;
+        Header_GetItem(header, i, &item);
+        item.fmt &= ~(HDF_SORTUP | HDF_SORTDOWN);
+        if (i == column) item.fmt |= isAscending ? HDF_SORTUP : HDF_SORTDOWN;
+        Header_SetItem(header, i, &item);
+    }
+}
+
+void ListControl::answer(NMLVDISPINFOW& question) const {
+    LVITEMW& item = question.item;
+    if ((item.mask & LVIF_TEXT) == 0) return;
+    item.pszText = const_cast<wchar_t*>(m_textOf(item.iItem, item.iSubItem).c_str());
+}
