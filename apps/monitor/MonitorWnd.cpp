@@ -71,7 +71,7 @@ bool MonitorWnd::onCreate() {
     if (!m_log.create(*this, IDC_LOG) || !m_status.create(*this, IDC_STATUS)) return false;
     useDpi(static_cast<int>(::GetDpiForWindow(m_hWnd)));
     ::SetWindowPos(m_hWnd, nullptr, 0, 0, scaled(kFirstSize.cx, m_dpi),
-                   scaled(kFirstSize.cy, m_dpi), SWP_NOMOVE | SWP_NOZORDER);
+                   scaled(kFirstSize.cy, m_dpi), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     m_keyboard = users().listWindow();
     m_status.show(Throttle());
     allowRequests(false);
@@ -147,7 +147,11 @@ LRESULT MonitorWnd::onNotify(NMHDR& notice) {
 
 // A window gives the keyboard back to the control that had it.
 void MonitorWnd::onActivate(bool isActive) {
-    if (!isActive && ::IsChild(m_hWnd, ::GetFocus())) m_keyboard = ::GetFocus();
+    if (isActive) {
+        ::SetFocus(m_keyboard);
+    } else if (::IsChild(m_hWnd, ::GetFocus())) {
+        m_keyboard = ::GetFocus();
+    }
 }
 
 // From here on nothing more is posted.
@@ -174,8 +178,7 @@ LRESULT MonitorWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_DPICHANGED:
             return onDpiChanged(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam)), 0;
         case WM_ACTIVATE:
-            onActivate(LOWORD(wParam) != WA_INACTIVE);
-            break;
+            return onActivate(LOWORD(wParam) != WA_INACTIVE), 0;
         case WM_SETFOCUS:
             return ::SetFocus(m_keyboard), 0;
         case WM_COMMAND:
