@@ -96,6 +96,11 @@ Layout layOut(const LayoutInput& input) {
     return layout;
 }
 
+void placeWindow(const CWnd& window, const RECT& area) {
+    ::MoveWindow(window.GetSafeHwnd(), area.left, area.top, area.right - area.left,
+                 area.bottom - area.top, TRUE);
+}
+
 SIZE smallestClient(int dpi, int textHeight) {
     const LayoutInput input{0, 0, dpi, textHeight};
     const Measures measures(input);

@@ -1,6 +1,8 @@
 // Where the parts of the window are.
 #pragma once
 
+#include <afxwin.h>
+
 #include <array>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -31,6 +33,9 @@ struct Layout {
 
 // Nothing overlaps, and nothing lies outside, in a window of at least smallestClient.
 Layout layOut(const LayoutInput& input);
+
+// Moves the window to `area` of its parent.
+void placeWindow(const CWnd& window, const RECT& area);
 
 // The smallest size that has room for all, in pixels.
 SIZE smallestClient(int dpi, int textHeight);

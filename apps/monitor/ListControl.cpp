@@ -14,9 +14,16 @@ constexpr UINT kChosen = LVIS_FOCUSED | LVIS_SELECTED;
 
 }  // namespace
 
-bool ListControl::create(CWnd& parent, int id, const std::vector<Column>& columns, TextOf textOf) {
-    m_columns = columns;
-    m_textOf = std::move(textOf);
+bool ListControl::create(CWnd& parent, int id, const std::wstring& title) {
+    return createTitle(parent, title) && createList(parent, id);
+}
+
+bool ListControl::createTitle(CWnd& parent, const std::wstring& title) {
+    return m_title.CreateEx(0, WC_STATICW, title.c_str(), WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0,
+                            0, 0, parent.GetSafeHwnd(), nullptr);
+}
+
+bool ListControl::createList(CWnd& parent, int id) {
     if (!m_list.CreateEx(WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"", kStyle, 0, 0, 0, 0,
                          parent.GetSafeHwnd(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id))))
         return false;
@@ -35,14 +42,19 @@ bool ListControl::create(CWnd& parent, int id, const std::vector<Column>& column
 
 void ListControl::setFont(HFONT font, int dpi) {
     m_dpi = dpi;
+    ::SendMessageW(m_title.GetSafeHwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
     ::SendMessageW(window(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
     fitColumns();
 }
 
-void ListControl::place(const RECT& area) {
-    ::MoveWindow(window(), area.left, area.top, area.right - area.left, area.bottom - area.top,
-                 TRUE);
+void ListControl::place(const RECT& title, const RECT& list) {
+    placeWindow(m_title, title);
+    placeWindow(m_list, list);
     fitColumns();
+}
+
+void ListControl::setTitle(const std::wstring& title) {
+    ::SetWindowTextW(m_title.GetSafeHwnd(), title.c_str());
 }
 
 // The columns share the room in proportion to their widths, and take no less than these.
@@ -99,8 +111,9 @@ void ListControl::showOrder(int column, bool isAscending) {
     }
 }
 
-void ListControl::answer(NMLVDISPINFOW& question) const {
-    LVITEMW& item = question.item;
+void ListControl::onNotify(NMHDR& notice) const {
+    if (notice.code != LVN_GETDISPINFOW) return;
+    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
     if ((item.mask & LVIF_TEXT) == 0) return;
     item.pszText = const_cast<wchar_t*>(m_textOf(item.iItem, item.iSubItem).c_str());
 }

@@ -1,4 +1,4 @@
-// ListControl: a list with columns that asks its owner for each text it shows.
+// ListControl: a list with columns under a title, which asks its owner for each text it shows.
 #pragma once
 
 #include <afxwin.h>
@@ -12,18 +12,22 @@
 
 #include "apps/monitor/Table.h"
 
-// It belongs to the thread that makes its window.
+// It belongs to the thread that makes its windows.
 class ListControl {
   public:
     // The text of a row's column; it stays as it is until the next change of the list.
     using TextOf = std::function<const std::wstring&(int row, int column)>;
 
-    // REQUIRES: no window yet. False when the system makes none.
-    bool create(CWnd& parent, int id, const std::vector<Column>& columns, TextOf textOf);
+    ListControl(std::vector<Column> columns, TextOf textOf)
+        : m_columns(std::move(columns)), m_textOf(std::move(textOf)) {}
+
+    // REQUIRES: no windows yet. False when the system makes none.
+    bool create(CWnd& parent, int id, const std::wstring& title);
 
     HWND window() const { return m_list.GetSafeHwnd(); }
     void setFont(HFONT font, int dpi);
-    void place(const RECT& area);
+    void place(const RECT& title, const RECT& list);
+    void setTitle(const std::wstring& title);
 
     // So many rows are shown, and none is as it was.
     void setCount(int count);
@@ -34,14 +38,17 @@ class ListControl {
     // Marks the column by which the rows are ordered.
     void showOrder(int column, bool isAscending);
 
-    // Gives the list a text that it asks for.
-    void answer(NMLVDISPINFOW& question) const;
+    // Handles what the list tells its parent, but for clicks.
+    void onNotify(NMHDR& notice) const;
 
   private:
+    bool createTitle(CWnd& parent, const std::wstring& title);
+    bool createList(CWnd& parent, int id);
     void fitColumns();
 
+    const std::vector<Column> m_columns;
+    const TextOf m_textOf;
+    CWnd m_title;
     CWnd m_list;
-    std::vector<Column> m_columns;
-    TextOf m_textOf;
     int m_dpi = USER_DEFAULT_SCREEN_DPI;
 };

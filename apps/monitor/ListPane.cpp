@@ -3,26 +3,9 @@
 #include "apps/monitor/Words.h"
 
 bool ListPane::create(CWnd& parent, int id) {
-    if (!m_label.CreateEx(0, WC_STATICW, m_title.c_str(), WS_CHILD | WS_VISIBLE | SS_NOPREFIX, 0, 0,
-                          0, 0, parent.GetSafeHwnd(), nullptr))
-        return false;
-    const auto textOf = [this](int row, int column) -> const std::wstring& {
-        return m_table.at(row).cells[static_cast<size_t>(column)];
-    };
-    if (!m_list.create(parent, id, m_table.columns(), textOf)) return false;
+    if (!m_list.create(parent, id, m_title)) return false;
     m_list.showOrder(m_table.sortColumn(), m_table.isAscending());
     return true;
-}
-
-void ListPane::setFont(HFONT font, int dpi) {
-    ::SendMessageW(m_label.GetSafeHwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
-    m_list.setFont(font, dpi);
-}
-
-void ListPane::place(const RECT& title, const RECT& list) {
-    ::MoveWindow(m_label.GetSafeHwnd(), title.left, title.top, title.right - title.left,
-                 title.bottom - title.top, TRUE);
-    m_list.place(list);
 }
 
 const Row* ListPane::chosen() const {
@@ -38,8 +21,7 @@ void ListPane::change(Change change) {
     change();
     m_list.setCount(m_table.count());
     m_list.focusRow(isChosen ? m_table.find(key) : -1);
-    const std::wstring title = words::counted(m_title, m_table.count(), m_table.total());
-    ::SetWindowTextW(m_label.GetSafeHwnd(), title.c_str());
+    m_list.setTitle(words::counted(m_title, m_table.count(), m_table.total()));
 }
 
 void ListPane::setRows(const std::vector<Row>& rows) {
@@ -51,7 +33,7 @@ void ListPane::setFilter(const std::wstring& text) {
 }
 
 void ListPane::onNotify(NMHDR& notice) {
-    if (notice.code == LVN_GETDISPINFOW) m_list.answer(reinterpret_cast<NMLVDISPINFOW&>(notice));
+    m_list.onNotify(notice);
     if (notice.code != LVN_COLUMNCLICK) return;
     const int column = reinterpret_cast<const NMLISTVIEW&>(notice).iSubItem;
     change([&] { m_table.sortBy(column); });

@@ -13,9 +13,7 @@ class ListPane {
 
     // False when the system makes no windows.
     bool create(CWnd& parent, int id);
-    void setFont(HFONT font, int dpi);
-    void place(const RECT& title, const RECT& list);
-    HWND listWindow() const { return m_list.window(); }
+    ListControl& control() { return m_list; }
 
     // The chosen row stays chosen while it is shown.
     void setRows(const std::vector<Row>& rows);
@@ -34,6 +32,12 @@ class ListPane {
 
     const std::wstring m_title;
     Table m_table;
-    CWnd m_label;
-    ListControl m_list;
-};
+    ListControl m_list{
+        m_table.columns(),
+        [this](int row,
+               int column) -> auto& {return m_table.at(row).cells[static_cast<size_t>(column)];
+}
+}
+;
+}
+;

@@ -8,20 +8,22 @@
 class LogPane {
   public:
     // False when the system makes no windows.
-    bool create(CWnd& parent, int id);
-    void setFont(HFONT font, int dpi);
-    void place(const RECT& title, const RECT& list);
-    HWND listWindow() const { return m_list.window(); }
+    bool create(CWnd& parent, int id) { return m_list.create(parent, id, L"What happens"); }
+    ListControl& control() { return m_list; }
 
     // Is shown at the next update.
     void add(LogLine line);
     void update();
-    // Handles what the list tells its parent.
-    void onNotify(NMHDR& notice);
 
   private:
+    static std::vector<Column> columns();
+    const std::wstring& textOf(int row, int column) const;
+
     Log m_log;
     bool m_isBehind = false;
-    CWnd m_label;
-    ListControl m_list;
-};
+    ListControl m_list{columns(), [this](int row, int column) -> auto& {return textOf(row, column);
+}
+}
+;
+}
+;

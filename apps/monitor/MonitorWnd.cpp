@@ -40,14 +40,9 @@ HMENU asMenu(int id) {
     return reinterpret_cast<HMENU>(static_cast<INT_PTR>(id));
 }
 
-void place(const CWnd& window, const RECT& area) {
-    ::MoveWindow(window.GetSafeHwnd(), area.left, area.top, area.right - area.left,
-                 area.bottom - area.top, TRUE);
-}
-
 }  // namespace
 
-// The worker uses what is destroyed before it.
+// Not later: its last messages need what it is made of.
 MonitorWnd::~MonitorWnd() {
     DestroyWindow();
 }
@@ -72,7 +67,7 @@ bool MonitorWnd::onCreate() {
     useDpi(static_cast<int>(::GetDpiForWindow(m_hWnd)));
     ::SetWindowPos(m_hWnd, nullptr, 0, 0, scaled(kFirstSize.cx, m_dpi),
                    scaled(kFirstSize.cy, m_dpi), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    m_keyboard = users().listWindow();
+    m_keyboard = users().control().window();
     m_status.show(Throttle());
     allowRequests(false);
     return true;
@@ -103,8 +98,8 @@ void MonitorWnd::useDpi(int dpi) {
     for (const CWnd& button : m_buttons) give(button);
     give(m_filterLabel);
     give(m_filter);
-    for (ListPane& pane : m_panes) pane.setFont(font.get(), dpi);
-    m_log.setFont(font.get(), dpi);
+    for (ListPane& pane : m_panes) pane.control().setFont(font.get(), dpi);
+    m_log.control().setFont(font.get(), dpi);
     m_status.setFont(font.get(), dpi);
     m_font = std::move(font);  // the controls have let go of the one before
 }
@@ -116,11 +111,12 @@ void MonitorWnd::onSize() {
     const Layout layout =
         layOut({static_cast<int>(client.right), static_cast<int>(client.bottom) - m_status.height(),
                 m_dpi, textHeight(m_font.get())});
-    for (size_t i = 0; i < m_buttons.size(); ++i) place(m_buttons[i], layout.buttons[i]);
-    place(m_filterLabel, layout.filterLabel);
-    place(m_filter, layout.filter);
-    for (size_t i = 0; i < kPanes; ++i) m_panes[i].place(layout.titles[i], layout.lists[i]);
-    m_log.place(layout.logTitle, layout.log);
+    for (size_t i = 0; i < m_buttons.size(); ++i) placeWindow(m_buttons[i], layout.buttons[i]);
+    placeWindow(m_filterLabel, layout.filterLabel);
+    placeWindow(m_filter, layout.filter);
+    for (size_t i = 0; i < kPanes; ++i)
+        m_panes[i].control().place(layout.titles[i], layout.lists[i]);
+    m_log.control().place(layout.logTitle, layout.log);
 }
 
 void MonitorWnd::onDpiChanged(int dpi, const RECT& area) {
@@ -141,17 +137,20 @@ void MonitorWnd::onSizeLimits(MINMAXINFO& limits) const {
 LRESULT MonitorWnd::onNotify(NMHDR& notice) {
     for (size_t i = 0; i < kPanes; ++i)
         if (static_cast<int>(notice.idFrom) == kPaneIds[i]) m_panes[i].onNotify(notice);
-    if (notice.idFrom == IDC_LOG) m_log.onNotify(notice);
+    if (notice.idFrom == IDC_LOG) m_log.control().onNotify(notice);
     return 0;
 }
 
-// A window gives the keyboard back to the control that had it.
 void MonitorWnd::onActivate(bool isActive) {
     if (isActive) {
-        ::SetFocus(m_keyboard);
+        takeKeyboard();
     } else if (::IsChild(m_hWnd, ::GetFocus())) {
         m_keyboard = ::GetFocus();
     }
+}
+
+void MonitorWnd::takeKeyboard() {
+    ::SetFocus(::IsWindowEnabled(m_keyboard) ? m_keyboard : users().control().window());
 }
 
 // From here on nothing more is posted.
@@ -180,7 +179,7 @@ LRESULT MonitorWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_ACTIVATE:
             return onActivate(LOWORD(wParam) != WA_INACTIVE), 0;
         case WM_SETFOCUS:
-            return ::SetFocus(m_keyboard), 0;
+            return takeKeyboard(), 0;
         case WM_COMMAND:
             return onCommand(LOWORD(wParam), HIWORD(wParam)), 0;
         case WM_NOTIFY:

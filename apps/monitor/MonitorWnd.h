@@ -54,6 +54,8 @@ class MonitorWnd : public CWnd, private MonitorView {
     LRESULT onNotification(WPARAM wParam, LPARAM lParam);
     void showNotification(NyServerNotification& notification);
     void onActivate(bool isActive);
+    // Gives the keyboard back to the control that had it; a control that is off takes none.
+    void takeKeyboard();
     void onDestroy();
     void useDpi(int dpi);
     void watchThrottle(const Throttle& throttle);
@@ -63,6 +65,7 @@ class MonitorWnd : public CWnd, private MonitorView {
 
     void onCommand(int id, int event);
     void onFilterChanged();
+    void ask(const Request& request);
     void lock();
     void unlock();
     void open();

@@ -4,6 +4,7 @@
 #include "apps/monitor/Dialogs.h"
 #include "apps/monitor/MonitorWnd.h"
 #include "apps/monitor/resource.h"
+#include "apps/monitor/Words.h"
 
 namespace {
 
@@ -56,21 +57,26 @@ void MonitorWnd::find() {
     ::SendMessageW(control(IDC_FILTER), EM_SETSEL, 0, -1);
 }
 
+void MonitorWnd::ask(const Request& request) {
+    if (!m_worker.request(request))
+        addLog(request.event, request.what + L": " + words::notConnected());
+}
+
 void MonitorWnd::lock() {
     if (const auto input = askLock(m_hWnd, keyOf(locks().chosen())))
-        m_worker.request(lockRequest(input->name, input->mode));
+        ask(lockRequest(input->name, input->mode));
 }
 
 void MonitorWnd::unlock() {
     if (const auto name = askText(m_hWnd, {L"Unlock", L"&Name:", keyOf(locks().chosen())}))
-        m_worker.request(unlockRequest(*name));
+        ask(unlockRequest(*name));
 }
 
 void MonitorWnd::open() {
     const Row* const chosen = connections().chosen();
     const std::wstring text = chosen != nullptr ? chosen->cells[1] : std::wstring();
     if (const auto connection = askText(m_hWnd, {L"Open connection", L"&Connection string:", text}))
-        m_worker.request(openRequest(*connection));
+        ask(openRequest(*connection));
 }
 
 void MonitorWnd::close() {
@@ -78,19 +84,19 @@ void MonitorWnd::close() {
         m_hWnd, {L"Close connection", L"&Id or connection string:", keyOf(connections().chosen())});
     if (!text) return;
     if (const Row* const connection = findConnection(*text))
-        m_worker.request(closeRequest(connection->cells[1], std::stol(connection->key)));
+        ask(closeRequest(connection->cells[1], std::stol(connection->key)));
     else
         addLog(L"Close", *text + L": there is no such connection");
 }
 
 void MonitorWnd::send() {
     if (const auto input = askMessage(m_hWnd, receivers()))
-        m_worker.request(sendRequest(input->receiver, input->text));
+        ask(sendRequest(input->receiver, input->text));
 }
 
 void MonitorWnd::rename() {
     if (const auto name = askText(m_hWnd, {L"Rename", L"&Your new name:", {}}))
-        m_worker.request(renameRequest(*name));
+        ask(renameRequest(*name));
 }
 
 // As far as the filter shows them.

@@ -104,9 +104,11 @@ void MonitorWnd::showActivity(const std::wstring& what) {
 }
 
 void MonitorWnd::allowRequests(bool isConnected) {
+    const HWND keyboard = ::GetFocus();
     const UINT how = static_cast<UINT>(isConnected ? MF_ENABLED : MF_GRAYED);
     for (const int id : kRequestIds) {
         ::EnableMenuItem(::GetMenu(m_hWnd), static_cast<UINT>(id), MF_BYCOMMAND | how);
         ::EnableWindow(control(id), isConnected);
     }
+    if (::IsChild(m_hWnd, keyboard) && !::IsWindowEnabled(keyboard)) takeKeyboard();
 }

@@ -29,16 +29,23 @@ bool ServerWorker::stop(std::chrono::milliseconds patience) {
     return m_changed.wait_for(lock, patience, [this] { return m_hasEnded; });
 }
 
-void ServerWorker::request(Request request) {
+bool ServerWorker::request(Request request) {
     const Lock lock(m_mutex);
+    if (!m_isServing) return false;
     m_requests.push_back(std::move(request));
     m_changed.notify_all();
+    return true;
 }
 
 void ServerWorker::refresh() {
     const Lock lock(m_mutex);
     m_isRefreshWanted = true;
     m_changed.notify_all();
+}
+
+void ServerWorker::setServing(bool isServing) {
+    const Lock lock(m_mutex);
+    m_isServing = isServing;
 }
 
 bool ServerWorker::isStopping() {
@@ -83,6 +90,7 @@ void ServerWorker::leave() {
     if (m_link) m_link->sever();
     m_link.reset();
     m_session.close();
+    setServing(false);
     dropRequests();
     tellActivity({});
 }
@@ -90,6 +98,7 @@ void ServerWorker::leave() {
 std::wstring ServerWorker::serve() {
     if (!readTables()) return whyUnanswered();
     m_delay.reset();
+    setServing(true);
     tellConnected();
     std::wstring reason;
     while (!isStopping() && reason.empty()) reason = serveOne();
@@ -173,7 +182,7 @@ void ServerWorker::dropRequests() {
         const Lock lock(m_mutex);
         requests.swap(m_requests);
     }
-    for (const Request& request : requests) tellOutcome(request, L"no connection");
+    for (const Request& request : requests) tellOutcome(request, words::notConnected());
 }
 
 void ServerWorker::tellConnected() {

@@ -35,8 +35,9 @@ class ServerWorker {
     // Asks it to end and waits so long for that. False when it still waits for the server.
     bool stop(std::chrono::milliseconds patience);
 
-    // Is made after those asked for earlier, and not at all when the connection ends before.
-    void request(Request request);
+    // The request is made after those asked for earlier, and not when the connection ends before.
+    // False, and it is not made, when there is no connection.
+    bool request(Request request);
     // Reads the tables soon; connects at once when there is no connection.
     void refresh();
 
@@ -52,6 +53,7 @@ class ServerWorker {
     void leave();
     void awaitNextAttempt(const std::wstring& reason);
 
+    void setServing(bool isServing);
     bool isStopping();
     // Waits a moment for something to do; null also when it is only the tables that are wanted.
     std::optional<Request> takeRequest();
@@ -77,6 +79,7 @@ class ServerWorker {
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Request> m_requests;
+    bool m_isServing = false;  // requests are made
     bool m_isRefreshWanted = false;
     bool m_isStopping = false;
     bool m_hasEnded = true;

@@ -46,6 +46,10 @@ std::wstring noMemory() {
     return L"There is not enough memory";
 }
 
+std::wstring notConnected() {
+    return L"no connection";
+}
+
 std::wstring posted(const Throttle& throttle) {
     return L"Posted " + std::to_wstring(throttle.posted) + L" of " +
            std::to_wstring(throttle.limit);

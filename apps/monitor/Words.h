@@ -24,6 +24,8 @@ std::wstring noPort();
 std::wstring goneAway();
 std::wstring noAnswer();
 std::wstring noMemory();
+// What came of a request.
+std::wstring notConnected();
 
 // As "Posted 3 of 9000".
 std::wstring posted(const Throttle& throttle);

@@ -81,9 +81,11 @@ TEST_F(MonitorConnection, IsTold) {
 TEST_F(MonitorConnection, ComesBackWithTheServer) {
     openConnected();
     const int port = server->port();
+    tabTo(ID_LOCK);
     server->process().kill();
     EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
     EXPECT_FALSE(::IsWindowEnabled(control(ID_LOCK)));
+    EXPECT_EQ(control(IDC_USERS), focus());
     EXPECT_TRUE(hasLogged("Connection", "No connection to 127.0.0.1:" + std::to_string(port) +
                                             ". Trying again in 2 s"));
     startServer(port);
@@ -147,6 +149,16 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
     }
     EXPECT_TRUE(hasLogged("Open", "a: no answer"));
     EXPECT_TRUE(hasLogged("Open", "b: no connection"));
+}
+
+TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
+    openConnected();
+    keys::press(VK_F2);
+    ASSERT_NE(nullptr, dialog(L"Rename"));
+    server->process().kill();
+    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    answer(L"Rename", "doris");
+    EXPECT_TRUE(hasLogged("Rename", "doris: no connection"));
 }
 
 TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
