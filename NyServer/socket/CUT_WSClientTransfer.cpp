@@ -5,12 +5,6 @@
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCalls.h"
 
-namespace {
-
-constexpr int kFileBuffer = 4096;
-
-}  // namespace
-
 int CUT_WSClient::WaitForSend(long seconds, long microseconds) {
     const bool isReady = socketcalls::isWritable(m_socket, seconds, microseconds);
     return OnError(isReady ? UTE_SUCCESS : UTE_ERROR);
@@ -70,11 +64,11 @@ int CUT_WSClient::Receive(CUT_DataSource& target, OpenMsgType type, int timeOut,
 }
 
 int CUT_WSClient::SendFile(const wchar_t* path) {
-    CUT_FileDataSource source(path, kFileBuffer);
+    CUT_FileDataSource source(path, socketcalls::kFileBuffer);
     return Send(source);
 }
 
 int CUT_WSClient::ReceiveToFile(const wchar_t* path, OpenMsgType type, int timeOut, long maxBytes) {
-    CUT_FileDataSource target(path, kFileBuffer);
+    CUT_FileDataSource target(path, socketcalls::kFileBuffer);
     return Receive(target, type, timeOut, maxBytes);
 }

@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr long kTimeOut = 30000;
-constexpr int kFileBuffer = 4096;
-
 // The index of a carriage return among the bytes that a line feed follows, or -1. The last byte is
 // judged by what lies behind it, unless `room`, which must hold both, ends there.
 int findLineEnd(const char* bytes, int length, int room) {
@@ -25,8 +22,8 @@ int findLineEnd(const char* bytes, int length, int room) {
 }  // namespace
 
 CUT_WSThread::CUT_WSThread() {
-    SetSendTimeOut(kTimeOut);
-    SetReceiveTimeOut(kTimeOut);
+    SetSendTimeOut(socketcalls::kTimeOut);
+    SetReceiveTimeOut(socketcalls::kTimeOut);
 }
 
 CUT_WSThread::~CUT_WSThread() = default;
@@ -68,7 +65,7 @@ int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) try {
 }
 
 int CUT_WSThread::SendFile(const wchar_t* path, long& bytesSent) {
-    CUT_FileDataSource source(path, kFileBuffer);
+    CUT_FileDataSource source(path, socketcalls::kFileBuffer);
     return Send(source, bytesSent);
 }
 
@@ -91,7 +88,7 @@ int CUT_WSThread::Receive(CUT_DataSource& target, long& bytesReceived, OpenMsgTy
 
 int CUT_WSThread::ReceiveToFile(const wchar_t* path, OpenMsgType type, long& bytesReceived,
                                 int timeOut) {
-    CUT_FileDataSource target(path, kFileBuffer);
+    CUT_FileDataSource target(path, socketcalls::kFileBuffer);
     return Receive(target, bytesReceived, type, timeOut);
 }
 

@@ -6,12 +6,6 @@
 
 #include "NyServer/socket/CUT_WSThread.h"
 
-namespace {
-
-constexpr long kTimeOut = 30000;
-
-}  // namespace
-
 void ServerConnection::start(Accepted accepted) {
     auto* connection = new (std::nothrow) ServerConnection(std::move(accepted));
     if (connection && ::_beginthread(runThread, 0, connection) == static_cast<uintptr_t>(-1))
@@ -56,8 +50,8 @@ void ServerConnection::introduce(CUT_WSThread& worker) {
 }
 
 void ServerConnection::runHandler(CUT_WSThread& worker) try {
-    worker.SetReceiveTimeOut(kTimeOut);
-    worker.SetSendTimeOut(kTimeOut);
+    worker.SetReceiveTimeOut(socketcalls::kTimeOut);
+    worker.SetSendTimeOut(socketcalls::kTimeOut);
     if (m_accepted.isTooMany)
         worker.OnMaxConnect();
     else

@@ -20,6 +20,12 @@ using UniqueSocket = UniqueHandle<SocketTraits>;
 
 namespace socketcalls {
 
+// For sending and for receiving, unless the host sets another; in ms.
+constexpr long kTimeOut = 30000;
+
+// For files that are sent or received; in bytes.
+constexpr int kFileBuffer = 4096;
+
 // WSAStartup for version 2.0; `data` receives what the stack says about itself. Whoever gets true
 // owes the stack one WSACleanup.
 bool startWinsock(WSADATA& data);

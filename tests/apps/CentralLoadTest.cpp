@@ -25,7 +25,7 @@ constexpr unsigned int kSeed = 20'150'201;
 // request, which is less than the smallest block of memory.
 constexpr SIZE_T kFlatBytes = 1024 * 1024;
 constexpr SIZE_T kBytesPerRequest = 8;
-constexpr long kRequestsPerClient = 5;
+constexpr long kRequestsPerClient = 1;
 
 milliseconds duration() {
     const char* seconds = std::getenv("NY_LOAD_SECONDS");
@@ -196,11 +196,10 @@ class KilledProgram {
         EXPECT_TRUE(isTold("id: "));
     }
 
-    // In the middle of what it is told to do.
-    void kill() {
-        for (int i = 0; i < 20; ++i) say("lock killed --mode 1\nunlock killed\n");
-        m_process->kill();
-    }
+    // While it waits for the next line. Killed within a call to a socket, its end of the connection
+    // would now and then stay open for good, held by Wine's own server, and nobody could tell that
+    // it has gone; those who leave in the midst of a request do so by their connections.
+    void kill() { m_process->kill(); }
 
   private:
     void say(const std::string& lines) {

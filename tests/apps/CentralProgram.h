@@ -16,8 +16,10 @@ class CentralProgram {
         m_process = std::make_unique<ChildProcess>(
             L"nycentral.exe", L"--port-file \"" + m_folder.path(L"port") + L"\" " + arguments,
             nullptr, m_output.get(), m_errors.get());
-        for (int i = 0; i < 1500 && !m_folder.has(L"port"); ++i) ::Sleep(20);
-        m_port = std::atoi(m_folder.content(L"port").c_str());
+        for (int i = 0; i < 1500 && m_port == 0; ++i) {
+            ::Sleep(20);
+            m_port = std::atoi(m_folder.content(L"port").c_str());  // none while it is being named
+        }
         EXPECT_NE(0, m_port) << errors();
     }
 

@@ -58,7 +58,7 @@ TEST_F(ListenerStress, LeavesNeitherHandlesNorThreadsBehind) {
     runListeners(3 * kAtATime);  // what the system keeps from the first use does not count
     ::Sleep(100);
     const size_t handles = handleLevel();
-    const int threads = countThreads();
+    const int threads = countThreadsAtRest();
     runListeners(kListeners);
     EXPECT_TRUE(eventually([&] { return countThreads() <= threads; }));
     EXPECT_TRUE(eventually([&] { return handleLevel() <= handles + 4; }));

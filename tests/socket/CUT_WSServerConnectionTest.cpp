@@ -231,7 +231,7 @@ TEST_F(Accepting, LetsHandlersWatchTheShutDownFlag) {
 }
 
 TEST_F(Accepting, LeavesNoThreadBehindAConnection) {
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     for (int i = 0; i < 10; ++i) converse("hi\r\n");
     EXPECT_TRUE(eventually([&] { return countThreads() <= before; }));
 }

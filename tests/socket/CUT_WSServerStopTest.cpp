@@ -57,11 +57,11 @@ TEST_F(Stopping, DoesNotJudgeItsOwnConnection) {
 }
 
 TEST_F(Stopping, LeavesNoAcceptingThread) {
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     start();
     EXPECT_EQ(countThreads(), before + 1);
     m_server.StopAccept();
-    EXPECT_EQ(countThreads(), before);
+    EXPECT_LE(countThreads(), before);
 }
 
 TEST_F(Stopping, MayBeRepeated) {
@@ -114,13 +114,13 @@ TEST_F(Stopping, WaitsForAPeerThatIsBeingJudgedAndLetsItIn) {
 }
 
 TEST_F(Stopping, EndsTheThreadByForceWhenItCannotBeWoken) {
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     start();
     misdirect();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_THAT(m_server.codes, ElementsAre(19));
     EXPECT_EQ(m_server.statuses.at(0), L"Connection refused.");
-    EXPECT_EQ(countThreads(), before);
+    EXPECT_LE(countThreads(), before);
     EXPECT_FALSE(isReachable());
 }
 
@@ -174,9 +174,9 @@ TEST_F(Stopping, ConnectsToTheLoopbackAddressOnly) {
 }
 
 TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     EXPECT_EQ(m_server.StartAccept(), 0);
-    EXPECT_TRUE(eventually([&] { return countThreads() == before; }));
+    EXPECT_TRUE(eventually([&] { return countThreads() <= before; }));
     EXPECT_EQ(m_server.StartAccept(), 1);
     misdirect();
     EXPECT_EQ(m_server.StopAccept(), 0);
@@ -187,14 +187,14 @@ TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
 
 TEST_F(Stopping, HappensInTheDestructor) {
     unsigned int port = 0;
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     {
         ProbeServer server;
         ASSERT_TRUE(server.start());
         port = server.GetPort();
     }
     EXPECT_FALSE(peers::connectTo(port));
-    EXPECT_EQ(countThreads(), before);
+    EXPECT_LE(countThreads(), before);
 }
 
 TEST_F(Stopping, ClosesAListeningSocketThatWasNeverUsedInTheDestructor) {

@@ -151,7 +151,7 @@ TEST_F(ServerDoorTest, IsClosedByTheBaseDestructorToo) {
 }
 
 TEST_F(ServerDoorTest, LetsAHandlerDestroyItsServer) {
-    const int before = countThreads();
+    const int before = countThreadsAtRest();
     server().ending = ProbeServer::Ending::ClosesTheDoor;
     server().onConnect = [this](LoggingWorker&) {
         destroy();

@@ -16,7 +16,7 @@ using testing::ElementsAre;
 class StopWait : public testing::Test {
   protected:
     void SetUp() override {
-        m_threadsBefore = countThreads();
+        m_threadsBefore = countThreadsAtRest();
         m_server.onJudge = [this] {
             m_isJudging = true;
             static_cast<void>(m_verdict.try_acquire_for(90s));

@@ -178,7 +178,7 @@ class ServerStress : public testing::Test {
         runServers(10, true);
         ASSERT_TRUE(eventually([&] { return m_counts.deleted == m_counts.made; }));
         ::Sleep(100);
-        m_threadsBefore = countThreads();
+        m_threadsBefore = countThreadsAtRest();
         m_handlesBefore = handleLevel();
     }
 

@@ -12,12 +12,13 @@ class TempFolder {
   public:
     TempFolder() {
         wchar_t base[MAX_PATH];
-        wchar_t name[MAX_PATH];
         ::GetTempPathW(MAX_PATH, base);
-        ::GetTempFileNameW(base, L"ny", 0, name);
-        ::DeleteFileW(name);
-        ::CreateDirectoryW(name, nullptr);
-        m_path = name;
+        const std::wstring start =
+            std::wstring(base) + L"ny" + std::to_wstring(::GetCurrentProcessId()) + L'-';
+        for (int i = 0; m_path.empty() && i < 100'000; ++i)
+            if (const std::wstring tried = start + std::to_wstring(i);
+                ::CreateDirectoryW(tried.c_str(), nullptr))
+                m_path = tried;
     }
     ~TempFolder() {
         WIN32_FIND_DATAW found;

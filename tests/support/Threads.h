@@ -15,3 +15,15 @@ inline int countThreads() {
         if (entry.th32OwnerProcessID == ::GetCurrentProcessId()) ++count;
     return count;
 }
+
+// The same, once those that earlier tests let go have ended.
+inline int countThreadsAtRest() {
+    int count = countThreads();
+    for (int sameLooks = 0; sameLooks < 5;) {
+        ::Sleep(10);
+        const int now = countThreads();
+        sameLooks = now == count ? sameLooks + 1 : 0;
+        count = now;
+    }
+    return count;
+}
