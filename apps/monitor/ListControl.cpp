@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr DWORD kStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
-                         LVS_SINGLESEL | LVS_SHOWSELALWAYS;
+constexpr DWORD kViewStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
+                             LVS_SINGLESEL | LVS_SHOWSELALWAYS;
 constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
 constexpr UINT kChosen = LVIS_FOCUSED | LVIS_SELECTED;
 
@@ -24,7 +24,7 @@ bool ListControl::createTitle(CWnd& parent, const std::wstring& title) {
 }
 
 bool ListControl::createList(CWnd& parent, int id) {
-    if (!m_list.CreateEx(WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"", kStyle, 0, 0, 0, 0,
+    if (!m_list.CreateEx(WS_EX_CLIENTEDGE, WC_LISTVIEWW, L"", kViewStyle, 0, 0, 0, 0,
                          parent.GetSafeHwnd(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id))))
         return false;
     ListView_SetExtendedListViewStyle(window(), kListStyle);

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr DWORD kStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
+constexpr DWORD kWindowStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
 constexpr DWORD kChild = WS_CHILD | WS_VISIBLE;
 constexpr SIZE kFirstSize = {1020, 640};  // at 96 dots per inch
 
@@ -50,8 +50,8 @@ MonitorWnd::~MonitorWnd() {
 bool MonitorWnd::create() {
     if (!registerClass()) return false;
     const std::wstring title = L"nymonitor - " + wide(m_account.server);
-    if (!CreateEx(0, kClassName, title.c_str(), kStyle, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                  CW_USEDEFAULT, nullptr, nullptr))
+    if (!CreateEx(0, kClassName, title.c_str(), kWindowStyle, CW_USEDEFAULT, CW_USEDEFAULT,
+                  CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr))
         return false;
     m_shortcuts = ::LoadAcceleratorsW(AfxGetInstanceHandle(), MAKEINTRESOURCEW(IDR_MONITOR));
     m_queue.setWindow(m_hWnd);
@@ -130,7 +130,7 @@ void MonitorWnd::onSizeLimits(MINMAXINFO& limits) const {
     if (!m_font) return;  // too early to know
     const SIZE client = smallestClient(m_dpi, textHeight(m_font.get()));
     RECT area{0, 0, client.cx, client.cy + m_status.height()};
-    ::AdjustWindowRectExForDpi(&area, kStyle, TRUE, 0, static_cast<UINT>(m_dpi));
+    ::AdjustWindowRectExForDpi(&area, kWindowStyle, TRUE, 0, static_cast<UINT>(m_dpi));
     limits.ptMinTrackSize = {area.right - area.left, area.bottom - area.top};
 }
 

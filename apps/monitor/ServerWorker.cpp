@@ -1,9 +1,9 @@
 #include "apps/monitor/ServerWorker.h"
 
-#include <exception>
 #include <utility>
 
 #include "apps/monitor/Words.h"
+#include "NyServer/framing/NySeReply.h"
 
 namespace {
 
@@ -55,14 +55,12 @@ bool ServerWorker::isStopping() {
 
 void ServerWorker::run() {
     while (!isStopping()) {
-        std::wstring reason;
-        try {
-            reason = runConnection();
-        } catch (const std::exception&) {
-            reason = words::noMemory();
-        }
-        leave();
-        if (!reason.empty()) awaitNextAttempt(reason);
+        std::wstring reason = words::noMemory();  // what else throws ends in the library
+        NySe::succeeds([&] { reason = runConnection(); });
+        NySe::succeeds([&] {
+            leave();
+            if (!reason.empty()) awaitNextAttempt(reason);
+        });
     }
     const Lock lock(m_mutex);
     m_hasEnded = true;

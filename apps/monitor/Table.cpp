@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cwchar>
 #include <cwctype>
-#include <numeric>
 
 namespace {
 
@@ -20,13 +19,18 @@ int compareNumbers(const std::wstring& left, const std::wstring& right) {
 }
 
 int compareTexts(const std::wstring& left, const std::wstring& right) {
-    return lowered(left).compare(lowered(right));
+    return left.compare(right);
 }
 
 }  // namespace
 
 void Table::setRows(std::vector<Row> rows) {
-    m_rows = std::move(rows);
+    m_rows.clear();
+    for (Row& row : rows) {
+        Entry& entry = m_rows.emplace_back();
+        entry.row = std::move(row);
+        for (const std::wstring& cell : entry.row.cells) entry.lowered.push_back(lowered(cell));
+    }
     arrange();
 }
 
@@ -47,17 +51,17 @@ int Table::find(const std::wstring& key) const {
     return -1;
 }
 
-bool Table::isShown(const Row& row) const {
-    return std::any_of(row.cells.begin(), row.cells.end(), [this](const std::wstring& cell) {
-        return lowered(cell).find(m_filter) != std::wstring::npos;
-    });
+bool Table::isShown(const Entry& entry) const {
+    return std::any_of(
+        entry.lowered.begin(), entry.lowered.end(),
+        [this](const std::wstring& cell) { return cell.find(m_filter) != std::wstring::npos; });
 }
 
-bool Table::isBefore(const Row& left, const Row& right) const {
+bool Table::isBefore(const Entry& left, const Entry& right) const {
     const auto column = static_cast<size_t>(m_sortColumn);
     const auto compare = m_columns[column].isNumber ? &compareNumbers : &compareTexts;
-    const int order = compare(left.cells[column], right.cells[column]);
-    if (order == 0) return left.key < right.key;
+    const int order = compare(left.lowered[column], right.lowered[column]);
+    if (order == 0) return left.row.key < right.row.key;
     return m_isAscending ? order < 0 : order > 0;
 }
 

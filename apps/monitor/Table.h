@@ -38,17 +38,22 @@ class Table {
     int total() const { return static_cast<int>(m_rows.size()); }
     int count() const { return static_cast<int>(m_shown.size()); }
     // A shown row. REQUIRES: 0 <= index < count().
-    const Row& at(int index) const { return m_rows[m_shown[static_cast<size_t>(index)]]; }
+    const Row& at(int index) const { return m_rows[m_shown[static_cast<size_t>(index)]].row; }
     // Where the row with this key is shown; -1 when it is not.
     int find(const std::wstring& key) const;
 
   private:
-    bool isShown(const Row& row) const;
-    bool isBefore(const Row& left, const Row& right) const;
+    struct Entry {
+        Row row;
+        std::vector<std::wstring> lowered;  // its cells in lower case
+    };
+
+    bool isShown(const Entry& entry) const;
+    bool isBefore(const Entry& left, const Entry& right) const;
     void arrange();
 
     std::vector<Column> m_columns;
-    std::vector<Row> m_rows;
+    std::vector<Entry> m_rows;
     std::vector<size_t> m_shown;
     std::wstring m_filter;  // in lower case
     int m_sortColumn = 0;

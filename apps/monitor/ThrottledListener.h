@@ -41,10 +41,8 @@ class ListenerLink {
 
     // Before the listener goes: nothing more is posted by it, and nobody uses it any more.
     void sever() {
-        use([](ThrottledListener* listener) {
-            if (listener != nullptr) listener->setAppWnd(nullptr);
-        });
         const std::lock_guard lock(m_mutex);
+        if (m_listener != nullptr) m_listener->setAppWnd(nullptr);
         m_listener = nullptr;
     }
 
