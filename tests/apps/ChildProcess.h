@@ -56,6 +56,8 @@ class ChildProcess {
         return code;
     }
 
+    HANDLE handle() const { return m_process.get(); }
+
     // In bytes.
     SIZE_T workingSet() const {
         PROCESS_MEMORY_COUNTERS counters{};

@@ -1,0 +1,140 @@
+// What it takes to hold connections open: a thread and a socket for each, the listener's, and
+// nycentral's.
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "bench/wire/Parts.h"
+#include "bench/wire/ProcessUsage.h"
+#include "bench/wire/RawServer.h"
+#include "NyServer/client/NySeClientApp.h"
+#include "NyServer/listener/NyServerApp.h"
+#include "tests/apps/CentralProgram.h"
+#include "tests/socket/LocalConnection.h"
+#include "tests/support/Gate.h"
+
+namespace {
+
+using bench::ProcessUsage;
+
+constexpr std::chrono::seconds kPatience{120};
+
+void printRow(const char* name, const ProcessUsage& before, const ProcessUsage& after, int count) {
+    const auto each = [count](SIZE_T more, SIZE_T less) {
+        return (static_cast<double>(more) - static_cast<double>(less)) / count;
+    };
+    std::printf(
+        "| %s | %.1f | %.1f | %.2f |\n", name, each(after.workingSet, before.workingSet) / 1024,
+        each(after.committed, before.committed) / 1024, each(after.handles, before.handles));
+}
+
+class CountingListener : public NyServerApp {
+  public:
+    ~CountingListener() override { endConnections(); }
+    bool holds(int count) {
+        return eventually([&] { return GetNumConnections() == count; }, kPatience);
+    }
+};
+
+// The other ends are in a process of their own, so that this one has only what is counted.
+class Holder {
+  public:
+    Holder(unsigned int port, int count)
+        : m_process(L"bench-wire.exe",
+                    L"hold " + std::to_wstring(port) + L' ' + std::to_wstring(count), nullptr,
+                    nullptr, nullptr) {}
+
+  private:
+    ChildProcess m_process;
+};
+
+// A thread for each connection, which waits for data as the listener's do.
+class RawListener {
+  public:
+    RawListener() { ::listen(m_socket.get(), SOMAXCONN); }
+    ~RawListener() {
+        m_isStopping = true;
+        for (std::thread& thread : m_threads) thread.join();
+    }
+    RawListener(const RawListener&) = delete;
+    RawListener& operator=(const RawListener&) = delete;
+
+    unsigned int port() const { return static_cast<unsigned int>(peers::portOf(m_socket)); }
+    void accept(int count) {
+        for (int i = 0; i < count; ++i) {
+            bench::require(bench::awaitReadable(m_socket.get(), kPatience.count()), "none came");
+            m_threads.emplace_back(
+                [this, socket = ::accept(m_socket.get(), nullptr, nullptr)] { wait(socket); });
+        }
+        bench::require(eventually([&] { return m_waiting == count; }, kPatience), "no threads");
+    }
+
+  private:
+    void wait(SOCKET accepted) {
+        const UniqueSocket socket(accepted);
+        ++m_waiting;
+        while (!m_isStopping) bench::awaitReadable(socket.get(), 0, 100'000);
+    }
+
+    const UniqueSocket m_socket = peers::bindToLoopback();
+    std::atomic<bool> m_isStopping = false;
+    std::atomic<int> m_waiting = 0;
+    std::vector<std::thread> m_threads;
+};
+
+void holdInThreads(int count) {
+    RawListener listener;
+    const ProcessUsage before = ProcessUsage::of(::GetCurrentProcess());
+    const Holder holder(listener.port(), count);
+    listener.accept(count);
+    printRow("a thread that waits for its socket", before, ProcessUsage::of(::GetCurrentProcess()),
+             count);
+}
+
+void holdInListener(int count) {
+    CountingListener listener;
+    bench::require(listener.Start() == 0, "the listener does not start");
+    const ProcessUsage before = ProcessUsage::of(::GetCurrentProcess());
+    const Holder holder(listener.GetBoundPort(), count);
+    bench::require(listener.holds(count), "the listener does not get its connections");
+    printRow("`NyServerApp`", before, ProcessUsage::of(::GetCurrentProcess()), count);
+}
+
+void holdInCentral(int count) {
+    CentralProgram program(L"");
+    const HANDLE process = program.process().handle();
+    std::vector<std::unique_ptr<NySeClientApp>> clients;
+    const auto holdOneMore = [&] {
+        clients.push_back(std::make_unique<NySeClientApp>());
+        const bool isServed = clients.back()->connect(program.port(), "127.0.0.1", -1) == 0 &&
+                              clients.back()->isAlive();
+        bench::require(isServed, "nycentral does not serve a connection");
+    };
+    holdOneMore();  // whatever comes with the first
+    const ProcessUsage before = ProcessUsage::of(process);
+    for (int i = 0; i < count; ++i) holdOneMore();
+    printRow("`nycentral`", before, ProcessUsage::of(process), count);
+}
+
+}  // namespace
+
+void bench::runConnections(const WireOptions& options) {
+    const peers::WinsockSession winsock;
+    std::printf(
+        "| %d connections held open | working set, KiB each | committed, KiB each | handles each "
+        "|\n|---|---:|---:|---:|\n",
+        options.connections);
+    holdInThreads(options.connections);
+    holdInListener(options.connections);
+    holdInCentral(options.connections);
+}
+
+void bench::holdConnections(int port, int count) {
+    const peers::WinsockSession winsock;
+    std::vector<peers::Connection> held;
+    held.reserve(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i)
+        held.push_back(peers::connectionTo(static_cast<unsigned int>(port)));
+    ::Sleep(INFINITE);
+}

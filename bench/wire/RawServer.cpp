@@ -1,0 +1,61 @@
+#include "bench/wire/RawServer.h"
+
+#include <array>
+#include <cstring>
+
+#include "NyServer/framing/NySeActions.h"
+
+namespace {
+
+constexpr long kPatience = 15;  // seconds, as long as the library waits
+
+// The bytes of the request in front; 0 when not all of it is there.
+size_t answerFirst(SOCKET socket, const char* bytes, size_t held) {
+    LONG header[2];
+    if (held < sizeof header) return 0;
+    std::memcpy(header, bytes, sizeof header);
+    const size_t length = sizeof header + static_cast<size_t>(header[1]);
+    if (held < length) return 0;
+    const LONG alive = NySe::kAliveAnswer;
+    const char granted = 1;
+    if (header[0] == NySe::actionIsAlive)
+        ::send(socket, reinterpret_cast<const char*>(&alive), sizeof alive, 0);
+    else if (header[0] == NySe::actionLock)
+        ::send(socket, &granted, sizeof granted, 0);
+    return length;
+}
+
+}  // namespace
+
+void bench::answerRequests(peers::Connection& connection) {
+    std::array<char, 4096> buffer;
+    size_t held = 0;
+    for (;;) {
+        const int count = ::recv(connection.socket(), buffer.data() + held,
+                                 static_cast<int>(buffer.size() - held), 0);
+        if (count < 1) return;
+        held += static_cast<size_t>(count);
+        size_t taken = 0;
+        while (const size_t length =
+                   answerFirst(connection.socket(), buffer.data() + taken, held - taken))
+            taken += length;
+        std::memmove(buffer.data(), buffer.data() + taken, held - taken);
+        held -= taken;
+    }
+}
+
+bool bench::awaitReadable(SOCKET socket, long seconds, long microseconds) {
+    fd_set set{};
+    set.fd_count = 1;
+    set.fd_array[0] = socket;
+    timeval timeOut{seconds, microseconds};
+    return ::select(0, &set, nullptr, nullptr, &timeOut) == 1;
+}
+
+bool bench::exchange(SOCKET socket, const std::string& request, int answerBytes) {
+    const int length = static_cast<int>(request.size());
+    char answer[sizeof(LONG)];
+    return ::send(socket, request.data(), length, 0) == length &&
+           awaitReadable(socket, kPatience) &&
+           ::recv(socket, answer, answerBytes, 0) == answerBytes;
+}
