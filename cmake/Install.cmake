@@ -12,7 +12,6 @@ set(ny_public_headers
   NyServerApi.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
-  base/mfc/AfxSmallBlocks.h
   base/mfc/AfxText.h
   base/mfc/CArchive.h
   base/mfc/CException.h
@@ -37,9 +36,12 @@ set(ny_public_headers
   base/qo/QoUiLoadString.h
   base/qo/QoUiSwitchResource.h
   base/qo/QoWaitCursor.h
+  base/support/NyBaseApi.h
+  base/support/SmallBlocks.h
   client/NySeClientApp.h
   framing/NySeActions.h
   framing/NySeMemFile.h
+  framing/NySeNotification.h
   framing/NySeReply.h
   host/NyFctIpUtil.h
   host/NyServerModule.h

@@ -19,10 +19,6 @@ inline void writeArgument(NySeMemFile& message, const CObject& object) {
     message.writeObject(object);
 }
 
-// How long an answer may take, in seconds.
-inline constexpr int kScalarTimeOut = 15;
-inline constexpr int kChunkTimeOut = 30;
-
 }  // namespace clientexchange
 
 template <class... Arguments>
@@ -48,9 +44,9 @@ bool NySeClientApp::request(NySe::ActionType action, const Arguments&... argumen
 // otherwise.
 template <class Scalar>
 bool NySeClientApp::receiveScalarInto(Scalar& value) {
-    const int size = sizeof value;
-    char* const bytes = reinterpret_cast<char*>(&value);
-    return receiveBinary(bytes, size, clientexchange::kScalarTimeOut) == size;
+    return NySe::receiveScalar(value, [this](char* buffer, int length, int timeOut) {
+        return receiveBinary(buffer, length, timeOut);
+    });
 }
 
 // The scalar that comes next, or `failure`.

@@ -87,17 +87,15 @@ bool NySeClientApp::sendMemFile(NySeMemFile& message) {
     return sent != 0 && sent == length;
 }
 
+// A negative length counts as an empty reply.
 bool NySeClientApp::receiveMemfile(CMemFile& into) {
-    LONG length = 0;
-    if (!receiveScalarInto(length)) return false;
-    // A negative length counts as an empty reply.
-    LONG missing = length;
-    const bool received = NySe::succeeds([&] {
-        missing = NySe::receiveBody(into, length, [this](char* buffer, int count) {
-            return receiveBinary(buffer, count, clientexchange::kChunkTimeOut);
+    bool complete = false;
+    NySe::succeeds([&] {
+        complete = NySe::receiveMessage(into, [this](char* buffer, int length, int timeOut) {
+            return receiveBinary(buffer, length, timeOut);
         });
     });
-    return received && missing == 0;
+    return complete;
 }
 
 bool NySeClientApp::receiveString(CString& into) {

@@ -33,6 +33,31 @@ LONG receiveBody(CMemFile& into, LONG length, Receive receive) {
     return missing;
 }
 
+// How long what comes next may take, in seconds.
+inline constexpr int kScalarTimeOut = 15;
+inline constexpr int kChunkTimeOut = 30;
+
+// Reads a scalar by one `receive(char* buffer, int length, int timeOut)`, which is as the one of
+// receiveBody and waits for at most `timeOut` seconds. True when that one read gave all of it;
+// `value` may be partly overwritten otherwise.
+template <class Scalar, class Receive>
+bool receiveScalar(Scalar& value, Receive receive) {
+    const int size = sizeof value;
+    return receive(reinterpret_cast<char*>(&value), size, kScalarTimeOut) == size;
+}
+
+// Reads a length and that many bytes by the same `receive`. True when all came; `into` ends at its
+// start, with what came of the bytes.
+template <class Receive>
+bool receiveMessage(CMemFile& into, Receive receive) {
+    LONG length = 0;
+    if (!receiveScalar(length, receive)) return false;
+    const LONG missing = receiveBody(into, length, [&receive](char* buffer, int count) {
+        return receive(buffer, count, kChunkTimeOut);
+    });
+    return missing == 0;
+}
+
 // Runs `action` and drops whatever it throws. False when it threw.
 template <class Action>
 bool succeeds(Action action) {
@@ -48,7 +73,7 @@ bool succeeds(Action action) {
 }
 
 // The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
-// of another class than `expected`.
+// of another class than `expected`. expected null: any record or table of records.
 NYSERVER_API CObject* readReplyObject(CMemFile& reply, const CRuntimeClass* expected);
 
 // The one string in `reply`. When the bytes are no string, `text` stays as it was and false is

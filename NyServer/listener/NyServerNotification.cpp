@@ -1,8 +1,8 @@
 #include "NyServer/listener/NyServerNotification.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "NyServer/framing/NySeNotification.h"
 #include "NyServer/listener/NyServerApp.h"
 
 namespace {
@@ -28,13 +28,7 @@ NyServerNotification::~NyServerNotification() {
 }
 
 void NyServerNotification::readMessage(BYTE* bytes, size_t size) {
-    if (size < NySe::kActionHeaderBytes) return;
-    LONG header[2];
-    static_assert(sizeof header == NySe::kActionHeaderBytes);
-    std::memcpy(header, bytes, sizeof header);
-    if (!NySe::isNotification(header[0])) return;
-    m_action = static_cast<NySe::ActionType>(header[0]);
-    const size_t announced = static_cast<size_t>(std::max<LONG>(header[1], 0));
-    const size_t length = std::min(announced, size - sizeof header);
-    if (length > 0) m_payload.Attach(bytes + sizeof header, static_cast<UINT>(length));
+    const NySe::FoundNotification found = NySe::findNotification(bytes, size);
+    m_action = found.action;
+    if (found.payload) m_payload.Attach(found.payload, found.length);
 }

@@ -1,5 +1,6 @@
 #include "NyServer/listener/NyServerThreadApp.h"
 
+#include "NyServer/framing/NySeNotification.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
@@ -9,8 +10,6 @@ namespace {
 
 constexpr long kRoundMilliseconds = 100;
 constexpr int kIdleRoundsWithoutCheck = 50;
-constexpr int kLengthTimeOut = 15;  // seconds
-constexpr int kChunkTimeOut = 30;   // seconds
 constexpr UINT kGrowBytes = 1024;
 
 }  // namespace
@@ -68,11 +67,8 @@ void NyServerThreadApp::handleMessage() try {
 
 // Whether all of it came does not matter: the message is handled with what did.
 void NyServerThreadApp::receiveBody(CMemFile& body) {
-    LONG length = 0;
-    char* const bytes = reinterpret_cast<char*>(&length);
-    if (Receive(bytes, sizeof length, kLengthTimeOut) < static_cast<int>(sizeof length)) return;
-    NySe::receiveBody(body, length, [this](char* buffer, int count) {
-        return Receive(buffer, count, kChunkTimeOut);
+    NySe::receiveMessage(body, [this](char* buffer, int count, int timeOut) {
+        return Receive(buffer, count, timeOut);
     });
 }
 
@@ -90,8 +86,6 @@ void NyServerThreadApp::answerProbe() {
 
 void NyServerThreadApp::forward(CMemFile& body) {
     NySeMemFile message;
-    message.startWriteAction(static_cast<NySe::ActionType>(m_currentAction), NySe::schema2015);
-    message.writeMemfile(body);
-    message.stopWriting();
+    NySe::wrapNotification(message, static_cast<NySe::ActionType>(m_currentAction), body);
     m_server->postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, message);
 }

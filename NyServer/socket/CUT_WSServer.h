@@ -180,8 +180,8 @@ class NYSERVER_API CUT_WSServer {
     std::atomic<int> m_stopRequested = 0;
     std::atomic<int> m_maxConnections = 30000;
     std::atomic<int> m_connectionCount = 0;
-    int m_protocol = 0;
-    unsigned int m_port = static_cast<unsigned int>(-1);
+    std::atomic<int> m_protocol = 0;
+    std::atomic<unsigned int> m_port = static_cast<unsigned int>(-1);
     std::atomic<int> m_shutDownFlag = 0;
     int m_startUpCount = 0;
     CRITICAL_SECTION m_threadListLock;

@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "AfxSmallBlocks.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
 namespace {
 
@@ -14,12 +14,12 @@ constexpr int kBlocks = 5000;
 
 std::vector<void*> makeBlocks() {
     std::vector<void*> blocks;
-    for (int i = 0; i < kBlocks; ++i) blocks.push_back(afxAllocateSmall(kBytes));
+    for (int i = 0; i < kBlocks; ++i) blocks.push_back(allocateSmallBlock(kBytes));
     return blocks;
 }
 
 void freeBlocks(const std::vector<void*>& blocks) {
-    for (void* block : blocks) afxFreeSmall(block, kBytes);
+    for (void* block : blocks) freeSmallBlock(block, kBytes);
 }
 
 // How many of `blocks` are not in `known`.

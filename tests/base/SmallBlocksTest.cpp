@@ -1,4 +1,4 @@
-#include "AfxSmallBlocks.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ struct Block {
 };
 
 Block makeBlock(size_t bytes, unsigned char mark) {
-    void* const memory = afxAllocateSmall(bytes);
+    void* const memory = allocateSmallBlock(bytes);
     std::memset(memory, mark, bytes);
     return {memory, bytes, mark};
 }
@@ -43,7 +43,7 @@ std::vector<Block> makeBlocks(size_t ofEachSize) {
 void freeBlocks(const std::vector<Block>& blocks) {
     for (const Block& block : blocks) {
         EXPECT_TRUE(isUntouched(block)) << block.bytes << " bytes";
-        afxFreeSmall(block.memory, block.bytes);
+        freeSmallBlock(block.memory, block.bytes);
     }
 }
 
@@ -60,9 +60,9 @@ TEST(SmallBlocks, AreAlignedForAnyType) {
 }
 
 TEST(SmallBlocks, NullMayBeFreed) {
-    afxFreeSmall(nullptr, 0);
-    afxFreeSmall(nullptr, 16);
-    afxFreeSmall(nullptr, kLargestTried);
+    freeSmallBlock(nullptr, 0);
+    freeSmallBlock(nullptr, 16);
+    freeSmallBlock(nullptr, kLargestTried);
 }
 
 TEST(SmallBlocks, MayBeFreedByAnotherThread) {
@@ -84,7 +84,7 @@ TEST(SmallBlocks, ThreadsDoNotDisturbEachOther) {
 
 // Frees a block after the thread's own free blocks have been given back.
 struct FreesLate {
-    ~FreesLate() { afxFreeSmall(m_block, 32); }
+    ~FreesLate() { freeSmallBlock(m_block, 32); }
     void* m_block = nullptr;
 };
 
@@ -93,7 +93,7 @@ TEST(SmallBlocks, MayBeFreedWhileTheThreadEnds) {
     std::thread([&] {
         static thread_local FreesLate late;  // made first, so that it goes last
         late.m_block = nullptr;
-        late.m_block = afxAllocateSmall(32);
+        late.m_block = allocateSmallBlock(32);
         again = late.m_block;
     }).join();
     EXPECT_NE(again, nullptr);

@@ -78,8 +78,8 @@ TEST_F(ClientData, OfAConnectionIsArchivedUnderTheSessionSchema) {
 }
 
 TEST_F(ClientData, OfAConnectionIsArchivedUnderSchema0BeforeOneIsAgreed) {
-    expectSent(72, wireOf<LONG>(-1) + wireOf<LONG>(LONG_MIN) + userObject(2015, false),
-               [this] { client.sendConnectionData(-1, LONG_MIN, object); });
+    expectSent(72, wireOf<LONG>(-1) + wireOf<LONG>(INT32_MIN) + userObject(2015, false),
+               [this] { client.sendConnectionData(-1, INT32_MIN, object); });
 }
 
 TEST_F(ClientData, ThatCannotBeArchivedIsTruncated) {

@@ -115,6 +115,34 @@ TEST_F(ClientTransport, AnAnnouncedLengthCostsNoMemoryUntilTheBytesCome) {
     EXPECT_LE(reply.largest, 1024u * 1024);
 }
 
+// A file for which there is no memory.
+class StarvedFile : public CMemFile {
+  protected:
+    BYTE* Alloc(size_t) override { return nullptr; }
+    BYTE* Realloc(BYTE*, size_t) override { return nullptr; }
+};
+
+TEST_F(ClientTransport, AReplyThatThereIsNoMemoryForFails) {
+    serveRequest("", wireOf<LONG>(3) + "abc");
+    StarvedFile reply;
+    EXPECT_FALSE(Access::receiveMemfile(client, reply));
+    EXPECT_EQ(0u, reply.GetLength());
+}
+
+TEST_F(ClientTransport, AReplyThatIsResetInTheMiddleFails) {
+    peers::Peer peer([](peers::Connection& connection) {
+        char byte;
+        ::recv(connection.socket(), &byte, 1, MSG_PEEK);
+        connection.send(wireOf<LONG>(100) + "some");
+        // With the request unread, the close is a reset.
+    });
+    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
+    NySeUserPtrArray users;
+    client.getAllUser(users);
+    EXPECT_EQ(0, users.GetSize());
+    EXPECT_FALSE(client.IsConnected());
+}
+
 TEST_F(ClientTransport, ReadsAString) {
     serveRequest("", goldenWire("reply-string"));
     CString text;

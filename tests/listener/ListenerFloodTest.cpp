@@ -76,6 +76,17 @@ TEST_F(ListenerFlood, SurvivesSendersThatVanishInTheMiddle) {
     expectServes();
 }
 
+TEST_F(ListenerFlood, SurvivesASenderThatResets) {
+    {
+        auto peer = connect();
+        peer.send(frame(51, "before") + kProbe);
+        char answer;
+        ASSERT_EQ(::recv(peer.socket(), &answer, 1, MSG_PEEK), 1);
+    }  // with the answer unread, the close is a reset
+    EXPECT_TRUE(m_listener.awaitWorkers(0));
+    expectServes();
+}
+
 TEST_F(ListenerFlood, SurvivesAFlood) {
     auto peer = connect();
     const std::string flood(16 * 1024 * 1024, '\x33');

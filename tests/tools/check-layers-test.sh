@@ -4,8 +4,9 @@ set -eu
 . "$(dirname "$0")/testing.sh"
 
 cd "$project"
-mkdir -p tests NyServer/{base/mfc/windows,base/qo,records,framing,socket,client,online}
-touch tests/Helper.h NyServer/{NyServerApi.h,base/WindowsPrelude.h,base/mfc/afx.h,base/qo/QoObject2.h} \
+mkdir -p tests NyServer/{base/mfc/windows,base/support,base/qo,records,framing,socket,client,online}
+touch tests/Helper.h NyServer/{NyServerApi.h,base/WindowsPrelude.h,base/qo/QoObject2.h} \
+  NyServer/base/{mfc/afx.h,mfc/CArchive.h,support/SmallBlocks.h} \
   NyServer/{records/NySeUser.h,framing/NySeMemFile.h}
 
 # after_adding LINE FILE: the project with LINE in one more file of the library.
@@ -24,11 +25,25 @@ after_adding '#include "NyServer/base/WindowsPrelude.h"' socket/Added.cpp
 accepts check-layers
 after_adding '#include "NyServer/base/WindowsPrelude.h"' base/mfc/windows/Added.cpp
 accepts check-layers
+after_adding '#include "NyServer/base/support/SmallBlocks.h"' base/mfc/Added.h
+accepts check-layers
+after_adding '#include "CArchive.h"' base/mfc/Added.h
+accepts check-layers
+after_adding '#include <afx.h>' base/qo/Added.h
+accepts check-layers
+after_adding '#include "NyServer/base/support/SmallBlocks.h"' base/qo/Added.h
+accepts check-layers
 
 after_adding '#include "NyServer/framing/NySeMemFile.h"' records/Added.h
 rejects check-layers 'records must not include NyServer/framing/NySeMemFile.h of layer framing'
 after_adding '#include <QoObject2.h>' base/mfc/Added.h
 rejects check-layers 'base/mfc must not include NyServer/base/qo/QoObject2.h'
+after_adding '#include <CArchive.h>' base/qo/Added.h
+rejects check-layers 'includes NyServer/base/mfc/CArchive.h, which the real class library does not have'
+after_adding '#include "NyServer/base/mfc/CArchive.h"' framing/Added.h
+rejects check-layers 'which the real class library does not have'
+after_adding '#include <afx.h>' base/support/Added.h
+rejects check-layers 'base/support must not include NyServer/base/mfc/afx.h'
 after_adding '  #  include "../records/NySeUser.h"' socket/Added.cpp
 rejects check-layers 'socket must not include NyServer/records/NySeUser.h'
 after_adding '#include <afx.h>' socket/Added.cpp
@@ -48,5 +63,13 @@ after_adding '#ifdef _WIN32' records/Added.h
 rejects check-layers 'ask for the platform in'
 after_adding '#include "tests/Helper.h"' client/Added.cpp
 rejects check-layers 'of the library includes tests/Helper.h'
+
+find NyServer -name 'Added.*' -delete
+mkdir tests/posix
+echo '#include <winsock2.h>' > tests/posix/Sockets.cpp
+touch tests/posix/winsock2.h
+accepts check-layers
+echo '#include "tests/posix/winsock2.h"' > tests/Reaching.cpp
+rejects check-layers 'include the header that it stands in for'
 
 finish

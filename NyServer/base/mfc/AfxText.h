@@ -3,6 +3,7 @@
 
 #include <string>
 
-#include "AfxSmallBlocks.h"
+#include "afxplatform.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
-using AfxText = std::basic_string<WCHAR, std::char_traits<WCHAR>, AfxSmallAllocator<WCHAR>>;
+using AfxText = std::basic_string<WCHAR, std::char_traits<WCHAR>, SmallBlockAllocator<WCHAR>>;

@@ -2,8 +2,8 @@
 // CStringArray.
 #pragma once
 
-#include "AfxSmallBlocks.h"
 #include "CArchive.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
 #include <utility>
 #include <vector>
@@ -60,7 +60,7 @@ class AfxArray : public CObject {
     }
 
   protected:
-    using Elements = std::vector<TYPE, AfxSmallAllocator<TYPE>>;
+    using Elements = std::vector<TYPE, SmallBlockAllocator<TYPE>>;
 
     AfxArray() = default;
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "NyServer/base/support/NyBaseApi.h"
+
 #ifdef _WIN32
 #include "NyServer/base/WindowsPrelude.h"
 
@@ -33,16 +35,4 @@ typedef struct HINSTANCE__* HINSTANCE;  // nobody makes one
 #define FALSE 0
 #define _T(literal) u##literal
 #define PASCAL
-#endif
-
-// REQUIRES: NYBASE_EXPORTS while NyBaseDll itself is built, NYBASE_STATIC for one static program,
-// neither for users.
-#if defined(NYBASE_EXPORTS) && defined(NYBASE_STATIC)
-#error "Define NYBASE_EXPORTS (building the DLL) or NYBASE_STATIC (one static program), not both."
-#elif defined(NYBASE_EXPORTS)
-#define NYBASE_API __declspec(dllexport)
-#elif defined(NYBASE_STATIC)
-#define NYBASE_API
-#else
-#define NYBASE_API __declspec(dllimport)
 #endif

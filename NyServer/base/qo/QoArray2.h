@@ -81,7 +81,8 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
 
     // Deletes the removed elements when this array owns them.
     void RemoveAt(INT_PTR index, INT_PTR count = 1) {
-        Base::require(index >= 0 && count >= 0 && index <= GetSize() && count <= GetSize() - index);
+        const bool inside = index >= 0 && count >= 0 && index <= GetSize();
+        if (!inside || count > GetSize() - index) AfxThrowInvalidArgException();
         if (m_deleteObject) deleteElements(index, count);
         Base::RemoveAt(index, count);
     }

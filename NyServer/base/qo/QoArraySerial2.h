@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "NyServer/base/support/NyBaseApi.h"
 #include "QoArray2.h"
 
 // Archive form: a count, then each record in class-tagged object form.

@@ -3,6 +3,8 @@
 
 #include <afxwin.h>
 
+#include "NyServer/base/support/NyBaseApi.h"
+
 namespace QoUi {
 
 // The loaded module that holds the resources of module `baseName` + `extension`: its variant for

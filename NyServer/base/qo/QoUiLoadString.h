@@ -3,6 +3,8 @@
 
 #include <afxwin.h>
 
+#include "NyServer/base/support/NyBaseApi.h"
+
 // Derived classes say in which module the text lies. Not to be deleted by a pointer to this class.
 class NYBASE_API QoUiLoadString {
   public:

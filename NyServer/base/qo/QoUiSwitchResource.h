@@ -3,6 +3,8 @@
 
 #include <afxwin.h>
 
+#include "NyServer/base/support/NyBaseApi.h"
+
 // While it lives, resources are looked for in the given module first. The resource handle is the
 // process's: REQUIRES that switches are made by one thread at a time and end in the reverse order.
 class NYBASE_API QoUiSwitchResource {

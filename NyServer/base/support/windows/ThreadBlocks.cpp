@@ -1,4 +1,4 @@
-#include "../AfxThreadBlocks.h"
+#include "NyServer/base/support/ThreadBlocks.h"
 
 #include "NyServer/base/WindowsPrelude.h"
 
@@ -6,14 +6,14 @@
 
 namespace {
 
-void returnBlocks(AfxThreadBlocks* blocks) {
+void returnBlocks(ThreadBlocks* blocks) {
     if (blocks == nullptr) return;
-    afxReturnBlocks(*blocks);
+    returnThreadBlocks(*blocks);
     delete blocks;
 }
 
 void CALLBACK atThreadEnd(void* blocks) {
-    returnBlocks(static_cast<AfxThreadBlocks*>(blocks));
+    returnBlocks(static_cast<ThreadBlocks*>(blocks));
 }
 
 // A slot of fiber local storage, which is the kind that says when a thread ends. When this module
@@ -29,10 +29,10 @@ class Slot {
     Slot(const Slot&) = delete;
     Slot& operator=(const Slot&) = delete;
 
-    AfxThreadBlocks* blocks() {
+    ThreadBlocks* blocks() {
         if (m_index == FLS_OUT_OF_INDEXES) return nullptr;
-        if (void* const known = FlsGetValue(m_index)) return static_cast<AfxThreadBlocks*>(known);
-        auto* const made = new (std::nothrow) AfxThreadBlocks{};
+        if (void* const known = FlsGetValue(m_index)) return static_cast<ThreadBlocks*>(known);
+        auto* const made = new (std::nothrow) ThreadBlocks{};
         if (made != nullptr && FlsSetValue(m_index, made)) return made;
         delete made;
         return nullptr;
@@ -44,7 +44,7 @@ class Slot {
 
 }  // namespace
 
-AfxThreadBlocks* afxThreadBlocks() {
+ThreadBlocks* threadBlocks() {
     static Slot slot;
     return slot.blocks();
 }

@@ -1,21 +1,21 @@
-#include "../AfxThreadBlocks.h"
+#include "NyServer/base/support/ThreadBlocks.h"
 
 namespace {
 
 // Plain data, so that it can still be looked at when the thread's other objects are destroyed.
-constinit thread_local AfxThreadBlocks blocksOfThread{};
-constinit thread_local AfxThreadBlocks* usable = nullptr;  // once they are watched, until the end
+constinit thread_local ThreadBlocks blocksOfThread{};
+constinit thread_local ThreadBlocks* usable = nullptr;  // once they are watched, until the end
 constinit thread_local bool isReturned = false;
 
 struct ReturnAtThreadEnd {
     ~ReturnAtThreadEnd() {
         usable = nullptr;
         isReturned = true;
-        afxReturnBlocks(blocksOfThread);
+        returnThreadBlocks(blocksOfThread);
     }
 };
 
-[[gnu::noinline]] AfxThreadBlocks* watchThread() {
+[[gnu::noinline]] ThreadBlocks* watchThread() {
     if (isReturned) return nullptr;
     static thread_local ReturnAtThreadEnd watcher;
     static_cast<void>(watcher);
@@ -25,6 +25,6 @@ struct ReturnAtThreadEnd {
 
 }  // namespace
 
-AfxThreadBlocks* afxThreadBlocks() {
+ThreadBlocks* threadBlocks() {
     return usable != nullptr ? usable : watchThread();
 }

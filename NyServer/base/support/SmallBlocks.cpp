@@ -1,4 +1,4 @@
-#include "AfxSmallBlocks.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -7,27 +7,27 @@
 #include <thread>
 #include <utility>
 
-#include "AfxThreadBlocks.h"
+#include "NyServer/base/support/ThreadBlocks.h"
 
 // The address sanitizer watches blocks only when each is allocated by itself.
 #if defined(__SANITIZE_ADDRESS__)
-#define AFX_BLOCKS_ARE_SHARED 0
+#define NY_BLOCKS_ARE_SHARED 0
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-#define AFX_BLOCKS_ARE_SHARED 0
+#define NY_BLOCKS_ARE_SHARED 0
 #endif
 #endif
-#ifndef AFX_BLOCKS_ARE_SHARED
-#define AFX_BLOCKS_ARE_SHARED 1
+#ifndef NY_BLOCKS_ARE_SHARED
+#define NY_BLOCKS_ARE_SHARED 1
 #endif
 
 namespace {
 
 size_t sizeIndex(size_t bytes) {
-    return (bytes + kAfxBlockStep - 1) / kAfxBlockStep - 1;
+    return (bytes + kBlockStep - 1) / kBlockStep - 1;
 }
 size_t blocksInBatch(size_t index) {
-    return kAfxBatchBytes / ((index + 1) * kAfxBlockStep);
+    return kBatchBytes / ((index + 1) * kBlockStep);
 }
 
 // Held for a few instructions, and usable before and after every constructor and destructor, which
@@ -46,15 +46,15 @@ class BriefLock {
 // Batches of free blocks that no thread keeps. Any thread may use it at any time.
 class Store {
   public:
-    void put(size_t index, AfxFreeBlock* batch) {
+    void put(size_t index, FreeBlock* batch) {
         if (batch == nullptr) return;
         const std::scoped_lock lock(m_lock);
         batch->nextBatch = std::exchange(m_batches[index], batch);
     }
-    AfxFreeBlock* take(size_t index) {
+    FreeBlock* take(size_t index) {
         {
             const std::scoped_lock lock(m_lock);
-            if (AfxFreeBlock* const batch = m_batches[index]) {
+            if (FreeBlock* const batch = m_batches[index]) {
                 m_batches[index] = batch->nextBatch;
                 return batch;
             }
@@ -64,19 +64,19 @@ class Store {
 
   private:
     // Neighbours in the list are neighbours in memory.
-    static AfxFreeBlock* makeBatch(size_t index) {
-        const size_t size = (index + 1) * kAfxBlockStep;
-        char* const memory = static_cast<char*>(std::malloc(kAfxBatchBytes));
+    static FreeBlock* makeBatch(size_t index) {
+        const size_t size = (index + 1) * kBlockStep;
+        char* const memory = static_cast<char*>(std::malloc(kBatchBytes));
         if (memory == nullptr) throw std::bad_alloc();
-        AfxFreeBlock* next = nullptr;
+        FreeBlock* next = nullptr;
         for (size_t i = blocksInBatch(index); i > 0; --i) {
-            next = new (memory + (i - 1) * size) AfxFreeBlock{next, nullptr};
+            next = new (memory + (i - 1) * size) FreeBlock{next, nullptr};
         }
         return next;
     }
 
     BriefLock m_lock;
-    std::array<AfxFreeBlock*, kAfxBlockSizes> m_batches{};
+    std::array<FreeBlock*, kBlockSizes> m_batches{};
 };
 
 // Never destroyed: blocks are freed until the process ends.
@@ -85,13 +85,13 @@ constinit Store store;
 // The rare cases are functions of their own, so that the usual ones need no room on the stack.
 
 [[gnu::noinline]] void* allocateWithoutThread(size_t index) {
-    AfxFreeBlock* const batch = store.take(index);
+    FreeBlock* const batch = store.take(index);
     store.put(index, batch->next);
     return batch;
 }
 
-[[gnu::noinline]] void* allocateFromNextBatch(AfxThreadBlocks::List& list, size_t index) {
-    AfxFreeBlock* const batch =
+[[gnu::noinline]] void* allocateFromNextBatch(ThreadBlocks::List& list, size_t index) {
+    FreeBlock* const batch =
         list.spare != nullptr ? std::exchange(list.spare, nullptr) : store.take(index);
     list.first = batch->next;
     list.room = 1;
@@ -99,21 +99,21 @@ constinit Store store;
 }
 
 [[gnu::noinline]] void releaseWithoutThread(void* memory, size_t index) {
-    store.put(index, new (memory) AfxFreeBlock{nullptr, nullptr});
+    store.put(index, new (memory) FreeBlock{nullptr, nullptr});
 }
 
-[[gnu::noinline]] void releaseAfterWholeBatch(AfxThreadBlocks::List& list, void* memory,
+[[gnu::noinline]] void releaseAfterWholeBatch(ThreadBlocks::List& list, void* memory,
                                               size_t index) {
     store.put(index, std::exchange(list.spare, list.first));
-    list.first = new (memory) AfxFreeBlock{nullptr, nullptr};
+    list.first = new (memory) FreeBlock{nullptr, nullptr};
     list.room = blocksInBatch(index) - 1;
 }
 
 void* allocate(size_t index) {
-    AfxThreadBlocks* const blocks = afxThreadBlocks();
+    ThreadBlocks* const blocks = threadBlocks();
     if (blocks == nullptr) return allocateWithoutThread(index);
-    AfxThreadBlocks::List& list = blocks->lists[index];
-    AfxFreeBlock* const block = list.first;
+    ThreadBlocks::List& list = blocks->lists[index];
+    FreeBlock* const block = list.first;
     if (block == nullptr) return allocateFromNextBatch(list, index);
     list.first = block->next;
     ++list.room;
@@ -121,33 +121,33 @@ void* allocate(size_t index) {
 }
 
 void release(void* memory, size_t index) {
-    AfxThreadBlocks* const blocks = afxThreadBlocks();
+    ThreadBlocks* const blocks = threadBlocks();
     if (blocks == nullptr) return releaseWithoutThread(memory, index);
-    AfxThreadBlocks::List& list = blocks->lists[index];
+    ThreadBlocks::List& list = blocks->lists[index];
     if (list.room == 0) return releaseAfterWholeBatch(list, memory, index);
-    list.first = new (memory) AfxFreeBlock{list.first, nullptr};
+    list.first = new (memory) FreeBlock{list.first, nullptr};
     --list.room;
 }
 
 }  // namespace
 
-void afxReturnBlocks(AfxThreadBlocks& blocks) {
-    for (size_t index = 0; index < kAfxBlockSizes; ++index) {
-        AfxThreadBlocks::List& list = blocks.lists[index];
+void returnThreadBlocks(ThreadBlocks& blocks) {
+    for (size_t index = 0; index < kBlockSizes; ++index) {
+        ThreadBlocks::List& list = blocks.lists[index];
         store.put(index, std::exchange(list.first, nullptr));
         store.put(index, std::exchange(list.spare, nullptr));
     }
 }
 
-void* afxAllocateSmall(size_t bytes) {
-    if (!AFX_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kAfxLargestBlock) {
+void* allocateSmallBlock(size_t bytes) {
+    if (!NY_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kLargestBlock) {
         return ::operator new(bytes);
     }
     return allocate(sizeIndex(bytes));
 }
 
-void afxFreeSmall(void* block, size_t bytes) noexcept {
-    if (!AFX_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kAfxLargestBlock || block == nullptr) {
+void freeSmallBlock(void* block, size_t bytes) noexcept {
+    if (!NY_BLOCKS_ARE_SHARED || bytes == 0 || bytes > kLargestBlock || block == nullptr) {
         ::operator delete(block);
         return;
     }

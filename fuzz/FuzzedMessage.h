@@ -1,0 +1,47 @@
+// A message that is taken apart and made again.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "fuzz/Require.h"
+#include "NyServer/framing/NySeReply.h"
+#include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeUser.h"
+#include "tests/support/ArchiveBytes.h"
+
+inline void copyArgument(char kind, CArchive& from, NySeMemFile& to) {
+    if (kind == 'i') {
+        LONG number;
+        from >> number;
+        to.writeInteger(number);
+    } else if (kind == 's') {
+        CString text;
+        from >> text;
+        to.writeString(text);
+    } else {
+        const CRuntimeClass* const wanted =
+            kind == 'u' ? RUNTIME_CLASS(NySeUser) : RUNTIME_CLASS(NySeMessage);
+        const std::unique_ptr<CObject> object(from.ReadObject(wanted));
+        if (object == nullptr) AfxThrowArchiveException(CArchiveException::badClass);
+        to.writeObject(*object);
+    }
+}
+
+// Reads the arguments behind the header of `message`: i an integer, s a string, u a user, m a
+// message record. The message made of them; no bytes when they are not there.
+inline Bytes copyMessage(const Bytes& message, std::string_view arguments) {
+    NySeMemFile from;
+    from.Write(message.data(), static_cast<UINT>(message.size()));
+    from.Seek(NySe::kActionHeaderBytes, CFile::begin);
+    from.startReading();
+    NySeMemFile to;
+    to.startWriteAction(NySe::actionLock, NySe::schema2015);
+    const bool read = NySe::succeeds([&] {
+        for (const char kind : arguments) copyArgument(kind, *from.getArchive(), to);
+    });
+    to.stopWriting();
+    return read ? contentsOf(to) : Bytes();
+}

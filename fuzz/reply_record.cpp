@@ -1,0 +1,26 @@
+// The record reader: an object of the class that was asked for, or none.
+#include "fuzz/Drip.h"
+#include "fuzz/HeldMemory.h"
+#include "fuzz/Require.h"
+#include "NyServer/framing/NySeReply.h"
+#include "NyServer/records/NySeConnectionArray.h"
+#include "NyServer/records/NySeLockArray.h"
+#include "NyServer/records/NySeUserPtrArray.h"
+
+static void check(const CRuntimeClass* expected, const uint8_t* bytes, size_t size) {
+    const HeldMemory held;
+    CMemFile reply;
+    if (!NySe::receiveMessage(reply, Drip(bytes, size))) return;
+    const std::unique_ptr<CObject> object(NySe::readReplyObject(reply, expected));
+    held.requireAtMost(32 * size + 4 * NySe::kReceiveStep);
+    require(!object || !expected || object->IsKindOf(expected), "it is what was asked for");
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+    check(RUNTIME_CLASS(NySeConnectionArray), bytes, size);
+    check(RUNTIME_CLASS(NySeLockArray), bytes, size);
+    check(RUNTIME_CLASS(NySeUser), bytes, size);
+    check(RUNTIME_CLASS(NySeUserPtrArray), bytes, size);
+    check(nullptr, bytes, size);
+    return 0;
+}

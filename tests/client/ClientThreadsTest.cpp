@@ -1,0 +1,71 @@
+// Clients on several threads at a time.
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "tests/client/ClientTest.h"
+
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 30;
+
+int actionOf(const std::string& request) {
+    int action = 0;
+    request.copy(reinterpret_cast<char*>(&action), sizeof action);
+    return action;
+}
+
+// Says that it is alive, and names two users to whoever asks for them; until the client closes.
+peers::Script answering() {
+    return [alive = wireOf<LONG>(NySe::kAliveAnswer),
+            users = goldenWire("reply-users")](peers::Connection& client) {
+        for (std::string request; !(request = client.receive()).empty();) {
+            if (actionOf(request) == NySe::actionIsAlive) client.send(alive);
+            if (actionOf(request) == NySe::actionGetAllUser) client.send(users);
+        }
+    };
+}
+
+// The good answers among `kRounds` of each kind.
+int countAnswers(NySeClientApp& client, std::mutex& oneAtATime) {
+    int count = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        const std::lock_guard lock(oneAtATime);
+        NySeUserPtrArray users;
+        client.getAllUser(users);
+        count += users.GetSize() == 2 && client.isAlive();
+    }
+    return count;
+}
+
+// Runs `ask` on several threads; the sum of what it returns.
+int onAllThreads(const std::function<int()>& ask) {
+    std::atomic<int> sum = 0;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) threads.emplace_back([&] { sum += ask(); });
+    for (auto& thread : threads) thread.join();
+    return sum;
+}
+
+TEST(ClientThreads, EachMayHaveAClientOfItsOwn) {
+    const auto ask = [] {
+        const peers::Peer server(answering());
+        NySeClientApp client;
+        std::mutex own;
+        return client.connect(static_cast<int>(server.port()), "127.0.0.1", -1) == 0
+                   ? countAnswers(client, own)
+                   : 0;
+    };
+    EXPECT_EQ(kThreads * kRounds, onAllThreads(ask));
+}
+
+TEST(ClientThreads, MayShareAClientUnderALock) {
+    const peers::Peer server(answering());
+    NySeClientApp client;
+    ASSERT_EQ(0, client.connect(static_cast<int>(server.port()), "127.0.0.1", -1));
+    std::mutex shared;
+    EXPECT_EQ(kThreads * kRounds, onAllThreads([&] { return countAnswers(client, shared); }));
+}
+
+}  // namespace

@@ -1,0 +1,124 @@
+// How replies are taken off a connection: here one that gives what it is told to.
+#include "NyServer/framing/NySeReply.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+
+#include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/support/ArchiveBytes.h"
+
+namespace {
+
+// Gives at most `atOnce` of the bytes at each read, and notes what it is asked for.
+class ReplyReaders : public ::testing::Test {
+  protected:
+    Bytes m_bytes;
+    int m_atOnce = 1 << 20;
+    std::vector<int> m_timeOuts;
+    int m_mostAsked = 0;
+    CMemFile m_file;
+
+    int read(char* buffer, int length, int timeOut) {
+        m_timeOuts.push_back(timeOut);
+        m_mostAsked = std::max(m_mostAsked, length);
+        const int count = std::min({length, m_atOnce, static_cast<int>(m_bytes.size())});
+        std::memcpy(buffer, m_bytes.data(), static_cast<size_t>(count));
+        m_bytes.erase(m_bytes.begin(), m_bytes.begin() + count);
+        return count;
+    }
+    auto reader() {
+        return [this](char* buffer, int length, int wait) { return read(buffer, length, wait); };
+    }
+    bool receiveMessage(std::string_view bytes) {
+        m_bytes = fromHex(bytes);
+        return NySe::receiveMessage(m_file, reader());
+    }
+    std::string received() { return toHex(contentsOf(m_file)); }
+};
+
+TEST_F(ReplyReaders, ScalarIsAllOfOneRead) {
+    m_bytes = fromHex("00020000 07");
+    LONG value = 0;
+    EXPECT_TRUE(NySe::receiveScalar(value, reader()));
+    EXPECT_EQ(512, value);
+    EXPECT_EQ(std::vector<int>{15}, m_timeOuts);
+    EXPECT_EQ("07", toHex(m_bytes));
+}
+
+TEST_F(ReplyReaders, ScalarInTwoPartsIsMissing) {
+    m_bytes = fromHex("00020000");
+    m_atOnce = 3;
+    LONG value = 0;
+    EXPECT_FALSE(NySe::receiveScalar(value, reader()));
+    EXPECT_EQ("00", toHex(m_bytes));
+}
+
+TEST_F(ReplyReaders, MessageIsItsLengthAndThatManyBytes) {
+    EXPECT_TRUE(receiveMessage("03000000 'abc' 'd'"));
+    EXPECT_EQ(hex("'abc'"), received());
+    EXPECT_EQ((std::vector<int>{15, 30}), m_timeOuts);
+    EXPECT_EQ(0u, m_file.GetPosition());
+}
+
+TEST_F(ReplyReaders, MessageMayComeInParts) {
+    m_atOnce = 4;
+    EXPECT_TRUE(receiveMessage("06000000 'abcdef'"));
+    EXPECT_EQ(hex("'abcdef'"), received());
+    EXPECT_EQ((std::vector<int>{15, 30, 30}), m_timeOuts);
+}
+
+TEST_F(ReplyReaders, MessageThatStopsEarlyKeepsWhatCame) {
+    EXPECT_FALSE(receiveMessage("09000000 'abc'"));
+    EXPECT_EQ(hex("'abc'"), received());
+}
+
+TEST_F(ReplyReaders, LengthOfZeroOrLessIsAnEmptyMessage) {
+    EXPECT_TRUE(receiveMessage("00000000 'abc'"));
+    EXPECT_TRUE(receiveMessage("FDFFFFFF 'abc'"));
+    EXPECT_EQ("", received());
+    EXPECT_EQ(hex("'abc'"), toHex(m_bytes));
+}
+
+TEST_F(ReplyReaders, WithoutALengthThereIsNoMessage) {
+    EXPECT_FALSE(receiveMessage("0300"));
+    EXPECT_EQ("", received());
+}
+
+// A peer may announce two gigabytes and send one byte.
+TEST_F(ReplyReaders, IsAskedForInStepsWhateverIsAnnounced) {
+    EXPECT_FALSE(receiveMessage("FFFFFF7F 'a'"));
+    EXPECT_EQ(hex("'a'"), received());
+    EXPECT_LE(m_mostAsked, 2 * NySe::kReceiveStep);
+}
+
+// The class name of the object that is read where any record will do.
+std::string anyRecordIn(std::string_view bytes) {
+    const Bytes content = fromHex(bytes);
+    CMemFile reply;
+    reply.Write(content.data(), static_cast<UINT>(content.size()));
+    reply.SeekToBegin();
+    const std::unique_ptr<CObject> object(NySe::readReplyObject(reply, nullptr));
+    return object ? object->GetRuntimeClass()->m_lpszClassName : "none";
+}
+
+TEST(ReplyObject, MayBeAnyRecordOrTable) {
+    EXPECT_EQ("NySeSessionLock", anyRecordIn("FFFF DF07 0F00 'NySeSessionLock' 18000000 07000000"));
+    EXPECT_EQ("NySeUserPtrArray", anyRecordIn("FFFF DF07 1000 'NySeUserPtrArray' 0000"));
+}
+
+// It would hold objects that nobody owns: memory that any peer could have lost.
+TEST(ReplyObject, IsNoArrayOfTheClassLibrary) {
+    EXPECT_EQ("none", anyRecordIn("FFFF 0000 0800 'CObArray' 0100 FFFF 0000 0800 'CObArray' 0000"));
+    EXPECT_EQ("none", anyRecordIn("FFFF 0000 0800 'CObArray' 0000"));
+}
+
+TEST(ReplyObject, IsNoneWithoutAClass) {
+    EXPECT_EQ("none", anyRecordIn("0000"));
+    EXPECT_EQ("none", anyRecordIn("0180"));
+    EXPECT_EQ("none", anyRecordIn(""));
+}
+
+}  // namespace

@@ -1,0 +1,2 @@
+// Nothing beyond <winsock2.h> is used of it.
+#pragma once

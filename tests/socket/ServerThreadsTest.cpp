@@ -1,0 +1,72 @@
+// What a server's own thread and its workers' threads do to it at the same time.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "tests/socket/ProbeServer.h"
+
+namespace {
+
+class ServerThreads : public testing::Test {
+  protected:
+    // Goes before what the handlers refer to.
+    void TearDown() override { m_server.reset(); }
+
+    void start(LoggingWorker::Handler handler) {
+        m_server->onConnect = std::move(handler);
+        ASSERT_TRUE(m_server->start());
+    }
+
+    peers::WinsockSession m_winsock;
+    std::atomic<int> m_looks = 0;
+    std::atomic<int> m_wrongLooks = 0;
+    std::unique_ptr<ProbeServer> m_server = std::make_unique<ProbeServer>();
+};
+
+TEST_F(ServerThreads, ShowsItsWorkersWholeSettingsWhileTheyChange) {
+    start([this](LoggingWorker& worker) {
+        const CUT_WSServer& server = *worker.owner();
+        for (; server.GetShutDownFlag() == 0; ++m_looks) {
+            const bool isRight = server.GetMaxConnections() >= 30000 && server.GetProtocol() <= 1 &&
+                                 server.GetPort() > 0 && server.GetBoundPort() > 0 &&
+                                 server.GetNumConnections() > 0;
+            if (!isRight) ++m_wrongLooks;
+        }
+    });
+    const unsigned int port = m_server->GetPort();
+    const peers::Connection peers[] = {m_server->connection(), m_server->connection()};
+    const auto change = [&, round = 0]() mutable {
+        ++round;
+        m_server->SetPort(port + round % 2);
+        m_server->SetMaxConnections(30000 + round % 2);
+        m_server->SetProtocol(round % 2);
+        return m_looks >= 500;
+    };
+    EXPECT_TRUE(eventually(change, peers::kPatience));
+    m_server->SetPort(port);
+    EXPECT_EQ(m_wrongLooks, 0);
+}
+
+TEST_F(ServerThreads, KillsWorkersWhileOthersCome) {
+    constexpr int kSenders = 3;
+    constexpr int kEach = 10;
+    start([](LoggingWorker& worker) {
+        while (worker.abortFlag() == 0) ::Sleep(1);
+    });
+    std::vector<std::thread> senders;
+    for (int i = 0; i < kSenders; ++i)
+        senders.emplace_back([this] {
+            for (int n = 0; n < kEach; ++n) EXPECT_TRUE(m_server->connection().awaitClose());
+        });
+    const auto log = m_server->log;
+    const auto kill = [&] {
+        m_server->ThreadListKill();
+        return log->count("worker deleted") == kSenders * kEach;
+    };
+    EXPECT_TRUE(eventually(kill, std::chrono::seconds(120)));
+    for (auto& sender : senders) sender.join();
+    EXPECT_EQ(m_server->GetNumConnections(), 0);
+    EXPECT_EQ(log->count("ReleaseInstance"), kSenders * kEach);
+}
+
+}  // namespace
