@@ -72,7 +72,7 @@ set(ny_public_headers
   socket/SocketCodes.h
   socket/SocketErrorText.h)
 
-set(ny_programs nycentral nyctl)
+set(ny_programs nycentral nyctl nymonitor)
 
 # Debug information names the folders of the machine that it was made on.
 install(CODE "set(CMAKE_INSTALL_DO_STRIP ON)")

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
+#include "apps/common/Session.h"
 #include "apps/common/Utf8.h"
 #include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
-#include "apps/nyctl/Session.h"
 
 struct Context {
     Session& session;

@@ -3,9 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include "apps/common/Session.h"
 #include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
-#include "apps/nyctl/Session.h"
 
 // Adds every command to `app`; parsing a line that names one runs it and leaves its outcome in
 // `status`. All three must outlive `app`.

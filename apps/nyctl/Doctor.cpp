@@ -168,7 +168,7 @@ Run defineDoctor(CLI::App& command) {
         ->check(CLI::Range(1, kLongest))
         ->capture_default_str();
     return [patience](Context& context) {
-        return Doctor(context.session.options(), std::chrono::seconds(*patience))
+        return Doctor(context.output.options(), std::chrono::seconds(*patience))
             .examine(context.output);
     };
 }

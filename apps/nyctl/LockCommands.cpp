@@ -1,6 +1,6 @@
 // The commands about locks.
+#include "apps/common/ShareMode.h"
 #include "apps/nyctl/CommandTools.h"
-#include "apps/nyctl/ShareMode.h"
 #include "NyServer/records/NySeLockArray.h"
 
 namespace {

@@ -22,6 +22,8 @@ class Output {
     void lines(const char* name, const std::vector<std::string>& lines) const;
     // The next thing of a series that goes on: `lines`, or one object. Nothing is held back.
     void next(const std::vector<std::string>& lines, const Record& record) const;
+    // What was said before the command.
+    const Options& options() const { return m_options; }
     // The lines of a text, without their ends.
     static std::vector<std::string> split(const std::string& text);
     // What is no result, on standard error.

@@ -15,7 +15,7 @@ Run defineWatch(CLI::App& command) {
         ->check(CLI::Range(0.001, kLongest));
     return [count, seconds](Context& context) {
         const WatchLimits limits{*count, std::chrono::duration<double>(*seconds)};
-        if (context.session.isShell() && !limits.hasCount() && !limits.hasTime()) {
+        if (context.output.options().isShell && !limits.hasCount() && !limits.hasTime()) {
             Output::complain(
                 "watch without --count or --timeout would never come to the shell's next line");
             return exitUsage;

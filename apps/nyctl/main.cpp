@@ -7,12 +7,6 @@
 
 namespace {
 
-std::string loginName() {
-    WCHAR name[256];
-    DWORD length = 256;
-    return ::GetUserNameW(name, &length) ? toUtf8(CString(name)) : std::string("user");
-}
-
 int run() {
     Options options;
     options.user = loginName();

@@ -48,6 +48,8 @@ class ChildProcess {
                WAIT_OBJECT_0;
     }
 
+    DWORD id() const { return ::GetProcessId(m_process.get()); }
+
     DWORD exitCode() const {
         DWORD code = STILL_ACTIVE;
         ::GetExitCodeProcess(m_process.get(), &code);

@@ -58,7 +58,7 @@ class DoctorRun {
     NyctlRun& run() { return m_run; }
 
   private:
-    Options m_options{"", "system", true};
+    Options m_options{{"", "system"}, true};
     NyctlRun m_run;
 };
 
@@ -139,7 +139,7 @@ TEST_F(NyctlDoctorHeard, TakesTheNameThatWasChosen) {
 }
 
 TEST_F(NyctlDoctor, LeavesTheShellsConnectionAlone) {
-    Options options{"127.0.0.1:" + std::to_string(server.GetPort()), "Anna", true};
+    Options options{{"127.0.0.1:" + std::to_string(server.GetPort()), "Anna"}, true};
     Session shell(options);
     ASSERT_TRUE(shell.registerUser());
     EXPECT_EQ(exitYes, doctor.run()(shell, options, "doctor"));

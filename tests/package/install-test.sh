@@ -12,7 +12,8 @@ libgcc_s_seh-1.dll
 libstdc++-6.dll
 libwinpthread-1.dll
 nycentral.exe
-nyctl.exe" "$(files_of "$prefix/bin")"
+nyctl.exe
+nymonitor.exe" "$(files_of "$prefix/bin")"
 
 same "files in lib" "cmake/NyServer/NyServerConfig.cmake
 cmake/NyServer/NyServerConfigVersion.cmake

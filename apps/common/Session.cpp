@@ -1,4 +1,4 @@
-#include "apps/nyctl/Session.h"
+#include "apps/common/Session.h"
 
 #include <charconv>
 
@@ -16,6 +16,12 @@ std::optional<ServerAddress> parseServer(const std::string& server) {
     return address;
 }
 
+std::string loginName() {
+    WCHAR name[256];
+    DWORD length = 256;
+    return ::GetUserNameW(name, &length) ? toUtf8(CString(name)) : std::string("user");
+}
+
 void Session::close() {
     if (m_connected) m_client.disconnect();
     m_connected = m_registered = m_listening = false;
@@ -24,7 +30,7 @@ void Session::close() {
 
 bool Session::connect() {
     if (m_connected) return true;
-    const auto address = parseServer(m_options.server);
+    const auto address = parseServer(m_account.server);
     m_connected = address && m_client.connect(address->port, address->host.c_str(), -1) == 0;
     return m_connected;
 }
@@ -39,7 +45,7 @@ bool Session::open() {
 
 bool Session::registerUser() {
     if (m_registered || !open()) return m_registered;
-    m_user.setStrUserName(fromUtf8(m_options.user));
+    m_user.setStrUserName(fromUtf8(m_account.user));
     m_user.setStrHostName(m_client.getHostName());
     m_user.setStrComputerName(m_client.getHostName());
     m_user.setSchema(NySe::schema2015);
@@ -54,8 +60,12 @@ int Session::firstPort() {
 }
 
 NyServerApp& Session::listener() {
-    if (!m_listener) m_listener = std::make_unique<NyServerApp>();
+    if (!m_listener) m_listener = makeListener();
     return *m_listener;
+}
+
+std::unique_ptr<NyServerApp> Session::makeListener() const {
+    return std::make_unique<NyServerApp>();
 }
 
 bool Session::listen() {

@@ -1,11 +1,10 @@
-// Session: the connection that the commands share.
+// Session: a user's connection to a central server.
 #pragma once
 
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "apps/nyctl/Options.h"
 #include "NyServer/client/NySeClientApp.h"
 #include "NyServer/listener/NyServerApp.h"
 
@@ -17,12 +16,21 @@ struct ServerAddress {
 // HOST:PORT taken apart; nothing when `server` is something else.
 std::optional<ServerAddress> parseServer(const std::string& server);
 
-// Connects when the first command needs it and says good-bye at its end. Used by one thread.
+// The name under which the user is logged in on this machine, in UTF-8.
+std::string loginName();
+
+// Who talks to which server.
+struct Account {
+    std::string server = "127.0.0.1:42015";  // HOST:PORT
+    std::string user;                        // who registers, in UTF-8
+};
+
+// Connects when that is first needed and says good-bye at its end. Used by one thread.
 class Session {
   public:
-    // The options are read when the connection is opened; they must outlive the session.
-    explicit Session(const Options& options) : m_options(options) {}
-    ~Session() { close(); }
+    // The account is read when the connection is opened; it must outlive the session.
+    explicit Session(const Account& account) : m_account(account) {}
+    virtual ~Session() { close(); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
@@ -48,14 +56,16 @@ class Session {
 
     NySeClientApp& client() { return m_client; }
     const NySeUser& user() const { return m_user; }
-    const Options& options() const { return m_options; }
-    const std::string& server() const { return m_options.server; }
-    bool isShell() const { return m_options.isShell; }
+    const std::string& server() const { return m_account.server; }
+
+  protected:
+    // The listener of each new connection.
+    virtual std::unique_ptr<NyServerApp> makeListener() const;
 
   private:
     int firstPort();
 
-    const Options& m_options;
+    const Account& m_account;
     NySeClientApp m_client;
     NySeUser m_user;
     bool m_connected = false;

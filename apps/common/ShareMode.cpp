@@ -1,4 +1,4 @@
-#include "apps/nyctl/ShareMode.h"
+#include "apps/common/ShareMode.h"
 
 #include <cstdio>
 

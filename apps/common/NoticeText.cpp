@@ -1,0 +1,86 @@
+#include "apps/common/NoticeText.h"
+
+#include <array>
+#include <cstdio>
+
+#include "apps/common/ShareMode.h"
+#include "apps/common/Utf8.h"
+#include "NyServer/records/NySeConnection.h"
+#include "NyServer/records/NySeLock.h"
+#include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeUser.h"
+
+namespace {
+
+std::string number(LONG value) {
+    return std::to_string(value);
+}
+
+std::string textOf(const NySeSessionLock& holder) {
+    return "session " + number(holder.getSessionNumber()) + " (" +
+           shareModeWords(holder.getLockState()) + ')';
+}
+
+std::string textOf(const NySeLock& lock) {
+    std::string text = toUtf8(lock.getStrLockName()) + ", held by ";
+    const NySeSessionLockPtrArray& holders = lock.getHolders();
+    for (INT_PTR i = 0; i < holders.GetSize(); ++i) text += (i ? ", " : "") + textOf(*holders[i]);
+    return holders.GetSize() > 0 ? text : text + "nobody";
+}
+
+std::string textOf(const NySeConnection& connection) {
+    return toUtf8(connection.getStrConnection()) + ", id " + number(connection.getId()) +
+           ", opens " + number(connection.getRefCount());
+}
+
+std::string textOf(const NySeUser& user) {
+    return toUtf8(user.getStrUserName()) + ", session " + number(user.getSessionNumber()) +
+           ", port " + number(user.getPort()) + " on " + toUtf8(user.getStrHostName());
+}
+
+std::string textOf(const NySeMessage& message) {
+    return toUtf8(message.getStrMessage());
+}
+
+// Empty when `object` is no Record.
+template <class Record>
+std::string textIf(const CObject& object) {
+    return object.IsKindOf(RUNTIME_CLASS(Record))
+               ? ": " + textOf(static_cast<const Record&>(object))
+               : std::string();
+}
+
+}  // namespace
+
+// The words of docs/central-server.md.
+const char* noticeWords(NySe::ActionType action) {
+    static constexpr std::array kWords = {"a lock was granted",
+                                          "a lock was released",
+                                          "a connection was opened",
+                                          "a connection was closed",
+                                          "a user joined or registered again",
+                                          "a user left",
+                                          "connection data",
+                                          "user data",
+                                          "data for all"};
+    static_assert(kWords.size() ==
+                  NySe::actionLastNotification - NySe::actionFirstNotification + 1);
+    const auto index = static_cast<size_t>(action - NySe::actionFirstNotification);
+    return index < kWords.size() ? kWords[index] : "unknown";
+}
+
+std::string noticeContent(const CObject* object) {
+    if (object == nullptr) return "no object";
+    return object->GetRuntimeClass()->m_lpszClassName + textIf<NySeLock>(*object) +
+           textIf<NySeConnection>(*object) + textIf<NySeUser>(*object) +
+           textIf<NySeMessage>(*object) + textIf<NySeSessionLock>(*object);
+}
+
+std::string timeOfDay(const SYSTEMTIME& utc) {
+    SYSTEMTIME local;
+    ::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
+    char text[32];
+    std::snprintf(text, sizeof text, "%02u:%02u:%02u.%03u", local.wHour, local.wMinute,
+                  local.wSecond, local.wMilliseconds);
+    return text;
+}

@@ -1,0 +1,19 @@
+// What a notification says, for people.
+#pragma once
+
+#include <afx.h>
+
+#include <string>
+
+#include "NyServer/framing/NySeActions.h"
+
+// What notification `action` tells, as "a lock was granted"; "unknown" when it is none.
+const char* noticeWords(NySe::ActionType action);
+
+// The object that came with a notification in UTF-8: its class and what is in it, as
+// "NySeConnection: Server=c, id 1, opens 1"; the class alone for one that is no record of a central
+// server, "no object" for null.
+std::string noticeContent(const CObject* object);
+
+// The local time of day, as "17:05:59.123".
+std::string timeOfDay(const SYSTEMTIME& utc);

@@ -1,0 +1,157 @@
+#include "apps/monitor/Dialogs.h"
+
+#include <afxwin.h>
+
+#include "apps/monitor/resource.h"
+
+namespace {
+
+// A dialog with one text that must not be empty, and whatever else its kind has.
+class Dialog {
+  public:
+    virtual ~Dialog() = default;
+
+    // True when the user has chosen OK; the fields have been read then.
+    bool ask(int id, HWND owner) {
+        return ::DialogBoxParamW(AfxGetInstanceHandle(), MAKEINTRESOURCEW(id), owner, &onMessage,
+                                 reinterpret_cast<LPARAM>(this)) == IDOK;
+    }
+
+  protected:
+    virtual void fill() = 0;
+    virtual void read() = 0;
+
+    HWND item(int id) const { return ::GetDlgItem(m_dialog, id); }
+    void setText(int id, const std::wstring& text) const {
+        ::SetWindowTextW(item(id), text.c_str());
+    }
+    std::wstring text(int id) const {
+        std::wstring text(static_cast<size_t>(::GetWindowTextLengthW(item(id))) + 1, L'\0');
+        text.resize(static_cast<size_t>(
+            ::GetWindowTextW(item(id), text.data(), static_cast<int>(text.size()))));
+        return text;
+    }
+
+    HWND m_dialog = nullptr;
+
+  private:
+    static INT_PTR CALLBACK onMessage(HWND dialog, UINT message, WPARAM wParam,
+                                      LPARAM lParam) noexcept {
+        try {
+            if (message == WM_INITDIALOG) return start(dialog, lParam);
+            if (message == WM_COMMAND)
+                reinterpret_cast<Dialog*>(::GetWindowLongPtrW(dialog, DWLP_USER))
+                    ->onCommand(LOWORD(wParam), HIWORD(wParam));
+        } catch (...) {
+            ::EndDialog(dialog, IDCANCEL);  // it must not travel through the system's code
+        }
+        return FALSE;
+    }
+
+    static INT_PTR start(HWND window, LPARAM object) {
+        ::SetWindowLongPtrW(window, DWLP_USER, object);
+        auto& dialog = *reinterpret_cast<Dialog*>(object);
+        dialog.m_dialog = window;
+        dialog.fill();
+        dialog.allowOk();
+        return TRUE;  // the first control gets the keyboard
+    }
+
+    void onCommand(int id, int event) {
+        if (id == IDC_TEXT && event == EN_CHANGE) allowOk();
+        if (id != IDOK && id != IDCANCEL) return;
+        if (id == IDOK) read();
+        ::EndDialog(m_dialog, id);
+    }
+
+    void allowOk() const { ::EnableWindow(item(IDOK), ::GetWindowTextLengthW(item(IDC_TEXT)) > 0); }
+};
+
+class TextDialog : public Dialog {
+  public:
+    explicit TextDialog(TextQuestion question) : m_question(std::move(question)) {}
+    const std::wstring& answer() const { return m_question.text; }
+
+  protected:
+    void fill() override {
+        ::SetWindowTextW(m_dialog, m_question.title);
+        setText(IDC_LABEL, m_question.label);
+        setText(IDC_TEXT, m_question.text);
+    }
+    void read() override { m_question.text = text(IDC_TEXT); }
+
+  private:
+    TextQuestion m_question;
+};
+
+struct ModeBox {
+    int id;
+    unsigned bit;
+};
+constexpr ModeBox kModeBoxes[] = {
+    {IDC_ACCESS1, 0x01}, {IDC_ACCESS2, 0x02}, {IDC_EXCLUDE1, 0x08}, {IDC_EXCLUDE2, 0x10}};
+
+class LockDialog : public Dialog {
+  public:
+    explicit LockDialog(LockInput input) : m_input(std::move(input)) {}
+    const LockInput& answer() const { return m_input; }
+
+  protected:
+    void fill() override {
+        setText(IDC_TEXT, m_input.name);
+        for (const ModeBox& box : kModeBoxes)
+            ::CheckDlgButton(m_dialog, box.id,
+                             (m_input.mode & box.bit) != 0 ? BST_CHECKED : BST_UNCHECKED);
+    }
+    void read() override {
+        m_input = {text(IDC_TEXT), 0};
+        for (const ModeBox& box : kModeBoxes)
+            if (::IsDlgButtonChecked(m_dialog, box.id) == BST_CHECKED) m_input.mode |= box.bit;
+    }
+
+  private:
+    LockInput m_input;
+};
+
+class MessageDialog : public Dialog {
+  public:
+    explicit MessageDialog(const std::vector<Receiver>& receivers) : m_receivers(receivers) {}
+    const MessageInput& answer() const { return m_input; }
+
+  protected:
+    void fill() override {
+        for (const Receiver& receiver : m_receivers)
+            ::SendMessageW(item(IDC_RECEIVER), CB_ADDSTRING, 0,
+                           reinterpret_cast<LPARAM>(receiver.name.c_str()));
+        ::SendMessageW(item(IDC_RECEIVER), CB_SETCURSEL, 0, 0);
+    }
+    void read() override {
+        const LRESULT choice = ::SendMessageW(item(IDC_RECEIVER), CB_GETCURSEL, 0, 0);
+        m_input = {text(IDC_TEXT), m_receivers.at(static_cast<size_t>(choice))};
+    }
+
+  private:
+    const std::vector<Receiver>& m_receivers;
+    MessageInput m_input;
+};
+
+}  // namespace
+
+std::optional<LockInput> askLock(HWND owner, const std::wstring& name) {
+    constexpr unsigned kAlone = 0x1B;  // both kinds of access for oneself, none for others
+    LockDialog dialog({name, kAlone});
+    if (!dialog.ask(IDD_LOCK, owner)) return std::nullopt;
+    return dialog.answer();
+}
+
+std::optional<MessageInput> askMessage(HWND owner, const std::vector<Receiver>& receivers) {
+    MessageDialog dialog(receivers);
+    if (!dialog.ask(IDD_SEND, owner)) return std::nullopt;
+    return dialog.answer();
+}
+
+std::optional<std::wstring> askText(HWND owner, const TextQuestion& question) {
+    TextDialog dialog(question);
+    if (!dialog.ask(IDD_TEXT, owner)) return std::nullopt;
+    return dialog.answer();
+}

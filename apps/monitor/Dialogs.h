@@ -1,0 +1,31 @@
+// What the user is asked for before a request.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "apps/monitor/Requests.h"
+
+// Each shows a dialog over `owner` and waits for its end; nothing when the user cancels. Empty
+// names and texts are not taken.
+
+struct LockInput {
+    std::wstring name;
+    unsigned mode = 0;
+};
+std::optional<LockInput> askLock(HWND owner, const std::wstring& name);
+
+struct MessageInput {
+    std::wstring text;
+    Receiver receiver;
+};
+// REQUIRES: at least one receiver.
+std::optional<MessageInput> askMessage(HWND owner, const std::vector<Receiver>& receivers);
+
+// One text; `text` is there at first.
+struct TextQuestion {
+    const wchar_t* title;
+    const wchar_t* label;
+    std::wstring text;
+};
+std::optional<std::wstring> askText(HWND owner, const TextQuestion& question);

@@ -1,0 +1,18 @@
+// The system's font for windows.
+#pragma once
+
+#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/WindowsPrelude.h"
+
+struct FontTraits {
+    using Handle = HFONT;
+    static Handle invalid() { return nullptr; }
+    static void close(Handle font) { ::DeleteObject(font); }
+};
+using UniqueFont = UniqueHandle<FontTraits>;
+
+// As the user has set it, for a screen of `dpi`. Null when the system has none.
+UniqueFont makeWindowFont(int dpi);
+
+// The height of a line in that font, in pixels.
+int textHeight(HFONT font);

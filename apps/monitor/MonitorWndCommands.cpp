@@ -1,0 +1,118 @@
+// What the user can do in the window.
+#include <algorithm>
+
+#include "apps/monitor/Dialogs.h"
+#include "apps/monitor/MonitorWnd.h"
+#include "apps/monitor/resource.h"
+#include "apps/monitor/Words.h"
+
+namespace {
+
+std::wstring keyOf(const Row* row) {
+    return row != nullptr ? row->key : std::wstring();
+}
+
+}  // namespace
+
+void MonitorWnd::onCommand(int id, int event) {
+    switch (id) {
+        case ID_LOCK:
+            return lock();
+        case ID_UNLOCK:
+            return unlock();
+        case ID_OPEN:
+            return open();
+        case ID_CLOSE:
+            return close();
+        case ID_SEND:
+            return send();
+        case ID_RENAME:
+            return rename();
+        case ID_REFRESH:
+            return m_worker.refresh();
+        case ID_FIND:
+            return find();
+        case ID_EXIT:
+            ::PostMessageW(m_hWnd, WM_CLOSE, 0, 0);
+            return;
+        case IDCANCEL:
+            ::SetWindowTextW(control(IDC_FILTER), L"");
+            return;  // the Escape key
+        case IDC_FILTER:
+            if (event == EN_CHANGE) onFilterChanged();
+            return;
+        default:
+            return;
+    }
+}
+
+void MonitorWnd::onFilterChanged() {
+    wchar_t text[256];
+    ::GetWindowTextW(control(IDC_FILTER), text, static_cast<int>(std::size(text)));
+    for (ListPane& pane : m_panes) pane.setFilter(text);
+}
+
+void MonitorWnd::find() {
+    ::SetFocus(control(IDC_FILTER));
+    ::SendMessageW(control(IDC_FILTER), EM_SETSEL, 0, -1);
+}
+
+void MonitorWnd::ask(const Request& request) {
+    if (!m_worker.request(request))
+        addLog(request.event, request.what + L": " + words::notConnected());
+}
+
+void MonitorWnd::lock() {
+    if (const auto input = askLock(m_hWnd, keyOf(locks().chosen())))
+        ask(lockRequest(input->name, input->mode));
+}
+
+void MonitorWnd::unlock() {
+    if (const auto name = askText(m_hWnd, {L"Unlock", L"&Name:", keyOf(locks().chosen())}))
+        ask(unlockRequest(*name));
+}
+
+void MonitorWnd::open() {
+    const Row* const chosen = connections().chosen();
+    const std::wstring text = chosen != nullptr ? chosen->cells[1] : std::wstring();
+    if (const auto connection = askText(m_hWnd, {L"Open connection", L"&Connection string:", text}))
+        ask(openRequest(*connection));
+}
+
+void MonitorWnd::close() {
+    const auto text = askText(
+        m_hWnd, {L"Close connection", L"&Id or connection string:", keyOf(connections().chosen())});
+    if (!text) return;
+    if (const Row* const connection = findConnection(*text))
+        ask(closeRequest(connection->cells[1], std::stol(connection->key)));
+    else
+        addLog(L"Close", *text + L": there is no such connection");
+}
+
+void MonitorWnd::send() {
+    if (const auto input = askMessage(m_hWnd, receivers()))
+        ask(sendRequest(input->receiver, input->text));
+}
+
+void MonitorWnd::rename() {
+    if (const auto name = askText(m_hWnd, {L"Rename", L"&Your new name:", {}}))
+        ask(renameRequest(*name));
+}
+
+// As far as the filter shows them.
+std::vector<Receiver> MonitorWnd::receivers() const {
+    std::vector<Receiver> receivers{{L"everybody"}};
+    const Table& users = m_panes[0].table();
+    for (int i = 0; i < users.count(); ++i) {
+        const Row& user = users.at(i);
+        receivers.push_back({user.cells[0], std::stol(user.key)});
+    }
+    return receivers;
+}
+
+const Row* MonitorWnd::findConnection(const std::wstring& text) const {
+    const Table& table = m_panes[1].table();
+    for (int i = 0; i < table.count(); ++i)
+        if (table.at(i).key == text || table.at(i).cells[1] == text) return &table.at(i);
+    return nullptr;
+}

@@ -1,0 +1,114 @@
+// What the server, the listener and the worker tell the window.
+#include <utility>
+
+#include "apps/common/NoticeText.h"
+#include "apps/monitor/MonitorWnd.h"
+#include "apps/monitor/resource.h"
+#include "apps/monitor/Words.h"
+#include "NyServer/framing/NySeReply.h"
+#include "NyServer/listener/NyServerNotification.h"
+
+namespace {
+
+std::wstring now() {
+    SYSTEMTIME utc;
+    ::GetSystemTime(&utc);
+    return wide(timeOfDay(utc));
+}
+
+constexpr UINT_PTR kUpdateTimer = 1;
+constexpr UINT kUpdateDelay = 100;  // ms
+
+constexpr int kRequestIds[] = {ID_LOCK, ID_UNLOCK, ID_OPEN, ID_CLOSE, ID_SEND, ID_RENAME};
+
+bool changesTables(NySe::ActionType action) {
+    return action < NySe::actionFirstNotification + 6;
+}
+
+}  // namespace
+
+// The listener that posted it may have gone meanwhile; then nobody counts.
+LRESULT MonitorWnd::onNotification(WPARAM wParam, LPARAM lParam) {
+    const auto take = [&](ThrottledListener* listener) {
+        {
+            NyServerNotification notification(wParam, lParam, listener);
+            showNotification(notification);
+        }
+        if (listener != nullptr) watchThrottle(listener->throttle());
+    };
+    if (m_listener) {
+        m_listener->use(take);
+    } else {
+        take(nullptr);
+    }
+    return 0;
+}
+
+void MonitorWnd::showNotification(NyServerNotification& notification) {
+    const NySe::ActionType action = notification.getActionType();
+    if (action == NySe::noAction) return;  // any program can post the message
+    const std::unique_ptr<CObject> object(
+        NySe::readReplyObject(notification.getMemFile(), nullptr));
+    addLog(std::to_wstring(action) + L' ' + wide(std::string(noticeWords(action))),
+           wide(noticeContent(object.get())));
+    m_areTablesBehind = m_areTablesBehind || changesTables(action);
+}
+
+void MonitorWnd::watchThrottle(const Throttle& throttle) {
+    if (std::exchange(m_isPaused, throttle.isPaused) == throttle.isPaused) return;
+    addLog(L"Listener", throttle.isPaused ? L"paused: " + words::posted(throttle) : L"flows again");
+}
+
+void MonitorWnd::updateSoon() {
+    if (!std::exchange(m_isUpdateDue, true))
+        ::SetTimer(m_hWnd, kUpdateTimer, kUpdateDelay, nullptr);
+}
+
+void MonitorWnd::update() {
+    m_isUpdateDue = false;
+    ::KillTimer(m_hWnd, kUpdateTimer);
+    m_log.update();
+    if (std::exchange(m_areTablesBehind, false)) m_worker.refresh();
+    if (!m_listener) return;
+    m_listener->use([this](ThrottledListener* listener) {
+        m_status.show(listener != nullptr ? listener->throttle() : Throttle());
+    });
+}
+
+void MonitorWnd::addLog(const std::wstring& event, const std::wstring& content) {
+    m_log.add({now(), event, content});
+    updateSoon();
+}
+
+void MonitorWnd::setListener(const std::shared_ptr<ListenerLink>& listener) {
+    m_listener = listener;
+    m_isPaused = false;
+    updateSoon();
+}
+
+void MonitorWnd::showState(const ConnectionState& state) {
+    if (std::exchange(m_state, state.text) == state.text) return;
+    m_status.show(StatusBar::connection, state.text);
+    addLog(L"Connection", state.text);
+    allowRequests(state.isConnected);
+}
+
+void MonitorWnd::showRows(const ServerRows& rows) {
+    users().setRows(rows.users);
+    connections().setRows(rows.connections);
+    locks().setRows(rows.locks);
+}
+
+void MonitorWnd::showActivity(const std::wstring& what) {
+    m_status.show(StatusBar::activity, what.empty() ? L"Ready" : L"Waiting: " + what);
+}
+
+void MonitorWnd::allowRequests(bool isConnected) {
+    const HWND keyboard = ::GetFocus();
+    const UINT how = static_cast<UINT>(isConnected ? MF_ENABLED : MF_GRAYED);
+    for (const int id : kRequestIds) {
+        ::EnableMenuItem(::GetMenu(m_hWnd), static_cast<UINT>(id), MF_BYCOMMAND | how);
+        ::EnableWindow(control(id), isConnected);
+    }
+    if (::IsChild(m_hWnd, keyboard) && !::IsWindowEnabled(keyboard)) takeKeyboard();
+}

@@ -1,0 +1,74 @@
+#include "apps/monitor/Requests.h"
+
+#include "apps/common/ShareMode.h"
+#include "apps/common/Utf8.h"
+#include "apps/monitor/Words.h"
+#include "NyServer/records/NySeMessage.h"
+
+namespace {
+
+CString narrow(const std::wstring& text) {
+    return {text.c_str(), static_cast<int>(text.size())};
+}
+
+// The server does not say what came of it.
+constexpr wchar_t kSent[] = L"sent";
+
+void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message) {
+    if (receiver.session == Receiver::kEverybody) {
+        client.sendAllUserData(message);
+        return;
+    }
+    NySeUser user;
+    user.setStrUserName(narrow(receiver.name));
+    user.setSessionNumber(receiver.session);
+    user.setSchema(client.getSchemaType());
+    client.sendUserData(user, message);
+}
+
+}  // namespace
+
+Request lockRequest(const std::wstring& name, unsigned mode) {
+    return {L"Lock", name + L" (" + wide(shareModeWords(mode)) + L')',
+            [name, mode](NySeClientApp& client, Account&) {
+                return client.lock(narrow(name), mode) ? L"granted" : L"refused";
+            }};
+}
+
+Request unlockRequest(const std::wstring& name) {
+    return {L"Unlock", name, [name](NySeClientApp& client, Account&) {
+                client.unLock(narrow(name));
+                return kSent;
+            }};
+}
+
+Request openRequest(const std::wstring& connection) {
+    return {L"Open", connection, [connection](NySeClientApp& client, Account&) {
+                const long id = client.openConnection(narrow(connection));
+                return id < 0 ? L"refused" : L"opened, id " + std::to_wstring(id);
+            }};
+}
+
+Request closeRequest(const std::wstring& connection, LONG id) {
+    return {L"Close", connection, [id](NySeClientApp& client, Account&) {
+                client.closeConnection(id);
+                return kSent;
+            }};
+}
+
+Request sendRequest(const Receiver& receiver, const std::wstring& text) {
+    return {L"Send", L"to " + receiver.name, [receiver, text](NySeClientApp& client, Account&) {
+                NySeMessage message;
+                message.setStrMessage(narrow(text));
+                send(client, receiver, message);
+                return kSent;
+            }};
+}
+
+Request renameRequest(const std::wstring& name) {
+    return {L"Rename", name, [name](NySeClientApp& client, Account& account) {
+                if (!client.updateUserName(narrow(name))) return L"refused";
+                account.user = toUtf8(narrow(name));
+                return L"taken";
+            }};
+}

@@ -1,0 +1,202 @@
+#include "apps/monitor/ServerWorker.h"
+
+#include <utility>
+
+#include "apps/monitor/Words.h"
+#include "NyServer/framing/NySeReply.h"
+
+namespace {
+
+// How often the connection is looked at when there is nothing to do.
+constexpr std::chrono::milliseconds kRound{200};
+
+}  // namespace
+
+ServerWorker::~ServerWorker() {
+    stop(std::chrono::milliseconds(0));
+    if (m_thread.joinable()) m_thread.join();
+}
+
+void ServerWorker::start() {
+    m_hasEnded = false;
+    m_thread = std::thread([this] { run(); });
+}
+
+bool ServerWorker::stop(std::chrono::milliseconds patience) {
+    Lock lock(m_mutex);
+    m_isStopping = true;
+    m_changed.notify_all();
+    return m_changed.wait_for(lock, patience, [this] { return m_hasEnded; });
+}
+
+bool ServerWorker::request(Request request) {
+    const Lock lock(m_mutex);
+    if (!m_isServing) return false;
+    m_requests.push_back(std::move(request));
+    m_changed.notify_all();
+    return true;
+}
+
+void ServerWorker::refresh() {
+    const Lock lock(m_mutex);
+    m_isRefreshWanted = true;
+    m_changed.notify_all();
+}
+
+void ServerWorker::setServing(bool isServing) {
+    const Lock lock(m_mutex);
+    m_isServing = isServing;
+}
+
+bool ServerWorker::isStopping() {
+    const Lock lock(m_mutex);
+    return m_isStopping;
+}
+
+void ServerWorker::run() {
+    while (!isStopping()) {
+        std::wstring reason = words::noMemory();  // what else throws ends in the library
+        NySe::succeeds([&] { reason = runConnection(); });
+        NySe::succeeds([&] {
+            leave();
+            if (!reason.empty()) awaitNextAttempt(reason);
+        });
+    }
+    const Lock lock(m_mutex);
+    m_hasEnded = true;
+    m_changed.notify_all();
+}
+
+std::wstring ServerWorker::runConnection() {
+    tellState(false, words::connecting(m_account));
+    if (!m_session.open()) return words::noConnection(m_account);
+    enter();
+    if (!m_session.listen())
+        return m_session.client().isAlive() ? words::noPort() : whyUnanswered();
+    return serve();
+}
+
+// The window is the listener's before it listens, so that nothing is missed from then on.
+void ServerWorker::enter() {
+    ThrottledListener& listener = m_session.throttledListener();
+    m_link = std::make_shared<ListenerLink>(listener);
+    m_queue.post([this, link = m_link] { m_view.setListener(link); });
+    listener.setAppWnd(&m_window);
+}
+
+void ServerWorker::leave() {
+    if (m_link) m_link->sever();
+    m_link.reset();
+    m_session.close();
+    setServing(false);
+    dropRequests();
+    tellActivity({});
+}
+
+std::wstring ServerWorker::serve() {
+    if (!readTables()) return whyUnanswered();
+    m_delay.reset();
+    setServing(true);
+    tellConnected();
+    std::wstring reason;
+    while (!isStopping() && reason.empty()) reason = serveOne();
+    return reason;
+}
+
+std::wstring ServerWorker::serveOne() {
+    const std::optional<Request> request = takeRequest();
+    bool isAnswered = true;
+    if (request) {
+        isAnswered = perform(*request);
+    } else if (takeRefresh()) {
+        isAnswered = readTables();
+    } else if (!m_session.client().IsConnected()) {
+        return words::goneAway();
+    }
+    return isAnswered ? std::wstring() : whyUnanswered();
+}
+
+std::optional<Request> ServerWorker::takeRequest() {
+    Lock lock(m_mutex);
+    m_changed.wait_for(lock, kRound,
+                       [this] { return m_isStopping || m_isRefreshWanted || !m_requests.empty(); });
+    if (m_isStopping || m_requests.empty()) return std::nullopt;
+    Request request = std::move(m_requests.front());
+    m_requests.pop_front();
+    return request;
+}
+
+bool ServerWorker::takeRefresh() {
+    const Lock lock(m_mutex);
+    return std::exchange(m_isRefreshWanted, false);
+}
+
+// What the request has changed is seen in the tables, and reading them tells whether the server
+// still answers.
+bool ServerWorker::perform(const Request& request) {
+    tellActivity(request.event + L' ' + request.what);
+    const std::wstring outcome = request.run(m_session.client(), m_account);
+    const bool isAnswered = readTables();
+    tellOutcome(request, isAnswered ? outcome : L"no answer");
+    if (isAnswered) tellConnected();
+    return isAnswered;
+}
+
+// First come the users: this program is one of them, so that an empty table means no answer. The
+// other tables may well be empty; so the server is asked for a sign of life in the end.
+bool ServerWorker::readTables() {
+    takeRefresh();
+    tellActivity(L"lists");
+    NySeClientApp& client = m_session.client();
+    NySeUserPtrArray users;
+    client.getAllUser(users);
+    if (users.GetSize() == 0) return false;
+    NySeConnectionArray connections;
+    NySeLockArray locks;
+    client.getConnection(connections);
+    client.getLock(locks);
+    if (!client.isAlive()) return false;
+    tellActivity({});
+    m_queue.post([this, rows = ServerRows{userRows(users), connectionRows(connections),
+                                          lockRows(locks, users)}] { m_view.showRows(rows); });
+    return true;
+}
+
+void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
+    const ReconnectDelay::Duration delay = m_delay.next();
+    tellState(false, words::waiting(reason, delay));
+    takeRefresh();
+    Lock lock(m_mutex);
+    m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
+}
+
+std::wstring ServerWorker::whyUnanswered() {
+    return m_session.client().IsConnected() ? words::noAnswer() : words::goneAway();
+}
+
+void ServerWorker::dropRequests() {
+    std::deque<Request> requests;
+    {
+        const Lock lock(m_mutex);
+        requests.swap(m_requests);
+    }
+    for (const Request& request : requests) tellOutcome(request, words::notConnected());
+}
+
+void ServerWorker::tellConnected() {
+    tellState(true, words::connected(m_account, m_session.user()));
+}
+
+void ServerWorker::tellState(bool isConnected, const std::wstring& text) {
+    m_queue.post([this, state = ConnectionState{isConnected, text}] { m_view.showState(state); });
+}
+
+void ServerWorker::tellActivity(const std::wstring& what) {
+    m_queue.post([this, what] { m_view.showActivity(what); });
+}
+
+void ServerWorker::tellOutcome(const Request& request, const std::wstring& outcome) {
+    m_queue.post([this, event = request.event, content = request.what + L": " + outcome] {
+        m_view.addLog(event, content);
+    });
+}

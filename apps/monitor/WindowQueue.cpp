@@ -1,0 +1,33 @@
+#include "apps/monitor/WindowQueue.h"
+
+#include <utility>
+
+namespace {
+
+// A window that has fallen far behind takes no message for a while.
+constexpr DWORD kPause = 10;  // ms
+
+bool isFull() {
+    return ::GetLastError() == ERROR_NOT_ENOUGH_QUOTA;
+}
+
+}  // namespace
+
+void WindowQueue::post(Call call) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_calls.push_back(std::move(call));
+    }
+    while (!::PostMessageW(m_window, kMessage, 0, 0) && isFull()) ::Sleep(kPause);
+}
+
+void WindowQueue::runNext() {
+    Call call;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (m_calls.empty()) return;  // any program can post the message
+        call = std::move(m_calls.front());
+        m_calls.pop_front();
+    }
+    call();
+}

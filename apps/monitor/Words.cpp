@@ -1,0 +1,68 @@
+#include "apps/monitor/Words.h"
+
+#include "apps/common/Utf8.h"
+
+std::wstring wide(const CString& text) {
+    return {text.GetString(), static_cast<size_t>(text.GetLength())};
+}
+
+std::wstring wide(const std::string& utf8) {
+    return wide(fromUtf8(utf8));
+}
+
+namespace words {
+
+std::wstring connecting(const Account& account) {
+    return L"Connecting to " + wide(account.server);
+}
+
+std::wstring connected(const Account& account, const NySeUser& user) {
+    return L"Connected to " + wide(account.server) + L" as " + wide(account.user) + L", session " +
+           std::to_wstring(user.getSessionNumber());
+}
+
+std::wstring waiting(const std::wstring& reason, std::chrono::milliseconds delay) {
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(delay).count();
+    return reason + L". Trying again in " + std::to_wstring(seconds) + L" s";
+}
+
+std::wstring noConnection(const Account& account) {
+    return L"No connection to " + wide(account.server);
+}
+
+std::wstring noPort() {
+    return L"The server gives no port that is free here";
+}
+
+std::wstring goneAway() {
+    return L"The server has gone away";
+}
+
+std::wstring noAnswer() {
+    return L"The server does not answer";
+}
+
+std::wstring noMemory() {
+    return L"There is not enough memory";
+}
+
+std::wstring notConnected() {
+    return L"no connection";
+}
+
+std::wstring posted(const Throttle& throttle) {
+    return L"Posted " + std::to_wstring(throttle.posted) + L" of " +
+           std::to_wstring(throttle.limit);
+}
+
+std::wstring flow(const Throttle& throttle) {
+    return throttle.isPaused ? L"Paused" : L"Flowing";
+}
+
+std::wstring counted(const std::wstring& title, int shown, int total) {
+    std::wstring text = title + L" (" + std::to_wstring(shown);
+    if (shown != total) text += L" of " + std::to_wstring(total);
+    return text + L')';
+}
+
+}  // namespace words

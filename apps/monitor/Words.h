@@ -1,0 +1,37 @@
+// The window's texts.
+#pragma once
+
+#include <afx.h>
+
+#include <chrono>
+#include <string>
+
+#include "apps/common/Session.h"
+#include "apps/monitor/Throttle.h"
+
+// Texts of the window are UTF-16, as the system's own.
+std::wstring wide(const CString& text);
+std::wstring wide(const std::string& utf8);
+
+namespace words {
+
+std::wstring connecting(const Account& account);
+std::wstring connected(const Account& account, const NySeUser& user);
+// Why there is no connection, and how long it takes until the next attempt.
+std::wstring waiting(const std::wstring& reason, std::chrono::milliseconds delay);
+std::wstring noConnection(const Account& account);
+std::wstring noPort();
+std::wstring goneAway();
+std::wstring noAnswer();
+std::wstring noMemory();
+// What came of a request.
+std::wstring notConnected();
+
+// As "Posted 3 of 9000".
+std::wstring posted(const Throttle& throttle);
+std::wstring flow(const Throttle& throttle);
+
+// The title over a list, as "Users (12)", or "Users (3 of 12)" when some are not shown.
+std::wstring counted(const std::wstring& title, int shown, int total);
+
+}  // namespace words

@@ -1,0 +1,67 @@
+// nymonitor: a window on a central server.
+#include <afxwin.h>
+
+#include <algorithm>
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+
+#include "apps/common/Utf8.h"
+#include "apps/monitor/Monitor.h"
+
+namespace {
+
+constexpr int kWrongUsage = 2;
+
+// Where whoever started the program reads it: a program with windows often has no output.
+void say(const std::string& text) {
+    if (::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_UNKNOWN) {
+        AfxMessageBox(fromUtf8(text));
+        return;
+    }
+    std::printf("%s", text.c_str());
+    std::fflush(stdout);
+}
+
+// Nothing has to be put in order, and a thread may still wait for the server.
+void endAtOnce() {
+    ::TerminateProcess(::GetCurrentProcess(), 0);
+}
+
+int run() {
+    Account account;
+    account.user = loginName();
+    CLI::App app("Shows the users, connections and locks of a central server, and what changes.",
+                 "nymonitor");
+    app.add_option("--server", account.server, "HOST:PORT of the central server")
+        ->check([](const std::string& server) {
+            return parseServer(server) ? std::string() : server + " is not HOST:PORT";
+        })
+        ->capture_default_str();
+    app.add_option("--user", account.user, "The name to register under")->capture_default_str();
+    app.footer("Example: nymonitor --server 127.0.0.1:40123 --user Anna");
+
+    std::vector<std::string> arguments = commandLineArguments();
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    try {
+        app.parse(arguments);
+    } catch (const CLI::CallForHelp&) {
+        say(app.help());
+        return 0;
+    } catch (const CLI::ParseError& error) {
+        say(std::string("nymonitor: ") + error.what() + "\n");
+        return kWrongUsage;
+    }
+    return runMonitor(account, &endAtOnce) ? 0 : 1;
+}
+
+}  // namespace
+
+int main() {
+    try {
+        return run();
+    } catch (const std::exception& error) {
+        say(std::string("nymonitor: ") + error.what() + "\n");
+        return 1;
+    }
+}

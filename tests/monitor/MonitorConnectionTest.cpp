@@ -1,0 +1,192 @@
+// What the window does when the server goes, comes back and does not answer.
+#include "tests/listener/LimitSetting.h"
+#include "tests/monitor/MonitorTest.h"
+// After windows.h.
+#include <tlhelp32.h>
+
+namespace {
+
+using ::testing::Contains;
+
+// Calls `action` with a handle of each thread of the process.
+template <class Action>
+void forEachThread(DWORD process, Action action) {
+    const UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = ::Thread32First(snapshot.get(), &entry); more;
+         more = ::Thread32Next(snapshot.get(), &entry)) {
+        if (entry.th32OwnerProcessID != process) continue;
+        const UniqueKernelHandle thread(
+            ::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID));
+        action(thread.get());
+    }
+}
+
+// A process stands still while one lives.
+class Standstill {
+  public:
+    explicit Standstill(DWORD process) : m_process(process) {
+        forEachThread(m_process, [](HANDLE thread) { ::SuspendThread(thread); });
+    }
+    ~Standstill() {
+        forEachThread(m_process, [](HANDLE thread) { ::ResumeThread(thread); });
+    }
+    Standstill(const Standstill&) = delete;
+    Standstill& operator=(const Standstill&) = delete;
+
+  private:
+    const DWORD m_process;
+};
+
+// The window's thread gets no message while one lives.
+class HeldWindow {
+  public:
+    explicit HeldWindow(HWND window)
+        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(window, nullptr))) {
+        gate = std::make_unique<Gate>();
+        ::PostMessageW(window, WM_NULL, 0, 0);
+        EXPECT_TRUE(gate->awaitArrivals());
+    }
+    ~HeldWindow() {
+        ::UnhookWindowsHookEx(m_hook);
+        gate->open();
+    }
+    HeldWindow(const HeldWindow&) = delete;
+    HeldWindow& operator=(const HeldWindow&) = delete;
+
+  private:
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        gate->pass();
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline std::unique_ptr<Gate> gate;
+    const HHOOK m_hook;
+};
+
+class MonitorConnection : public MonitorTest {
+  protected:
+    // More is told than the window may have waiting, if the machine is quick enough.
+    void fallBehind(NySeClientApp& client) const {
+        const HeldWindow held(window);
+        for (int i = 0; i < 10; ++i) {
+            client.lock("busy", 0x01);
+            client.unLock("busy");
+        }
+        client.isAlive();
+        ::Sleep(500);
+    }
+};
+
+TEST_F(MonitorConnection, IsTold) {
+    openConnected();
+    EXPECT_EQ("Connected to 127.0.0.1:" + std::to_string(server->port()) + " as dora, session 1",
+              status(StatusBar::connection));
+    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 3240"; }));
+    EXPECT_EQ("Flowing", status(StatusBar::flow));
+    EXPECT_THAT(logged("Connection"), Contains(status(StatusBar::connection)));
+}
+
+TEST_F(MonitorConnection, ComesBackWithTheServer) {
+    openConnected();
+    const int port = server->port();
+    tabTo(ID_LOCK);
+    server->process().kill();
+    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    EXPECT_FALSE(::IsWindowEnabled(control(ID_LOCK)));
+    EXPECT_EQ(control(IDC_USERS), focus());
+    EXPECT_TRUE(hasLogged("Connection", "No connection to 127.0.0.1:" + std::to_string(port) +
+                                            ". Trying again in 2 s"));
+    startServer(port);
+    EXPECT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
+    OtherUser anna(port, "anna");
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
+}
+
+TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
+    const unsigned port = peers::RefusingPort().port();
+    openWindow(static_cast<int>(port));
+    const std::string wait =
+        "No connection to 127.0.0.1:" + std::to_string(port) + ". Trying again in ";
+    EXPECT_TRUE(hasLogged("Connection", wait + "1 s"));
+    for (const char* delay : {"2 s", "4 s", "8 s", "16 s", "30 s"}) {
+        keys::press(VK_F5);
+        EXPECT_TRUE(hasLogged("Connection", wait + delay));
+    }
+}
+
+TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
+    openConnected();
+    OtherUser anna(server->port(), "anna");
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
+    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    {
+        const Standstill standstill(server->process().id());
+        keys::pressWithControl('L');
+        answer(L"Lock", "deck");
+        const std::string waiting = "Waiting: Lock deck (access1+access2+exclude1+exclude2)";
+        EXPECT_TRUE(soon([&] { return status(StatusBar::activity) == waiting; }));
+        typeFilter("anna");
+        EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna"}));
+        EXPECT_EQ(waiting, status(StatusBar::activity));
+    }
+    EXPECT_TRUE(hasLogged("Lock", "deck (access1+access2+exclude1+exclude2): granted"));
+    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+}
+
+// The connection is there, and nothing comes over it.
+TEST_F(MonitorConnection, AServerThatNeverAnswersDoesNotKeepTheProgram) {
+    abandoned = 0;
+    auto silent = std::make_unique<peers::ResettingPort>();
+    openWindow(static_cast<int>(silent->port()));
+    typeFilter("a");
+    ::PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(soon([this] { return !::IsWindow(window); }));
+    EXPECT_TRUE(soon([] { return abandoned == 1; }));
+    silent.reset();
+}
+
+TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
+    openConnected();
+    {
+        const Standstill standstill(server->process().id());
+        for (const char* name : {"a", "b"}) {
+            keys::pressWithControl('O');
+            answer(L"Open connection", name);
+        }
+        server->process().kill();
+    }
+    EXPECT_TRUE(hasLogged("Open", "a: no answer"));
+    EXPECT_TRUE(hasLogged("Open", "b: no connection"));
+}
+
+TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
+    openConnected();
+    keys::press(VK_F2);
+    ASSERT_NE(nullptr, dialog(L"Rename"));
+    server->process().kill();
+    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    answer(L"Rename", "doris");
+    EXPECT_TRUE(hasLogged("Rename", "doris: no connection"));
+}
+
+TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
+    const LimitSetting limit(10);
+    openConnected();
+    EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 9"; }));
+    OtherUser anna(server->port(), "anna");
+    EXPECT_TRUE(soon([&] {
+        fallBehind(anna.client);
+        return logged("Listener").size() >= 2;
+    }));
+    EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
+    EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
+    EXPECT_TRUE(soon([this] { return status(StatusBar::flow) == "Flowing"; }));
+    anna.client.lock("last", 0x01);
+    EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
+}
+
+}  // namespace

@@ -1,0 +1,167 @@
+// What the window shows, without a window.
+#include <gmock/gmock.h>
+
+#include "apps/monitor/Layout.h"
+#include "apps/monitor/Log.h"
+#include "apps/monitor/ReconnectDelay.h"
+#include "apps/monitor/ServerRows.h"
+#include "apps/monitor/Words.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using Keys = std::vector<std::wstring>;
+
+class MonitorTable : public ::testing::Test {
+  protected:
+    MonitorTable() {
+        table.setRows(
+            {{L"k1", {L"bob", L"10"}}, {L"k2", {L"Anna", L"9"}}, {L"k3", {L"carl", L"10"}}});
+    }
+    Keys shown() const {
+        Keys keys;
+        for (int i = 0; i < table.count(); ++i) keys.push_back(table.at(i).key);
+        return keys;
+    }
+
+    Table table{{{L"Name", 10}, {L"Number", 10, true}}};
+};
+
+TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCase) {
+    EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
+}
+
+TEST_F(MonitorTable, TurnsRoundWhenOrderedByTheSameColumnAgain) {
+    table.sortBy(0);
+    EXPECT_THAT(shown(), ElementsAre(L"k3", L"k1", L"k2"));
+    EXPECT_FALSE(table.isAscending());
+    table.sortBy(1);
+    EXPECT_TRUE(table.isAscending());
+}
+
+TEST_F(MonitorTable, OrdersNumbersByTheirValueAndEqualOnesByTheirKeys) {
+    table.sortBy(1);
+    EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
+    table.sortBy(1);
+    EXPECT_THAT(shown(), ElementsAre(L"k1", L"k3", L"k2"));
+}
+
+TEST_F(MonitorTable, ShowsTheRowsThatHaveTheTextInAnyCell) {
+    table.setFilter(L"AN");
+    EXPECT_THAT(shown(), ElementsAre(L"k2"));
+    table.setFilter(L"10");
+    EXPECT_THAT(shown(), ElementsAre(L"k1", L"k3"));
+    table.setFilter(L"bob10");
+    EXPECT_EQ(0, table.count());
+    EXPECT_EQ(3, table.total());
+    table.setFilter(L"");
+    EXPECT_EQ(3, table.count());
+}
+
+TEST_F(MonitorTable, KeepsOrderAndFilterForNewRows) {
+    table.sortBy(0);
+    table.setFilter(L"a");
+    table.setRows({{L"x", {L"a1", L"0"}}, {L"y", {L"a2", L"0"}}, {L"z", {L"b", L"0"}}});
+    EXPECT_THAT(shown(), ElementsAre(L"y", L"x"));
+}
+
+TEST_F(MonitorTable, FindsAShownRowByItsKey) {
+    EXPECT_EQ(1, table.find(L"k1"));
+    table.setFilter(L"anna");
+    EXPECT_EQ(0, table.find(L"k2"));
+    EXPECT_EQ(-1, table.find(L"k1"));
+}
+
+TEST(MonitorRows, ALockNamesItsHoldersAndTheirModes) {
+    NySeUserPtrArray users;
+    auto* const anna = new NySeUser;
+    anna->setStrUserName("anna");
+    anna->setSessionNumber(1);
+    users.Add(anna);
+    NySeUser stranger;
+    stranger.setSessionNumber(7);
+    NySeLockArray locks;
+    locks.addLock("part", *anna, 0x01);
+    locks.addLock("part", stranger, 0x10);
+    locks.addLock("alone", stranger, 0);
+    const std::vector<Row> rows = lockRows(locks, users);
+    ASSERT_EQ(2U, rows.size());
+    EXPECT_EQ(L"part", rows[0].key);
+    EXPECT_THAT(rows[0].cells, ElementsAre(L"part", L"anna, session 7", L"access1, exclude2"));
+    EXPECT_THAT(rows[1].cells, ElementsAre(L"alone", L"session 7", L"none"));
+    EXPECT_EQ(lockColumns().size(), rows[0].cells.size());
+    EXPECT_EQ(userColumns().size(), userRows(users)[0].cells.size());
+}
+
+TEST(MonitorReconnectDelay, GrowsUpToHalfAMinute) {
+    ReconnectDelay delay;
+    for (const int seconds : {1, 2, 4, 8, 16, 30, 30})
+        EXPECT_EQ(std::chrono::seconds(seconds), delay.next());
+    delay.reset();
+    EXPECT_EQ(std::chrono::seconds(1), delay.next());
+}
+
+TEST(MonitorLog, ForgetsTheOldestLines) {
+    Log log;
+    for (size_t i = 0; i < Log::kMostLines + 2; ++i) log.add({L"", std::to_wstring(i), L""});
+    EXPECT_EQ(static_cast<int>(Log::kMostLines), log.count());
+    EXPECT_EQ(L"2", log.at(0).event);
+    EXPECT_EQ(std::to_wstring(Log::kMostLines + 1), log.at(log.count() - 1).event);
+}
+
+TEST(MonitorWords, SayHowFarTheWindowIsBehind) {
+    EXPECT_EQ(L"Posted 3 of 9", words::posted({3, 9, false}));
+    EXPECT_EQ(L"Flowing", words::flow({3, 9, false}));
+    EXPECT_EQ(L"Paused", words::flow({3, 9, true}));
+}
+
+TEST(MonitorWords, CountWhatIsShown) {
+    EXPECT_EQ(L"Users (3)", words::counted(L"Users", 3, 3));
+    EXPECT_EQ(L"Users (0 of 3)", words::counted(L"Users", 0, 3));
+}
+
+TEST(MonitorWords, AWaitIsToldInWholeSeconds) {
+    EXPECT_EQ(L"The server has gone away. Trying again in 2 s",
+              words::waiting(words::goneAway(), std::chrono::milliseconds(1001)));
+}
+
+std::vector<RECT> partsOf(const Layout& layout) {
+    std::vector<RECT> parts(layout.buttons.begin(), layout.buttons.end());
+    parts.insert(parts.end(), layout.titles.begin(), layout.titles.end());
+    parts.insert(parts.end(), layout.lists.begin(), layout.lists.end());
+    for (const RECT& part : {layout.filterLabel, layout.filter, layout.logTitle, layout.log})
+        parts.push_back(part);
+    return parts;
+}
+
+void expectTidy(const LayoutInput& input) {
+    const std::vector<RECT> parts = partsOf(layOut(input));
+    for (size_t i = 0; i < parts.size(); ++i) {
+        EXPECT_LT(parts[i].left, parts[i].right);
+        EXPECT_LT(parts[i].top, parts[i].bottom);
+        EXPECT_GE(parts[i].left, 0);
+        EXPECT_GE(parts[i].top, 0);
+        EXPECT_LE(parts[i].right, input.width);
+        EXPECT_LE(parts[i].bottom, input.height);
+        RECT common{};
+        for (size_t j = 0; j < i; ++j)
+            EXPECT_FALSE(::IntersectRect(&common, &parts[i], &parts[j])) << j << " and " << i;
+    }
+}
+
+TEST(MonitorLayoutRules, NothingOverlapsInTheSmallestWindow) {
+    for (const int dpi : {96, 120, 144, 192}) {
+        const int textHeight = scaled(14, dpi);
+        const SIZE smallest = smallestClient(dpi, textHeight);
+        expectTidy({smallest.cx, smallest.cy, dpi, textHeight});
+        expectTidy({2 * smallest.cx, 3 * smallest.cy, dpi, textHeight});
+    }
+}
+
+TEST(MonitorLayoutRules, LengthsFollowTheDensity) {
+    EXPECT_EQ(7, scaled(7, 96));
+    EXPECT_EQ(14, scaled(7, 192));
+    EXPECT_EQ(11, scaled(7, 144));
+}
+
+}  // namespace

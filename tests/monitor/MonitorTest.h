@@ -1,0 +1,224 @@
+// nymonitor's window on a thread of its own, on the screen, beside a central server and its users.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <commctrl.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "apps/common/Utf8.h"
+#include "apps/monitor/Monitor.h"
+#include "apps/monitor/MonitorWnd.h"
+#include "apps/monitor/resource.h"
+#include "NyServer/host/NyServerModule.h"
+#include "NyServer/records/NySeMessage.h"
+#include "tests/apps/CentralProgram.h"
+#include "tests/monitor/Keys.h"
+#include "tests/socket/Peers.h"
+#include "tests/support/Gate.h"
+
+using Texts = std::vector<std::string>;
+
+constexpr std::chrono::seconds kLong{30};
+
+// As the test's subject is another thread of this process.
+template <class Question>
+bool soon(Question question) {
+    return eventually(question, kLong);
+}
+
+inline std::wstring portRange(unsigned first, unsigned count) {
+    return std::to_wstring(first) + L'-' + std::to_wstring(first + count - 1);
+}
+
+// Another user of the server, without a listener.
+class OtherUser {
+  public:
+    OtherUser(int port, const char* name) {
+        EXPECT_EQ(0, client.connect(port, "127.0.0.1", -1));
+        client.initializeSchema();
+        NySeUser user;
+        user.setStrUserName(name);
+        user.setSchema(NySe::schema2015);
+        client.getPortClient(user);
+    }
+    ~OtherUser() { client.disconnect(); }
+
+    // What the server has of this lock: nothing when nobody holds it.
+    std::vector<unsigned> modesOf(const char* name) {
+        NySeLockArray locks;
+        client.getLock(locks);
+        std::vector<unsigned> modes;
+        if (const INT_PTR index = locks.lookForLockName(name); index >= 0) {
+            const NySeSessionLockPtrArray& holders = locks[index]->getHolders();
+            for (INT_PTR i = 0; i < holders.GetSize(); ++i)
+                modes.push_back(holders[i]->getLockState());
+        }
+        return modes;
+    }
+    LONG opensOf(const char* connection) {
+        NySeConnectionArray connections;
+        client.getConnection(connections);
+        const NySeConnection* const found = connections.findByConnection(connection);
+        return found != nullptr ? found->getRefCount() : 0;
+    }
+
+    NySeClientApp client;
+};
+
+class MonitorTest : public ::testing::Test {
+  protected:
+    MonitorTest() {
+        const unsigned first = peers::RefusingPort().port();
+        m_ports = L" --ports " + portRange(std::min(first, 65000U), 40);
+    }
+    ~MonitorTest() override { closeWindow(); }
+
+    void startServer(int port = 0) {
+        server.reset();
+        const std::wstring at = port != 0 ? L"--port " + std::to_wstring(port) : std::wstring();
+        server = std::make_unique<CentralProgram>(L"--probe-seconds 0 " + at + m_ports);
+    }
+
+    // Opens the window, and waits until it is in front.
+    void openWindow(int port) {
+        m_account = {"127.0.0.1:" + std::to_string(port), "dora"};
+        m_thread = std::thread([this] { hasRun = runMonitor(m_account, &onAbandon); });
+        ASSERT_TRUE(soon([this] {
+            window = ::FindWindowW(MonitorWnd::kClassName, nullptr);
+            return window != nullptr && ::GetForegroundWindow() == window;
+        }));
+        // Answered once the window has come to its messages.
+        ::SendMessageW(window, WM_NULL, 0, 0);
+    }
+    // The same, connected to a server of its own.
+    void openConnected() {
+        if (!server) startServer();
+        openWindow(server->port());
+        ASSERT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
+        ASSERT_TRUE(hasLogged("Connection", status(StatusBar::connection)));
+    }
+    void closeWindow() {
+        if (!m_thread.joinable()) return;
+        ::PostMessageW(window, WM_CLOSE, 0, 0);
+        m_thread.join();
+    }
+    static void onAbandon() { ++abandoned; }
+
+    HWND focus() const {
+        GUITHREADINFO info{};
+        info.cbSize = sizeof info;
+        ::GetGUIThreadInfo(::GetWindowThreadProcessId(window, nullptr), &info);
+        return info.hwndFocus;
+    }
+    // As the Tab key does; the last resort is the one that was there.
+    void tabTo(int id) const {
+        for (int i = 0; i < 12 && focus() != control(id); ++i) {
+            const HWND before = focus();
+            keys::press(VK_TAB);
+            EXPECT_TRUE(soon([&] { return focus() != before; }));
+        }
+    }
+
+    HWND control(int id) const { return ::GetDlgItem(window, id); }
+    bool isConnected() const {
+        return status(StatusBar::connection).rfind("Connected to ", 0) == 0 &&
+               ::IsWindowEnabled(control(ID_LOCK)) && !column(IDC_USERS, 0).empty();
+    }
+
+    static std::string utf8(const wchar_t* text) { return toUtf8(CString(text)); }
+    static std::string textOf(HWND control) {
+        wchar_t text[512] = L"";
+        ::SendMessageW(control, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
+        return utf8(text);
+    }
+
+    std::string status(StatusBar::Part part) const {
+        wchar_t text[512] = L"";
+        ::SendMessageW(control(IDC_STATUS), SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
+        return utf8(text);
+    }
+
+    std::string cell(int list, int row, int column) const {
+        wchar_t text[512] = L"";
+        LVITEMW item{};
+        item.iSubItem = column;
+        item.pszText = text;
+        item.cchTextMax = static_cast<int>(std::size(text));
+        ::SendMessageW(control(list), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
+                       reinterpret_cast<LPARAM>(&item));
+        return utf8(text);
+    }
+    int rows(int list) const {
+        return static_cast<int>(::SendMessageW(control(list), LVM_GETITEMCOUNT, 0, 0));
+    }
+    Texts column(int list, int number) const {
+        Texts texts;
+        for (int row = 0; row < rows(list); ++row) texts.push_back(cell(list, row, number));
+        return texts;
+    }
+    bool becomes(int list, int number, const Texts& texts) const {
+        return soon([&] { return column(list, number) == texts; });
+    }
+    // The log's lines about one event.
+    Texts logged(const std::string& event) const {
+        Texts texts;
+        for (int row = 0; row < rows(IDC_LOG); ++row)
+            if (cell(IDC_LOG, row, 1) == event) texts.push_back(cell(IDC_LOG, row, 2));
+        return texts;
+    }
+    bool hasLogged(const std::string& event, const std::string& content) const {
+        return soon([&] {
+            const Texts lines = logged(event);
+            return std::find(lines.begin(), lines.end(), content) != lines.end();
+        });
+    }
+
+    // Waits for the dialog with this title; null when it does not come.
+    static HWND dialog(const wchar_t* title) {
+        HWND found = nullptr;
+        soon([&] {
+            found = ::FindWindowW(L"#32770", title);
+            return found != nullptr && ::GetForegroundWindow() == found;
+        });
+        return found;
+    }
+    // Types into the dialog's field, and OK.
+    static void answer(const wchar_t* title, const std::string& text) {
+        const HWND asked = dialog(title);
+        ASSERT_NE(nullptr, asked);
+        keys::type(text);
+        EXPECT_TRUE(soon([&] { return textOf(::GetDlgItem(asked, IDC_TEXT)) == text; }))
+            << textOf(::GetDlgItem(asked, IDC_TEXT));
+        keys::press(VK_RETURN);
+        EXPECT_TRUE(soon([&] { return !::IsWindow(asked); }));
+    }
+
+    void typeFilter(const std::string& text) const {
+        keys::pressWithControl('F');
+        keys::type(text);
+        EXPECT_TRUE(soon([&] { return textOf(control(IDC_FILTER)) == text; }));
+    }
+
+    static RECT areaOf(HWND control) {
+        RECT area{};
+        ::GetWindowRect(control, &area);
+        return area;
+    }
+
+    static inline std::atomic<int> abandoned = 0;
+
+    std::unique_ptr<CentralProgram> server;
+    HWND window = nullptr;
+    std::atomic<bool> hasRun = false;
+
+  private:
+    std::wstring m_ports;
+    Account m_account;
+    std::thread m_thread;
+};
