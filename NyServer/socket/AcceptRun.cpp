@@ -112,7 +112,7 @@ bool CUT_WSServer::AcceptRun::isWelcome(const sockaddr_in& peer) {
 void CUT_WSServer::AcceptRun::handOver(SOCKET listener, const sockaddr_in& peer) {
     const ServerDoor::Lock lock(*m_door);
     if (!isCurrent()) return dropAccepted();
-    const bool isTooMany = m_server.m_maxConnections <= m_server.m_connectionCount;
+    const bool isTooMany = m_server.GetMaxConnections() <= m_server.m_connectionCount;
     ServerConnection::start({std::move(m_accepted), listener, peer, isTooMany, &m_server, m_door});
 }
 

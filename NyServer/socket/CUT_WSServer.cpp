@@ -61,13 +61,13 @@ int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family
     if (!socketcalls::startWinsock(m_winsockData)) return OnError(UTE_ERROR);
     CloseUnusedListenSocket();
     m_serverAddress = socketcalls::makeAddress(family, port, address);
-    m_listenSocket = ::socket(AF_INET, SOCK_STREAM, m_protocol);
+    m_listenSocket = ::socket(AF_INET, SOCK_STREAM, GetProtocol());
     if (m_listenSocket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
     if (::bind(m_listenSocket, reinterpret_cast<sockaddr*>(&m_serverAddress),
                sizeof m_serverAddress) == SOCKET_ERROR)
         return OnError(UTE_SOCK_BIND_FAILED);
     if (::listen(m_listenSocket, queueSize) == SOCKET_ERROR) return OnError(UTE_SOCK_LISTEN_ERROR);
-    m_port = port;
+    m_port.store(port, std::memory_order_relaxed);
     return OnError(UTE_SUCCESS);
 }
 
@@ -126,7 +126,7 @@ int CUT_WSServer::TempConnect(unsigned int port, const char* address) {
 // A full listen queue may leave the connect unanswered for minutes; when the accepting thread has
 // left by itself meanwhile there is nobody to wake.
 int CUT_WSServer::WakeAcceptThread() {
-    return ConnectAndClose(m_port, "127.0.0.1", [this] { return m_acceptThread == kNoThread; });
+    return ConnectAndClose(GetPort(), "127.0.0.1", [this] { return m_acceptThread == kNoThread; });
 }
 
 int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address,
@@ -151,11 +151,12 @@ int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address,
 
 int CUT_WSServer::SetMaxConnections(int n) {
     if (n < 1 || n > kHighestMaximum) return -1;
-    return m_maxConnections = n;
+    m_maxConnections.store(n, std::memory_order_relaxed);
+    return n;
 }
 
 int CUT_WSServer::SetPort(unsigned int port) {
-    m_port = port;
+    m_port.store(port, std::memory_order_relaxed);
     return OnError(UTE_SUCCESS);
 }
 

@@ -60,26 +60,29 @@ class NYSERVER_API CUT_WSServer {
     // Connections beyond `n` workers get OnMaxConnect. `n`, or -1 and nothing changed unless it is
     // 1 to 32000.
     int SetMaxConnections(int n);
-    int GetMaxConnections() const { return m_maxConnections; }
+    int GetMaxConnections() const { return m_maxConnections.load(std::memory_order_relaxed); }
 
     // The workers in the list.
     int GetNumConnections() const { return m_connectionCount; }
 
     // Changes what StopAccept connects to, not what is bound. OnError(0).
     int SetPort(unsigned int port);
-    unsigned int GetPort() const { return m_port; }
+    unsigned int GetPort() const { return m_port.load(std::memory_order_relaxed); }
 
     // The port that the listening socket is bound to, which answers a request for port 0; 0 when it
     // is not bound.
     unsigned int GetBoundPort() const;
 
     // For the listening socket that ConnectToPort makes next. The value.
-    int SetProtocol(int protocol) { return m_protocol = protocol; }
-    int GetProtocol() const { return m_protocol; }
+    int SetProtocol(int protocol) {
+        m_protocol.store(protocol, std::memory_order_relaxed);
+        return protocol;
+    }
+    int GetProtocol() const { return m_protocol.load(std::memory_order_relaxed); }
 
     // For handlers to watch: 1 when the server goes. The destructor sets it.
-    void SetShutDownFlag(int flag) { m_shutDownFlag = flag; }
-    int GetShutDownFlag() const { return m_shutDownFlag; }
+    void SetShutDownFlag(int flag) { m_shutDownFlag.store(flag, std::memory_order_relaxed); }
+    int GetShutDownFlag() const { return m_shutDownFlag.load(std::memory_order_relaxed); }
 
   protected:
     // For derived servers that can pause; nothing calls them. The base returns 0.
@@ -178,8 +181,9 @@ class NYSERVER_API CUT_WSServer {
     std::atomic<uintptr_t> m_acceptThread = kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;
-    std::atomic<int> m_maxConnections = 30000;
     std::atomic<int> m_connectionCount = 0;
+    // Values that order nothing else: read and written relaxed.
+    std::atomic<int> m_maxConnections = 30000;
     std::atomic<int> m_protocol = 0;
     std::atomic<unsigned int> m_port = static_cast<unsigned int>(-1);
     std::atomic<int> m_shutDownFlag = 0;

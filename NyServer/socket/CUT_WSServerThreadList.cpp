@@ -45,7 +45,7 @@ int CUT_WSServer::ThreadListKill() {
     const ThreadListLock lock(*this);
     ThreadListForEach([](ThreadListEntry& entry) {
         ::WSACancelBlockingCall();
-        entry.worker->m_abort = 1;
+        entry.worker->m_abort.store(1, std::memory_order_relaxed);
         entry.worker->OnError(UTE_SUCCESS);
     });
     return FreeThreadList();

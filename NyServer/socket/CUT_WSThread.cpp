@@ -94,7 +94,8 @@ int CUT_WSThread::ReceiveToFile(const wchar_t* path, OpenMsgType type, long& byt
 
 int CUT_WSThread::ReceiveLine(char* buffer, int maxLen, int timeOut) {
     int stored = 0;
-    for (int space = maxLen - 1; space > 0 && !m_abort; space = maxLen - 1 - stored) {
+    for (int space = maxLen - 1; space > 0 && !m_abort.load(std::memory_order_relaxed);
+         space = maxLen - 1 - stored) {
         if (timeOut > 0 && WaitForReceive(timeOut, 0) != UTE_SUCCESS) break;
         char* part = buffer + stored;
         const int peeked = ::recv(m_socket, part, space, MSG_PEEK);
