@@ -43,6 +43,8 @@ struct KernelObject {
 
 // The places that handles name. A handle is looked up without the lock, since that would order
 // accesses of the code that is looked at; using one that another thread closes is thus found too.
+// Making and closing handles does take the lock, and so orders the end of a thread before the
+// beginning of later ones: races between the two are not found.
 std::mutex placesLock;
 std::array<std::shared_ptr<KernelObject>, 4096> places;
 

@@ -3,12 +3,6 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
-#if __has_feature(address_sanitizer)
-#include <sanitizer/lsan_interface.h>
-#else
-#define __lsan_ignore_object(object) static_cast<void>(object)
-#endif
-
 namespace {
 
 // In front of the bytes of a block, which therefore have another address than its handle. Blocks
@@ -37,7 +31,6 @@ SIZE_T& sizeOfRegion(void* address) {
 HGLOBAL GlobalAlloc(UINT flags, SIZE_T size) {
     auto* const block = static_cast<GlobalBlock*>(std::calloc(1, sizeof(GlobalBlock) + size));
     if (block) *block = {size, 0, flags};
-    __lsan_ignore_object(block);  // a block that is posted to a window that has gone is nobody's
     return block;
 }
 
