@@ -40,7 +40,7 @@ TEST_F(ServerThreads, ShowsItsWorkersWholeSettingsWhileTheyChange) {
         m_server->SetPort(port + round % 2);
         m_server->SetMaxConnections(30000 + round % 2);
         m_server->SetProtocol(round % 2);
-        return m_looks >= 500;
+        return m_looks >= 500 && round >= 500;
     };
     EXPECT_TRUE(eventually(change, peers::kPatience));
     m_server->SetPort(port);
