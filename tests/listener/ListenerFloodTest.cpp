@@ -83,6 +83,7 @@ TEST_F(ListenerFlood, SurvivesASenderThatResets) {
         char answer;
         ASSERT_EQ(::recv(peer.socket(), &answer, 1, MSG_PEEK), 1);
     }  // with the answer unread, the close is a reset
+    EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "before");
     EXPECT_TRUE(m_listener.awaitWorkers(0));
     expectServes();
 }

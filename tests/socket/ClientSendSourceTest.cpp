@@ -100,6 +100,8 @@ TEST_F(ClientSendSource, SendsAFile) {
 TEST_F(ClientSendSource, ReportsAMissingFile) {
     const TempFolder folder;
     EXPECT_EQ(m_client.SendFile(folder.path(L"missing").c_str()), UTE_DS_OPEN_FAILED);
+    EXPECT_FALSE(folder.has(L"missing"));
+    EXPECT_EQ(arrived(), "");
 }
 
 TEST_F(ClientSendSource, SendsAFileThroughTheOverriddenSend) {

@@ -4,6 +4,7 @@
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
+#include "tests/support/Handles.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -110,7 +111,10 @@ const Step kSteps[] = {
 
 class ServerDestroyed : public testing::TestWithParam<Step> {
   protected:
-    static void SetUpTestSuite() { s_threads = countThreadsAtRest(); }
+    static void SetUpTestSuite() {
+        s_threads = countThreadsAtRest();
+        s_handles = handleLevel();
+    }
 
     // Reaches the step and destroys the server; whoever waits for something gets it meanwhile.
     void destroyAtTheStep(ProbeServer::Ending ending) {
@@ -127,6 +131,8 @@ class ServerDestroyed : public testing::TestWithParam<Step> {
             expectNothingLeft(scene);
         }
         EXPECT_TRUE(eventually([&] { return countThreads() <= s_threads; }));
+        // A few are for what the system itself keeps.
+        EXPECT_TRUE(eventually([&] { return handleLevel() <= s_handles + 4; }));
     }
 
   private:
@@ -137,6 +143,7 @@ class ServerDestroyed : public testing::TestWithParam<Step> {
     }
 
     static inline int s_threads = 0;
+    static inline size_t s_handles = 0;
 };
 
 INSTANTIATE_TEST_SUITE_P(Step, ServerDestroyed, testing::ValuesIn(kSteps),
