@@ -140,12 +140,11 @@ LRESULT DefWindowProcW(HWND, UINT, WPARAM, LPARAM) {
 }
 
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
-    const auto queue = queueOf(window);
-    if (!queue) return FALSE;
-    // What is posted to a window that goes before it looks is nobody's.
+    // By rule a block is the window's from here on, and nobody's when the window has gone.
     __lsan_ignore_object(reinterpret_cast<const void*>(lParam));
-    queue->put({{window, message, wParam, lParam}, nullptr});
-    return TRUE;
+    const auto queue = queueOf(window);
+    if (queue) queue->put({{window, message, wParam, lParam}, nullptr});
+    return queue != nullptr;
 }
 
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
