@@ -8,7 +8,10 @@ said=$(env -u DISPLAY "$root/tools/run-on-screen" cmd 2>&1) || status=$?
 [[ $status -eq 1 && $said == *'DISPLAY is not set'* ]] || fail "run-on-screen without a screen ends with $status: $said"
 
 # Nothing of the size of the window is drawn when it is not there.
-"$root/tools/screenshot" "$project/picture.png" > "$project/log" 2>&1 || fail "screenshot: $(cat "$project/log")"
+"$root/tools/screenshot" "$project/picture.png" > "$project/log" 2>&1 || {
+  fail "screenshot: $(cat "$project/log")"
+  finish
+}
 size() { pngtopnm "$1" | pnmfile | sed 's/.*, \(.* by [0-9]*\).*/\1/'; }
 documented=$(size "$root/docs/images/nymonitor.png")
 taken=$(size "$project/picture.png")
