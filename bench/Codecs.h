@@ -1,9 +1,12 @@
 // The codecs that are compared, each with the same two operations:
 //   View encode(value)            one block of bytes, valid until the next call
-//   void decode(View)             makes a fresh value from them and destroys it
+//   read(View)                    makes a fresh value from them
+//   bool restores(View)           the value that is read encodes as the same bytes
 #pragma once
 
 #include <benchmark/benchmark.h>
+
+#include <algorithm>
 
 #include "bench/FloorCodec.h"
 #include "NyServer/framing/NySeMemFile.h"
@@ -13,6 +16,10 @@ namespace bench {
 struct View {
     const unsigned char* data = nullptr;
     size_t size = 0;
+
+    friend bool operator==(View one, View other) {
+        return std::equal(one.data, one.data + one.size, other.data, other.data + other.size);
+    }
 };
 
 template <class Value>
@@ -25,12 +32,15 @@ class FloorCodec {
         writer.record(value);
         return {m_buffer.data(), static_cast<size_t>(writer.end() - m_buffer.data())};
     }
-    static void decode(View view) {
+    static Value read(View view) {
         Value value;
         FloorReader reader(view.data, view.data + view.size);
         reader.record(value);
-        benchmark::DoNotOptimize(&value);
-        benchmark::ClobberMemory();
+        return value;
+    }
+    static bool restores(View view) {
+        FloorCodec again(view.size);
+        return again.encode(read(view)) == view;
     }
 
   private:
@@ -47,13 +57,15 @@ class LibraryCodec {
         m_message.stopWriting();
         return whole(m_message);
     }
-    static void decode(View view) {
+    static std::unique_ptr<CObject> read(View view) {
         CMemFile file(const_cast<BYTE*>(view.data), static_cast<UINT>(view.size));
         file.Seek(NySe::kLengthBytes, CFile::begin);
         CArchive archive(&file, CArchive::load);
-        const std::unique_ptr<CObject> value(archive.ReadObject(RUNTIME_CLASS(Value)));
-        benchmark::DoNotOptimize(value.get());
-        benchmark::ClobberMemory();
+        return std::unique_ptr<CObject>(archive.ReadObject(RUNTIME_CLASS(Value)));
+    }
+    static bool restores(View view) {
+        LibraryCodec again;
+        return again.encode(static_cast<const Value&>(*read(view))) == view;
     }
 
     // The bytes of a finished message.

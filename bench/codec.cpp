@@ -36,21 +36,26 @@ class RequestCodec {
         message.stopWriting();
         return bench::LibraryCodec<NySeLockArray>::whole(message);
     }
-    static void decode(View view) {
+    static RequestCodec read(View view) {
         CMemFile file(const_cast<BYTE*>(view.data), static_cast<UINT>(view.size));
         CArchive archive(&file, CArchive::load);
         LONG action = 0;
         LONG length = 0;
-        LONG mode = 0;
-        CString name;
-        archive >> action >> length >> name >> mode;
-        benchmark::DoNotOptimize(&name);
-        benchmark::DoNotOptimize(mode);
+        RequestCodec request;
+        archive >> action >> length >> request.m_name >> request.m_mode;
+        benchmark::DoNotOptimize(action);
+        return request;
+    }
+    static bool restores(View view) {
+        NySeMemFile again;
+        return read(view).encode(again) == view;
     }
 
   private:
+    RequestCodec() = default;
+
     CString m_name;
-    LONG m_mode;
+    LONG m_mode = 0;
 };
 
 struct ReusedMessage : RequestCodec {

@@ -30,6 +30,22 @@ inline void copyArgument(char kind, CArchive& from, NySeMemFile& to) {
     }
 }
 
+// Ends the program unless a reply that holds the object gives one that writes the same.
+inline void requireReads(const CObject& object, const CRuntimeClass* expected) {
+    NySeMemFile reply;
+    reply.startWrite(NySe::schema2015);
+    reply.writeObject(object);
+    reply.stopWriting();
+    reply.Seek(NySe::kLengthBytes, CFile::begin);
+    const std::unique_ptr<CObject> same(NySe::readReplyObject(reply, expected));
+    require(same != nullptr, "what was written is read");
+    NySeMemFile again;
+    again.startWrite(NySe::schema2015);
+    again.writeObject(*same);
+    again.stopWriting();
+    require(contentsOf(again) == contentsOf(reply), "and it is what was written");
+}
+
 // Reads the arguments behind the header of `message`: i an integer, s a string, u a user, m a
 // message record. The message made of them; no bytes when they are not there.
 inline Bytes copyMessage(const Bytes& message, std::string_view arguments) {

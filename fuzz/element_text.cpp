@@ -1,16 +1,23 @@
-// The online service's answers: what is cut out of a text stands in it, in front of a closing tag.
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
-
+// The online service's answers: what is cut out of a text stands between its tags, and is cut out
+// when it does.
+#include "fuzz/HeldMemory.h"
+#include "fuzz/Require.h"
 #include "NyServer/online/ElementText.h"
 
+static bool stands(const CString& found, const CString& text) {
+    return text.Find(_T("<V>") + found + _T("</V>")) >= 0 ||
+           text.Find(_T("<V ") + found + _T("</V>")) >= 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-    CString text;
-    const size_t length = size / sizeof(WCHAR);
-    std::memcpy(text.GetBufferSetLength(static_cast<int>(length)), bytes, length * sizeof(WCHAR));
-    text.ReleaseBuffer(static_cast<int>(length));
+    const CString text(reinterpret_cast<const WCHAR*>(bytes), static_cast<int>(size / 2));
+    const HeldMemory held;
     const CString found = elementText(text, _T("V"));
-    if (!found.IsEmpty() && text.Find(found + _T("</V>")) < 0) std::abort();
+    held.requireAtMost(2 * size + 4096);
+    require(found.IsEmpty() || stands(found, text), "what is found stands between its tags");
+    if (text.Find(_T("</V>")) >= 0) return 0;
+    require(elementText(_T("<V>") + text + _T("</V>"), _T("V")) == text, "an element is found");
+    if (text.Find(_T("<V>")) >= 0) return 0;
+    require(elementText(_T("<V ") + text + _T("</V>"), _T("V")) == text, "so are attributes");
     return 0;
 }

@@ -1,9 +1,13 @@
 // The message file: the arguments read from a message make a message that reads the same.
 #include "fuzz/FuzzedMessage.h"
+#include "fuzz/HeldMemory.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     for (const char* arguments : {"i", "s", "u", "m", "si", "iim"}) {
-        const Bytes copy = copyMessage(Bytes(bytes, bytes + size), arguments);
+        const Bytes message(bytes, bytes + size);
+        const HeldMemory held;
+        const Bytes copy = copyMessage(message, arguments);
+        held.requireAtMost(8 * size + NySe::kReceiveStep);
         if (copy.empty()) continue;
         LONG header[2];
         std::memcpy(header, copy.data(), sizeof header);

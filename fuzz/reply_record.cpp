@@ -1,19 +1,23 @@
-// The record reader: an object of the class that was asked for, or none.
+// The record reader: an object of the class that was asked for, which writes and reads the same, or
+// none.
 #include "fuzz/Drip.h"
+#include "fuzz/FuzzedMessage.h"
 #include "fuzz/HeldMemory.h"
-#include "fuzz/Require.h"
-#include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeConnectionArray.h"
 #include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
+
+using Object = std::unique_ptr<CObject>;
 
 static void check(const CRuntimeClass* expected, const uint8_t* bytes, size_t size) {
     const HeldMemory held;
     CMemFile reply;
     if (!NySe::receiveMessage(reply, Drip(bytes, size))) return;
-    const std::unique_ptr<CObject> object(NySe::readReplyObject(reply, expected));
+    const Object object(NySe::readReplyObject(reply, expected));
     held.requireAtMost(32 * size + 4 * NySe::kReceiveStep);
     require(!object || !expected || object->IsKindOf(expected), "it is what was asked for");
+    const Object fresh((expected ? expected : RUNTIME_CLASS(NySeUser))->CreateObject());
+    requireReads(object ? *object : *fresh, expected);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {

@@ -1,20 +1,18 @@
 #include "NyServer/framing/NySeReply.h"
 
-#include "QoArraySerial2.h"
+#include <afxcoll.h>
 
 namespace {
 
-// The class of the record or table that comes next. The class library's own arrays can be archived
-// too, but do not own what they hold: nobody would delete it.
-const CRuntimeClass* nextRecordClass(CMemFile& reply) {
+// The class of the object that comes next. The class library's own array of objects can be archived
+// too, but does not own what it holds: nobody would delete it.
+const CRuntimeClass* nextClass(CMemFile& reply) {
     const ULONGLONG start = reply.GetPosition();
     CArchive archive(&reply, CArchive::load);
     const CRuntimeClass* next = archive.ReadClass();
     archive.Close();
     reply.Seek(static_cast<LONGLONG>(start), CFile::begin);
-    const bool isRecord = next->IsDerivedFrom(RUNTIME_CLASS(QoObject2)) ||
-                          next->IsDerivedFrom(RUNTIME_CLASS(QoArraySerial2));
-    if (!isRecord) AfxThrowArchiveException(CArchiveException::badClass);
+    if (next == RUNTIME_CLASS(CObArray)) AfxThrowArchiveException(CArchiveException::badClass);
     return next;
 }
 
@@ -23,7 +21,7 @@ const CRuntimeClass* nextRecordClass(CMemFile& reply) {
 CObject* NySe::readReplyObject(CMemFile& reply, const CRuntimeClass* expected) {
     std::unique_ptr<CObject> object;
     const bool read = succeeds([&] {
-        const CRuntimeClass* const wanted = expected ? expected : nextRecordClass(reply);
+        const CRuntimeClass* const wanted = expected ? expected : nextClass(reply);
         CArchive archive(&reply, CArchive::load);
         // Another class is refused before an object of it is made.
         object.reset(archive.ReadObject(wanted));

@@ -73,7 +73,8 @@ bool succeeds(Action action) {
 }
 
 // The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
-// of another class than `expected`. expected null: any record or table of records.
+// of another class than `expected`. expected null: any archivable class, a host's own too, except
+// the class library's CObArray itself, whose elements nobody would own.
 NYSERVER_API CObject* readReplyObject(CMemFile& reply, const CRuntimeClass* expected);
 
 // The one string in `reply`. When the bytes are no string, `text` stays as it was and false is

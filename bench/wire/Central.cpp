@@ -11,6 +11,7 @@
 #include "NyServer/client/NySeClientApp.h"
 #include "tests/apps/CentralProgram.h"
 #include "tests/apps/ListenerRow.h"
+#include "tests/support/Gate.h"
 
 namespace {
 
@@ -82,7 +83,7 @@ void timeClients(const std::string& name, int port, int count, const bench::Wire
     std::vector<std::unique_ptr<LockingClient>> clients;
     clients.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) clients.push_back(std::make_unique<LockingClient>(port, i));
-    std::latch ready(count);
+    std::latch ready(count + 1);
     std::vector<std::thread> threads;
     threads.reserve(clients.size());
     const auto length = std::chrono::duration_cast<bench::Clock::duration>(options.seconds);
@@ -92,13 +93,16 @@ void timeClients(const std::string& name, int port, int count, const bench::Wire
             client->work(bench::Clock::now() + length);
         });
     }
+    ready.arrive_and_wait();
+    const auto start = bench::Clock::now();
     for (std::thread& thread : threads) thread.join();
+    const std::chrono::duration<double> taken = bench::Clock::now() - start;
     bench::Samples times;
     for (const auto& client : clients) {
         bench::require(client->failures() == 0, "a request failed");
         times.add(client->times());
     }
-    printRow(name, times, options.seconds.count());
+    printRow(name, times, taken.count());
 }
 
 void timeWithoutListener(const bench::WireOptions& options) {
@@ -114,7 +118,8 @@ void timeWithLivingListener(const bench::WireOptions& options) {
     CentralProgram program(L"--ports " + listeners.range());
     const ListeningUser user(program.port());
     timeClients("10 clients, one listener", program.port(), 10, options);
-    bench::require(listeners.frames() > 0, "the listener was told nothing");
+    bench::require(eventually([&] { return listeners.frames() > 0; }, std::chrono::seconds(60)),
+                   "the listener was told nothing");
 }
 
 void timeWithDeadListener(const bench::WireOptions& options) {

@@ -3,19 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
 #include "NyServer/framing/NySeMemFile.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "NyServer/records/NySeUser.h"
-#include "tests/socket/Peers.h"
+#include "tests/apps/FreeRow.h"
 
-// Ports at which nobody listens any more.
+// Ports at which nobody listens.
 inline std::vector<LONG> freePorts(size_t count) {
-    const std::vector<peers::RefusingPort> bound(count);
-    std::vector<LONG> ports;
-    for (const auto& one : bound) ports.push_back(static_cast<LONG>(one.port()));
+    std::vector<LONG> ports(count);
+    std::iota(ports.begin(), ports.end(), freeRow(static_cast<int>(count)));
     return ports;
 }
 

@@ -22,9 +22,9 @@ expect_said() {
   [[ $said =~ ^$1$ ]] || fail "\"$said\" should be $1"
 }
 
-# Notification ports of this run's own: with those of another server of this machine its users would be told this
+# Notification ports of this run's own, none of sessions-test.sh's: with those of another server of this machine its users would be told this
 # server's news.
-first_port=$((20000 + $$ % 480 * 20))
+first_port=$((20000 + $$ % 240 * 20))
 start_central "$nycentral" --ports $first_port-$((first_port + 19))
 export NYCTL_SERVER=127.0.0.1:$port
 

@@ -94,7 +94,7 @@ TEST_F(ReplyReaders, IsAskedForInStepsWhateverIsAnnounced) {
     EXPECT_LE(m_mostAsked, 2 * NySe::kReceiveStep);
 }
 
-// The class name of the object that is read where any record will do.
+// The class name of the object that is read where any class will do.
 std::string anyRecordIn(std::string_view bytes) {
     const Bytes content = fromHex(bytes);
     CMemFile reply;
@@ -107,6 +107,13 @@ std::string anyRecordIn(std::string_view bytes) {
 TEST(ReplyObject, MayBeAnyRecordOrTable) {
     EXPECT_EQ("NySeSessionLock", anyRecordIn("FFFF DF07 0F00 'NySeSessionLock' 18000000 07000000"));
     EXPECT_EQ("NySeUserPtrArray", anyRecordIn("FFFF DF07 1000 'NySeUserPtrArray' 0000"));
+}
+
+// A request or notification carries whatever class the hosts agree on.
+TEST(ReplyObject, MayBeOfAHostsOwnClass) {
+    EXPECT_EQ("Fixed", anyRecordIn("FFFF 0700 0500 'Fixed' 3412"));
+    EXPECT_EQ("OwningArray", anyRecordIn("FFFF 0000 0B00 'OwningArray' 0000"));
+    EXPECT_EQ("CStringArray", anyRecordIn("FFFF 0000 0C00 'CStringArray' 0000"));
 }
 
 // It would hold objects that nobody owns: memory that any peer could have lost.

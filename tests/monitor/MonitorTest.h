@@ -18,6 +18,7 @@
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/records/NySeMessage.h"
 #include "tests/apps/CentralProgram.h"
+#include "tests/apps/FreeRow.h"
 #include "tests/monitor/Keys.h"
 #include "tests/socket/Peers.h"
 #include "tests/support/Gate.h"
@@ -73,10 +74,7 @@ class OtherUser {
 
 class MonitorTest : public ::testing::Test {
   protected:
-    MonitorTest() {
-        const unsigned first = peers::RefusingPort().port();
-        m_ports = L" --ports " + portRange(std::min(first, 65000U), 40);
-    }
+    MonitorTest() { m_ports = L" --ports " + portRange(static_cast<unsigned>(freeRow(40)), 40); }
     ~MonitorTest() override { closeWindow(); }
 
     void startServer(int port = 0) {

@@ -12,8 +12,8 @@
 // Memory that was a small block once is used for blocks of that size again and never returned.
 
 // Like operator new and delete: `bytes` is the same in both; throws std::bad_alloc.
-NYBASE_API void* allocateSmallBlock(size_t bytes);
-NYBASE_API void freeSmallBlock(void* block, size_t bytes) noexcept;
+NYBASE_API void* allocateSmallBlock(std::size_t bytes);
+NYBASE_API void freeSmallBlock(void* block, std::size_t bytes) noexcept;
 
 // The same for containers.
 template <class T>
@@ -25,16 +25,16 @@ struct SmallBlockAllocator {
     template <class U>
     SmallBlockAllocator(const SmallBlockAllocator<U>&) {}
 
-    T* allocate(size_t count) {
+    T* allocate(std::size_t count) {
         static_assert(alignof(T) <= alignof(std::max_align_t));
         return static_cast<T*>(allocateSmallBlock(bytesOf(count)));
     }
-    void deallocate(T* block, size_t count) noexcept { freeSmallBlock(block, bytesOf(count)); }
+    void deallocate(T* block, std::size_t count) noexcept { freeSmallBlock(block, bytesOf(count)); }
 
     friend bool operator==(SmallBlockAllocator, SmallBlockAllocator) { return true; }
 
   private:
-    static size_t bytesOf(size_t count) {
+    static std::size_t bytesOf(std::size_t count) {
         return count * sizeof(T);  // NOLINT(bugprone-sizeof-expression): T may be a pointer
     }
 };
