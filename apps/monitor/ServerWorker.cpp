@@ -164,8 +164,8 @@ bool ServerWorker::readTables() {
 
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
+    takeRefresh();  // earlier ones; one that comes once the wait is told ends it
     tellState(false, words::waiting(reason, delay));
-    takeRefresh();
     Lock lock(m_mutex);
     m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
 }

@@ -6,6 +6,7 @@
 
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::Contains;
 
 // Calls `action` with a handle of each thread of the process.
@@ -42,28 +43,30 @@ class Standstill {
 // The window's thread gets no message while one lives.
 class HeldWindow {
   public:
-    explicit HeldWindow(HWND window)
-        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
-                                     ::GetWindowThreadProcessId(window, nullptr))) {
-        gate = std::make_unique<Gate>();
+    explicit HeldWindow(HWND window) {
+        gate = m_gate;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(window, nullptr));
         ::PostMessageW(window, WM_NULL, 0, 0);
-        EXPECT_TRUE(gate->awaitArrivals());
+        EXPECT_TRUE(m_gate->awaitArrivals());
     }
     ~HeldWindow() {
         ::UnhookWindowsHookEx(m_hook);
-        gate->open();
+        m_gate->open();
     }
     HeldWindow(const HeldWindow&) = delete;
     HeldWindow& operator=(const HeldWindow&) = delete;
 
   private:
     static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        gate->pass();
+        gate.load()->pass();
         return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    static inline std::unique_ptr<Gate> gate;
-    const HHOOK m_hook;
+    // The window's thread may still be leaving a gate when the next one is made.
+    static inline std::atomic<std::shared_ptr<Gate>> gate;
+    const std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
+    HHOOK m_hook = nullptr;
 };
 
 class MonitorConnection : public MonitorTest {
@@ -77,6 +80,10 @@ class MonitorConnection : public MonitorTest {
         }
         client.isAlive();
         ::Sleep(500);
+    }
+    // The worker gives up after 15 s, which a busy machine may need for what a test types.
+    bool isWaitingOrGaveUp(const std::string& waiting) const {
+        return status(StatusBar::activity) == waiting || !logged("Lock").empty();
     }
 };
 
@@ -112,10 +119,13 @@ TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
     const std::string wait =
         "No connection to 127.0.0.1:" + std::to_string(port) + ". Trying again in ";
     EXPECT_TRUE(hasLogged("Connection", wait + "1 s"));
+    const auto start = std::chrono::steady_clock::now();
     for (const char* delay : {"2 s", "4 s", "8 s", "16 s", "30 s"}) {
         keys::press(VK_F5);
         EXPECT_TRUE(hasLogged("Connection", wait + delay));
     }
+    // All the waits together take 31 s.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
 }
 
 TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
@@ -128,12 +138,15 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
         keys::pressWithControl('L');
         answer(L"Lock", "deck");
         const std::string waiting = "Waiting: Lock deck (access1+access2+exclude1+exclude2)";
-        EXPECT_TRUE(soon([&] { return status(StatusBar::activity) == waiting; }));
+        EXPECT_TRUE(soon([&] { return isWaitingOrGaveUp(waiting); }));
         typeFilter("anna");
         EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna"}));
-        EXPECT_EQ(waiting, status(StatusBar::activity));
+        EXPECT_TRUE(soon([&] { return isWaitingOrGaveUp(waiting); }));
     }
-    EXPECT_TRUE(hasLogged("Lock", "deck (access1+access2+exclude1+exclude2): granted"));
+    EXPECT_TRUE(soon([this] { return logged("Lock").size() == 1; }));
+    EXPECT_THAT(logged("Lock").front(),
+                AnyOf("deck (access1+access2+exclude1+exclude2): granted",
+                      "deck (access1+access2+exclude1+exclude2): no answer"));
     EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
 }
 
@@ -154,7 +167,8 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
     {
         const Standstill standstill(server->process().id());
         for (const char* name : {"a", "b"}) {
-            keys::pressWithControl('O');
+            // Not the shortcut: that is off once the first one was given up.
+            ::PostMessageW(window, WM_COMMAND, ID_OPEN, 0);
             answer(L"Open connection", name);
         }
         server->process().kill();
