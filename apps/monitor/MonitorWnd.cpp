@@ -76,7 +76,7 @@ bool MonitorWnd::onCreate() {
 bool MonitorWnd::createBar() {
     for (size_t i = 0; i < m_buttons.size(); ++i)
         if (!createButton(i)) return false;
-    return m_filterLabel.CreateEx(0, WC_STATICW, L"&Filter:", kChild, 0, 0, 0, 0, m_hWnd,
+    return m_filterLabel.CreateEx(0, WC_STATICW, L"Fi&lter:", kChild, 0, 0, 0, 0, m_hWnd,
                                   nullptr) &&
            m_filter.CreateEx(WS_EX_CLIENTEDGE, WC_EDITW, L"", kChild | WS_TABSTOP | ES_AUTOHSCROLL,
                              0, 0, 0, 0, m_hWnd, asMenu(IDC_FILTER));

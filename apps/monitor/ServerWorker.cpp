@@ -68,7 +68,7 @@ void ServerWorker::run() {
 }
 
 std::wstring ServerWorker::runConnection() {
-    tellState(false, words::connecting(m_account));
+    tellState({false, words::connecting(m_account)});
     if (!m_session.open()) return words::noConnection(m_account);
     enter();
     if (!m_session.listen())
@@ -165,7 +165,7 @@ bool ServerWorker::readTables() {
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
     takeRefresh();  // earlier ones; one that comes once the wait is told ends it
-    tellState(false, words::waiting(reason, delay));
+    tellState({false, words::waiting(reason, delay)});
     Lock lock(m_mutex);
     m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
 }
@@ -184,11 +184,12 @@ void ServerWorker::dropRequests() {
 }
 
 void ServerWorker::tellConnected() {
-    tellState(true, words::connected(m_account, m_session.user()));
+    const NySeUser& user = m_session.user();
+    tellState({true, words::connected(m_account, user), user.getSessionNumber()});
 }
 
-void ServerWorker::tellState(bool isConnected, const std::wstring& text) {
-    m_queue.post([this, state = ConnectionState{isConnected, text}] { m_view.showState(state); });
+void ServerWorker::tellState(const ConnectionState& state) {
+    m_queue.post([this, state] { m_view.showState(state); });
 }
 
 void ServerWorker::tellActivity(const std::wstring& what) {

@@ -64,7 +64,7 @@ class ServerWorker {
     std::wstring whyUnanswered();
     void dropRequests();
     void tellConnected();
-    void tellState(bool isConnected, const std::wstring& text);
+    void tellState(const ConnectionState& state);
     void tellActivity(const std::wstring& what);
     void tellOutcome(const Request& request, const std::wstring& outcome);
 

@@ -24,9 +24,13 @@ inline void press(WORD key) {
     send({keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP)});
 }
 
+inline void pressWith(WORD held, WORD key) {
+    send({keyEvent(held, 0), keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP),
+          keyEvent(held, KEYEVENTF_KEYUP)});
+}
+
 inline void pressWithControl(WORD key) {
-    send({keyEvent(VK_CONTROL, 0), keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP),
-          keyEvent(VK_CONTROL, KEYEVENTF_KEYUP)});
+    pressWith(VK_CONTROL, key);
 }
 
 // Letters and digits.

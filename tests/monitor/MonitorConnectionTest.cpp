@@ -69,6 +69,62 @@ class HeldWindow {
     HHOOK m_hook = nullptr;
 };
 
+// What the status bar says each time that the window's thread takes a message, while one lives.
+class BarWatch {
+  public:
+    explicit BarWatch(HWND bar) {
+        s_bar = bar;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(bar, nullptr));
+    }
+    ~BarWatch() { ::UnhookWindowsHookEx(m_hook); }
+    BarWatch(const BarWatch&) = delete;
+    BarWatch& operator=(const BarWatch&) = delete;
+
+    // A pause was shown while notifications were waiting.
+    bool hasSeenPause() const { return s_hasSeenPause; }
+
+  private:
+    static std::wstring text(StatusBar::Part part) {
+        wchar_t text[512] = L"";
+        ::SendMessageW(s_bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        if (text(StatusBar::flow) == L"Paused" &&
+            text(StatusBar::posted).rfind(L"Posted 0 ", 0) != 0)
+            s_hasSeenPause = true;
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline HWND s_bar = nullptr;
+    static inline std::atomic<bool> s_hasSeenPause = false;
+    HHOOK m_hook = nullptr;
+};
+
+// There is always another message for the window while one lives.
+class Flood {
+  public:
+    explicit Flood(HWND window)
+        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(window, nullptr))) {
+        ::PostMessageW(window, NySe::_TM_NYSERVERMESSAGE, 0, 0);
+    }
+    ~Flood() { ::UnhookWindowsHookEx(m_hook); }
+    Flood(const Flood&) = delete;
+    Flood& operator=(const Flood&) = delete;
+
+  private:
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        const MSG& message = *reinterpret_cast<const MSG*>(lParam);
+        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE)
+            ::PostMessageW(message.hwnd, message.message, 0, 0);
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    const HHOOK m_hook;
+};
+
 class MonitorConnection : public MonitorTest {
   protected:
     // More is told than the window may have waiting, if the machine is quick enough.
@@ -192,15 +248,26 @@ TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     openConnected();
     EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 9"; }));
     OtherUser anna(server->port(), "anna");
+    const BarWatch bar(control(IDC_STATUS));
     EXPECT_TRUE(soon([&] {
         fallBehind(anna.client);
         return logged("Listener").size() >= 2;
     }));
+    EXPECT_TRUE(bar.hasSeenPause());
     EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
     EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
     EXPECT_TRUE(soon([this] { return status(StatusBar::flow) == "Flowing"; }));
     anna.client.lock("last", 0x01);
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
+}
+
+TEST_F(MonitorConnection, AFloodDoesNotKeepTheLogFromBeingShown) {
+    openConnected();
+    OtherUser anna(server->port(), "anna");
+    const Flood flood(window);
+    anna.client.lock("deck", 0x18);
+    EXPECT_TRUE(hasLogged("50 a lock was granted",
+                          "NySeLock: deck, held by session 2 (exclude1+exclude2)"));
 }
 
 }  // namespace
