@@ -65,12 +65,29 @@ bool MonitorWnd::onCreate() {
         if (!m_panes[i].create(*this, kPaneIds[i])) return false;
     if (!m_log.create(*this, IDC_LOG) || !m_status.create(*this, IDC_STATUS)) return false;
     useDpi(static_cast<int>(::GetDpiForWindow(m_hWnd)));
-    ::SetWindowPos(m_hWnd, nullptr, 0, 0, scaled(kFirstSize.cx, m_dpi),
-                   scaled(kFirstSize.cy, m_dpi), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    placeOnScreen();
     m_keyboard = users().control().window();
     m_status.show(Throttle());
     allowRequests(false);
     return true;
+}
+
+// At its first size, as far as the screen has room.
+void MonitorWnd::placeOnScreen() {
+    RECT area{};
+    ::GetWindowRect(m_hWnd, &area);
+    area.right = area.left + scaled(kFirstSize.cx, m_dpi);
+    area.bottom = area.top + scaled(kFirstSize.cy, m_dpi);
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    if (::GetMonitorInfoW(::MonitorFromWindow(m_hWnd, MONITOR_DEFAULTTONEAREST), &screen))
+        area = within(area, screen.rcWork);
+    moveTo(area);
+}
+
+void MonitorWnd::moveTo(const RECT& area) {
+    ::SetWindowPos(m_hWnd, nullptr, area.left, area.top, area.right - area.left,
+                   area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 bool MonitorWnd::createBar() {
@@ -121,8 +138,7 @@ void MonitorWnd::onSize() {
 
 void MonitorWnd::onDpiChanged(int dpi, const RECT& area) {
     useDpi(dpi);
-    ::SetWindowPos(m_hWnd, nullptr, area.left, area.top, area.right - area.left,
-                   area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    moveTo(area);
     onSize();
 }
 

@@ -45,6 +45,8 @@ class MonitorWnd : public CWnd, private MonitorView {
     static constexpr size_t kPanes = 3;
 
     bool onCreate();
+    void placeOnScreen();
+    void moveTo(const RECT& area);
     bool createBar();
     bool createButton(size_t index);
     void onSize();
