@@ -3,6 +3,7 @@
 #include "apps/monitor/resource.h"
 #include "apps/monitor/Words.h"
 #include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerNotification.h"
 
 namespace {
 
@@ -169,10 +170,13 @@ void MonitorWnd::takeKeyboard() {
     ::SetFocus(::IsWindowEnabled(m_keyboard) ? m_keyboard : users().control().window());
 }
 
-// From here on nothing more is posted.
+// Nothing more is posted once the worker is stopped; what was posted before is freed.
 void MonitorWnd::onDestroy() {
     m_worker.stop(std::chrono::milliseconds(0));
-    if (m_listener) m_listener->sever();
+    const UINT posted = NySe::_TM_NYSERVERMESSAGE;
+    MSG message;
+    while (::PeekMessageW(&message, m_hWnd, posted, posted, PM_REMOVE))
+        const NyServerNotification dropped(message.wParam, message.lParam, nullptr);
     ::PostQuitMessage(0);
 }
 

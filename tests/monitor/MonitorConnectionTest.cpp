@@ -218,6 +218,19 @@ TEST_F(MonitorConnection, AServerThatNeverAnswersDoesNotKeepTheProgram) {
     silent.reset();
 }
 
+TEST_F(MonitorConnection, WhatWasPostedIsFreedWithTheWindow) {
+    openConnected();
+    const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, 16);
+    const auto address = reinterpret_cast<LPARAM>(::GlobalLock(block));
+    {
+        const HeldWindow held(window);
+        ::PostMessageW(window, WM_CLOSE, 0, 0);
+        ::PostMessageW(window, NySe::_TM_NYSERVERMESSAGE, 16, address);
+    }
+    EXPECT_TRUE(soon([this] { return !::IsWindow(window); }));
+    EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), ::GlobalFlags(block));
+}
+
 TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
     openConnected();
     {
