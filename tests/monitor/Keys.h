@@ -24,13 +24,9 @@ inline void press(WORD key) {
     send({keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP)});
 }
 
-inline void pressWith(WORD held, WORD key) {
-    send({keyEvent(held, 0), keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP),
-          keyEvent(held, KEYEVENTF_KEYUP)});
-}
-
 inline void pressWithControl(WORD key) {
-    pressWith(VK_CONTROL, key);
+    send({keyEvent(VK_CONTROL, 0), keyEvent(key, 0), keyEvent(key, KEYEVENTF_KEYUP),
+          keyEvent(VK_CONTROL, KEYEVENTF_KEYUP)});
 }
 
 // Letters and digits.

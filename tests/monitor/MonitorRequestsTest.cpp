@@ -114,12 +114,6 @@ TEST_F(MonitorRequests, AnEmptyNameIsNotTaken) {
     EXPECT_TRUE(logged("Rename").empty());
 }
 
-// Its letter is none of the menu's.
-TEST_F(MonitorRequests, AltLGoesToTheFilter) {
-    keys::pressWith(VK_MENU, 'L');
-    EXPECT_TRUE(soon([this] { return focus() == control(IDC_FILTER); }));
-}
-
 // Carl, with a listener: what he is sent is kept.
 class MonitorSending : public MonitorRequests {
   protected:
