@@ -4,6 +4,7 @@
 #   include  the public headers, in their folders
 #   lib      the import libraries; in cmake/NyServer what find_package reads
 #   docs     the documents and the example
+#   tools    the dissector
 include(CMakePackageConfigHelpers)
 
 # A header is public when it declares an exported name, when a public header includes it, and when its name is the class
@@ -112,6 +113,7 @@ install(EXPORT NyServerTargets NAMESPACE NyServer:: DESTINATION ${ny_config_fold
 
 install(DIRECTORY docs/ DESTINATION docs)
 install(DIRECTORY examples DESTINATION docs)
+install(DIRECTORY tools/wireshark DESTINATION tools)
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME NyServer)

@@ -8,6 +8,7 @@
 #include "apps/central/CentralServer.h"
 #include "NyServer/records/NySeMessage.h"
 #include "tests/client/ClientTest.h"
+#include "tests/support/Gate.h"
 
 // Ports for the notifications that a test does not look at: nobody listens there.
 inline const std::vector<LONG>& refusingPorts() {
@@ -104,16 +105,6 @@ class CentralTest : public ::testing::Test {
                                  sizeof value, MSG_WAITALL);
         EXPECT_EQ(static_cast<int>(sizeof value), count);
         return value;
-    }
-
-    // True once `condition` holds; waits for it at most 30 s.
-    template <class Condition>
-    static bool eventually(Condition condition) {
-        for (int i = 0; i < 1500; ++i) {
-            if (condition()) return true;
-            ::Sleep(20);
-        }
-        return condition();
     }
 
     CentralServer server;

@@ -25,6 +25,10 @@ written 'text\n- a list\n  that goes on\n'
 accepts check-docs
 written 'text\n\n```sh\n./run-tests\n```\n'
 rejects check-docs 'docs/guide.md:3: nothing tests this block'
+written 'text\n'
+mkdir "$project/tools/a"
+printf '```sh\n./run-tests\n```\n' > "$project/tools/a/README.md"
+rejects check-docs 'tools/a/README.md:1: nothing tests this block'
 written '<!-- test: run -->\n\n```sh\n$ a\n```\n'
 rejects check-docs 'nothing tests this block'
 written 'text\n\n    ./run-tests\n'

@@ -25,7 +25,7 @@ masked() {
     -e 's/[[:space:]]+/ /g; s/ $//'
 }
 
-# The programs as the documents call them.
+# The programs as the documents call them, without what starts them.
 in_wine() { "$root/tools/run-in-wine" "$programs/$1.exe" "${@:2}"; }
 nyctl() { in_wine nyctl "${@/:$documented/:$port}"; }
 nycentral() {
@@ -111,6 +111,7 @@ type_session() {
         IFS= read -r line <&9
         command=${command%\\}$line
       done
+      command=$(sed -E 's|tools/run-in-wine build/windows/bin/(\w+)\.exe|\1|g' <<< "$command")
       : > "$expected"
     else
       printf '%s\n' "$line" >> "$expected"

@@ -24,7 +24,8 @@ libNyServerDll.dll.a" "$(files_of "$prefix/lib")"
 
 same "files in docs" "$({ files_of "$root/docs"; files_of "$root/examples" | sed 's|^|examples/|'; } | LC_ALL=C sort)" \
   "$(files_of "$prefix/docs")"
-same "folders" $'bin\ndocs\ninclude\nlib' "$(ls "$prefix")"
+same "files in tools" "$(files_of "$root/tools/wireshark" | sed 's|^|wireshark/|')" "$(files_of "$prefix/tools")"
+same "folders" $'bin\ndocs\ninclude\nlib\ntools' "$(ls "$prefix")"
 same "folders in include" "NyServer" "$(ls "$prefix/include")"
 
 # target_of FILE NAME: the header that FILE means by NAME; nothing when it is a header from outside.

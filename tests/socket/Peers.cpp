@@ -72,7 +72,7 @@ void Connection::send(std::string_view data) {
 
 std::string Connection::receive() {
     if (!waitForData()) return {};
-    char buffer[4096];
+    char buffer[65536];
     const int count = ::recv(m_socket.get(), buffer, sizeof buffer, 0);
     return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
 }

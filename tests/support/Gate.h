@@ -31,7 +31,7 @@ class Gate {
     }
 
   private:
-    static constexpr std::chrono::seconds kPatience{10};
+    static constexpr std::chrono::seconds kPatience{60};
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
@@ -41,11 +41,11 @@ class Gate {
 
 // Asks again and again, at most as long as said. Whether the answer was yes at last.
 template <class Question>
-bool eventually(Question question, std::chrono::seconds patience = std::chrono::seconds(10)) {
+bool eventually(Question question, std::chrono::seconds patience = std::chrono::seconds(60)) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     while (!question()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
-        ::Sleep(1);
+        ::Sleep(5);
     }
     return true;
 }
