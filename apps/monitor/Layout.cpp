@@ -96,6 +96,16 @@ Layout layOut(const LayoutInput& input) {
     return layout;
 }
 
+RECT within(RECT area, const RECT& room) {
+    ::OffsetRect(&area, static_cast<int>(std::min(0L, room.right - area.right)),
+                 static_cast<int>(std::min(0L, room.bottom - area.bottom)));
+    ::OffsetRect(&area, static_cast<int>(std::max(0L, room.left - area.left)),
+                 static_cast<int>(std::max(0L, room.top - area.top)));
+    area.right = std::min(area.right, room.right);
+    area.bottom = std::min(area.bottom, room.bottom);
+    return area;
+}
+
 void placeWindow(const CWnd& window, const RECT& area) {
     ::MoveWindow(window.GetSafeHwnd(), area.left, area.top, area.right - area.left,
                  area.bottom - area.top, TRUE);

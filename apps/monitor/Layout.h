@@ -34,6 +34,9 @@ struct Layout {
 // Nothing overlaps, and nothing lies outside, in a window of at least smallestClient.
 Layout layOut(const LayoutInput& input);
 
+// `area` shrunk and moved as far as needed to lie within `room`.
+RECT within(RECT area, const RECT& room);
+
 // Moves the window to `area` of its parent.
 void placeWindow(const CWnd& window, const RECT& area);
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr DWORD kViewStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
                              LVS_SINGLESEL | LVS_SHOWSELALWAYS;
-constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER;
+constexpr DWORD kListStyle = LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP;
 constexpr UINT kChosen = LVIS_FOCUSED | LVIS_SELECTED;
 
 }  // namespace
@@ -57,10 +57,14 @@ void ListControl::setTitle(const std::wstring& title) {
     ::SetWindowTextW(m_title.GetSafeHwnd(), title.c_str());
 }
 
-// The columns share the room in proportion to their widths, and take no less than these.
+// The columns share the room in proportion to their widths, and take no less than these. There is
+// always room for a scroll bar, so that they can stay as they are, or as the user has drawn them,
+// when the rows change.
 void ListControl::fitColumns() {
     RECT client{};
     ::GetClientRect(window(), &client);
+    if ((::GetWindowLongPtrW(window(), GWL_STYLE) & WS_VSCROLL) == 0)
+        client.right -= ::GetSystemMetricsForDpi(SM_CXVSCROLL, static_cast<UINT>(m_dpi));
     const int shares =
         std::accumulate(m_columns.begin(), m_columns.end(), 0,
                         [](int sum, const Column& column) { return sum + column.width; });
@@ -78,7 +82,11 @@ void ListControl::fitColumns() {
 void ListControl::setCount(int count) {
     ListView_SetItemCountEx(window(), count, LVSICF_NOSCROLL);
     ::InvalidateRect(window(), nullptr, FALSE);
-    fitColumns();
+}
+
+bool ListControl::isAtEnd() const {
+    return ListView_GetTopIndex(window()) + ListView_GetCountPerPage(window()) >=
+           ListView_GetItemCount(window());
 }
 
 void ListControl::scrollToEnd() {

@@ -31,6 +31,8 @@ class ListControl {
 
     // So many rows are shown, and none is as it was.
     void setCount(int count);
+    // The last row is in view, or there is none.
+    bool isAtEnd() const;
     void scrollToEnd();
     // The row that the keyboard is at; -1 when there is none.
     int focusedRow() const;

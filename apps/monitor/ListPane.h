@@ -27,17 +27,13 @@ class ListPane {
     const Row* chosen() const;
 
   private:
+    const std::wstring& textOf(int row, int column) const {
+        return m_table.at(row).cells[static_cast<size_t>(column)];
+    }
     template <class Change>
     void change(Change change);
 
     const std::wstring m_title;
     Table m_table;
-    ListControl m_list{
-        m_table.columns(),
-        [this](int row,
-               int column) -> auto& {return m_table.at(row).cells[static_cast<size_t>(column)];
-}
-}
-;
-}
-;
+    ListControl m_list{m_table.columns(), std::bind_front(&ListPane::textOf, this)};
+};

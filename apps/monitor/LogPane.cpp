@@ -19,6 +19,7 @@ void LogPane::add(LogLine line) {
 
 void LogPane::update() {
     if (!std::exchange(m_isBehind, false)) return;
+    const bool isFollowed = m_list.isAtEnd();  // else the user reads further up
     m_list.setCount(m_log.count());
-    m_list.scrollToEnd();
+    if (isFollowed) m_list.scrollToEnd();
 }

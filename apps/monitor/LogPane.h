@@ -21,9 +21,5 @@ class LogPane {
 
     Log m_log;
     bool m_isBehind = false;
-    ListControl m_list{columns(), [this](int row, int column) -> auto& {return textOf(row, column);
-}
-}
-;
-}
-;
+    ListControl m_list{columns(), std::bind_front(&LogPane::textOf, this)};
+};

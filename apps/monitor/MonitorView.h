@@ -11,6 +11,7 @@ class ListenerLink;
 struct ConnectionState {
     bool isConnected = false;
     std::wstring text;
+    LONG session = 0;  // this user's, when connected
 };
 
 // Every function is called by the window's thread.

@@ -3,6 +3,7 @@
 #include "apps/monitor/resource.h"
 #include "apps/monitor/Words.h"
 #include "NyServer/host/NyServerModule.h"
+#include "NyServer/listener/NyServerNotification.h"
 
 namespace {
 
@@ -65,18 +66,35 @@ bool MonitorWnd::onCreate() {
         if (!m_panes[i].create(*this, kPaneIds[i])) return false;
     if (!m_log.create(*this, IDC_LOG) || !m_status.create(*this, IDC_STATUS)) return false;
     useDpi(static_cast<int>(::GetDpiForWindow(m_hWnd)));
-    ::SetWindowPos(m_hWnd, nullptr, 0, 0, scaled(kFirstSize.cx, m_dpi),
-                   scaled(kFirstSize.cy, m_dpi), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    placeOnScreen();
     m_keyboard = users().control().window();
     m_status.show(Throttle());
     allowRequests(false);
     return true;
 }
 
+// At its first size, as far as the screen has room.
+void MonitorWnd::placeOnScreen() {
+    RECT area{};
+    ::GetWindowRect(m_hWnd, &area);
+    area.right = area.left + scaled(kFirstSize.cx, m_dpi);
+    area.bottom = area.top + scaled(kFirstSize.cy, m_dpi);
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    if (::GetMonitorInfoW(::MonitorFromWindow(m_hWnd, MONITOR_DEFAULTTONEAREST), &screen))
+        area = within(area, screen.rcWork);
+    moveTo(area);
+}
+
+void MonitorWnd::moveTo(const RECT& area) {
+    ::SetWindowPos(m_hWnd, nullptr, area.left, area.top, area.right - area.left,
+                   area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 bool MonitorWnd::createBar() {
     for (size_t i = 0; i < m_buttons.size(); ++i)
         if (!createButton(i)) return false;
-    return m_filterLabel.CreateEx(0, WC_STATICW, L"&Filter:", kChild, 0, 0, 0, 0, m_hWnd,
+    return m_filterLabel.CreateEx(0, WC_STATICW, L"Fi&lter:", kChild, 0, 0, 0, 0, m_hWnd,
                                   nullptr) &&
            m_filter.CreateEx(WS_EX_CLIENTEDGE, WC_EDITW, L"", kChild | WS_TABSTOP | ES_AUTOHSCROLL,
                              0, 0, 0, 0, m_hWnd, asMenu(IDC_FILTER));
@@ -121,8 +139,7 @@ void MonitorWnd::onSize() {
 
 void MonitorWnd::onDpiChanged(int dpi, const RECT& area) {
     useDpi(dpi);
-    ::SetWindowPos(m_hWnd, nullptr, area.left, area.top, area.right - area.left,
-                   area.bottom - area.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    moveTo(area);
     onSize();
 }
 
@@ -153,10 +170,13 @@ void MonitorWnd::takeKeyboard() {
     ::SetFocus(::IsWindowEnabled(m_keyboard) ? m_keyboard : users().control().window());
 }
 
-// From here on nothing more is posted.
+// Nothing more is posted once the worker is stopped; what was posted before is freed.
 void MonitorWnd::onDestroy() {
     m_worker.stop(std::chrono::milliseconds(0));
-    if (m_listener) m_listener->sever();
+    const UINT posted = NySe::_TM_NYSERVERMESSAGE;
+    MSG message;
+    while (::PeekMessageW(&message, m_hWnd, posted, posted, PM_REMOVE))
+        const NyServerNotification dropped(message.wParam, message.lParam, nullptr);
     ::PostQuitMessage(0);
 }
 

@@ -45,6 +45,8 @@ class MonitorWnd : public CWnd, private MonitorView {
     static constexpr size_t kPanes = 3;
 
     bool onCreate();
+    void placeOnScreen();
+    void moveTo(const RECT& area);
     bool createBar();
     bool createButton(size_t index);
     void onSize();
@@ -58,10 +60,13 @@ class MonitorWnd : public CWnd, private MonitorView {
     void takeKeyboard();
     void onDestroy();
     void useDpi(int dpi);
-    void watchThrottle(const Throttle& throttle);
+    // True when the listener has paused or flows again.
+    bool watchThrottle(const Throttle& throttle);
     // What was shown is brought up to date soon; many changes at once cost no more than one.
     void updateSoon();
     void update();
+    bool isUpdateLate() const;
+    void showAtOnce();
 
     void onCommand(int id, int event);
     void onFilterChanged();
@@ -104,9 +109,11 @@ class MonitorWnd : public CWnd, private MonitorView {
     HWND m_keyboard = nullptr;  // the control that had the keyboard when the window lost it
 
     std::wstring m_state;
+    LONG m_session = 0;  // this user's at the server
     bool m_isPaused = false;
     bool m_areTablesBehind = false;
     bool m_isUpdateDue = false;
+    ULONGLONG m_dueSince = 0;  // ms
     std::shared_ptr<ListenerLink> m_listener;
     WindowQueue m_queue;
     ServerWorker m_worker{m_account, *this, m_queue, *this};

@@ -99,20 +99,23 @@ void MonitorWnd::rename() {
         ask(renameRequest(*name));
 }
 
-// As far as the filter shows them.
+// Also those that the filter hides, but not this user.
 std::vector<Receiver> MonitorWnd::receivers() const {
     std::vector<Receiver> receivers{{L"everybody"}};
     const Table& users = m_panes[0].table();
-    for (int i = 0; i < users.count(); ++i) {
-        const Row& user = users.at(i);
-        receivers.push_back({user.cells[0], std::stol(user.key)});
+    for (int i = 0; i < users.total(); ++i) {
+        const Row& user = users.any(i);
+        const LONG session = std::stol(user.key);
+        if (session != m_session) receivers.push_back({user.cells[0], session});
     }
     return receivers;
 }
 
+// By its id, else by its string; also when the filter hides it.
 const Row* MonitorWnd::findConnection(const std::wstring& text) const {
     const Table& table = m_panes[1].table();
-    for (int i = 0; i < table.count(); ++i)
-        if (table.at(i).key == text || table.at(i).cells[1] == text) return &table.at(i);
+    for (const size_t cell : {0U, 1U})
+        for (int i = 0; i < table.total(); ++i)
+            if (table.any(i).cells[cell] == text) return &table.any(i);
     return nullptr;
 }

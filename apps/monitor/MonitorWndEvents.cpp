@@ -29,18 +29,20 @@ bool changesTables(NySe::ActionType action) {
 
 // The listener that posted it may have gone meanwhile; then nobody counts.
 LRESULT MonitorWnd::onNotification(WPARAM wParam, LPARAM lParam) {
+    bool hasTurned = false;
     const auto take = [&](ThrottledListener* listener) {
         {
             NyServerNotification notification(wParam, lParam, listener);
             showNotification(notification);
         }
-        if (listener != nullptr) watchThrottle(listener->throttle());
+        if (listener != nullptr) hasTurned = watchThrottle(listener->throttle());
     };
     if (m_listener) {
         m_listener->use(take);
     } else {
         take(nullptr);
     }
+    if (hasTurned || isUpdateLate()) showAtOnce();
     return 0;
 }
 
@@ -54,14 +56,27 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
     m_areTablesBehind = m_areTablesBehind || changesTables(action);
 }
 
-void MonitorWnd::watchThrottle(const Throttle& throttle) {
-    if (std::exchange(m_isPaused, throttle.isPaused) == throttle.isPaused) return;
+bool MonitorWnd::watchThrottle(const Throttle& throttle) {
+    if (std::exchange(m_isPaused, throttle.isPaused) == throttle.isPaused) return false;
     addLog(L"Listener", throttle.isPaused ? L"paused: " + words::posted(throttle) : L"flows again");
+    return true;
 }
 
 void MonitorWnd::updateSoon() {
-    if (!std::exchange(m_isUpdateDue, true))
-        ::SetTimer(m_hWnd, kUpdateTimer, kUpdateDelay, nullptr);
+    if (std::exchange(m_isUpdateDue, true)) return;
+    m_dueSince = ::GetTickCount64();
+    ::SetTimer(m_hWnd, kUpdateTimer, kUpdateDelay, nullptr);
+}
+
+// The timer's message comes only when no posted one waits.
+bool MonitorWnd::isUpdateLate() const {
+    return m_isUpdateDue && ::GetTickCount64() - m_dueSince >= kUpdateDelay;
+}
+
+// Nor is anything painted while posted messages wait.
+void MonitorWnd::showAtOnce() {
+    update();
+    ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
 void MonitorWnd::update() {
@@ -87,6 +102,7 @@ void MonitorWnd::setListener(const std::shared_ptr<ListenerLink>& listener) {
 }
 
 void MonitorWnd::showState(const ConnectionState& state) {
+    m_session = state.session;
     if (std::exchange(m_state, state.text) == state.text) return;
     m_status.show(StatusBar::connection, state.text);
     addLog(L"Connection", state.text);

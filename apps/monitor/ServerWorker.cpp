@@ -10,6 +10,10 @@ namespace {
 // How often the connection is looked at when there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
+// A failure does not say whether the server refused or was silent; the time does: the client waits
+// for 15 s, which may end a little early by another clock.
+constexpr std::chrono::seconds kAnswerTime{14};
+
 }  // namespace
 
 ServerWorker::~ServerWorker() {
@@ -25,6 +29,7 @@ void ServerWorker::start() {
 bool ServerWorker::stop(std::chrono::milliseconds patience) {
     Lock lock(m_mutex);
     m_isStopping = true;
+    if (m_link) m_link->sever();
     m_changed.notify_all();
     return m_changed.wait_for(lock, patience, [this] { return m_hasEnded; });
 }
@@ -55,12 +60,14 @@ bool ServerWorker::isStopping() {
 
 void ServerWorker::run() {
     while (!isStopping()) {
-        std::wstring reason = words::noMemory();  // what else throws ends in the library
-        NySe::succeeds([&] { reason = runConnection(); });
-        NySe::succeeds([&] {
+        std::wstring reason;
+        const bool isOver = NySe::succeeds([&] { reason = runConnection(); });
+        const bool isLeft = NySe::succeeds([&] {
             leave();
+            if (!isOver) reason = words::noMemory();  // what else throws ends in the library
             if (!reason.empty()) awaitNextAttempt(reason);
         });
+        if (!isLeft) std::this_thread::sleep_for(kRound);
     }
     const Lock lock(m_mutex);
     m_hasEnded = true;
@@ -68,7 +75,7 @@ void ServerWorker::run() {
 }
 
 std::wstring ServerWorker::runConnection() {
-    tellState(false, words::connecting(m_account));
+    tellState({false, words::connecting(m_account)});
     if (!m_session.open()) return words::noConnection(m_account);
     enter();
     if (!m_session.listen())
@@ -79,14 +86,19 @@ std::wstring ServerWorker::runConnection() {
 // The window is the listener's before it listens, so that nothing is missed from then on.
 void ServerWorker::enter() {
     ThrottledListener& listener = m_session.throttledListener();
-    m_link = std::make_shared<ListenerLink>(listener);
-    m_queue.post([this, link = m_link] { m_view.setListener(link); });
-    listener.setAppWnd(&m_window);
+    const auto link = std::make_shared<ListenerLink>(listener);
+    m_queue.post([this, link] { m_view.setListener(link); });
+    const Lock lock(m_mutex);
+    m_link = link;
+    if (!m_isStopping) listener.setAppWnd(&m_window);
 }
 
 void ServerWorker::leave() {
-    if (m_link) m_link->sever();
-    m_link.reset();
+    {
+        const Lock lock(m_mutex);
+        if (m_link) m_link->sever();
+        m_link.reset();
+    }
     m_session.close();
     setServing(false);
     dropRequests();
@@ -132,11 +144,13 @@ bool ServerWorker::takeRefresh() {
 }
 
 // What the request has changed is seen in the tables, and reading them tells whether the server
-// still answers.
+// still answers. Not so after an answer that has not come: it may yet come, in place of the tables.
 bool ServerWorker::perform(const Request& request) {
     tellActivity(request.event + L' ' + request.what);
+    const auto start = std::chrono::steady_clock::now();
     const std::wstring outcome = request.run(m_session.client(), m_account);
-    const bool isAnswered = readTables();
+    const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
+    const bool isAnswered = isInTime && readTables();
     tellOutcome(request, isAnswered ? outcome : L"no answer");
     if (isAnswered) tellConnected();
     return isAnswered;
@@ -164,8 +178,8 @@ bool ServerWorker::readTables() {
 
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
-    tellState(false, words::waiting(reason, delay));
-    takeRefresh();
+    takeRefresh();  // earlier ones; one that comes once the wait is told ends it
+    tellState({false, words::waiting(reason, delay)});
     Lock lock(m_mutex);
     m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
 }
@@ -184,11 +198,12 @@ void ServerWorker::dropRequests() {
 }
 
 void ServerWorker::tellConnected() {
-    tellState(true, words::connected(m_account, m_session.user()));
+    const NySeUser& user = m_session.user();
+    tellState({true, words::connected(m_account, user), user.getSessionNumber()});
 }
 
-void ServerWorker::tellState(bool isConnected, const std::wstring& text) {
-    m_queue.post([this, state = ConnectionState{isConnected, text}] { m_view.showState(state); });
+void ServerWorker::tellState(const ConnectionState& state) {
+    m_queue.post([this, state] { m_view.showState(state); });
 }
 
 void ServerWorker::tellActivity(const std::wstring& what) {

@@ -32,7 +32,8 @@ class ServerWorker {
     ServerWorker& operator=(const ServerWorker&) = delete;
 
     void start();
-    // Asks it to end and waits so long for that. False when it still waits for the server.
+    // Asks it to end and waits so long for that. False when it still waits for the server. From the
+    // return on nothing more is posted by a listener.
     bool stop(std::chrono::milliseconds patience);
 
     // The request is made after those asked for earlier, and not when the connection ends before.
@@ -64,7 +65,7 @@ class ServerWorker {
     std::wstring whyUnanswered();
     void dropRequests();
     void tellConnected();
-    void tellState(bool isConnected, const std::wstring& text);
+    void tellState(const ConnectionState& state);
     void tellActivity(const std::wstring& what);
     void tellOutcome(const Request& request, const std::wstring& outcome);
 
@@ -73,10 +74,10 @@ class ServerWorker {
     WindowQueue& m_queue;
     MonitorView& m_view;
     MonitorSession m_session{m_account};
-    std::shared_ptr<ListenerLink> m_link;
     ReconnectDelay m_delay;
 
     std::mutex m_mutex;
+    std::shared_ptr<ListenerLink> m_link;
     std::condition_variable m_changed;
     std::deque<Request> m_requests;
     bool m_isServing = false;  // requests are made

@@ -8,9 +8,9 @@
 #include "apps/monitor/Words.h"
 
 bool StatusBar::create(CWnd& parent, int id) {
-    return m_bar.CreateEx(0, STATUSCLASSNAMEW, L"", WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0,
-                          0, parent.GetSafeHwnd(),
-                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)));
+    return m_bar.CreateEx(0, STATUSCLASSNAMEW, L"",
+                          WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, 0, 0, 0,
+                          parent.GetSafeHwnd(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)));
 }
 
 void StatusBar::setFont(HFONT font, int dpi) {
@@ -18,15 +18,14 @@ void StatusBar::setFont(HFONT font, int dpi) {
     ::SendMessageW(m_bar.GetSafeHwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
-// The connection's part takes what the others leave.
+// The connection and the activity, which have most to say, share what the others leave.
 void StatusBar::fit() {
     ::SendMessageW(m_bar.GetSafeHwnd(), WM_SIZE, 0, 0);
     RECT client{};
     ::GetClientRect(m_bar.GetSafeHwnd(), &client);
     const int flowLeft = static_cast<int>(client.right) - scaled(90, m_dpi);
     const int postedLeft = flowLeft - scaled(130, m_dpi);
-    const int activityLeft = postedLeft - scaled(240, m_dpi);
-    const int ends[] = {activityLeft, postedLeft, flowLeft, -1};
+    const int ends[] = {postedLeft / 2, postedLeft, flowLeft, -1};
     ::SendMessageW(m_bar.GetSafeHwnd(), SB_SETPARTS, std::size(ends),
                    reinterpret_cast<LPARAM>(ends));
 }
@@ -40,7 +39,8 @@ int StatusBar::height() const {
 void StatusBar::show(Part part, const std::wstring& text) {
     if (m_texts[part] == text) return;
     m_texts[part] = text;
-    ::SendMessageW(m_bar.GetSafeHwnd(), SB_SETTEXTW, part, reinterpret_cast<LPARAM>(text.c_str()));
+    for (const UINT message : {SB_SETTEXTW, SB_SETTIPTEXTW})
+        ::SendMessageW(m_bar.GetSafeHwnd(), message, part, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
 void StatusBar::show(const Throttle& throttle) {

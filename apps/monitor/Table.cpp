@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <cwctype>
+
+#include "NyServer/base/WindowsPrelude.h"
 
 namespace {
 
 std::wstring lowered(std::wstring text) {
-    for (wchar_t& character : text) character = static_cast<wchar_t>(std::towlower(character));
+    ::CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
     return text;
 }
 

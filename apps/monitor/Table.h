@@ -39,6 +39,8 @@ class Table {
     int count() const { return static_cast<int>(m_shown.size()); }
     // A shown row. REQUIRES: 0 <= index < count().
     const Row& at(int index) const { return m_rows[m_shown[static_cast<size_t>(index)]].row; }
+    // A row, shown or not, as they were given. REQUIRES: 0 <= index < total().
+    const Row& any(int index) const { return m_rows[static_cast<size_t>(index)].row; }
     // Where the row with this key is shown; -1 when it is not.
     int find(const std::wstring& key) const;
 

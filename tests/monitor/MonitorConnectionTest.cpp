@@ -6,6 +6,7 @@
 
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::Contains;
 
 // Calls `action` with a handle of each thread of the process.
@@ -42,27 +43,85 @@ class Standstill {
 // The window's thread gets no message while one lives.
 class HeldWindow {
   public:
-    explicit HeldWindow(HWND window)
-        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
-                                     ::GetWindowThreadProcessId(window, nullptr))) {
-        gate = std::make_unique<Gate>();
+    explicit HeldWindow(HWND window) {
+        gate = m_gate;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(window, nullptr));
         ::PostMessageW(window, WM_NULL, 0, 0);
-        EXPECT_TRUE(gate->awaitArrivals());
+        EXPECT_TRUE(m_gate->awaitArrivals());
     }
     ~HeldWindow() {
         ::UnhookWindowsHookEx(m_hook);
-        gate->open();
+        m_gate->open();
     }
     HeldWindow(const HeldWindow&) = delete;
     HeldWindow& operator=(const HeldWindow&) = delete;
 
   private:
     static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        gate->pass();
+        gate.load()->pass();
         return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    static inline std::unique_ptr<Gate> gate;
+    // The window's thread may still be leaving a gate when the next one is made.
+    static inline std::atomic<std::shared_ptr<Gate>> gate;
+    const std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
+    HHOOK m_hook = nullptr;
+};
+
+// What the status bar says each time that the window's thread takes a message, while one lives.
+class BarWatch {
+  public:
+    explicit BarWatch(HWND bar) {
+        s_bar = bar;
+        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(bar, nullptr));
+    }
+    ~BarWatch() { ::UnhookWindowsHookEx(m_hook); }
+    BarWatch(const BarWatch&) = delete;
+    BarWatch& operator=(const BarWatch&) = delete;
+
+    // A pause was shown while notifications were waiting.
+    bool hasSeenPause() const { return s_hasSeenPause; }
+
+  private:
+    static std::wstring text(StatusBar::Part part) {
+        wchar_t text[512] = L"";
+        ::SendMessageW(s_bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
+        return text;
+    }
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        if (text(StatusBar::flow) == L"Paused" &&
+            text(StatusBar::posted).rfind(L"Posted 0 ", 0) != 0)
+            s_hasSeenPause = true;
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline HWND s_bar = nullptr;
+    static inline std::atomic<bool> s_hasSeenPause = false;
+    HHOOK m_hook = nullptr;
+};
+
+// There is always another message for the window while one lives.
+class Flood {
+  public:
+    explicit Flood(HWND window)
+        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
+                                     ::GetWindowThreadProcessId(window, nullptr))) {
+        ::PostMessageW(window, NySe::_TM_NYSERVERMESSAGE, 0, 0);
+    }
+    ~Flood() { ::UnhookWindowsHookEx(m_hook); }
+    Flood(const Flood&) = delete;
+    Flood& operator=(const Flood&) = delete;
+
+  private:
+    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
+        const MSG& message = *reinterpret_cast<const MSG*>(lParam);
+        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE)
+            ::PostMessageW(message.hwnd, message.message, 0, 0);
+        return ::CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
     const HHOOK m_hook;
 };
 
@@ -77,6 +136,10 @@ class MonitorConnection : public MonitorTest {
         }
         client.isAlive();
         ::Sleep(500);
+    }
+    // The worker gives up after 15 s, which a busy machine may need for what a test types.
+    bool isWaitingOrGaveUp(const std::string& waiting) const {
+        return status(StatusBar::activity) == waiting || !logged("Lock").empty();
     }
 };
 
@@ -112,10 +175,13 @@ TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
     const std::string wait =
         "No connection to 127.0.0.1:" + std::to_string(port) + ". Trying again in ";
     EXPECT_TRUE(hasLogged("Connection", wait + "1 s"));
+    const auto start = std::chrono::steady_clock::now();
     for (const char* delay : {"2 s", "4 s", "8 s", "16 s", "30 s"}) {
         keys::press(VK_F5);
         EXPECT_TRUE(hasLogged("Connection", wait + delay));
     }
+    // All the waits together take 31 s.
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(25));
 }
 
 TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
@@ -128,12 +194,15 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
         keys::pressWithControl('L');
         answer(L"Lock", "deck");
         const std::string waiting = "Waiting: Lock deck (access1+access2+exclude1+exclude2)";
-        EXPECT_TRUE(soon([&] { return status(StatusBar::activity) == waiting; }));
+        EXPECT_TRUE(soon([&] { return isWaitingOrGaveUp(waiting); }));
         typeFilter("anna");
         EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna"}));
-        EXPECT_EQ(waiting, status(StatusBar::activity));
+        EXPECT_TRUE(soon([&] { return isWaitingOrGaveUp(waiting); }));
     }
-    EXPECT_TRUE(hasLogged("Lock", "deck (access1+access2+exclude1+exclude2): granted"));
+    EXPECT_TRUE(soon([this] { return logged("Lock").size() == 1; }));
+    EXPECT_THAT(logged("Lock").front(),
+                AnyOf("deck (access1+access2+exclude1+exclude2): granted",
+                      "deck (access1+access2+exclude1+exclude2): no answer"));
     EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
 }
 
@@ -149,12 +218,26 @@ TEST_F(MonitorConnection, AServerThatNeverAnswersDoesNotKeepTheProgram) {
     silent.reset();
 }
 
+TEST_F(MonitorConnection, WhatWasPostedIsFreedWithTheWindow) {
+    openConnected();
+    const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, 16);
+    const auto address = reinterpret_cast<LPARAM>(::GlobalLock(block));
+    {
+        const HeldWindow held(window);
+        ::PostMessageW(window, WM_CLOSE, 0, 0);
+        ::PostMessageW(window, NySe::_TM_NYSERVERMESSAGE, 16, address);
+    }
+    EXPECT_TRUE(soon([this] { return !::IsWindow(window); }));
+    EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), ::GlobalFlags(block));
+}
+
 TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
     openConnected();
     {
         const Standstill standstill(server->process().id());
         for (const char* name : {"a", "b"}) {
-            keys::pressWithControl('O');
+            // Not the shortcut: that is off once the first one was given up.
+            ::PostMessageW(window, WM_COMMAND, ID_OPEN, 0);
             answer(L"Open connection", name);
         }
         server->process().kill();
@@ -178,15 +261,26 @@ TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     openConnected();
     EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 9"; }));
     OtherUser anna(server->port(), "anna");
+    const BarWatch bar(control(IDC_STATUS));
     EXPECT_TRUE(soon([&] {
         fallBehind(anna.client);
         return logged("Listener").size() >= 2;
     }));
+    EXPECT_TRUE(bar.hasSeenPause());
     EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
     EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
     EXPECT_TRUE(soon([this] { return status(StatusBar::flow) == "Flowing"; }));
     anna.client.lock("last", 0x01);
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
+}
+
+TEST_F(MonitorConnection, AFloodDoesNotKeepTheLogFromBeingShown) {
+    openConnected();
+    OtherUser anna(server->port(), "anna");
+    const Flood flood(window);
+    anna.client.lock("deck", 0x18);
+    EXPECT_TRUE(hasLogged("50 a lock was granted",
+                          "NySeLock: deck, held by session 2 (exclude1+exclude2)"));
 }
 
 }  // namespace

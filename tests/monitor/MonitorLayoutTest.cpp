@@ -75,6 +75,23 @@ TEST_F(MonitorLayout, ItGrowsWithTheDensityOfTheScreen) {
     expectTidy();
 }
 
+TEST_F(MonitorLayout, TheStatusBarHasRoomForItsTexts) {
+    const HWND bar = control(IDC_STATUS);
+    const HDC dc = ::GetDC(bar);
+    ::SelectObject(dc, reinterpret_cast<HFONT>(::SendMessageW(bar, WM_GETFONT, 0, 0)));
+    const auto expectRoom = [&](StatusBar::Part part, const std::wstring& text) {
+        RECT room{};
+        ::SendMessageW(bar, SB_GETRECT, part, reinterpret_cast<LPARAM>(&room));
+        SIZE needed{};
+        ::GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &needed);
+        EXPECT_LT(needed.cx, room.right - room.left);
+    };
+    expectRoom(StatusBar::connection, L"No connection to 127.0.0.1:42015. Trying again in 16 s");
+    expectRoom(StatusBar::activity, L"Waiting: Lock deck (access1+access2+exclude1+exclude2)");
+    expectRoom(StatusBar::posted, L"Posted 3240 of 3240");
+    ::ReleaseDC(bar, dc);
+}
+
 TEST_F(MonitorLayout, TheTabKeyGoesRoundAllControls) {
     std::vector<int> seen;
     for (int i = 0; i < 6; ++i) {

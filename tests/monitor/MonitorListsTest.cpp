@@ -117,6 +117,26 @@ TEST_F(MonitorLists, KeepTheChosenRow) {
     EXPECT_EQ("", chosen());
 }
 
+TEST_F(MonitorLists, KeepTheColumnsThatTheUserHasWidened) {
+    openConnected();
+    ::SendMessageW(control(IDC_LOCKS), LVM_SETCOLUMNWIDTH, 0, 222);
+    anna->client.lock("part/3", 0x01);
+    EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"part/3"}));
+    EXPECT_EQ(222, ::SendMessageW(control(IDC_LOCKS), LVM_GETCOLUMNWIDTH, 0, 0));
+}
+
+TEST_F(MonitorLists, TheLogStaysWhereTheUserReads) {
+    openConnected();
+    const auto top = [this] { return ::SendMessageW(control(IDC_LOG), LVM_GETTOPINDEX, 0, 0); };
+    for (int i = 0; i < 30; ++i) anna->client.lock(CString(static_cast<WCHAR>(L'a' + i)), 0x01);
+    EXPECT_TRUE(soon([&] { return rows(IDC_LOG) > 30 && top() > 0; }));
+    ::SendMessageW(control(IDC_LOG), LVM_ENSUREVISIBLE, 0, FALSE);
+    anna->client.lock("part/5", 0x01);
+    EXPECT_TRUE(
+        hasLogged("50 a lock was granted", "NySeLock: part/5, held by session 1 (access1)"));
+    EXPECT_EQ(0, top());
+}
+
 // Nobody is told of another name.
 TEST_F(MonitorLists, AreReadAgainByF5) {
     openConnected();

@@ -58,6 +58,18 @@ TEST_F(MonitorTable, ShowsTheRowsThatHaveTheTextInAnyCell) {
     EXPECT_EQ(3, table.count());
 }
 
+TEST_F(MonitorTable, LetterCaseIsThatOfAllAlphabets) {
+    table.setRows({{L"k1", {L"zo\u00CB", L"1"}}, {L"k2", {L"Zo\u00EB", L"2"}}});
+    table.setFilter(L"ZO\u00EB");
+    EXPECT_EQ(2, table.count());
+}
+
+TEST_F(MonitorTable, KnowsAlsoTheRowsThatAreNotShown) {
+    table.setFilter(L"anna");
+    EXPECT_EQ(1, table.count());
+    EXPECT_EQ(L"k3", table.any(2).key);
+}
+
 TEST_F(MonitorTable, KeepsOrderAndFilterForNewRows) {
     table.sortBy(0);
     table.setFilter(L"a");
@@ -156,6 +168,19 @@ TEST(MonitorLayoutRules, NothingOverlapsInTheSmallestWindow) {
         expectTidy({smallest.cx, smallest.cy, dpi, textHeight});
         expectTidy({2 * smallest.cx, 3 * smallest.cy, dpi, textHeight});
     }
+}
+
+TEST(MonitorLayoutRules, AWindowIsHeldWithinTheScreen) {
+    const RECT screen{0, 40, 1400, 1000};
+    const auto expect = [&](const RECT& held, const RECT& area) {
+        const RECT found = within(area, screen);
+        EXPECT_TRUE(::EqualRect(&held, &found))
+            << found.left << ' ' << found.top << ' ' << found.right << ' ' << found.bottom;
+    };
+    expect({100, 100, 1120, 740}, {100, 100, 1120, 740});
+    expect({380, 360, 1400, 1000}, {700, 900, 1720, 1540});
+    expect({0, 40, 1020, 680}, {-9, -9, 1011, 631});
+    expect(screen, {100, 100, 2140, 1380});
 }
 
 TEST(MonitorLayoutRules, LengthsFollowTheDensity) {

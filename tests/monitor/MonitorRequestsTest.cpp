@@ -82,6 +82,16 @@ TEST_F(MonitorRequests, ControlOOpensAndControlWCloses) {
     EXPECT_TRUE(hasLogged("Close", "0: there is no such connection"));
 }
 
+TEST_F(MonitorRequests, ClosingTakesAnIdBeforeAStringAndAlsoWhatTheFilterHides) {
+    for (const char* name : {"1", "bridge"}) anna->client.openConnection(name);
+    EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {"1", "bridge"}));
+    typeFilter("anna");
+    EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {}));
+    keys::pressWithControl('W');
+    answer(L"Close connection", "1");
+    EXPECT_TRUE(hasLogged("Close", "bridge: sent"));
+}
+
 TEST_F(MonitorRequests, F2Renames) {
     keys::press(VK_F2);
     answer(L"Rename", "doris");
@@ -153,6 +163,23 @@ TEST_F(MonitorSending, ControlMSendsToOneUser) {
     keys::press(VK_RETURN);
     EXPECT_TRUE(hasLogged("Send", "to carl: sent"));
     EXPECT_TRUE(receives("57 hello"));
+}
+
+TEST_F(MonitorSending, TheReceiversAreAllOthersAlsoThoseWhomTheFilterHides) {
+    typeFilter("anna");
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna"}));
+    keys::pressWithControl('M');
+    const HWND asked = dialog(L"Send message");
+    ASSERT_NE(nullptr, asked);
+    const HWND box = ::GetDlgItem(asked, IDC_RECEIVER);
+    Texts names;
+    for (WPARAM i = 0; i < static_cast<WPARAM>(::SendMessageW(box, CB_GETCOUNT, 0, 0)); ++i) {
+        wchar_t name[64] = L"";
+        ::SendMessageW(box, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(name));
+        names.push_back(utf8(name));
+    }
+    EXPECT_EQ((Texts{"everybody", "anna", "carl"}), names);
+    keys::press(VK_ESCAPE);
 }
 
 }  // namespace

@@ -86,7 +86,10 @@ class MonitorTest : public ::testing::Test {
     // Opens the window, and waits until it is in front.
     void openWindow(int port) {
         m_account = {"127.0.0.1:" + std::to_string(port), "dora"};
-        m_thread = std::thread([this] { hasRun = runMonitor(m_account, &onAbandon); });
+        m_thread = std::thread([this] {
+            m_threadId = ::GetCurrentThreadId();
+            hasRun = runMonitor(m_account, &onAbandon);
+        });
         ASSERT_TRUE(soon([this] {
             window = ::FindWindowW(MonitorWnd::kClassName, nullptr);
             return window != nullptr && ::GetForegroundWindow() == window;
@@ -97,13 +100,16 @@ class MonitorTest : public ::testing::Test {
     // The same, connected to a server of its own.
     void openConnected() {
         if (!server) startServer();
-        openWindow(server->port());
+        ASSERT_NO_FATAL_FAILURE(openWindow(server->port()));
         ASSERT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
         ASSERT_TRUE(hasLogged("Connection", status(StatusBar::connection)));
     }
     void closeWindow() {
         if (!m_thread.joinable()) return;
-        ::PostMessageW(window, WM_CLOSE, 0, 0);
+        if (window != nullptr)
+            ::PostMessageW(window, WM_CLOSE, 0, 0);
+        else
+            ::PostThreadMessageW(m_threadId, WM_QUIT, 0, 0);
         m_thread.join();
     }
     static void onAbandon() { ++abandoned; }
@@ -219,4 +225,5 @@ class MonitorTest : public ::testing::Test {
     std::wstring m_ports;
     Account m_account;
     std::thread m_thread;
+    std::atomic<DWORD> m_threadId = 0;
 };
