@@ -31,7 +31,7 @@ std::vector<Column> userColumns() {
 }
 
 std::vector<Column> connectionColumns() {
-    return {{L"Id", 40, true}, {L"Connection", 150}, {L"Opens", 52, true}};
+    return {{L"Id", 52, true}, {L"Connection", 138}, {L"Opens", 52, true}};
 }
 
 std::vector<Column> lockColumns() {
