@@ -113,7 +113,8 @@ TEST(ReplyObject, MayBeAnyRecordOrTable) {
 TEST(ReplyObject, MayBeOfAHostsOwnClass) {
     EXPECT_EQ("Fixed", anyRecordIn("FFFF 0700 0500 'Fixed' 3412"));
     EXPECT_EQ("OwningArray", anyRecordIn("FFFF 0000 0B00 'OwningArray' 0000"));
-    EXPECT_EQ("CStringArray", anyRecordIn("FFFF 0000 0C00 'CStringArray' 0000"));
+    EXPECT_EQ(RUNTIME_CLASS(CStringArray)->m_lpszClassName,
+              anyRecordIn("FFFF 0000 0C00 'CStringArray' 0000"));
 }
 
 // It would hold objects that nobody owns: memory that any peer could have lost.
