@@ -18,7 +18,7 @@ namespace {
 
 using bench::ProcessUsage;
 
-constexpr std::chrono::seconds kPatience{60};  // less than as a test it may take
+constexpr std::chrono::seconds kLongestWait{60};  // less than as a test it may take
 
 void printRow(const char* name, const ProcessUsage& before, const ProcessUsage& after, int count) {
     const auto each = [count](SIZE_T more, SIZE_T less) {
@@ -33,7 +33,7 @@ class CountingListener : public NyServerApp {
   public:
     ~CountingListener() override { endConnections(); }
     bool holds(int count) {
-        return eventually([&] { return GetNumConnections() == count; }, kPatience);
+        return eventually([&] { return GetNumConnections() == count; }, kLongestWait);
     }
 };
 
@@ -50,24 +50,24 @@ class Holder {
 };
 
 // A thread for each connection, which waits for data as the listener's do.
-class RawListener {
+class ThreadPerSocket {
   public:
-    RawListener() { ::listen(m_socket.get(), SOMAXCONN); }
-    ~RawListener() {
+    ThreadPerSocket() { ::listen(m_socket.get(), SOMAXCONN); }
+    ~ThreadPerSocket() {
         m_isStopping = true;
         for (std::thread& thread : m_threads) thread.join();
     }
-    RawListener(const RawListener&) = delete;
-    RawListener& operator=(const RawListener&) = delete;
+    ThreadPerSocket(const ThreadPerSocket&) = delete;
+    ThreadPerSocket& operator=(const ThreadPerSocket&) = delete;
 
     unsigned int port() const { return static_cast<unsigned int>(peers::portOf(m_socket)); }
     void accept(int count) {
         for (int i = 0; i < count; ++i) {
-            bench::require(bench::awaitReadable(m_socket.get(), kPatience.count()), "none came");
+            bench::require(bench::awaitReadable(m_socket.get(), kLongestWait.count()), "none came");
             m_threads.emplace_back(
                 [this, socket = ::accept(m_socket.get(), nullptr, nullptr)] { wait(socket); });
         }
-        bench::require(eventually([&] { return m_waiting == count; }, kPatience), "no threads");
+        bench::require(eventually([&] { return m_waiting == count; }, kLongestWait), "no threads");
     }
 
   private:
@@ -84,7 +84,7 @@ class RawListener {
 };
 
 void holdInThreads(int count) {
-    RawListener listener;
+    ThreadPerSocket listener;
     const ProcessUsage before = ProcessUsage::of(::GetCurrentProcess());
     const Holder holder(listener.port(), count);
     listener.accept(count);
