@@ -91,8 +91,6 @@ void CArchive::MapObject(const CObject* object) {
         addRead(const_cast<CObject*>(object));
         return;
     }
-    // Asking also notes the object as written.
-    if (object != nullptr) static_cast<void>(written().numberOfObject(object));
     if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
 }
 

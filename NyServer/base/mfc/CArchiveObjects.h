@@ -4,12 +4,12 @@
 
 #include "CArchive.h"
 
-#include <algorithm>
+#include <array>
+#include <cstdint>
 #include <typeinfo>
-#include <unordered_map>
 #include <vector>
 
-#include "AfxAddressSet.h"
+#include "AfxObjectNumbers.h"
 
 // Classes and objects share one sequence of numbers from 1; 0 stands for null. These limits are
 // part of the encoding: do not change them.
@@ -24,20 +24,27 @@ inline constexpr WORD kLongestClassName = 63;
 // Nested deeper than any honest archive; keeps a hostile one from using up the stack.
 inline constexpr int kDeepestNesting = 100;
 
-// The numbers of what a storing archive has written. Nearly every object is written once, so that
-// the usual question is answered by a set of addresses; what was written is only listed, and
-// indexed when something is met again.
+// The numbers of what a storing archive has written.
+//
+// An object bears the number itself: its mark is the number added to a base that is above every
+// mark given before, so that a mark from another archive is never taken for one of this. This goes
+// well while nobody else marks: one archive in the process does at a time, the first that has
+// written something, until it is closed. Any other that writes meanwhile, in the midst of the first
+// one's objects or on another thread, leaves marks alone and keeps a table, at several times the
+// cost. Marks are read and changed by that one archive only; copies of an object get none.
 class CArchive::WrittenNumbers {
   public:
-    // Numbers an object that is new, of a remembered type and near to those written lately: nearly
-    // every object. Returns the tag of its class; 0, with nothing changed, for any other.
+    WrittenNumbers();
+    ~WrittenNumbers();
+    WrittenNumbers(const WrittenNumbers&) = delete;
+    WrittenNumbers& operator=(const WrittenNumbers&) = delete;
+
+    // Numbers an object that is new and of a remembered type: nearly every object, where this
+    // archive marks. Returns the tag of its class; 0, with nothing changed, for any other.
     WORD addUsual(const CObject* object) {
-        AfxAddressSet::Place place;
-        if (m_next == m_end || !m_seen.findRecent(object, place) || place.isSet()) return 0;
+        if (m_last >= m_usualEnd || object->m_archiveMark > m_base) return 0;
         const WORD tag = tagOf(typeid(*object));
-        if (tag == 0) return 0;
-        place.set();
-        *m_next++ = object;
+        if (tag != 0) object->m_archiveMark = ++m_last;
         return tag;
     }
 
@@ -48,19 +55,6 @@ class CArchive::WrittenNumbers {
         return known.type == &type ? known.tag : 0;
     }
 
-    // The number of an object written earlier; 0 for a new one, which counts as written from here
-    // on.
-    DWORD numberOfObject(const CObject* object) {
-        if (isAligned(object)) {
-            const AfxAddressSet::Place place = m_seen.find(object);
-            if (!place.isSet()) {
-                place.set();
-                return 0;
-            }
-        }
-        return numberInIndex(object);
-    }
-
     // Remembers the tag of that type's class, which was written earlier.
     void rememberTag(const std::type_info& type, const CRuntimeClass* pClass) {
         const DWORD number = numberOfClass(pClass);
@@ -68,13 +62,17 @@ class CArchive::WrittenNumbers {
             m_types[slotOf(type)] = {&type, static_cast<WORD>(kClassFlag | number)};
     }
 
-    // The number of a class written earlier; 0 for a new one.
-    DWORD numberOfClass(const CRuntimeClass* pClass) { return numberInIndex(pClass); }
+    // The number of an object or a class written earlier; 0 for a new one.
+    DWORD numberOfObject(const CObject* object) const {
+        if (!m_isMarking) return m_numbers.find(object);
+        const uint64_t mark = object->m_archiveMark;
+        return mark > m_base ? static_cast<DWORD>(mark - m_base) : 0;
+    }
+    DWORD numberOfClass(const CRuntimeClass* pClass) const;
 
-    // Gives the next number to an object; false when all are used up.
-    bool addObject(const CObject* object) { return object != nullptr ? add(object) : skipNumber(); }
-
-    bool addClass(const CRuntimeClass* pClass) { return add(pClass); }
+    // Give the next number to an object or a class; false when all are used up.
+    bool addObject(const CObject* object);
+    bool addClass(const CRuntimeClass* pClass);
 
   private:
     static constexpr size_t kTypes = 16;
@@ -83,39 +81,27 @@ class CArchive::WrittenNumbers {
         const std::type_info* type = nullptr;
         WORD tag = 0;
     };
-    // What has consecutive numbers.
-    struct Run {
-        DWORD firstNumber;
-        std::unique_ptr<const void*[]> written;
-        const void** end;  // kept up to date by closeRun
+    struct Class {
+        const CRuntimeClass* pClass;
+        DWORD number;
     };
 
-    static bool isAligned(const void* pointer) {
-        return reinterpret_cast<uintptr_t>(pointer) % AfxAddressSet::kAlignment == 0;
-    }
     static size_t slotOf(const std::type_info& type) {
         return reinterpret_cast<uintptr_t>(&type) / sizeof(std::type_info) % kTypes;
     }
-    bool add(const void* written) {
-        if (m_next == m_end && !addRun()) return false;
-        *m_next++ = written;
-        return true;
+    // 0 when all are used up.
+    DWORD takeNumber() {
+        return m_last - m_base < kLastNumber ? static_cast<DWORD>(++m_last - m_base) : 0;
     }
-    DWORD nextNumber() const;
-    bool skipNumber();
-    bool addRun();
-    void closeRun();
-    DWORD numberInIndex(const void* written);
 
-    AfxAddressSet m_seen;
+    const bool m_isMarking;
+    // Marks: the base, the last one given, and the last one that may be.
+    uint64_t m_base = 0;
+    uint64_t m_last = 0;
+    uint64_t m_usualEnd = 0;  // 0: this archive does not mark
     std::array<Type, kTypes> m_types;
-    std::vector<Run> m_runs;
-    const void** m_next = nullptr;  // in the last run
-    const void** m_end = nullptr;
-    DWORD m_skipped = 0;  // numbers behind the last run that stand for null
-    std::unordered_map<const void*, DWORD> m_index;
-    size_t m_indexedRuns = 0;       // the runs that are in the index
-    ptrdiff_t m_indexedOfNext = 0;  // how much of the run behind them is
+    std::vector<Class> m_classes;
+    AfxObjectNumbers m_numbers;
 };
 
 // The classes and objects that a loading archive has read.
