@@ -84,6 +84,23 @@ class PlainWriter {
     DWORD m_last = 0;
 };
 
+// Offers of an archive what every class library's does.
+class SimpleArchive {
+  public:
+    explicit SimpleArchive(CArchive& ar) : m_archive(ar) {}
+
+    void WriteCount(size_t count) { m_archive.WriteCount(count); }
+    void WriteObject(const CObject* object) { m_archive.WriteObject(object); }
+    template <class T>
+    SimpleArchive& operator<<(const T& value) {
+        m_archive << value;
+        return *this;
+    }
+
+  private:
+    CArchive& m_archive;
+};
+
 class DerivedHolder : public NySeSessionLock {
   public:
     void Serialize(CArchive& ar) override { ar << BYTE{0x77}; }
@@ -228,6 +245,57 @@ TEST_F(SharedRecords, MappedLockIsNotWritten) {
               })),
               hex("03 00  FF FF DF 07 08 00 'NySeLock' FF FE FF 01 61 00 00 00"
                   "01 00  03 00"));
+}
+
+// The second archive finds that the first one numbers the records.
+TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
+    makeLocks(100);
+    listAll(m_table);
+    list(m_other, {50, 0, 99});
+    PlainWriter plain;
+    plain.table(m_other);
+    plain.table(m_table);
+    CMemFile outerFile;
+    CArchive outer(&outerFile, CArchive::store);
+    m_other.Serialize(outer);
+    expectPlainBytes(m_table, m_other);
+    m_table.Serialize(outer);
+    outer.Close();
+    EXPECT_TRUE(plain.bytes() == contentsOf(outerFile));
+}
+
+TEST_F(SharedRecords, HoldersAreWrittenInTheMidstOfATable) {
+    makeLocks(3);
+    list(m_table, {0, 1});
+    list(m_other, {0, 1, 2});
+    CMemFile outerFile;
+    CArchive outer(&outerFile, CArchive::store);
+    m_table.Serialize(outer);
+    CMemFile innerFile;
+    lock(1).writeUserArray(innerFile);
+    m_other.Serialize(outer);
+    outer.Close();
+    PlainWriter plain;
+    plain.table(m_table);
+    plain.table(m_other);
+    EXPECT_TRUE(plain.bytes() == contentsOf(outerFile));
+}
+
+TEST_F(SharedRecords, ArchiveThatWritesOneAtATimeGetsTheSameBytes) {
+    makeLocks(30);
+    listAll(m_table);
+    list(m_table, {3, 29});
+    PlainWriter plain;
+    plain.table(m_table);
+    EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                    SimpleArchive simple(ar);
+                    qoStoreRecords<NySeLock>(simple, m_table);
+                }));
+    EXPECT_EQ(toHex(stored([&](CArchive& ar) {
+                  SimpleArchive simple(ar);
+                  lock(1).getHolders().GetAt(2)->storeFields(simple);
+              })),
+              hex("02 00 00 00 01 00 00 00"));
 }
 
 }  // namespace
