@@ -28,14 +28,20 @@ class AfxObjectNumbers {
         DWORD number = 0;
     };
 
-    // Where the object is, or belongs.
+    // Where the object is, or belongs. Neighbours stay neighbours, in groups that are spread:
+    // objects are written in about the order in which they lie in memory.
     size_t slotOf(const CObject* object) const {
-        constexpr uint64_t kGoldenRatio = 0x9E3779B97F4A7C15;  // spreads neighbours
+        constexpr uint64_t kGoldenRatio = 0x9E3779B97F4A7C15;
+        constexpr int kGroupBits = 6;
+        constexpr size_t kInGroup = (size_t{1} << kGroupBits) - 1;
+        const uintptr_t place = reinterpret_cast<uintptr_t>(object) / kObjectStep;
+        const auto group = static_cast<size_t>((place >> kGroupBits) * kGoldenRatio >> 32);
         const size_t last = m_entries.size() - 1;
-        size_t slot = static_cast<size_t>(reinterpret_cast<uintptr_t>(object) * kGoldenRatio >> 32);
-        while (m_entries[slot & last].object != object && m_entries[slot & last].object != nullptr)
-            ++slot;
-        return slot & last;
+        size_t slot = (group & ~kInGroup) | (place & kInGroup);
+        for (;; ++slot) {
+            const Entry& entry = m_entries[slot & last];
+            if (entry.object == object || entry.object == nullptr) return slot & last;
+        }
     }
     void grow() {
         std::vector<Entry> larger(m_entries.empty() ? kFewEntries : m_entries.size() * 4);
@@ -45,7 +51,8 @@ class AfxObjectNumbers {
         }
     }
 
-    static constexpr size_t kFewEntries = 16;
+    static constexpr size_t kFewEntries = 64;
+    static constexpr size_t kObjectStep = 16;  // bytes; most objects are no nearer to each other
 
     std::vector<Entry> m_entries;  // as many as a power of two
     size_t m_used = 0;

@@ -41,8 +41,6 @@ bool CArchive::WrittenNumbers::addClass(const CRuntimeClass* pClass) {
 bool CArchive::WrittenNumbers::addObject(const CObject* object) {
     const DWORD number = takeNumber();
     if (number == 0) return false;
-    // What is mapped a second time keeps its first number.
-    if (object == nullptr || numberOfObject(object) != 0) return true;
     if (m_isMarking) {
         object->m_archiveMark = m_base + number;
     } else {

@@ -95,9 +95,11 @@ class CArchive::WrittenNumbers {
     }
     DWORD numberOfClass(const CRuntimeClass* pClass) const;
 
-    // Give the next number to an object or a class; false when all are used up.
+    // Give the next number to a new object, to a new class, or to nothing; false when all are used
+    // up.
     bool addObject(const CObject* object);
     bool addClass(const CRuntimeClass* pClass);
+    bool skipNumber() { return takeNumber() != 0; }
 
   private:
     static constexpr size_t kTypes = 16;
