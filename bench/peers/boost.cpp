@@ -60,30 +60,37 @@ void load(Archive& archive, std::u16string& text, unsigned) {
     archive.load_binary(text.data(), length * sizeof(char16_t));
 }
 
+template <class Archive, class... Fields>
+void fields(Archive& archive, Fields&... each) {
+    (archive & ... & each);
+}
+
 template <class Archive>
 void serialize(Archive& archive, bench::Holder& holder, unsigned) {
-    archive& holder.state& holder.session;
+    fields(archive, holder.state, holder.session);
 }
 template <class Archive>
 void serialize(Archive& archive, bench::Lock& lock, unsigned) {
-    archive& lock.name& lock.holders;
+    fields(archive, lock.name, lock.holders);
 }
 template <class Archive>
 void serialize(Archive& archive, bench::User& user, unsigned) {
-    archive& user.port& user.host& user.user& user.computer;
-    archive& user.session& user.schema& user.softType;
+    fields(archive, user.port, user.host, user.user, user.computer, user.session, user.schema,
+           user.softType);
 }
 template <class Archive>
 void serialize(Archive& archive, bench::Request& request, unsigned) {
-    archive& request.action& request.payloadLength& request.name& request.mode;
+    fields(archive, request.action, request.payloadLength, request.name, request.mode);
 }
 
 template <class Archive>
 void serialize(Archive& archive, ByValue<bench::Lock>& lock, unsigned) {
     auto count = static_cast<uint32_t>(lock.record.holders.size());
-    archive& lock.record.name& count;
-    lock.record.holders.resize(count);
-    archive& make_binary_object(lock.record.holders.data(), count * sizeof(bench::Holder));
+    fields(archive, lock.record.name, count);
+    lock.record.holders.resize(count);  // nothing to do in writing
+    const auto block =
+        make_binary_object(lock.record.holders.data(), count * sizeof(bench::Holder));
+    fields(archive, block);
 }
 template <class Archive, class Record>
 void serialize(Archive& archive, ByValue<Record>& each, unsigned version) {
