@@ -136,8 +136,8 @@ class CapnProto {
     }
 
     // The builder wants the segment zeroed, and leaves it so.
-    std::vector<capnp::word> m_segment = std::vector<capnp::word>(kWords, capnp::word{});
-    std::vector<capnp::word> m_output = std::vector<capnp::word>(kWords, capnp::word{});
+    std::vector<capnp::word> m_segment = std::vector<capnp::word>(kWords);
+    std::vector<capnp::word> m_output = std::vector<capnp::word>(kWords);
 };
 
 [[maybe_unused]] const bool added = bench::addPeer<CapnProto>("capnproto");
