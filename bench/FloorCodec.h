@@ -17,6 +17,9 @@
 
 namespace bench {
 
+// Enough for what the floor writes of W1.
+inline constexpr size_t kFloorBytes = 2U << 20;
+
 class FloorWriter {
   public:
     explicit FloorWriter(unsigned char* target) : m_next(target) {}

@@ -32,14 +32,14 @@ void timeEncoding(benchmark::State& state, Codec& codec, const Value& value, siz
 
 // The destruction of what was decoded is part of the time.
 template <class Codec>
-void timeDecoding(benchmark::State& state, View encoded, size_t records) {
+void timeDecoding(benchmark::State& state, Codec& codec, View encoded, size_t records) {
     const std::vector<unsigned char> bytes(encoded.data, encoded.data + encoded.size);
     View view{bytes.data(), bytes.size()};
-    if (!Codec::restores(view)) return fail(state, "wrong value");
+    if (!codec.restores(view)) return fail(state, "wrong value");
     for (auto _ : state) {
         benchmark::DoNotOptimize(view.data);
         benchmark::ClobberMemory();
-        const auto value = Codec::read(view);
+        const auto value = codec.read(view);
         benchmark::DoNotOptimize(&value);
         benchmark::ClobberMemory();
     }

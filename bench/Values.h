@@ -12,6 +12,10 @@
 
 namespace bench {
 
+// The records of W1 and of W2.
+inline constexpr size_t kLocks = 10'000;
+inline constexpr size_t kUsers = 1'000;
+
 inline constexpr size_t kHolders = 3;
 inline constexpr size_t kNameLength = 24;
 

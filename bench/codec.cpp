@@ -19,10 +19,6 @@ namespace {
 
 using bench::View;
 
-constexpr size_t kLocks = 10'000;
-constexpr size_t kUsers = 1'000;
-constexpr size_t kFloorBytes = 2U << 20;
-
 // A request as the client sends it.
 class RequestCodec {
   public:
@@ -78,16 +74,16 @@ template <class Value>
 void addFloor(const std::string& workload, const std::function<Value()>& make, size_t records) {
     using Codec = bench::FloorCodec<Value>;
     benchmark::RegisterBenchmark((workload + "/encode/floor").c_str(), [=](auto& state) {
-        Codec codec(kFloorBytes);
+        Codec codec(bench::kFloorBytes);
         bench::timeEncoding(state, codec, make(), records);
     });
     benchmark::RegisterBenchmark((workload + "/decode/floor").c_str(), [=](auto& state) {
-        Codec codec(kFloorBytes);
-        bench::timeDecoding<Codec>(state, codec.encode(make()), records);
+        Codec codec(bench::kFloorBytes);
+        bench::timeDecoding(state, codec, codec.encode(make()), records);
     });
     for (const char* direction : {"/encode/memcpy", "/decode/memcpy"}) {
         benchmark::RegisterBenchmark((workload + direction).c_str(), [=](auto& state) {
-            Codec codec(kFloorBytes);
+            Codec codec(bench::kFloorBytes);
             bench::timeCopy(state, codec.encode(make()).size, records);
         });
     }
@@ -110,7 +106,7 @@ void addLibrary(const std::string& workload, size_t records) {
             bench::fill(value, records);
             encoded = codec.encode(value);
         }
-        bench::timeDecoding<Codec>(state, encoded, records);
+        bench::timeDecoding(state, codec, encoded, records);
     });
 }
 
@@ -129,7 +125,7 @@ void addRequests() {
     benchmark::RegisterBenchmark("W3/decode/library", [](auto& state) {
         const bench::Request request = bench::plainRequest();
         ReusedMessage codec(request);
-        bench::timeDecoding<RequestCodec>(state, codec.encode(request), 1);
+        bench::timeDecoding(state, codec, codec.encode(request), 1);
     });
 }
 
@@ -137,13 +133,13 @@ void addRequests() {
 
 int main(int argc, char** argv) {
     addFloor<bench::Table<bench::Lock>>(
-        "W1", [] { return bench::plainLocks(kLocks); }, kLocks);
+        "W1", [] { return bench::plainLocks(bench::kLocks); }, bench::kLocks);
     addFloor<bench::Table<bench::User>>(
-        "W2", [] { return bench::plainUsers(kUsers); }, kUsers);
+        "W2", [] { return bench::plainUsers(bench::kUsers); }, bench::kUsers);
     addFloor<bench::Request>(
         "W3", [] { return bench::plainRequest(); }, 1);
-    addLibrary<NySeLockArray>("W1", kLocks);
-    addLibrary<NySeUserPtrArray>("W2", kUsers);
+    addLibrary<NySeLockArray>("W1", bench::kLocks);
+    addLibrary<NySeUserPtrArray>("W2", bench::kUsers);
     addRequests();
     return bench::runBenchmarks(argc, argv);
 }

@@ -31,7 +31,7 @@ void encodeFloor(benchmark::State& state) {
 void decodeFloor(benchmark::State& state) {
     FloorLocks codec(floorCapacity(state));
     const bench::View encoded = codec.encode(bench::plainLocks(recordsOf(state)));
-    bench::timeDecoding<FloorLocks>(state, encoded, recordsOf(state));
+    bench::timeDecoding(state, codec, encoded, recordsOf(state));
 }
 
 void encodeLibrary(benchmark::State& state) {
@@ -49,7 +49,7 @@ void decodeLibrary(benchmark::State& state) {
         bench::fill(table, recordsOf(state));
         encoded = codec.encode(table);
     }
-    bench::timeDecoding<LibraryLocks>(state, encoded, recordsOf(state));
+    bench::timeDecoding(state, codec, encoded, recordsOf(state));
 }
 
 void addSizes(const char* name, void (*run)(benchmark::State&)) {

@@ -1,14 +1,12 @@
 // nycentral: the reference central server as a program.
-#include <algorithm>
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 
 #include "apps/central/CentralServer.h"
+#include "apps/common/CommandLine.h"
 #include "apps/common/StopRequest.h"
-#include "apps/common/Utf8.h"
 
 namespace {
 
@@ -99,10 +97,8 @@ int run() {
                  "nycentral");
     Options options;
     addOptions(app, options);
-    std::vector<std::string> arguments = commandLineArguments();
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     try {
-        app.parse(arguments);
+        parseCommandLine(app);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }

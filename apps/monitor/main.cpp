@@ -1,12 +1,10 @@
 // nymonitor: a window on a central server.
 #include <afxwin.h>
 
-#include <algorithm>
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 
-#include "apps/common/Utf8.h"
+#include "apps/common/CommandLine.h"
 #include "apps/monitor/Monitor.h"
 
 namespace {
@@ -30,21 +28,14 @@ void endAtOnce() {
 
 int run() {
     Account account;
-    account.user = loginName();
     CLI::App app("Shows the users, connections and locks of a central server, and what changes.",
                  "nymonitor");
-    app.add_option("--server", account.server, "HOST:PORT of the central server")
-        ->check([](const std::string& server) {
-            return parseServer(server) ? std::string() : server + " is not HOST:PORT";
-        })
-        ->capture_default_str();
-    app.add_option("--user", account.user, "The name to register under")->capture_default_str();
+    addServerOption(app, account);
+    addUserOption(app, account);
     app.footer("Example: nymonitor --server 127.0.0.1:40123 --user Anna");
 
-    std::vector<std::string> arguments = commandLineArguments();
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     try {
-        app.parse(arguments);
+        parseCommandLine(app);
     } catch (const CLI::CallForHelp&) {
         say(app.help());
         return 0;

@@ -1,31 +1,23 @@
 // nyctl: the central server and the online service from the command line.
-#include <algorithm>
 #include <exception>
 
-#include "apps/common/Utf8.h"
+#include "apps/common/CommandLine.h"
 #include "apps/nyctl/Shell.h"
 
 namespace {
 
 int run() {
     Options options;
-    options.user = loginName();
     Session session(options);
     const Output output(options);
     ExitStatus status = exitYes;
 
     CLI::App app("Talks to a central server, and to the online service.", "nyctl");
     app.require_subcommand(1);
-    app.add_option("--server", options.server, "HOST:PORT of the central server")
-        ->envname("NYCTL_SERVER")
-        ->check([](const std::string& server) {
-            return parseServer(server) ? std::string() : server + " is not HOST:PORT";
-        })
-        ->capture_default_str();
-    app.add_option("--user", options.user, "The name to register under")
-        ->envname("NYCTL_USER")
-        ->each([&](const std::string&) { options.isUserChosen = true; })
-        ->capture_default_str();
+    addServerOption(app, options)->envname("NYCTL_SERVER");
+    addUserOption(app, options)->envname("NYCTL_USER")->each([&](const std::string&) {
+        options.isUserChosen = true;
+    });
     app.add_flag("--json", options.json, "One JSON object a line instead of tables");
     addCommands(app, session, output, status);
     CLI::App* const shell =
@@ -40,10 +32,8 @@ int run() {
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
         "answer, 4 the time was up.");
 
-    std::vector<std::string> arguments = commandLineArguments();
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     try {
-        app.parse(arguments);
+        parseCommandLine(app);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? exitYes : exitUsage;
     }

@@ -15,6 +15,25 @@ fail() {
   failures=$((failures + 1))
 }
 
+# free_row: prints a range of 20 ports, FIRST-LAST, that nobody uses, for a server to hand out. With those of another server of
+# this machine its users would be told this server's news. They are below those that the system gives to who asks for any,
+# and every process looks first in a place of its own.
+free_row() {
+  awk -v place=$$ '
+    FNR > 1 { used[substr($2, length($2) - 3)] }
+    function is_free(first, port) {
+      for (port = first; port < first + 20; port++) if (sprintf("%04X", port) in used) return 0
+      return 1
+    }
+    END {
+      for (row = 0; row < 600; row++) {
+        first = 20000 + (place + row) % 600 * 20
+        if (is_free(first)) { print first "-" first + 19; exit }
+      }
+      exit 1
+    }' /proc/net/tcp
+}
+
 # start_central NYCENTRAL ARGUMENT...: starts a server, whose process is then $central, and waits for its port.
 start_central() {
   set -m  # a background program ignores Ctrl+C unless it is a job of its own

@@ -22,10 +22,8 @@ expect_said() {
   [[ $said =~ ^$1$ ]] || fail "\"$said\" should be $1"
 }
 
-# Notification ports of this run's own, none of sessions-test.sh's: with those of another server of this machine its users would be told this
-# server's news.
-first_port=$((20000 + $$ % 240 * 20))
-start_central "$nycentral" --ports $first_port-$((first_port + 19))
+ports=$(free_row)
+start_central "$nycentral" --ports "$ports"
 export NYCTL_SERVER=127.0.0.1:$port
 
 [ "$(tr -d '\r' < "$work/central.log")" = "listening on 127.0.0.1:$port" ] || fail "nycentral says: $(cat "$work/central.log")"
@@ -73,7 +71,7 @@ expect 1 'user  session' openers 0
 expect 0 'id  connection  opens' connections
 expect 0 '' port
 expect_said 'port: [0-9]+'
-((${said#port: } >= first_port && ${said#port: } < first_port + 20)) || fail "$said is none of the server's ports"
+((${said#port: } >= ${ports%-*} && ${said#port: } <= ${ports#*-})) || fail "$said is none of the server's ports"
 expect 0 '' rename Anna
 expect_said ''
 expect 0 '' time

@@ -11,7 +11,6 @@ cd "$root"
 
 # GetComputerName's text.
 computer=$(hostname | cut -d . -f 1 | tr '[:lower:]' '[:upper:]' | cut -c 1-15)
-ports=$((24800 + $$ % 240 * 20))  # none of nyctl-test.sh's
 documented=42015
 
 # masked: standard input without what differs from run to run.
@@ -38,7 +37,7 @@ nycentral() {
     shift
   done
   exec "$root/tools/run-in-wine" "$programs/nycentral.exe" --port 0 --port-file "$work/port" \
-    --ports "$ports-$((ports + 19))" "${words[@]}"
+    --ports "$(free_row)" "${words[@]}"
 }
 
 # settle: until the server has let everybody go who has left, so that nobody is met by those who come next.

@@ -153,6 +153,15 @@ TEST_F(MonitorConnection, IsTold) {
     EXPECT_THAT(logged("Connection"), Contains(status(StatusBar::connection)));
 }
 
+TEST_F(MonitorConnection, WhatIsCutOffCanBePointedAt) {
+    openConnected();
+    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    for (const StatusBar::Part part : {StatusBar::connection, StatusBar::activity})
+        EXPECT_EQ(status(part), tip(part));
+    const LRESULT style = ::SendMessageW(control(IDC_USERS), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
+    EXPECT_NE(0, style & LVS_EX_LABELTIP);
+}
+
 TEST_F(MonitorConnection, ComesBackWithTheServer) {
     openConnected();
     const int port = server->port();
@@ -167,6 +176,21 @@ TEST_F(MonitorConnection, ComesBackWithTheServer) {
     EXPECT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
     OtherUser anna(port, "anna");
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
+}
+
+TEST_F(MonitorConnection, ComesBackUnderTheNewName) {
+    openConnected();
+    const int port = server->port();
+    keys::press(VK_F2);
+    answer(L"Rename", "doris");
+    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
+    server->process().kill();
+    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    startServer(port);
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"doris"}));
+    EXPECT_TRUE(soon([this] {
+        return status(StatusBar::connection).find(" as doris, session ") != std::string::npos;
+    })) << status(StatusBar::connection);
 }
 
 TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {

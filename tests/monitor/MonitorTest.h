@@ -147,6 +147,13 @@ class MonitorTest : public ::testing::Test {
         ::SendMessageW(control(IDC_STATUS), SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
         return utf8(text);
     }
+    std::string tip(StatusBar::Part part) const {
+        wchar_t text[512] = L"";
+        ::SendMessageW(control(IDC_STATUS), SB_GETTIPTEXTW,
+                       MAKEWPARAM(part, static_cast<WORD>(std::size(text))),
+                       reinterpret_cast<LPARAM>(text));
+        return utf8(text);
+    }
 
     std::string cell(int list, int row, int column) const {
         wchar_t text[512] = L"";

@@ -25,7 +25,7 @@ expect_end 2 usage 127.0.0.1 0 1 1
 expect_end 2 usage 127.0.0.1 1 1 many
 expect_end 1 'no central server there' 127.0.0.1 1 1 1
 
-start_central "$prefix/bin/nycentral.exe"
+start_central "$prefix/bin/nycentral.exe" --ports "$(free_row)"
 expect_end 1 'waited long enough' 127.0.0.1 "$port" 1 1
 
 run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 60 > "$work/host.log" 2>&1 &

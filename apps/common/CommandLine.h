@@ -1,0 +1,30 @@
+// What the programs' command lines have in common.
+#pragma once
+
+#include <algorithm>
+#include <CLI/CLI.hpp>
+
+#include "apps/common/Session.h"
+#include "apps/common/Utf8.h"
+
+// The options that say who talks to which server.
+inline CLI::Option* addServerOption(CLI::App& app, Account& account) {
+    return app.add_option("--server", account.server, "HOST:PORT of the central server")
+        ->check([](const std::string& server) {
+            return parseServer(server) ? std::string() : server + " is not HOST:PORT";
+        })
+        ->capture_default_str();
+}
+inline CLI::Option* addUserOption(CLI::App& app, Account& account) {
+    account.user = loginName();
+    return app.add_option("--user", account.user, "The name to register under")
+        ->capture_default_str();
+}
+
+// Takes the arguments with which this program was started. Throws CLI::ParseError, of which
+// CLI::CallForHelp is one.
+inline void parseCommandLine(CLI::App& app) {
+    std::vector<std::string> arguments = commandLineArguments();
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    app.parse(arguments);
+}
