@@ -31,8 +31,7 @@ class AfxObjectWriter {
     requires afxIsArchiveValue<T> AfxObjectWriter& operator<<(T value) {
         if (roomLeft() < sizeof value) [[unlikely]]
             return leaveToArchive([value](CArchive& ar) { ar << value; });
-        std::memcpy(m_out, &value, sizeof value);
-        m_out += sizeof value;
+        append(value);
         return *this;
     }
 
@@ -78,6 +77,7 @@ class AfxObjectWriter {
     }
 
   private:
+    // REQUIRES: there is room.
     template <class T>
     void append(T value) {
         std::memcpy(m_out, &value, sizeof value);
