@@ -13,8 +13,14 @@ set(ny_public_headers
   NyServerApi.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
+  base/mfc/AfxCopy.h
+  base/mfc/AfxFetchEarly.h
+  base/mfc/AfxObjectNumbers.h
+  base/mfc/AfxObjectWriter.h
+  base/mfc/AfxShortText.h
   base/mfc/AfxText.h
   base/mfc/CArchive.h
+  base/mfc/CArchiveWritten.h
   base/mfc/CException.h
   base/mfc/CFile.h
   base/mfc/CMemFile.h
@@ -32,6 +38,7 @@ set(ny_public_headers
   base/qo/QoArraySerial2.h
   base/qo/QoArraySimple.h
   base/qo/QoObject2.h
+  base/qo/QoRecordStore.h
   base/qo/QoSort.h
   base/qo/QoUi.h
   base/qo/QoUiLoadString.h

@@ -12,11 +12,11 @@ constexpr unsigned int kExcludesNewcomers = 0x08 | 0x10;
 
 void NySeLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        ar << m_lockName.text();
+        storeFields(ar);
     } else {
         ar >> m_lockName.change();
+        m_holders.Serialize(ar);
     }
-    m_holders.Serialize(ar);
 }
 
 // The holders stay out: a grant is of one lock, not of its copies.

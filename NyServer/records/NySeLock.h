@@ -1,8 +1,11 @@
 // NySeLock: one named lock and its holders.
 #pragma once
 
+#include <array>
+
 #include "NyServer/records/NySeLockName.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
+#include "QoRecordStore.h"
 
 class NySeUser;
 
@@ -33,6 +36,18 @@ class NYSERVER_API NySeLock : public QoObject2 {
     // Writes the holders as one object at the position of `file`, which is left behind it. Throws
     // CMemoryException when the file cannot grow.
     void writeUserArray(CMemFile& file) const;
+
+    // What Serialize writes, into an archive or what takes its place.
+    template <class TARGET>
+    void storeFields(TARGET& target) const {
+        target << m_lockName.text();
+        qoStoreRecords<NySeSessionLock>(target, m_holders);
+    }
+
+    // Where the fields lie that are not in the object itself, for whoever is about to store it.
+    std::array<const void*, 2> storedMemory() const {
+        return {m_lockName.text().GetString(), m_holders.GetData()};
+    }
 
   private:
     friend class NySeLockIndex;

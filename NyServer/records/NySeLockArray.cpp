@@ -17,7 +17,11 @@ void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
 }  // namespace
 
 void NySeLockArray::Serialize(CArchive& ar) {
-    QoArraySerial2::Serialize(ar);
+    if (ar.IsStoring()) {
+        qoStoreRecords<NySeLock>(ar, *this);
+    } else {
+        QoArraySerial2::Serialize(ar);
+    }
 }
 
 INT_PTR NySeLockArray::lookForLockName(const CString& name) const {

@@ -99,7 +99,7 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
 #define NYSE_DECLARE_RECORD(Record)                                                      \
     NYSE_DECLARE_SERIAL(Record)                                                          \
     Record() = default;                                                                  \
-    Record(const Record& other) : QoObject2() {                                          \
+    Record(const Record& other) : QoObject2(other) {                                     \
         vCopyFrom(other);                                                                \
     }                                                                                    \
     ~Record() override = default;                                                        \

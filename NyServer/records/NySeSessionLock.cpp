@@ -1,9 +1,8 @@
 #include "NyServer/records/NySeSessionLock.h"
 
-// The lock state comes first: that is the wire order.
 void NySeSessionLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        ar << m_lockState << m_sessionNumber;
+        storeFields(ar);
     } else {
         ar >> m_lockState >> m_sessionNumber;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "NyServer/records/NySeRecord.h"
+#include "QoRecordStore.h"
 
 // Which session holds the lock and under which share mode. One object may be used by one thread at
 // a time.
@@ -18,6 +19,13 @@ class NYSERVER_API NySeSessionLock : public QoObject2 {
     // The share mode of this grant: the bits that NySeLock::seekShareMode reads, and any others.
     unsigned int getLockState() const { return m_lockState; }
     void setLockState(unsigned int lockState) { m_lockState = lockState; }
+
+    // What Serialize writes, into an archive or what takes its place. The lock state comes first:
+    // that is the wire order.
+    template <class TARGET>
+    void storeFields(TARGET& target) const {
+        qoStoreValues(target, m_lockState, m_sessionNumber);
+    }
 
   private:
     LONG m_sessionNumber = 0;

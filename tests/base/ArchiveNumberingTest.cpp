@@ -1,9 +1,11 @@
 // The numbers of classes and objects, against a plain model of them.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <map>
 #include <memory>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include "tests/base/TestRecords.h"
@@ -71,6 +73,22 @@ class Model {
     Bytes m_bytes;
 };
 
+// An archive and what it is to hold.
+struct Modelled {
+    void expectAsModelled() {
+        ar.Close();
+        EXPECT_TRUE(contentsOf(file) == model.bytes());
+    }
+    void write(CObject* object) {
+        ar << object;
+        model.write(object);
+    }
+
+    CMemFile file;
+    CArchive ar{&file, CArchive::store};
+    Model model;
+};
+
 class ArchiveNumbering : public ::testing::Test {
   protected:
     ArchiveNumbering() { addDisguised(m_objects, std::make_integer_sequence<int, 64>()); }
@@ -104,6 +122,10 @@ class ArchiveNumbering : public ::testing::Test {
             ar << object;
             model.write(object);
         }
+    }
+
+    void writeAll(Modelled& to) {
+        for (const auto& object : m_objects) to.write(object.get());
     }
 
     void expectAsModelled(int steps) {
@@ -145,6 +167,111 @@ TEST_F(ArchiveNumbering, OfNeighboursInOneBlock) {
         }
     });
     EXPECT_TRUE(written == model.bytes());
+}
+
+TEST_F(ArchiveNumbering, OfArchivesThatTakeTurns) {
+    Modelled first;
+    Modelled second;
+    for (int round = 0; round < 2; ++round) {
+        for (const auto& object : m_objects) {
+            first.write(object.get());
+            second.write(object.get());
+        }
+    }
+    first.expectAsModelled();
+    second.expectAsModelled();
+}
+
+TEST_F(ArchiveNumbering, OfArchiveInTheMidstOfAnother) {
+    Modelled outer;
+    writeAll(outer);
+    {
+        Modelled inner;
+        writeAll(inner);
+        writeAll(inner);
+        inner.expectAsModelled();
+    }
+    writeAll(outer);
+    outer.expectAsModelled();
+}
+
+TEST_F(ArchiveNumbering, OfArchiveThatOutlivesTheFirst) {
+    auto first = std::make_unique<Modelled>();
+    writeAll(*first);
+    Modelled second;
+    writeAll(second);
+    first->expectAsModelled();
+    Modelled third;
+    writeAll(third);
+    writeAll(second);
+    writeAll(third);
+    second.expectAsModelled();
+    third.expectAsModelled();
+}
+
+TEST_F(ArchiveNumbering, OfArchivesThatComeAndGo) {
+    makeObjects(40);
+    std::vector<std::unique_ptr<Modelled>> open;
+    for (int i = 0; i < 20'000; ++i) {
+        const unsigned int choice = m_random() % 200;
+        if (open.empty() || (choice == 0 && open.size() < 5)) {
+            open.push_back(std::make_unique<Modelled>());
+        }
+        const size_t index = m_random() % open.size();
+        step(open[index]->ar, open[index]->model);
+        if (choice > 1) continue;
+        if (choice == 1) open[index]->expectAsModelled();
+        open.erase(open.begin() + static_cast<ptrdiff_t>(index));
+    }
+    for (const auto& each : open) each->expectAsModelled();
+}
+
+TEST_F(ArchiveNumbering, OfArchivesAfterOneThatWasAborted) {
+    Modelled aborted;
+    writeAll(aborted);
+    aborted.ar.Abort();
+    Modelled next;
+    writeAll(next);
+    writeAll(next);
+    next.expectAsModelled();
+}
+
+// Storing changes nothing that another thread could see.
+TEST_F(ArchiveNumbering, OfThreadsThatStoreTheSameObjects) {
+    makeObjects(500);
+    Modelled expected;
+    writeAll(expected);
+    writeAll(expected);
+    expected.expectAsModelled();
+    std::vector<std::thread> threads;
+    std::array<int, 4> right{};
+    for (int& count : right) {
+        threads.emplace_back([this, &count, &expected] {
+            for (int i = 0; i < 100; ++i) {
+                const Bytes written = stored([this](CArchive& ar) {
+                    for (const auto& object : m_objects) ar << object.get();
+                    for (const auto& object : m_objects) ar << object.get();
+                });
+                if (written == expected.model.bytes()) ++count;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const int count : right) EXPECT_EQ(count, 100);
+}
+
+TEST_F(ArchiveNumbering, OfCopiesIsTheirOwn) {
+    Fixed written;
+    Modelled modelled;
+    modelled.write(&written);
+    Fixed copy(written);
+    modelled.write(&copy);
+    Fixed assigned;
+    assigned = written;
+    modelled.write(&assigned);
+    written = Fixed();
+    modelled.write(&written);
+    modelled.expectAsModelled();
 }
 
 }  // namespace

@@ -20,8 +20,10 @@ inline void afxCopyEnds(char* target, const char* source, size_t bytes) {
 inline void afxCopyShort(void* to, const void* from, size_t bytes) {
     char* target = static_cast<char*>(to);
     const char* source = static_cast<const char*>(from);
-    for (; bytes > 32; bytes -= 16, target += 16, source += 16) std::memcpy(target, source, 16);
-    if (bytes >= 16) {
+    for (; bytes > 64; bytes -= 16, target += 16, source += 16) std::memcpy(target, source, 16);
+    if (bytes >= 32) {
+        afxCopyEnds<32>(target, source, bytes);
+    } else if (bytes >= 16) {
         afxCopyEnds<16>(target, source, bytes);
     } else if (bytes >= 8) {
         afxCopyEnds<8>(target, source, bytes);

@@ -34,11 +34,13 @@ CArchive::~CArchive() noexcept(false) {
 
 void CArchive::Close() {
     Flush();
+    m_written.reset();
     m_file = nullptr;
 }
 
 void CArchive::Abort() noexcept {
     closeWindow();
+    m_written.reset();
     m_file = nullptr;
 }
 

@@ -91,9 +91,11 @@ void CArchive::MapObject(const CObject* object) {
         addRead(const_cast<CObject*>(object));
         return;
     }
-    // Asking also notes the object as written.
-    if (object != nullptr) static_cast<void>(written().numberOfObject(object));
-    if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
+    // What was written or mapped before keeps its first number.
+    const bool isNew = object != nullptr && written().numberOfObject(object) == 0;
+    if (!(isNew ? written().addObject(object) : written().skipNumber())) {
+        throwBad(CArchiveException::badIndex);
+    }
 }
 
 CRuntimeClass* CArchive::ReadClass(const CRuntimeClass* wanted, UINT* schema, DWORD* objectTag) {

@@ -76,8 +76,14 @@ class NYBASE_API CObject {
 
   protected:
     CObject() = default;
-    CObject(const CObject&) = default;
-    CObject& operator=(const CObject&) = default;
+    CObject(const CObject&) {}
+    CObject& operator=(const CObject&) { return *this; }
+
+  private:
+    friend class CArchive;
+
+    // By which an archive knows what it has written; CArchive::WrittenNumbers tells how.
+    mutable ULONGLONG m_archiveMark = 0;
 };
 
 // What DYNAMIC_DOWNCAST does: `object` when it is of kind `wanted`, else null; null for null.

@@ -1,20 +1,12 @@
 #include "afx.h"
-#include "AfxCopy.h"
+#include "AfxShortText.h"
 
 namespace {
 
-constexpr BYTE kWidePrefix = 0xFF;
-constexpr WORD kWideMark = 0xFFFE;
-constexpr size_t kLongForm = 0xFF;  // characters from which on the length takes more than a byte
+constexpr BYTE kWidePrefix = AfxShortText::kWidePrefix;
+constexpr WORD kWideMark = AfxShortText::kWideMark;
+constexpr size_t kLongForm = AfxShortText::kLongForm;
 constexpr size_t kLongestString = 0x7FFFFFFF;
-// The mark as the first three of four bytes, of which the last is the length.
-constexpr DWORD kShortWide = DWORD{kWidePrefix} | DWORD{kWideMark} << 8;
-
-bool isShortWide(const BYTE* prefix) {
-    DWORD start;
-    std::memcpy(&start, prefix, sizeof start);
-    return (start & 0xFFFFFF) == kShortWide && prefix[3] < kLongForm;
-}
 
 }  // namespace
 
@@ -55,28 +47,24 @@ UINT_PTR AfxReadStringLength(CArchive& ar, int& charSize) {
 }
 
 CArchive& operator<<(CArchive& ar, const CString& text) {
-    const size_t length = static_cast<size_t>(text.GetLength());
-    const size_t bytes = length * sizeof(WCHAR);
-    if (length < kLongForm && ar.roomLeft() >= sizeof(DWORD) + bytes) {
-        // The usual string is one run: the mark, the length and the characters.
-        const DWORD prefix = kShortWide | static_cast<DWORD>(length) << 24;
-        std::memcpy(ar.m_out, &prefix, sizeof prefix);
-        afxCopyShort(ar.m_out + sizeof prefix, text.GetString(), bytes);
-        ar.m_out += sizeof prefix + bytes;
+    const size_t run = AfxShortText::bytesOf(text);
+    if (run != 0 && ar.roomLeft() >= run) {
+        AfxShortText::write(ar.m_out, text);
+        ar.m_out += run;
         return ar;
     }
-    AfxWriteStringLength(ar, length, TRUE);
-    ar.Write(text.GetString(), static_cast<int>(bytes));
+    AfxWriteStringLength(ar, static_cast<UINT_PTR>(text.GetLength()), TRUE);
+    ar.Write(text.GetString(), text.GetLength() * static_cast<int>(sizeof(WCHAR)));
     return ar;
 }
 
 CArchive& operator>>(CArchive& ar, CString& text) {
-    if (ar.unreadBytes() >= sizeof(DWORD) && isShortWide(ar.m_in)) {
-        const BYTE length = ar.m_in[sizeof(DWORD) - 1];
-        const size_t run = sizeof(DWORD) + length * sizeof(WCHAR);
+    if (ar.unreadBytes() >= AfxShortText::kPrefixBytes && AfxShortText::isAt(ar.m_in)) {
+        const size_t length = AfxShortText::lengthAt(ar.m_in);
+        const size_t run = AfxShortText::kPrefixBytes + length * sizeof(WCHAR);
         if (ar.unreadBytes() >= run) {
-            afxCopyShort(text.GetBufferSetLength(length), ar.m_in + sizeof(DWORD),
-                         length * sizeof(WCHAR));
+            afxCopyShort(text.GetBufferSetLength(static_cast<int>(length)),
+                         ar.m_in + AfxShortText::kPrefixBytes, length * sizeof(WCHAR));
             ar.m_in += run;
             return ar;
         }

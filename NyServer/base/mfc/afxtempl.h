@@ -2,6 +2,7 @@
 #pragma once
 
 #include "afxcoll.h"
+#include "AfxObjectWriter.h"
 
 #include <limits>
 

@@ -1,0 +1,301 @@
+// Records that stand more than once in an archive, in any order of their addresses: each is written
+// once, and its number in its other places.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "NyServer/records/NySeLockArray.h"
+#include "tests/base/StreamFile.h"
+#include "tests/support/ArchiveBytes.h"
+
+namespace {
+
+constexpr unsigned kSeed = 20150602;
+constexpr WORD kBigTag = 0x7FFF;
+constexpr DWORD kClassFlag = 0x8000;
+
+// Writes the same bytes in the plainest way: a map of all that was written.
+class PlainWriter {
+  public:
+    template <class T>
+    void value(T value) {
+        const BYTE* const start = reinterpret_cast<const BYTE*>(&value);
+        m_bytes.insert(m_bytes.end(), start, start + sizeof value);
+    }
+    void table(const NySeLockArray& table) {
+        writeTable(table, [this](const CObject* object) {
+            const auto& lock = static_cast<const NySeLock&>(*object);
+            text(lock.getStrLockName());
+            holders(lock.getHolders());
+        });
+    }
+    void holders(const NySeSessionLockPtrArray& table) {
+        writeTable(table, [this](const CObject* object) {
+            const auto& holder = static_cast<const NySeSessionLock&>(*object);
+            value(holder.getLockState());
+            value(holder.getSessionNumber());
+        });
+    }
+    const Bytes& bytes() const { return m_bytes; }
+
+  private:
+    template <class WriteFields>
+    void writeTable(const CObArray& table, WriteFields writeFields) {
+        value(static_cast<WORD>(table.GetSize()));
+        for (INT_PTR i = 0; i < table.GetSize(); ++i) {
+            if (beginObject(table.GetAt(i))) writeFields(table.GetAt(i));
+        }
+    }
+    bool beginObject(const CObject* object) {
+        if (object == nullptr || m_numbers.contains(object)) {
+            tag(object != nullptr ? m_numbers[object] : 0, 0);
+            return false;
+        }
+        const CRuntimeClass* const type = object->GetRuntimeClass();
+        if (m_numbers.contains(type)) {
+            tag(m_numbers[type], kClassFlag);
+        } else {
+            const std::string name = type->m_lpszClassName;
+            value(WORD{0xFFFF});
+            value(static_cast<WORD>(type->m_wSchema));
+            value(static_cast<WORD>(name.size()));
+            m_bytes.insert(m_bytes.end(), name.begin(), name.end());
+            m_numbers[type] = ++m_last;
+        }
+        m_numbers[object] = ++m_last;
+        return true;
+    }
+    void tag(DWORD number, DWORD flag) {
+        if (number < kBigTag) return value(static_cast<WORD>(number | flag));
+        value(kBigTag);
+        value(number | flag << 16);
+    }
+    void text(const CString& text) {
+        value(DWORD{0x00FFFEFF} | static_cast<DWORD>(text.GetLength()) << 24);
+        for (int i = 0; i < text.GetLength(); ++i) value(text.GetAt(i));
+    }
+
+    Bytes m_bytes;
+    std::map<const void*, DWORD> m_numbers;
+    DWORD m_last = 0;
+};
+
+// Offers of an archive what every class library's does.
+class SimpleArchive {
+  public:
+    explicit SimpleArchive(CArchive& ar) : m_archive(ar) {}
+
+    void WriteCount(size_t count) { m_archive.WriteCount(count); }
+    void WriteObject(const CObject* object) { m_archive.WriteObject(object); }
+    template <class T>
+    SimpleArchive& operator<<(const T& value) {
+        m_archive << value;
+        return *this;
+    }
+
+  private:
+    CArchive& m_archive;
+};
+
+class DerivedHolder : public NySeSessionLock {
+  public:
+    void Serialize(CArchive& ar) override { ar << BYTE{0x77}; }
+};
+
+class SharedRecords : public ::testing::Test {
+  protected:
+    void makeLocks(int count, int holders = 3) {
+        for (int i = 0; i < count; ++i) {
+            auto lock = std::make_unique<NySeLock>();
+            lock->setStrLockName(CString(static_cast<WCHAR>('a' + i % 26), 1 + i % 30));
+            for (int j = 0; j < holders; ++j) addHolder(*lock, i, j);
+            m_locks.push_back(std::move(lock));
+        }
+    }
+    static void addHolder(NySeLock& lock, int session, int state) {
+        auto holder = std::make_unique<NySeSessionLock>();
+        holder->setSessionNumber(session);
+        holder->setLockState(static_cast<unsigned int>(state));
+        lock.getHolders().append(holder.release());
+    }
+    NySeLock& lock(size_t index) { return *m_locks[index]; }
+    void list(NySeLockArray& table, std::vector<size_t> indices) {
+        for (const size_t index : indices) table.append(m_locks[index].get());
+    }
+    void listAll(NySeLockArray& table) {
+        for (const auto& each : m_locks) table.append(each.get());
+    }
+    void sortByAddress(bool rising) {
+        std::sort(m_locks.begin(), m_locks.end(), [rising](const auto& left, const auto& right) {
+            return rising ? left < right : right < left;
+        });
+    }
+    template <class... Tables>
+    static void expectPlainBytes(Tables&... tables) {
+        PlainWriter plain;
+        (plain.table(tables), ...);
+        const Bytes expected = plain.bytes();
+        const Bytes written = stored([&](CArchive& ar) { (tables.Serialize(ar), ...); });
+        EXPECT_TRUE(expected == written);
+        for (const int bufferSize : {1, 200, 4096}) {
+            StreamFile file;
+            CArchive ar(&file, CArchive::store, bufferSize);
+            (tables.Serialize(ar), ...);
+            ar.Close();
+            EXPECT_TRUE(expected == file.m_bytes) << "with a buffer of " << bufferSize;
+        }
+    }
+
+    std::vector<std::unique_ptr<NySeLock>> m_locks;
+    NySeLockArray m_table{QoArraySerial2::kDoNotDelete};
+    NySeLockArray m_other{QoArraySerial2::kDoNotDelete};
+};
+
+TEST_F(SharedRecords, LockTwiceInATableIsWrittenOnce) {
+    makeLocks(3);
+    list(m_table, {0, 1, 1, 2, 0});
+    expectPlainBytes(m_table);
+}
+
+TEST_F(SharedRecords, TablesOfOneArchiveShareTheirLocks) {
+    makeLocks(300);
+    listAll(m_table);
+    list(m_other, {299, 0, 150, 299});
+    expectPlainBytes(m_table, m_other);
+}
+
+TEST_F(SharedRecords, LocksShareTheirHolders) {
+    makeLocks(3);
+    NySeSessionLock* const shared = lock(0).getHolders().GetAt(1);
+    for (const size_t index : {size_t{0}, size_t{1}, size_t{2}}) {
+        lock(index).getHolders().append(shared);
+    }
+    listAll(m_table);
+    expectPlainBytes(m_table);
+    for (const size_t index : {size_t{0}, size_t{1}, size_t{2}}) {
+        lock(index).getHolders().SetAt(3, nullptr);
+    }
+}
+
+TEST_F(SharedRecords, AddressesMayRiseAndFall) {
+    makeLocks(500);
+    for (const bool rising : {true, false}) {
+        sortByAddress(rising);
+        listAll(m_table);
+        listAll(m_other);
+        expectPlainBytes(m_table, m_other);
+        m_table.RemoveAll();
+        m_other.RemoveAll();
+    }
+}
+
+TEST_F(SharedRecords, AddressesMayComeInAnyOrder) {
+    makeLocks(3000);
+    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kSeed));
+    listAll(m_table);
+    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kSeed + 1));
+    listAll(m_other);
+    expectPlainBytes(m_table, m_other);
+}
+
+// Numbers from 7FFF on take four bytes.
+TEST_F(SharedRecords, NumbersBecomeLong) {
+    makeLocks(9000);
+    listAll(m_table);
+    list(m_other, {0, 8190, 8191, 8192, 8999});
+    expectPlainBytes(m_table, m_other);
+}
+
+TEST_F(SharedRecords, LockMayHaveManyHoldersOrNone) {
+    makeLocks(2, 0);
+    makeLocks(1, 5000);
+    makeLocks(2, 1);
+    listAll(m_table);
+    expectPlainBytes(m_table, m_table);
+}
+
+TEST_F(SharedRecords, NullStandsBetweenRecords) {
+    makeLocks(20);
+    lock(10).getHolders().InsertAt(1, nullptr);
+    listAll(m_table);
+    m_table.InsertAt(5, nullptr);
+    expectPlainBytes(m_table);
+}
+
+TEST_F(SharedRecords, HolderOfADerivedClassWritesItsOwnFields) {
+    makeLocks(1, 1);
+    lock(0).getHolders().append(new DerivedHolder);
+    addHolder(lock(0), 2, 3);
+    EXPECT_EQ(toHex(stored([&](CArchive& ar) { lock(0).getHolders().Serialize(ar); })),
+              hex("03 00  FF FF DF 07 0F 00 'NySeSessionLock' 00 00 00 00 00 00 00 00"
+                  "01 80 77  01 80 03 00 00 00 02 00 00 00"));
+}
+
+// What was mapped counts as written.
+TEST_F(SharedRecords, MappedLockIsNotWritten) {
+    makeLocks(2, 0);
+    list(m_table, {0, 1, 0});
+    EXPECT_EQ(toHex(stored([&](CArchive& ar) {
+                  ar.MapObject(&lock(1));
+                  m_table.Serialize(ar);
+              })),
+              hex("03 00  FF FF DF 07 08 00 'NySeLock' FF FE FF 01 61 00 00 00"
+                  "01 00  03 00"));
+}
+
+// The second archive finds that the first one numbers the records.
+TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
+    makeLocks(100);
+    listAll(m_table);
+    list(m_other, {50, 0, 99});
+    PlainWriter plain;
+    plain.table(m_other);
+    plain.table(m_table);
+    CMemFile outerFile;
+    CArchive outer(&outerFile, CArchive::store);
+    m_other.Serialize(outer);
+    expectPlainBytes(m_table, m_other);
+    m_table.Serialize(outer);
+    outer.Close();
+    EXPECT_TRUE(plain.bytes() == contentsOf(outerFile));
+}
+
+TEST_F(SharedRecords, HoldersAreWrittenInTheMidstOfATable) {
+    makeLocks(3);
+    list(m_table, {0, 1});
+    list(m_other, {0, 1, 2});
+    CMemFile outerFile;
+    CArchive outer(&outerFile, CArchive::store);
+    m_table.Serialize(outer);
+    CMemFile innerFile;
+    lock(1).writeUserArray(innerFile);
+    m_other.Serialize(outer);
+    outer.Close();
+    PlainWriter plain;
+    plain.table(m_table);
+    plain.table(m_other);
+    EXPECT_TRUE(plain.bytes() == contentsOf(outerFile));
+}
+
+TEST_F(SharedRecords, ArchiveThatWritesOneAtATimeGetsTheSameBytes) {
+    makeLocks(30);
+    listAll(m_table);
+    list(m_table, {3, 29});
+    PlainWriter plain;
+    plain.table(m_table);
+    EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                    SimpleArchive simple(ar);
+                    qoStoreRecords<NySeLock>(simple, m_table);
+                }));
+    EXPECT_EQ(toHex(stored([&](CArchive& ar) {
+                  SimpleArchive simple(ar);
+                  lock(1).getHolders().GetAt(2)->storeFields(simple);
+              })),
+              hex("02 00 00 00 01 00 00 00"));
+}
+
+}  // namespace
