@@ -9,7 +9,7 @@
 namespace {
 
 // How often is looked whether what is waited for has come, in milliseconds.
-constexpr DWORD kRound = 20;
+constexpr DWORD kWaitRound = 20;
 
 // A text that no other doctor sends.
 std::string ownText() {
@@ -40,7 +40,7 @@ bool Doctor::waitFor(Condition isDone) const {
     while (!isDone()) {
         if (Clock::now() >= end) return false;
         if (!dispatchNextMessage())
-            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kRound, QS_ALLINPUT);
+            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kWaitRound, QS_ALLINPUT);
     }
     return true;
 }

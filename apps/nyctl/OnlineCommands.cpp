@@ -45,7 +45,7 @@ ExitStatus noService(const std::string& service) {
     return exitNoAnswer;
 }
 
-Run definePing(CLI::App& command) {
+Run defineOnlinePing(CLI::App& command) {
     return [service = serviceOption(command)](Context& context) {
         const ChosenService chosen(*service);
         if (!NyFctWebService::pingWebServer()) return noService(*service);
@@ -74,7 +74,7 @@ Run defineVersion(CLI::App& command) {
 
 const std::vector<Command> kOnlineCommands = {
     {"ping", "Whether the service can be reached: 0 yes, 3 no", "online ping --service test",
-     &definePing},
+     &defineOnlinePing},
     {"version",
      "The version published for a product: 0 found, 1 none or no production service, 3 no answer",
      "online version 42", &defineVersion},

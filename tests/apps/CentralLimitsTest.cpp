@@ -3,9 +3,6 @@
 
 namespace {
 
-constexpr unsigned int kShared = 0x01;
-constexpr unsigned int kExclusive = 0x18;
-
 TableLimits few() {
     TableLimits limits;
     limits.locksPerSession = 3;

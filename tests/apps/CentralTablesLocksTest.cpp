@@ -2,9 +2,6 @@
 
 namespace {
 
-constexpr unsigned int kShared = 0x01;
-constexpr unsigned int kExclusive = 0x18;
-
 using CentralTablesLocks = TablesTest;
 
 TEST_F(CentralTablesLocks, ALockIsGrantedAndRefusedByItsShareMode) {

@@ -6,6 +6,10 @@
 #include "apps/central/CentralTables.h"
 #include "tests/apps/RecordingNotifier.h"
 
+// Two modes of a lock: the one beside others, and the one that suffers none.
+inline constexpr unsigned int kShared = 0x01;
+inline constexpr unsigned int kExclusive = 0x18;
+
 class TablesTest : public ::testing::Test {
   protected:
     using Numbers = std::vector<LONG>;

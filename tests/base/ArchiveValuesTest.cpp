@@ -10,7 +10,7 @@
 namespace {
 
 template <class T>
-std::string storedHex(T value) {
+std::string valueHex(T value) {
     return toHex(stored([&](CArchive& ar) { ar << value; }));
 }
 
@@ -35,22 +35,22 @@ CString textOf(size_t length) {
 }
 
 TEST(ArchiveValues, TravelAsTheirLittleEndianBytes) {
-    EXPECT_EQ(storedHex(BYTE{0xFE}), "FE");
-    EXPECT_EQ(storedHex('A'), "41");
-    EXPECT_EQ(storedHex(true), "01");
-    EXPECT_EQ(storedHex(false), "00");
-    EXPECT_EQ(storedHex(WORD{0x1234}), "34 12");
-    EXPECT_EQ(storedHex(short{-2}), "FE FF");
-    EXPECT_EQ(storedHex(WCHAR{0x20AC}), "AC 20");
-    EXPECT_EQ(storedHex(-3), "FD FF FF FF");
-    EXPECT_EQ(storedHex(0x12345678u), "78 56 34 12");
-    EXPECT_EQ(storedHex(LONG{-2}), "FE FF FF FF");
-    EXPECT_EQ(storedHex(DWORD{0xFFFFFFFE}), "FE FF FF FF");
-    EXPECT_EQ(storedHex(BOOL{TRUE}), "01 00 00 00");
-    EXPECT_EQ(storedHex(1.0f), "00 00 80 3F");
-    EXPECT_EQ(storedHex(-2.0), "00 00 00 00 00 00 00 C0");
-    EXPECT_EQ(storedHex(LONGLONG{-2}), "FE FF FF FF FF FF FF FF");
-    EXPECT_EQ(storedHex(ULONGLONG{0x0102030405060708}), "08 07 06 05 04 03 02 01");
+    EXPECT_EQ(valueHex(BYTE{0xFE}), "FE");
+    EXPECT_EQ(valueHex('A'), "41");
+    EXPECT_EQ(valueHex(true), "01");
+    EXPECT_EQ(valueHex(false), "00");
+    EXPECT_EQ(valueHex(WORD{0x1234}), "34 12");
+    EXPECT_EQ(valueHex(short{-2}), "FE FF");
+    EXPECT_EQ(valueHex(WCHAR{0x20AC}), "AC 20");
+    EXPECT_EQ(valueHex(-3), "FD FF FF FF");
+    EXPECT_EQ(valueHex(0x12345678u), "78 56 34 12");
+    EXPECT_EQ(valueHex(LONG{-2}), "FE FF FF FF");
+    EXPECT_EQ(valueHex(DWORD{0xFFFFFFFE}), "FE FF FF FF");
+    EXPECT_EQ(valueHex(BOOL{TRUE}), "01 00 00 00");
+    EXPECT_EQ(valueHex(1.0f), "00 00 80 3F");
+    EXPECT_EQ(valueHex(-2.0), "00 00 00 00 00 00 00 C0");
+    EXPECT_EQ(valueHex(LONGLONG{-2}), "FE FF FF FF FF FF FF FF");
+    EXPECT_EQ(valueHex(ULONGLONG{0x0102030405060708}), "08 07 06 05 04 03 02 01");
 }
 
 TEST(ArchiveValues, ComeBackAsTheyWere) {
@@ -71,7 +71,7 @@ TEST(ArchiveValues, ComeBackAsTheyWere) {
 
 TEST(ArchiveValues, NanBitsPassUnchanged) {
     const auto kDouble = std::bit_cast<double>(uint64_t{0x7FF4000000000123});
-    EXPECT_EQ(storedHex(kDouble), "23 01 00 00 00 00 F4 7F");
+    EXPECT_EQ(valueHex(kDouble), "23 01 00 00 00 00 F4 7F");
     EXPECT_EQ(std::bit_cast<uint64_t>(loaded<double>(fromHex("23 01 00 00 00 00 F4 7F"))),
               0x7FF4000000000123u);
     EXPECT_EQ(std::bit_cast<uint32_t>(loaded<float>(fromHex("23 01 A0 7F"))), 0x7FA00123u);
@@ -192,14 +192,14 @@ TEST_P(StringPrefix, PrecedesTheBytesOfANarrowString) {
 }
 
 TEST(ArchiveStrings, AreTheMarkTheLengthAndTheUnits) {
-    EXPECT_EQ(storedHex(CString(_T("A"))), "FF FE FF 01 41 00");
-    EXPECT_EQ(storedHex(CString()), "FF FE FF 00");
-    EXPECT_EQ(storedHex(CString(_T("\U0001F600"))), "FF FE FF 02 3D D8 00 DE");
+    EXPECT_EQ(valueHex(CString(_T("A"))), "FF FE FF 01 41 00");
+    EXPECT_EQ(valueHex(CString()), "FF FE FF 00");
+    EXPECT_EQ(valueHex(CString(_T("\U0001F600"))), "FF FE FF 02 3D D8 00 DE");
 }
 
 TEST(ArchiveStrings, KeepZeroCharacters) {
     const CString text(_T("a\0b"), 3);
-    EXPECT_EQ(storedHex(text), "FF FE FF 03 61 00 00 00 62 00");
+    EXPECT_EQ(valueHex(text), "FF FE FF 03 61 00 00 00 62 00");
     EXPECT_EQ(unitsOf(loaded<CString>(fromHex("FF FE FF 03 61 00 00 00 62 00"))), unitsOf(text));
     EXPECT_EQ(unitsOf(loaded<CString>(fromHex("03 61 00 62"))), unitsOf(text));
 }
@@ -207,7 +207,7 @@ TEST(ArchiveStrings, KeepZeroCharacters) {
 TEST(ArchiveStrings, KeepUnpairedSurrogates) {
     const CString text = loaded<CString>(fromHex("FF FE FF 01 00 DC"));
     EXPECT_EQ(int{text.GetAt(0)}, 0xDC00);
-    EXPECT_EQ(storedHex(text), "FF FE FF 01 00 DC");
+    EXPECT_EQ(valueHex(text), "FF FE FF 01 00 DC");
 }
 
 TEST(ArchiveStrings, WithoutTheMarkAreConverted) {

@@ -27,7 +27,7 @@ void fill(Numbers& array, std::initializer_list<LONG> values) {
     for (const LONG value : values) array.Add(value);
 }
 
-std::string storedHex(CObject& object) {
+std::string objectHex(CObject& object) {
     return toHex(stored([&](CArchive& ar) { object.Serialize(ar); }));
 }
 
@@ -173,17 +173,17 @@ TEST(Arrays, TypedOnesGiveTheirElementType) {
 
 TEST(ArrayArchives, OfObjectsAreACountAndObjects) {
     CObArray array;
-    EXPECT_EQ(storedHex(array), "00 00");
+    EXPECT_EQ(objectHex(array), "00 00");
     Foo one(1), two(2);
     array.Add(&one);
     array.Add(&two);
-    EXPECT_EQ(storedHex(array),
+    EXPECT_EQ(objectHex(array),
               hex("02 00 FF FF DF 07 03 00 46 6F 6F 01 00 00 00 01 80 02 00 00 00"));
     array.SetAt(1, &one);
-    EXPECT_EQ(storedHex(array), hex("02 00 FF FF DF 07 03 00 46 6F 6F 01 00 00 00 02 00"));
+    EXPECT_EQ(objectHex(array), hex("02 00 FF FF DF 07 03 00 46 6F 6F 01 00 00 00 02 00"));
     array.RemoveAll();
     array.Add(nullptr);
-    EXPECT_EQ(storedHex(array), "01 00 00 00");
+    EXPECT_EQ(objectHex(array), "01 00 00 00");
 }
 
 TEST(ArrayArchives, ByPointerBearTheirClassFirst) {
@@ -222,10 +222,10 @@ TEST(ArrayArchives, ByPointerComeBack) {
 
 TEST(ArrayArchives, OfStringsAreACountAndStrings) {
     CStringArray array;
-    EXPECT_EQ(storedHex(array), "00 00");
+    EXPECT_EQ(objectHex(array), "00 00");
     array.Add(_T(""));
     array.Add(_T("Ab"));
-    EXPECT_EQ(storedHex(array), hex("02 00 FF FE FF 00 FF FE FF 02 41 00 62 00"));
+    EXPECT_EQ(objectHex(array), hex("02 00 FF FE FF 00 FF FE FF 02 41 00 62 00"));
     const auto write = [](CArchive& ar) { ar.WriteClass(RUNTIME_CLASS(CStringArray)); };
     EXPECT_EQ(toHex(stored(write)), hex("FF FF 00 00 0C 00 'CStringArray'"));
 }
@@ -252,12 +252,12 @@ TEST(ArrayArchives, OfStringsByPointerComeBack) {
 
 TEST(ArrayArchives, OfValuesAreACountAndTheirBytes) {
     Numbers array;
-    EXPECT_EQ(storedHex(array), "00 00");
+    EXPECT_EQ(objectHex(array), "00 00");
     fill(array, {1, -1});
-    EXPECT_EQ(storedHex(array), hex("02 00 01 00 00 00 FF FF FF FF"));
+    EXPECT_EQ(objectHex(array), hex("02 00 01 00 00 00 FF FF FF FF"));
     CArray<BYTE, BYTE> bytes;
     bytes.Add(7);
-    EXPECT_EQ(storedHex(bytes), "01 00 07");
+    EXPECT_EQ(objectHex(bytes), "01 00 07");
 }
 
 TEST(ArrayArchives, OfValuesComeBack) {

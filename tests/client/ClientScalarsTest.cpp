@@ -10,7 +10,7 @@ struct Answer {
     LONG result;
 };
 
-struct Request {
+struct ScalarRequest {
     const char* name;
     LONG failure;
     std::vector<Answer> answers;
@@ -30,7 +30,7 @@ std::vector<Answer> yesOrNo() {
     return {{wire("01"), true}, {wire("00"), false}, {wire("02"), true}, {wire("FF"), true}};
 }
 
-const Request kRequests[] = {
+const ScalarRequest kScalarRequests[] = {
     {"lock", false, yesOrNo(),
      [](NySeClientApp& client) { return client.lock(_T("part/42"), 0x18); }},
     {"openConnection", -1, numbersAsTheyAre(),
@@ -43,13 +43,13 @@ const Request kRequests[] = {
      [](NySeClientApp& client) { return client.getCurrentTime(); }},
 };
 
-class ClientScalars : public ClientTest, public ::testing::WithParamInterface<Request> {
+class ClientScalars : public ClientTest, public ::testing::WithParamInterface<ScalarRequest> {
   protected:
     std::string request() const { return goldenWire(std::string("request-") + GetParam().name); }
     LONG call() { return GetParam().call(client); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientScalars, ::testing::ValuesIn(kRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientScalars, ::testing::ValuesIn(kScalarRequests),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientScalars, AreWhatTheServerSays) {

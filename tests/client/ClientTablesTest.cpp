@@ -5,7 +5,7 @@
 
 namespace {
 
-struct Request {
+struct TableRequest {
     const char* name;
     const char* reply;        // the golden reply, of two records
     std::string beforeReply;  // what the server sends first
@@ -17,9 +17,9 @@ struct Request {
 constexpr INT_PTR kRecordsInReply = 2;
 
 template <class Table, class Record>
-Request tableRequest(const char* name, const char* reply,
-                     std::function<void(NySeClientApp&, Table&)> call,
-                     const std::string& beforeReply = "") {
+TableRequest tableRequest(const char* name, const char* reply,
+                          std::function<void(NySeClientApp&, Table&)> call,
+                          const std::string& beforeReply = "") {
     return {name,
             reply,
             beforeReply,
@@ -30,7 +30,7 @@ Request tableRequest(const char* name, const char* reply,
             }};
 }
 
-const Request kRequests[] = {
+const TableRequest kTableRequests[] = {
     tableRequest<NySeLockArray, NySeLock>("getLock", "reply-locks", &NySeClientApp::getLock),
     tableRequest<NySeUserPtrArray, NySeUser>(
         "isLockBy", "reply-users",
@@ -48,7 +48,7 @@ const Request kRequests[] = {
                                              &NySeClientApp::getAllUser),
 };
 
-class ClientTables : public ClientTest, public ::testing::WithParamInterface<Request> {
+class ClientTables : public ClientTest, public ::testing::WithParamInterface<TableRequest> {
   protected:
     std::string request() const { return goldenWire(std::string("request-") + GetParam().name); }
     std::string goodReply() const { return GetParam().beforeReply + goldenWire(GetParam().reply); }
@@ -57,7 +57,7 @@ class ClientTables : public ClientTest, public ::testing::WithParamInterface<Req
     const std::shared_ptr<QoArraySerial2> table = GetParam().makeTable();
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientTables, ::testing::ValuesIn(kRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientTables, ::testing::ValuesIn(kTableRequests),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientTables, AppendsWhatTheServerSends) {

@@ -6,18 +6,18 @@
 
 namespace {
 
-struct Request {
+struct TextRequest {
     const char* name;
     std::function<CString(NySeClientApp&)> call;
 };
 
-const Request kRequests[] = {
+const TextRequest kTextRequests[] = {
     {"getMachineIdentifiant", &NySeClientApp::getMachineIdentifiant},
     {"getEventListFromEventViewer",
      [](NySeClientApp& client) { return client.getEventListFromEventViewer(25); }},
 };
 
-class ClientTexts : public ClientTest, public ::testing::WithParamInterface<Request> {
+class ClientTexts : public ClientTest, public ::testing::WithParamInterface<TextRequest> {
   protected:
     std::string request() const { return goldenWire(std::string("request-") + GetParam().name); }
     CString call() { return GetParam().call(client); }
@@ -26,7 +26,7 @@ class ClientTexts : public ClientTest, public ::testing::WithParamInterface<Requ
     const CString goodText = _T("00-1a-2b-3c-4d-5e");
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientTexts, ::testing::ValuesIn(kRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientTexts, ::testing::ValuesIn(kTextRequests),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientTexts, AreWhatTheServerWrites) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-struct Request {
+struct UnansweredRequest {
     const char* name;
     std::function<void(NySeClientApp&)> call;
 };
@@ -17,7 +17,7 @@ NySeMessage savedMessage() {
     return message;
 }
 
-const Request kRequests[] = {
+const UnansweredRequest kUnansweredRequests[] = {
     {"unLock", [](NySeClientApp& client) { client.unLock(_T("part/42")); }},
     {"closeConnection", [](NySeClientApp& client) { client.closeConnection(3); }},
     {"sendConnectionData",
@@ -40,13 +40,14 @@ const Request kRequests[] = {
     {"verifyCoherancy", &NySeClientApp::verifyCoherancy},
 };
 
-class ClientUnanswered : public ClientTest, public ::testing::WithParamInterface<Request> {
+class ClientUnanswered : public ClientTest,
+                         public ::testing::WithParamInterface<UnansweredRequest> {
   protected:
     std::string request() const { return goldenWire(std::string("request-") + GetParam().name); }
     void call() { GetParam().call(client); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientUnanswered, ::testing::ValuesIn(kRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientUnanswered, ::testing::ValuesIn(kUnansweredRequests),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientUnanswered, SendAndTakeNothing) {

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr unsigned int kMessage = WM_APP + 7;
+constexpr unsigned int kFromThreads = WM_APP + 7;
 
 class ListenerPostingThreads : public testing::Test {
   protected:
@@ -39,7 +39,7 @@ class StreamingSender {
         for (; !m_isEnding; ++m_posts) {
             CMemFile file;
             file.Write("stream", 6);
-            m_listener.postMessageToMainFrame(kMessage, file);
+            m_listener.postMessageToMainFrame(kFromThreads, file);
         }
     }
 
@@ -69,7 +69,7 @@ class OwnWindow : public CWnd {
     // Whether there was a message.
     bool consumeOne(NyServerApp& listener) {
         MSG one;
-        if (!::PeekMessageW(&one, m_hWnd, kMessage, kMessage, PM_REMOVE)) return false;
+        if (!::PeekMessageW(&one, m_hWnd, kFromThreads, kFromThreads, PM_REMOVE)) return false;
         const NyServerNotification consumed(one.wParam, one.lParam, &listener);
         return true;
     }
@@ -94,11 +94,11 @@ TEST_F(ListenerPostingThreads, NothingIsPostedToAWindowThatGoesMeanwhile) {
     FileThatEndsAWindow file(window);
     file.Write("content", 7);
     ASSERT_TRUE(::IsWindow(window.GetSafeHwnd()));
-    m_listener.postMessageToMainFrame(kMessage, file);
+    m_listener.postMessageToMainFrame(kFromThreads, file);
     ASSERT_EQ(window.GetSafeHwnd(), nullptr);
     EXPECT_EQ(m_listener.getPostMsgCount(), 0);
     MSG message;
-    EXPECT_FALSE(::PeekMessageW(&message, nullptr, kMessage, kMessage, PM_REMOVE));
+    EXPECT_FALSE(::PeekMessageW(&message, nullptr, kFromThreads, kFromThreads, PM_REMOVE));
     m_listener.setAppWnd(nullptr);
 }
 

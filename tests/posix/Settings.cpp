@@ -11,7 +11,7 @@ namespace {
 
 constexpr Key theKey;
 
-std::mutex lock;
+std::mutex settingsLock;
 std::map<std::wstring, std::string> values;
 
 }  // namespace
@@ -30,7 +30,7 @@ LSTATUS RegOpenKeyExW(HKEY, const wchar_t*, DWORD, DWORD, HKEY* key) {
 }
 
 LSTATUS RegOverridePredefKey(HKEY, HKEY) {
-    const std::lock_guard guard(lock);
+    const std::lock_guard guard(settingsLock);
     values.clear();
     return ERROR_SUCCESS;
 }
@@ -44,13 +44,13 @@ LSTATUS RegDeleteTreeW(HKEY, const wchar_t*) {
 }
 
 LSTATUS RegSetValueExW(HKEY, const wchar_t* name, DWORD, DWORD, const BYTE* data, DWORD size) {
-    const std::lock_guard guard(lock);
+    const std::lock_guard guard(settingsLock);
     values[name] = {reinterpret_cast<const char*>(data), size};
     return ERROR_SUCCESS;
 }
 
 LSTATUS RegQueryValueExW(HKEY, const wchar_t* name, DWORD*, DWORD*, BYTE* data, DWORD* size) {
-    const std::lock_guard guard(lock);
+    const std::lock_guard guard(settingsLock);
     const auto found = values.find(name);
     if (found == values.end() || found->second.size() > *size) return ERROR_FILE_NOT_FOUND;
     *size = static_cast<DWORD>(found->second.copy(reinterpret_cast<char*>(data), *size));

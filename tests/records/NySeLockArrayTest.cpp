@@ -177,7 +177,7 @@ TEST_F(LockTable, ClassesFirstSeenLateTravelWithLongTags) {
 }
 
 // The same table in plain containers.
-class Model {
+class LockModel {
   public:
     int addLock(const std::string& name, int session, unsigned mode) {
         for (size_t i = 0; i < m_locks.size(); ++i) {
@@ -239,7 +239,7 @@ TEST_F(LockTable, AgreesWithAPlainModelOnRandomUse) {
     constexpr int kOperations = 100000;
     SCOPED_TRACE(::testing::Message() << "seed " << kSeed);
     std::mt19937 random(kSeed);
-    Model model;
+    LockModel model;
     int granted = 0;
     int refused = 0;
     for (int i = 0; i < kOperations; ++i) {

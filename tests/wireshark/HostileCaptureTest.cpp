@@ -11,9 +11,6 @@
 
 namespace {
 
-// The lower port of a connection decides who decodes it.
-constexpr int kFirstClientPort = tshark::kServerPort + 1;
-
 size_t occurrences(const std::string& text, const std::string& word) {
     size_t count = 0;
     for (size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1))
@@ -47,7 +44,7 @@ class HostileCapture : public ::testing::Test {
     }
 
     Capture m_capture;
-    int m_client = kFirstClientPort;
+    int m_client = tshark::kFirstClientPort;
 };
 
 // Payloads with a bias towards what means something.

@@ -11,8 +11,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 using Fields = std::map<std::string, Decoded::Values>;
 
-// The lower port of a connection decides who decodes it.
-constexpr int kFirstClientPort = tshark::kServerPort + 1;
 constexpr int kFirstUnknownPort = 30000;
 
 std::vector<const Talk*>& allTalks() {
@@ -120,7 +118,7 @@ Talk::Talk(std::vector<Said> (*say)())
 }
 
 void Talk::addTo(Capture& capture, size_t place) const {
-    const int client = kFirstClientPort + static_cast<int>(place);
+    const int client = tshark::kFirstClientPort + static_cast<int>(place);
     const int server =
         m_on == On::serverPort ? tshark::kServerPort : kFirstUnknownPort + static_cast<int>(place);
     for (const Said& said : m_say != nullptr ? m_say() : m_said) {

@@ -9,6 +9,8 @@ namespace tshark {
 
 // Connections to this port are decoded whatever they begin with.
 inline constexpr int kServerPort = 40000;
+// For clients: the lower port of a connection decides who decodes it.
+inline constexpr int kFirstClientPort = kServerPort + 1;
 
 struct Result {
     int status;

@@ -30,4 +30,10 @@ class NYBASE_API QoObject2 : public CObject {
     // How this object sorts against `other` under `key`; noOrder for a key or an object of a kind
     // that it does not know.
     virtual QoSort::CompareResult vCompareTo(const QoObject2& other, short key) const;
+
+  protected:
+    QoObject2() = default;
+    // The class library's root object is not copied; the compiler wants that said.
+    // NOLINTNEXTLINE(bugprone-copy-constructor-init,readability-redundant-member-init)
+    QoObject2(const QoObject2&) : CObject() {}
 };
