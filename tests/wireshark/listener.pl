@@ -1,5 +1,5 @@
 # listener.pl COUNT: listens on COUNT ports of loopback that follow each other until its standard input ends. Prints the
-# first port, and then for all that comes the port and the printable characters. Answers probes that come alone.
+# first port, and then for each notification and probe the port and the printable characters. Answers probes.
 use strict;
 use warnings;
 use IO::Select;
@@ -27,18 +27,33 @@ my %is_listening = map { $_ => 1 } @row;
 $| = 1;
 print $row[0]->sockport, "\n";
 
+# take_frame BYTES: removes and returns the first whole frame; nothing when there is none yet.
+sub take_frame {
+    return if length $_[0] < 8;
+    my (undef, $length) = unpack 'l<l<', $_[0];
+    return if length $_[0] < 8 + $length;
+    return substr $_[0], 0, 8 + $length, '';
+}
+
+my %bytes_of;
 my $all = IO::Select->new(\*STDIN, @row);
 while (1) {
     for my $ready ($all->can_read) {
         if ($is_listening{$ready}) {
-            $all->add($ready->accept);
+            my $accepted = $ready->accept;
+            $all->add($accepted);
+            $bytes_of{$accepted} = '';
         } elsif (!sysread $ready, my $piece, 65536) {
             exit 0 if $ready == \*STDIN;
             $all->remove($ready);
+            delete $bytes_of{$ready};
         } else {
-            syswrite $ready, pack('l<', 512) if $piece eq $probe;
-            $piece =~ tr/ -~//cd;
-            print $ready->sockport, " $piece\n";
+            $bytes_of{$ready} .= $piece;
+            while (defined(my $frame = take_frame($bytes_of{$ready}))) {
+                syswrite $ready, pack('l<', 512) if $frame eq $probe;
+                $frame =~ tr/ -~//cd;
+                print $ready->sockport, " $frame\n";
+            }
         }
     }
 }
