@@ -1,6 +1,7 @@
 // How the cost of a record depends on the number of records: locks with 3 holders.
 //
 //   encode/library/N  decode/library/N  encode/floor/N  decode/floor/N
+//   encode/touch/N    looks at each piece of memory that encode/library reads, and writes nothing
 //   N = 100, 1,000, ... 1,000,000 records
 //
 // Time divided by N is the cost of a record. What does not fit into the processor's caches any
@@ -41,6 +42,25 @@ void encodeLibrary(benchmark::State& state) {
     bench::timeEncoding(state, codec, table, recordsOf(state));
 }
 
+// A sum that depends on a lock's name and on each of its holders.
+uint32_t touched(const NySeLock& lock) {
+    uint32_t sum = lock.getStrLockName()[static_cast<int>(bench::kNameLength) - 1];
+    const NySeSessionLockPtrArray& holders = lock.getHolders();
+    for (INT_PTR i = 0; i < holders.GetSize(); ++i) sum += holders[i]->getLockState();
+    return sum;
+}
+
+void touchLibrary(benchmark::State& state) {
+    NySeLockArray table;
+    bench::fill(table, recordsOf(state));
+    for (auto _ : state) {
+        uint32_t sum = 0;
+        for (INT_PTR i = 0; i < table.GetSize(); ++i) sum += touched(*table[i]);
+        benchmark::DoNotOptimize(sum);
+    }
+    bench::count(state, 0, recordsOf(state));
+}
+
 void decodeLibrary(benchmark::State& state) {
     LibraryLocks codec;
     bench::View encoded;
@@ -60,6 +80,7 @@ void addSizes(const char* name, void (*run)(benchmark::State&)) {
 
 int main(int argc, char** argv) {
     addSizes("encode/library", encodeLibrary);
+    addSizes("encode/touch", touchLibrary);
     addSizes("decode/library", decodeLibrary);
     addSizes("encode/floor", encodeFloor);
     addSizes("decode/floor", decodeFloor);
