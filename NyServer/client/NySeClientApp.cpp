@@ -39,7 +39,9 @@ NySeClientApp::~NySeClientApp() {
     delete m_socket;
 }
 
+// The schema is agreed once for each connection: the next server may grant another one.
 int NySeClientApp::connect(int port, const char* address, int) {
+    m_schema = NySe::noSchema;
     m_socket->Reset();
     const int result =
         m_socket->Connect(static_cast<unsigned int>(port), address, -1, AF_INET, SOCK_STREAM);

@@ -34,7 +34,9 @@ class NYSERVER_API NySeClientApp {
     virtual ~NySeClientApp();
 
     // 0 when connected, 90 on any failure. address: a dotted IPv4 address or a host name, in ANSI
-    // characters. The time-out is ignored: connecting takes as long as the system lets it.
+    // characters. The time-out is ignored: connecting takes as long as the system lets it. The
+    // session schema is 0 afterwards, until initializeSchema. After a failure the object may
+    // connect again, and names the other end as getPort says.
     // REQUIRES: not connected; the socket of an open connection would be lost.
     int connect(int port, const char* address, int timeout);
     // Says good-bye and closes. False when the close failed.
@@ -42,15 +44,18 @@ class NYSERVER_API NySeClientApp {
     // 1 while the server holds the connection, else 0.
     int IsConnected();
 
-    // The port and the dotted address of the connection's other end. Without a connection the port
-    // is that of the last one tried, 0 before the first, and the address is empty.
+    // The port and the dotted address of the connection's other end; before the first connect 0 and
+    // empty. A refused connect leaves those of the server that refused. One whose host name is
+    // unknown leaves an empty address, and disconnect does too; both keep the port of the last
+    // server tried.
     unsigned getPort() const;
     CString getStrAddress() const;
     // This computer's name; the server is not asked.
     CString getHostName() const;
 
     // Agrees on the schema of all later requests. It stays as it was when the request cannot be
-    // sent.
+    // sent and when no answer comes. An answer of fewer than 4 bytes overwrites that many of its
+    // low bytes: connect again, whatever getSchemaType returns then.
     void initializeSchema();
     NySe::SchemaType getSchemaType() const { return m_schema; }
     // True when the server answered as a living one does.

@@ -24,6 +24,29 @@ TEST_F(ClientConnection, FailsWith90WhenTheNameIsUnknown) {
     EXPECT_EQ(90, client.connect(1, "no-such-host.invalid", -1));
 }
 
+TEST_F(ClientConnection, NamesTheServerThatRefused) {
+    const peers::RefusingPort port;
+    EXPECT_EQ(90, client.connect(static_cast<int>(port.port()), "127.0.0.1", -1));
+    EXPECT_EQ(port.port(), client.getPort());
+    EXPECT_EQ(CString("127.0.0.1"), client.getStrAddress());
+    EXPECT_EQ(90, client.connect(1, "no-such-host.invalid", -1));
+    EXPECT_EQ(port.port(), client.getPort());
+    EXPECT_TRUE(client.getStrAddress().IsEmpty());
+}
+
+TEST_F(ClientConnection, AgreesOnASchemaOfItsOwnEachTime) {
+    for (int connection = 0; connection < 2; ++connection) {
+        serveRequest(goldenWire("request-initializeSchema"), wireOf<LONG>(NySe::schema2015));
+        EXPECT_EQ(NySe::noSchema, client.getSchemaType()) << connection;
+        client.initializeSchema();
+        EXPECT_EQ(NySe::schema2015, client.getSchemaType());
+        expectRequestsSent();
+    }
+    const peers::RefusingPort refusing;
+    EXPECT_EQ(90, client.connect(static_cast<int>(refusing.port()), "127.0.0.1", -1));
+    EXPECT_EQ(NySe::noSchema, client.getSchemaType());
+}
+
 TEST_F(ClientConnection, IgnoresTheTimeOut) {
     for (const int timeout : {-1, 0, 1, 15}) {
         NySeClientApp other;

@@ -26,6 +26,13 @@ TEST_F(ClientSession, InitializeSchemaKeepsTheSchemaWhenTheServerCloses) {
     EXPECT_EQ(NySe::noSchema, client.getSchemaType());
 }
 
+TEST_F(ClientSession, InitializeSchemaTakesTheBytesOfAShortAnswer) {
+    const std::string answer = wireOf<LONG>(0x01020304);
+    serveRequest(goldenWire("request-initializeSchema"), answer.substr(0, 3), Then::close);
+    client.initializeSchema();
+    EXPECT_EQ(0x020304u, client.getSchemaType());
+}
+
 TEST_F(ClientSession, IsAliveOnlyForAnswer512) {
     const std::string request = goldenWire("request-isAlive");
     serve({{request, {wireOf<LONG>(512)}},
