@@ -36,6 +36,8 @@ Run defineHolders(CLI::App& command) {
     return [name = argument<std::string>(command, "NAME", "The lock's name")](Context& context) {
         NySeUserPtrArray users;
         const bool held = context.client().isLockBy(fromUtf8(*name), users);
+        // Yes without a holder: the table that follows the yes was lost.
+        if (held && users.GetSize() == 0) return noAnswer(context);
         const ExitStatus status = held ? exitYes : ifAnswered(context, exitNo);
         if (status != exitNoAnswer) printUsers(context, users);
         return status;

@@ -152,6 +152,15 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
     EXPECT_NE(std::string::npos, m_run.printed().find("a?[2Jb?c")) << m_run.printed();
 }
 
+TEST_F(Nyctl, HoldersHasNoAnswerWhenTheirTableIsLost) {
+    const std::string request = goldenWire("request-isLockBy");
+    for (const std::string& table : {std::string(), goldenWire("reply-locks")}) {
+        serve({{request, "\1" + table}});
+        EXPECT_EQ(exitNoAnswer, run("holders part/42"));
+        EXPECT_EQ("", m_run.printed());
+    }
+}
+
 TEST_F(Nyctl, LocksHasNoAnswerWhenTheUsersDoNotCome) {
     serve({{getLock, goldenWire("reply-locks")}});
     EXPECT_EQ(exitNoAnswer, run("locks"));
