@@ -1,4 +1,5 @@
-# Shared by the scripts: where the project is, which files it has, and steps with their seconds, notes and failures.
+# Shared by the scripts: where the project is, which files it has, waits, free ports, and steps with their seconds, notes
+# and failures.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 logs=$root/build/logs
 
@@ -14,6 +15,25 @@ project_files() {
 usage() {
   sed -n '2,/^[^#]/{s/^# \{0,1\}//p}' "$0" >&2
   exit 2
+}
+
+# await COMMAND...: until the command succeeds, at most 60 s; false, with a word about it, when it does not.
+await() {
+  local end=$((SECONDS + 60))
+  until "$@"; do
+    ((SECONDS < end)) || { echo "waited long enough for: $*" >&2; return 1; }
+    sleep 0.1
+  done
+}
+
+# gone PROCESS: whether it has ended; for await.
+gone() {
+  ! kill -0 "$1" 2> /dev/null
+}
+
+# free_row: prints a range of ports, FIRST-LAST, that nobody uses, for a server to hand out. It is this script's own.
+free_row() {
+  perl "$root/tools/free-row.pl" $$
 }
 
 # step NAME COMMAND...: says that it starts, runs the command with its output in build/logs/NAME.log, and prints one line:

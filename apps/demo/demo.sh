@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # demo.sh: a central server and two users, told as a story. Starts what it needs and stops it again.
 set -eu
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+. "$(dirname "${BASH_SOURCE[0]}")/../../tools/lib.sh"
 bin=$root/build/windows/bin
 work=$(mktemp -d)
 central=
@@ -12,11 +12,7 @@ run() { exec "$root/tools/run-in-wine" "$bin/$1.exe" "${@:2}"; }
 # stop PID: as Ctrl+C does, and waits; by force when that does not help.
 stop() {
   kill -INT "$1" 2> /dev/null || return 0
-  for _ in $(seq 100); do
-    kill -0 "$1" 2> /dev/null || break
-    sleep 0.1
-  done
-  kill -KILL "$1" 2> /dev/null || true
+  await gone "$1" || kill -KILL "$1"
   wait "$1"
 }
 
@@ -45,7 +41,7 @@ begins() {
 hears() {
   local line
   answer=
-  while IFS= read -r -t 20 line <&"${answers[$1]}"; do
+  while IFS= read -r -t 60 line <&"${answers[$1]}"; do
     line=${line%$'\r'}
     [ "$line" != = ] || return 0
     printf '    %s\n' "$line"
@@ -78,14 +74,10 @@ starts() {
 
 tell "A central server starts on a free port"
 set -m  # a background program ignores Ctrl+C unless it is a job of its own
-run nycentral --port-file "$work/port" > "$work/central.log" 2>&1 &
+run nycentral --ports "$(free_row)" --port-file "$work/port" > "$work/central.log" 2>&1 &
 central=$!
 set +m
-for _ in $(seq 600); do  # Wine's first start takes long
-  [ ! -s "$work/port" ] || break
-  sleep 0.1
-done
-[ -s "$work/port" ] || { cat "$work/central.log" >&2; exit 1; }
+await test -s "$work/port" || { cat "$work/central.log" >&2; exit 1; }
 server=127.0.0.1:$(tr -d '\r\n' < "$work/port")
 sed 's/^/    /' "$work/central.log"
 
@@ -146,10 +138,8 @@ expect 'COLLABORATIVE SERVER INFORMATION'
 
 tell "Bob leaves; what he held is free"
 exec 4>&-
-for _ in $(seq 50); do
-  [[ $(run nyctl --server "$server" --json users) == *bob* ]] || break
-  sleep 0.1
-done
+has_left() { [[ $(run nyctl --server "$server" --json users) != *bob* ]]; }
+await has_left
 says anna users
 expect_not bob
 says anna locks

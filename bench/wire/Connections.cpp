@@ -37,15 +37,34 @@ class CountingListener : public NyServerApp {
     }
 };
 
-// The other ends are in a process of their own, so that this one has only what is counted.
+// The other ends are in a process of their own, so that this one has only what is counted. It ends
+// with this one: its input is then closed.
 class Holder {
   public:
-    Holder(unsigned int port, int count)
-        : m_process(L"bench-wire.exe",
-                    L"hold " + std::to_wstring(port) + L' ' + std::to_wstring(count), nullptr,
-                    nullptr, nullptr) {}
+    explicit Holder(unsigned int port)
+        : m_process(L"bench-wire.exe", L"hold " + std::to_wstring(port), m_orders.reading.get(),
+                    nullptr, nullptr) {
+        m_orders.reading.reset();
+    }
+
+    // One after the other: a connect that finds the listen queue full is only tried again a second
+    // later.
+    template <class Taken>
+    void open(int count, Taken isTaken) {
+        for (int i = 1; i <= count; ++i) {
+            DWORD written = 0;
+            ::WriteFile(m_orders.writing.get(), "\n", 1, &written, nullptr);
+            bench::require(written == 1 && isTaken(i), "a connection is not taken");
+        }
+    }
 
   private:
+    // The child must not hold its own input open.
+    struct Orders : Pipe {
+        Orders() { keepToOneself(writing); }
+    };
+
+    Orders m_orders;
     ChildProcess m_process;
 };
 
@@ -61,13 +80,12 @@ class ThreadPerSocket {
     ThreadPerSocket& operator=(const ThreadPerSocket&) = delete;
 
     unsigned int port() const { return static_cast<unsigned int>(peers::portOf(m_socket)); }
-    void accept(int count) {
-        for (int i = 0; i < count; ++i) {
-            bench::require(bench::awaitReadable(m_socket.get(), kLongestWait.count()), "none came");
-            m_threads.emplace_back(
-                [this, socket = ::accept(m_socket.get(), nullptr, nullptr)] { wait(socket); });
-        }
-        bench::require(eventually([&] { return m_waiting == count; }, kLongestWait), "no threads");
+    // Whether it has `count` threads that wait, one more than before.
+    bool accept(int count) {
+        if (!bench::awaitReadable(m_socket.get(), kLongestWait.count())) return false;
+        m_threads.emplace_back(
+            [this, socket = ::accept(m_socket.get(), nullptr, nullptr)] { wait(socket); });
+        return eventually([&] { return m_waiting == count; }, kLongestWait);
     }
 
   private:
@@ -86,8 +104,8 @@ class ThreadPerSocket {
 void holdInThreads(int count) {
     ThreadPerSocket listener;
     const ProcessUsage before = ProcessUsage::of(::GetCurrentProcess());
-    const Holder holder(listener.port(), count);
-    listener.accept(count);
+    Holder holder(listener.port());
+    holder.open(count, [&](int opened) { return listener.accept(opened); });
     printRow("a thread that waits for its socket", before, ProcessUsage::of(::GetCurrentProcess()),
              count);
 }
@@ -96,8 +114,8 @@ void holdInListener(int count) {
     CountingListener listener;
     bench::require(listener.Start() == 0, "the listener does not start");
     const ProcessUsage before = ProcessUsage::of(::GetCurrentProcess());
-    const Holder holder(listener.GetBoundPort(), count);
-    bench::require(listener.holds(count), "the listener does not get its connections");
+    Holder holder(listener.GetBoundPort());
+    holder.open(count, [&](int opened) { return listener.holds(opened); });
     printRow("`NyServerApp`", before, ProcessUsage::of(::GetCurrentProcess()), count);
 }
 
@@ -130,11 +148,8 @@ void bench::runConnections(const WireOptions& options) {
     holdInCentral(options.connections);
 }
 
-void bench::holdConnections(int port, int count) {
+void bench::holdConnections(int port) {
     const peers::WinsockSession winsock;
-    std::vector<peers::Connection> held;
-    held.reserve(static_cast<size_t>(count));
-    for (int i = 0; i < count; ++i)
-        held.push_back(peers::connectionTo(static_cast<unsigned int>(port)));
-    ::Sleep(INFINITE);
+    std::vector<UniqueSocket> held;
+    while (std::getchar() != EOF) held.push_back(peers::connectTo(static_cast<unsigned int>(port)));
 }

@@ -17,8 +17,9 @@ void runNotifications(const WireOptions& options);
 void runConnections(const WireOptions& options);
 void runCentral(const WireOptions& options);
 
-// Opens connections to a port of 127.0.0.1 and holds them until the process is ended.
-void holdConnections(int port, int count);
+// Opens a connection to a port of 127.0.0.1 for each byte of the input and holds all of them until
+// the input ends.
+void holdConnections(int port);
 
 inline void require(bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);

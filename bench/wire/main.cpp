@@ -9,7 +9,7 @@
 //                   nycentral's
 //   central         nycentral's requests a second and their times, with 1, 10 and 100 clients, and
 //                   while a listener lives or is dead
-//   hold PORT N     nothing of its own: the other end of the listener's connections
+//   hold PORT       nothing of its own: the other ends of the listener's connections
 //
 // S: seconds for each group of rows. The first two parts are meant for one core.
 #include <cstdio>
@@ -56,8 +56,8 @@ const std::map<std::string, Part>& parts() {
 }
 
 int run(const std::vector<std::string>& arguments) {
-    if (arguments.size() == 3 && arguments[0] == "hold") {
-        bench::holdConnections(std::stoi(arguments[1]), std::stoi(arguments[2]));
+    if (arguments.size() == 2 && arguments[0] == "hold") {
+        bench::holdConnections(std::stoi(arguments[1]));
         return 0;
     }
     bench::WireOptions options;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tests/apps/ChildProcess.h"
+#include "tests/support/Gate.h"
 #include "tests/support/TempFile.h"
 
 class CentralProgram {
@@ -16,10 +17,10 @@ class CentralProgram {
         m_process = std::make_unique<ChildProcess>(
             L"nycentral.exe", L"--port-file \"" + m_folder.path(L"port") + L"\" " + arguments,
             nullptr, m_output.get(), m_errors.get());
-        for (int i = 0; i < 1500 && m_port == 0; ++i) {
-            ::Sleep(20);
+        eventually([this] {
             m_port = std::atoi(m_folder.content(L"port").c_str());  // none while it is being named
-        }
+            return m_port != 0 || m_process->hasEnded(std::chrono::milliseconds(0));
+        });
         EXPECT_NE(0, m_port) << errors();
     }
 

@@ -1,4 +1,5 @@
-// A program of this build as a process of its own, ended at the latest when this goes.
+// A program of this build as a process of its own, ended at the latest when this goes, or when the
+// process that started it does.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,11 +26,13 @@ class ChildProcess {
         start.hStdOutput = output;
         start.hStdError = errors;
         PROCESS_INFORMATION made{};
-        EXPECT_TRUE(::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                                     nullptr, &start, &made))
+        EXPECT_TRUE(::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
+                                     CREATE_SUSPENDED, nullptr, nullptr, &start, &made))
             << ::GetLastError();
         m_process = UniqueKernelHandle(made.hProcess);
         const UniqueKernelHandle thread(made.hThread);
+        EXPECT_TRUE(::AssignProcessToJobObject(m_job.get(), m_process.get()));
+        ::ResumeThread(thread.get());
     }
     ~ChildProcess() { kill(); }
     ChildProcess(const ChildProcess&) = delete;
@@ -66,6 +69,17 @@ class ChildProcess {
     }
 
   private:
+    // The processes in it end when its last handle is closed, as the system does for a process that
+    // is killed.
+    static UniqueKernelHandle makeJob() {
+        UniqueKernelHandle job(::CreateJobObjectW(nullptr, nullptr));
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+        EXPECT_TRUE(::SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits,
+                                              sizeof limits));
+        return job;
+    }
+
     // Where this program is, with the backslash.
     static std::wstring folder() {
         wchar_t path[MAX_PATH];
@@ -73,6 +87,7 @@ class ChildProcess {
         return own.substr(0, own.rfind(L'\\') + 1);
     }
 
+    const UniqueKernelHandle m_job = makeJob();
     UniqueKernelHandle m_process;
 };
 

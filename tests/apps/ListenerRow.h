@@ -1,22 +1,22 @@
 // Listeners on ports that follow each other, for a server that is told a range of ports.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <memory>
-#include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "tests/apps/FrameListener.h"
+#include "tests/apps/FreeRow.h"
 
 class ListenerRow {
   public:
     explicit ListenerRow(size_t count, const ProbeAnswer& answer = &aliveAnswer) {
-        for (int attempt = 0; m_sockets.size() < count; ++attempt) {
-            if (attempt == 200) throw std::runtime_error("no row of free ports");
-            m_sockets = bindRow(count);
-        }
-        for (const UniqueSocket& socket : m_sockets) {
-            ::listen(socket.get(), 5);
+        const int first = freeRow(static_cast<int>(count));
+        for (size_t i = 0; i < count; ++i) {
+            m_sockets.push_back(listenOn(first + static_cast<int>(i)));
+            EXPECT_TRUE(m_sockets.back()) << first;
             m_scripts.push_back(std::make_unique<FrameScript>(
                 [this](const ReceivedFrame&) { ++m_frames; }, answer));
         }
@@ -44,24 +44,6 @@ class ListenerRow {
     }
 
   private:
-    // Fewer than `count` when the first has a neighbour that is taken.
-    static std::vector<UniqueSocket> bindRow(size_t count) {
-        std::vector<UniqueSocket> row;
-        row.push_back(peers::bindToLoopback());
-        const int first = peers::portOf(row.front());
-        for (size_t i = 1; i < count; ++i) {
-            UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-            sockaddr_in address{};
-            address.sin_family = AF_INET;
-            address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-            address.sin_port = ::htons(static_cast<unsigned short>(first + static_cast<int>(i)));
-            if (::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
-                break;
-            row.push_back(std::move(socket));
-        }
-        return row;
-    }
-
     void serve(size_t index) {
         while (!m_isStopping) {
             const SOCKET listening = m_sockets[index].get();

@@ -30,7 +30,6 @@ expect_stopped
 exec 3>&-
 
 # The port is free again; another address keeps what is left of the connections apart.
-rm "$work/port"
 start_central "$nycentral" --bind 127.0.0.2 --port "$port"
 grep -q "^listening on 127.0.0.2:$port" "$work/central.log" || fail "nycentral says: $(cat "$work/central.log")"
 ! : 2> /dev/null < "/dev/tcp/127.0.0.1/$port" || fail 'nobody should listen on 127.0.0.1'

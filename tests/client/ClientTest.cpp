@@ -12,10 +12,30 @@ std::string receive(peers::Connection& connection, size_t count) {
     return bytes;
 }
 
+class CountingTransport : public CUT_WSClient {
+  public:
+    explicit CountingTransport(ReceivedBytes& received) : m_received(received) {}
+
+    using CUT_WSClient::Receive;
+    int Receive(char* buffer, int len, int timeOut) override {
+        const int result = CUT_WSClient::Receive(buffer, len, timeOut);
+        if (result > 0) m_received.add(static_cast<size_t>(result));
+        return result;
+    }
+
+  private:
+    ReceivedBytes& m_received;
+};
+
 }  // namespace
 
 SOCKET NySeClientAppAccess::socket(const NySeClientApp& client) {
     return client.m_socket->GetSocket();
+}
+
+void NySeClientAppAccess::setTransport(NySeClientApp& client, CUT_WSClient* transport) {
+    delete client.m_socket;
+    client.m_socket = transport;
 }
 
 void NySeClientAppAccess::closeConnection(NySeClientApp& client) {
@@ -74,14 +94,35 @@ std::vector<std::string> inSingleBytes(const std::string& bytes) {
 
 ClientTest::Step ClientTest::byteByByte(const std::string& request, const std::string& reply,
                                         const std::string& before) {
-    Step step{request, inSingleBytes(reply.substr(sizeof(LONG))), 2};
+    Step step{request, inSingleBytes(reply.substr(sizeof(LONG)))};
     step.answer.insert(step.answer.begin(), before + reply.substr(0, sizeof(LONG)));
     return step;
+}
+
+void ReceivedBytes::reset() {
+    const std::lock_guard lock(m_mutex);
+    m_count = 0;
+}
+
+void ReceivedBytes::add(size_t count) {
+    const std::lock_guard lock(m_mutex);
+    m_count += count;
+    m_changed.notify_all();
+}
+
+void ReceivedBytes::await(size_t count) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, std::chrono::seconds(60), [&] { return m_count >= count; });
+}
+
+ClientTest::ClientTest() {
+    NySeClientAppAccess::setTransport(client, new CountingTransport(m_taken));
 }
 
 void ClientTest::serve(std::vector<Step> steps, Then then) {
     m_peer.reset();
     m_received.clear();
+    m_taken.reset();
     m_steps = std::move(steps);
     m_peer = std::make_unique<peers::Peer>(
         [this, then](peers::Connection& connection) { follow(connection, then); });
@@ -97,11 +138,14 @@ void ClientTest::follow(peers::Connection& connection, Then then) {
     const BOOL on = TRUE;  // no piece waits for the one before it to be acknowledged
     ::setsockopt(connection.socket(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on),
                  sizeof on);
+    size_t sent = 0;
     for (const Step& step : m_steps) {
         m_received += receive(connection, step.request.size());
         for (size_t i = 0; i < step.answer.size(); ++i) {
-            if (i > 0) ::Sleep(static_cast<DWORD>(step.gapMs));
+            if (i > 0) m_taken.await(sent);
+            if (i > 0) ::Sleep(static_cast<DWORD>(step.pauseMs));
             connection.send(step.answer[i]);
+            sent += step.answer[i].size();
         }
     }
     if (then == Then::wait) m_received += receive(connection, SIZE_MAX);

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -26,6 +28,8 @@ struct NySeClientAppAccess {
         NySeClientApp::transfertObject(from, to);
     }
     static SOCKET socket(const NySeClientApp& client);
+    // The client takes `transport` over, in place of the one it has.
+    static void setTransport(NySeClientApp& client, CUT_WSClient* transport);
     // Without a good-bye.
     static void closeConnection(NySeClientApp& client);
 };
@@ -45,16 +49,31 @@ std::string wireOf(Scalar value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
+// Counts the bytes that a client has received.
+class ReceivedBytes {
+  public:
+    void reset();
+    void add(size_t count);
+    // Waits until there are `count` of them, at most 60 s.
+    void await(size_t count);
+
+  private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    size_t m_count = 0;
+};
+
 class ClientTest : public ::testing::Test {
   protected:
+    ClientTest();
     void TearDown() override;
 
     // What the server does with one request: reads as many bytes as `request` has, then sends
-    // `answer` in pieces.
+    // `answer` in pieces, each once the client has received the one before.
     struct Step {
         std::string request;
         std::vector<std::string> answer;
-        int gapMs = 150;  // pieces sent closer together may be read as one by a busy machine
+        int pauseMs = 0;  // before each further piece
     };
     // A step that answers with the message `reply`: all up to its length in one piece, as it must
     // be, then every byte alone. `before` comes ahead of the length.
@@ -82,6 +101,10 @@ class ClientTest : public ::testing::Test {
     // Ends the connection.
     void expectRequestsSent();
 
+  private:
+    ReceivedBytes m_taken;  // by the client
+
+  protected:
     NySeClientApp client;
 
   private:

@@ -27,14 +27,12 @@ expect_end 1 'no central server there' 127.0.0.1 1 1 1
 
 start_central "$prefix/bin/nycentral.exe" --ports "$(free_row)"
 expect_end 1 'waited long enough' 127.0.0.1 "$port" 1 1
+settle 0  # the next host would be told that this one left
 
 run "$scratch/example/host.exe" 127.0.0.1 "$port" 4 60 > "$work/host.log" 2>&1 &
 host=$!
 trap 'kill "$host" 2> /dev/null || true; cleanup' EXIT
-for _ in $(seq 200); do
-  ! grep -qs holding "$work/host.log" || break
-  sleep 0.05
-done
+await grep -qs holding "$work/host.log"
 
 # Another user: finds the host's lock taken, and does what the host is to hear of.
 said=$(printf 'register\nlock part/1 --mode 0x1B\nlock pärt/2\nunlock pärt/2\n' |
@@ -47,22 +45,16 @@ wait "$host" || status=$?
 same "lines of the host" "$(sed -n '/^holding/,/^```/p' "$root/examples/host/README.md" | grep -v '```' |
   sed 's/Anna/Zoë/; s/part\/2/pärt\/2/')" "$(tr -d '\r' < "$work/host.log")"
 
-# Nothing of the host is left once the server has read its good-bye.
-for _ in $(seq 50); do
-  locks=$(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" locks | tr -d '\r')
-  [[ $locks == *part/1* ]] || break
-  sleep 0.1
-done
+settle 0
+locks=$(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" locks | tr -d '\r')
 same "locks" 'lock  session  user  mode  words' "$locks"
 
 # The small one is told of another user's lock.
 run "$scratch/example/small.exe" 127.0.0.1 "$port" > "$work/small.log" 2>&1 &
 host=$!
-for _ in $(seq 200); do
-  users=$(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" users)
-  [[ $users != *Small* ]] || break
-  sleep 0.1
-done
+knows_small() { [[ $(run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" users) == *Small* ]]; }
+await knows_small
+settle 1
 (run "$prefix/bin/nyctl.exe" --server "127.0.0.1:$port" lock part/3 > /dev/null)
 status=0
 wait "$host" || status=$?

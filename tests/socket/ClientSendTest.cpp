@@ -3,6 +3,7 @@
 #include <string>
 
 #include "tests/socket/SendingClient.h"
+#include "tests/support/Gate.h"
 
 namespace {
 
@@ -45,13 +46,15 @@ TEST_F(ClientSend, WaitForSendFindsAnIdleSocketReady) {
 
 TEST_F(ClientSend, WaitForSendFindsAFullSocketNotReady) {
     CUT_WSClient client;
-    peers::Peer stuck([](peers::Connection&) { ::Sleep(500); });
+    Gate gate;
+    peers::Peer stuck([&](peers::Connection&) { gate.pass(); });
     ASSERT_EQ(client.Connect(stuck.port(), "127.0.0.1", 10), UTE_SUCCESS);
     ASSERT_EQ(client.SetBlockingMode(1), UTE_SUCCESS);
     const std::string block(1 << 16, 'x');
     for (int i = 0; i < 1000 && client.Send(block.data(), 1 << 16) > 0; ++i) {
     }
     EXPECT_EQ(client.WaitForSend(0, 1000), UTE_ERROR);
+    gate.open();
 }
 
 TEST_F(ClientSend, WaitForSendFailsOnAClosedSocket) {

@@ -60,11 +60,31 @@ TEST_F(ClientWaits, ReceiveLineGivesWhatCameWithinItsSeconds) {
     EXPECT_STREQ(m_buffer, "unfinished");
 }
 
+// Its peer sends a piece each time that it begins to wait.
+class FedClient : public ProbeClient {
+  public:
+    explicit FedClient(std::vector<std::string> pieces) : m_pieces(std::move(pieces)) {
+        ::listen(m_listener.get(), 1);
+        EXPECT_EQ(connectTo(static_cast<unsigned int>(peers::portOf(m_listener))), UTE_SUCCESS);
+        m_peer.reset(::accept(m_listener.get(), nullptr, nullptr));
+    }
+    int WaitForReceive(long seconds, long microseconds) override {
+        const std::string& piece = m_pieces.at(receiveWaits.size());
+        ::send(m_peer.get(), piece.data(), static_cast<int>(piece.size()), 0);
+        return ProbeClient::WaitForReceive(seconds, microseconds);
+    }
+
+  private:
+    const std::vector<std::string> m_pieces;
+    const UniqueSocket m_listener = peers::bindToLoopback();
+    UniqueSocket m_peer;
+};
+
 TEST_F(ClientWaits, ReceiveLineWaitsAnewForEachPiece) {
-    peers::Peer peer(peers::sendingPieces({"a", "b", "c\n"}, 600));
-    connectTo(peer);
-    EXPECT_EQ(m_client.ReceiveLine(m_buffer, sizeof m_buffer, 1), 4);
+    FedClient client({"a", "b", "c\n"});
+    EXPECT_EQ(client.ReceiveLine(m_buffer, sizeof m_buffer, 20), 4);
     EXPECT_STREQ(m_buffer, "abc\n");
+    EXPECT_EQ(client.receiveWaits, std::vector<long>({20, 20, 20}));
 }
 
 TEST_F(ClientWaits, ReceiveIntoASourceGivesUpAfterItsSeconds) {

@@ -2,6 +2,8 @@
 
 #include <fstream>
 #include <iterator>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -10,15 +12,18 @@
 // A folder of the test's own, removed with the files in it when it goes.
 class TempFolder {
   public:
+    // A new one: what an interrupted run has left behind is in others.
     TempFolder() {
         wchar_t base[MAX_PATH];
         ::GetTempPathW(MAX_PATH, base);
-        const std::wstring start =
-            std::wstring(base) + L"ny" + std::to_wstring(::GetCurrentProcessId()) + L'-';
-        for (int i = 0; m_path.empty() && i < 100'000; ++i)
-            if (const std::wstring tried = start + std::to_wstring(i);
-                ::CreateDirectoryW(tried.c_str(), nullptr))
+        std::random_device random;
+        for (int tries = 0; m_path.empty(); ++tries) {
+            const std::wstring tried = std::wstring(base) + L"ny" + std::to_wstring(random());
+            if (::CreateDirectoryW(tried.c_str(), nullptr))
                 m_path = tried;
+            else if (tries == 100)
+                throw std::runtime_error("no temporary folder");
+        }
     }
     ~TempFolder() {
         WIN32_FIND_DATAW found;

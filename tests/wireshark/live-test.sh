@@ -26,14 +26,9 @@ stop_all() {
 }
 trap stop_all EXIT
 
-# wait_for TEXT FILE: until the file has the text; at most 20 s.
+# wait_for TEXT FILE: until the file has the text.
 wait_for() {
-  for _ in $(seq 200); do
-    ! grep -q "$1" "$2" 2> /dev/null || return 0
-    sleep 0.1
-  done
-  echo "FAILED: no \"$1\" in $2: $(cat "$2")"
-  exit 1
+  await grep -aqs "$1" "$2" || { echo "FAILED: no \"$1\" in $2: $(tail -c 2000 "$2" | cat -v)"; exit 1; }
 }
 
 # The listeners of the users, which the central server connects to.
@@ -48,13 +43,12 @@ last=$((first + ports - 1))
 start_central "$nycentral" --ports "$first-$last" --probe-seconds 1
 export NYCTL_SERVER=127.0.0.1:$port
 
-"${as_root[@]}" dumpcap -q -i lo -f "tcp port $port or tcp portrange $first-$last" -a duration:60 -w - \
+"${as_root[@]}" dumpcap -q -i lo -f "tcp port $port or tcp portrange $first-$last" -a duration:280 -w - \
   > "$work/capture.pcapng" 2> "$work/dumpcap.log" &
 capture=$!
-until grep -q '^File:' "$work/dumpcap.log" 2> /dev/null; do
-  [ -e "/proc/$capture" ] || { echo "skipped: no capturing here: $(cat "$work/dumpcap.log")"; exit 77; }
-  sleep 0.1
-done
+is_captured() { grep -qs '^File:' "$work/dumpcap.log" || [ ! -e "/proc/$capture" ]; }
+await is_captured
+[ -e "/proc/$capture" ] || { echo "skipped: no capturing here: $(cat "$work/dumpcap.log")"; exit 77; }
 
 # shell_of USER: nyctl with the commands of its standard input, on one connection.
 shell_of() { "$root/tools/run-in-wine" "$nyctl" --json --user "$1" shell; }
@@ -95,7 +89,8 @@ printf 'shutdown\n' >&4
 exec 4>&-
 wait "$anna" || true
 expect_stopped
-sleep 0.5  # for the capture's own buffers
+printf 'the end of the talk' > "/dev/tcp/127.0.0.1/$first"
+wait_for 'the end of the talk' "$work/capture.pcapng"  # with all that came before it
 stop_capture
 wait "$capture" || true
 capture=

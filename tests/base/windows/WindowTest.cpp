@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/Gate.h"
+
 namespace {
 
 constexpr UINT kRequest = WM_APP + 1;
@@ -187,14 +189,14 @@ TEST(Window, TellsOtherThreadsItsHandleWhileItComesAndGoes) {
     std::thread reader([&] {
         while (!isDone) wasSeen = wasSeen || window.GetSafeHwnd() != nullptr;
     });
-    for (int i = 0; i < 1000 && !wasSeen; ++i) {
+    EXPECT_TRUE(eventually([&] {
         window.createMessageOnly();
         ::Sleep(1);
         window.DestroyWindow();
-    }
+        return wasSeen.load();
+    }));
     isDone = true;
     reader.join();
-    EXPECT_TRUE(wasSeen);
 }
 
 TEST(Window, LetsNoExceptionThrough) {
