@@ -4,32 +4,16 @@
 
 #include "tests/socket/ProbeClient.h"
 #include "tests/socket/ProbeServer.h"
+#include "tests/socket/QueuedConnections.h"
 
 namespace {
 
 constexpr int kShort = 1;
 constexpr int kLong = 20;
 
-bool isAnswered(SOCKET socket) {
-    fd_set set{};
-    set.fd_count = 1;
-    set.fd_array[0] = socket;
-    timeval patience{0, 300000};
-    return ::select(0, nullptr, &set, nullptr, &patience) == 1;
-}
-
 // How many connects are answered while nobody accepts, at most kLong.
 int answeredConnects(unsigned int port) {
-    const sockaddr_in address = peers::loopbackAddress(port);
-    std::vector<UniqueSocket> sockets;
-    for (int count = 0; count < kLong; ++count) {
-        const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
-        sockets.emplace_back(socket);
-        socketcalls::setBlockingMode(socket, 1);
-        ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        if (!isAnswered(socket)) return count;
-    }
-    return kLong;
+    return static_cast<int>(peers::connectWhileAnswered(port, kLong).size());
 }
 
 class ListenQueue : public testing::Test {

@@ -2,16 +2,10 @@
 // the server's socket stays open.
 #include <gtest/gtest.h>
 
+#include "tests/socket/OtherHandle.h"
 #include "tests/socket/ProbeServer.h"
 
 namespace {
-
-UniqueSocket otherHandleOf(SOCKET socket) {
-    WSAPROTOCOL_INFOW info{};
-    ::WSADuplicateSocketW(socket, ::GetCurrentProcessId(), &info);
-    return UniqueSocket(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
-                                     &info, 0, WSA_FLAG_OVERLAPPED));
-}
 
 // This process's socket that is connected to the port; INVALID_SOCKET when there is none.
 SOCKET socketConnectedTo(int port) {

@@ -7,6 +7,7 @@
 #include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
+#include "tests/socket/QueuedConnections.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -43,20 +44,6 @@ class StopWait : public testing::Test {
         EXPECT_LT(time, 45s);
         EXPECT_TRUE(m_isJudging);
     }
-    // Connects until one is left without an answer.
-    std::vector<UniqueSocket> fillTheQueue() {
-        const sockaddr_in address = peers::loopbackAddress(m_port);
-        std::vector<UniqueSocket> queued;
-        for (bool isAnswered = true; isAnswered && queued.size() < 64;) {
-            const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
-            queued.emplace_back(socket);
-            socketcalls::setBlockingMode(socket, 1);
-            ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-            isAnswered = socketcalls::isWritable(socket, 1, 0);
-        }
-        EXPECT_LT(queued.size(), 64u);
-        return queued;
-    }
     void expectNoThreadLeft() {
         EXPECT_TRUE(eventually([this] { return countThreads() <= m_threadsBefore; }))
             << countThreads() << " threads, " << m_threadsBefore << " before";
@@ -89,7 +76,8 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
 // The connection that is to wake the accepting thread is not answered: the deadline is for both.
 TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
     peers::Connection peer = connectionBeingJudged();
-    const std::vector<UniqueSocket> queued = fillTheQueue();
+    const std::vector<UniqueSocket> queued = peers::connectWhileAnswered(m_port, 64);
+    ASSERT_LT(queued.size(), 64u) << "the queue is full";
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(19));
     EXPECT_FALSE(peers::connectTo(m_port));
