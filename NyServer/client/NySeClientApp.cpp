@@ -132,7 +132,8 @@ bool NySeClientApp::isAlive() {
 }
 
 double NySeClientApp::getVersion() {
+    constexpr double kNoVersion = -1.0;
     const LONG code = NySe::actionGetVersion;
-    sendBinary(&code, sizeof code);
-    return receiveScalar<double>(-1.0);
+    if (sendBinary(&code, sizeof code) != int{sizeof code}) return kNoVersion;
+    return receiveScalar(kNoVersion);
 }

@@ -60,7 +60,8 @@ class NYSERVER_API NySeClientApp {
     NySe::SchemaType getSchemaType() const { return m_schema; }
     // True when the server answered as a living one does.
     bool isAlive();
-    // The server's version; -1.0 when it does not say.
+    // The server's version; -1.0 when it does not say, or when it cannot be asked: then nothing is
+    // read.
     double getVersion();
 
     // Asks for the lock of that name under a share mode (bits: NySeLock::seekShareMode). True when

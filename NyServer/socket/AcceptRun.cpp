@@ -6,7 +6,8 @@
 
 namespace {
 
-constexpr DWORD kLongestDying = 30000;
+constexpr DWORD kPause = 20;  // ms
+constexpr unsigned kLostWithoutPause = 64;
 
 HANDLE asHandle(uintptr_t thread) {
     return reinterpret_cast<HANDLE>(thread);
@@ -17,6 +18,26 @@ UniqueKernelHandle duplicate(HANDLE handle) {
     ::DuplicateHandle(::GetCurrentProcess(), handle, ::GetCurrentProcess(), &copy, 0, FALSE,
                       DUPLICATE_SAME_ACCESS);
     return UniqueKernelHandle(copy);
+}
+
+bool isShortage(int error) {
+    return error == WSAEMFILE || error == WSAENOBUFS;
+}
+
+// Whether a connection broke before it was accepted.
+bool isLostConnection(int error) {
+    switch (error) {
+        case WSAECONNRESET:
+        case WSAECONNABORTED:
+        case WSAENOTCONN:
+        case WSAENETRESET:
+        case WSAETIMEDOUT:
+        case WSAENETUNREACH:
+        case WSAEHOSTUNREACH:
+            return true;
+        default:
+            return false;
+    }
 }
 
 }  // namespace
@@ -35,8 +56,8 @@ bool CUT_WSServer::AcceptRun::awaitEnd(DWORD milliseconds) const {
     return ::WaitForSingleObject(m_thread.get(), milliseconds) == WAIT_OBJECT_0;
 }
 
-void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread) {
-    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd(kLongestDying)) return;
+void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread, DWORD milliseconds) {
+    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd(milliseconds)) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
     m_door->leave(m_visit);
     dropAccepted();
@@ -69,11 +90,20 @@ bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
     sockaddr_in peer{};
     int length = sizeof peer;
     m_accepted.reset(::accept(listener, reinterpret_cast<sockaddr*>(&peer), &length));
+    if (!m_accepted && mayAcceptAgain(::WSAGetLastError())) return true;
     if (!keepsAccepted()) return false;
     if (isWelcome(peer))
         handOver(listener, peer);
     else
         dropAccepted();
+    return true;
+}
+
+// Whether the listening socket is sound although accept has failed. Pauses as often as it takes to
+// be no busy loop, whatever the stack reports again and again.
+bool CUT_WSServer::AcceptRun::mayAcceptAgain(int error) {
+    if (!isShortage(error) && !isLostConnection(error)) return false;
+    if (isShortage(error) || ++m_lostConnections % kLostWithoutPause == 0) ::Sleep(kPause);
     return true;
 }
 

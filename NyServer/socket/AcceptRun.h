@@ -12,8 +12,12 @@
 // server or than the server's interest in it, for example while OnCanAccept does not return; the
 // thread then touches neither the server nor the run that has taken its place.
 //
-// The thread is at all times in accept, in OnCanAccept, or in a step that it does under the door's
-// lock. Whoever ends it by force holds that lock and so does not interrupt such a step.
+// A failure of the listening socket ends the thread. A connection that broke before it was accepted
+// and a shortage of handles or buffers do not: after a short pause the thread accepts again.
+//
+// The thread is at all times in accept, in that pause, in OnCanAccept, or in a step that it does
+// under the door's lock. Whoever ends it by force holds that lock and so does not interrupt such a
+// step.
 class CUT_WSServer::AcceptRun {
   public:
     explicit AcceptRun(CUT_WSServer& server) : m_server(server), m_door(server.m_door) {}
@@ -25,16 +29,17 @@ class CUT_WSServer::AcceptRun {
     // False when the thread is still there after so long.
     bool awaitEnd(DWORD milliseconds) const;
 
-    // Ends the thread by force and takes back what it held. Failure is ignored: the thread then
-    // ends by itself once the listening socket is closed. REQUIRES: the door's lock, and that the
-    // thread has not signed off.
-    void endByForce(uintptr_t startedThread);
+    // Ends the thread by force and, when it is gone within so long, takes back what it held.
+    // Failure is ignored: the thread then ends by itself once the listening socket is closed.
+    // REQUIRES: the door's lock, and that the thread has not signed off.
+    void endByForce(uintptr_t startedThread, DWORD milliseconds);
 
   private:
     static void runThread(void* run);
     bool isCurrent() const { return !m_door->isGone() && m_server.m_acceptRun.get() == this; }
     bool mayAccept(SOCKET& listener);
     bool serveNext(SOCKET listener);
+    bool mayAcceptAgain(int error);
     bool keepsAccepted();
     std::string addressText(const sockaddr_in& peer);
     bool isWelcome(const sockaddr_in& peer);
@@ -46,6 +51,7 @@ class CUT_WSServer::AcceptRun {
     // A handle of our own: the one that _beginthread returns closes itself when the thread ends.
     UniqueKernelHandle m_thread;
     UniqueSocket m_accepted;
+    unsigned m_lostConnections = 0;
     ServerDoor::Visit m_visit;
     std::shared_ptr<AcceptRun> m_self;  // the thread's share
 };

@@ -2,8 +2,9 @@
 
 #include "NyServer/NyServerApi.h"
 
-// How a data source is opened. Hosts pass the numbers: do not change them.
-enum OpenMsgType {
+// How a data source is opened. Hosts pass the numbers: do not change them. Any int is a value, so
+// that other numbers can be refused.
+enum OpenMsgType : int {
     OM_READ = 0,    // an existing store, for reading
     OM_WRITE = 1,   // created or emptied, for reading and writing
     OM_APPEND = 2,  // opened or created, for reading and writing; every write goes to the end

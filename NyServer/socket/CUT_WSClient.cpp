@@ -9,7 +9,7 @@ CUT_WSClient::CUT_WSClient() {
 
 CUT_WSClient::~CUT_WSClient() {
     CUT_WSClient::CloseConnection();
-    m_lookUps.abandon();
+    endLookUps();
     ::WSACleanup();
     dropNotificationWindow();
 }

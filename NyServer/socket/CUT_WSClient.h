@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
@@ -14,7 +16,8 @@
 //
 // Lifetime: the object owns both sockets and the notification window and closes them when it is
 // destroyed; it holds one start of Winsock all its life (Reset replaces it). After CloseConnection
-// it can connect again.
+// it can connect again. The destructor cancels host look-ups; where the system does not cancel them
+// it waits until they have been announced, at most 60 s, because the system writes into the object.
 //
 // Results: unless said otherwise, an int result is one of SocketCodes.h and has passed through
 // OnError. Nothing throws. The stack's own error number is not kept: WSAGetLastError right behind
@@ -62,8 +65,9 @@ class NYSERVER_API CUT_WSClient {
     virtual int CloseConnection();
 
     // Makes the hidden window that asynchronous notification needs, on the calling thread, which
-    // must dispatch messages. A window made before is destroyed. UTE_SUCCESS, UTE_ERROR if the
-    // window class cannot be registered; a plain 1, without OnError, if the window cannot be made.
+    // must dispatch messages. A window made before is destroyed, after the look-ups under way have
+    // ended as in the destructor. UTE_SUCCESS, UTE_ERROR if the window class cannot be registered,
+    // or has been for 64 other instances; a plain 1, without OnError, if the window cannot be made.
     virtual int InitAsync(HINSTANCE instance);
 
     // Listens on `port` (0: any; see GetAcceptPort) of `address`, a 32-bit value in network order.
@@ -222,10 +226,11 @@ class NYSERVER_API CUT_WSClient {
     // socket non-blocking. UTE_SUCCESS or UTE_ERROR. REQUIRES: InitAsync has succeeded.
     int SetAsyncNotify(long events);
 
-    // Start a look-up whose end OnAsyncGetAddressNotify or OnAsyncGetNameNotify announces and whose
-    // HOSTENT lands in the object right before that; one at a time. UTE_SUCCESS when the request
-    // was accepted, else UTE_ERROR. InitAsync and the destructor cancel what is under way. The last
-    // two arguments are not used. REQUIRES: InitAsync has succeeded.
+    // Start a look-up whose end OnAsyncGetAddressNotify or OnAsyncGetNameNotify announces. The
+    // system writes the HOSTENT into the object's host buffer before that; a second look-up that is
+    // started meanwhile writes there too, so start one at a time. UTE_SUCCESS when the system
+    // accepted the request, else UTE_ERROR. The last two arguments are not used. REQUIRES:
+    // InitAsync has succeeded.
     int AsyncGetAddressFromName(const char* name, char* address, int maxLen);
     int AsyncGetNameFromAddress(const char* address, char* name, int maxLen);
 
@@ -256,6 +261,9 @@ class NYSERVER_API CUT_WSClient {
     int startConnect(long timeOut);
     int finishConnect(long timeOut);
     void dropSocket();
+    int startLookUp(const std::function<HANDLE()>& request);
+    void endLookUps();
+    bool dropAnnouncement();
     void dropNotificationWindow();
     void forgetConnection();
     void fillPorts(unsigned int remotePort);
@@ -263,7 +271,6 @@ class NYSERVER_API CUT_WSClient {
     void setAddressText(const char* text);
     int copyLookedUp(const char* text, char* target, int maxLen);
     bool mayGoOn(int status);
-    void finishLookUp(WPARAM request, int error);
     bool notify(UINT message, WPARAM wParam, LPARAM lParam);
 
     HostLookUps m_lookUps;

@@ -1,10 +1,20 @@
 // Events and look-ups announced through a hidden window.
+#include <array>
+#include <functional>
+#include <mutex>
+
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCalls.h"
 
 namespace {
 
 constexpr const wchar_t* kWindowClass = L"CUT_WSClient";
+constexpr std::size_t kMostClasses = 64;
+
+// Longer than a resolver tries; in ms.
+constexpr ULONGLONG kLongestLookUp = 60000;
+// For a thread that dispatches messages; in ms.
+constexpr UINT kLongestUnbinding = 1000;
 
 constexpr int kObjectSlot = 0;
 constexpr int kWindowExtra = 20;
@@ -20,21 +30,47 @@ bool isClassRegistered(HINSTANCE instance) {
     return ::GetClassInfoW(instance, kWindowClass, &found) != FALSE;
 }
 
-bool registerClass(HINSTANCE instance) {
-    if (isClassRegistered(instance)) return true;
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = &CUT_WSClient::WndProc;
-    windowClass.cbWndExtra = kWindowExtra;
-    windowClass.hInstance = instance;
-    windowClass.lpszClassName = kWindowClass;
-    ::RegisterClassW(&windowClass);
-    return isClassRegistered(instance);
-}
+// The window classes that were registered here. Their procedure is unloaded with this module, so
+// that they go with it too.
+class WindowClasses {
+  public:
+    ~WindowClasses() {
+        for (std::size_t i = 0; i < m_count; ++i) ::UnregisterClassW(kWindowClass, m_instances[i]);
+    }
+
+    // False when the class cannot be registered, or has been for as many other instances.
+    bool provide(HINSTANCE instance) {
+        const std::lock_guard lock(m_lock);
+        if (isClassRegistered(instance)) return true;
+        if (m_count == m_instances.size()) return false;
+        registerClass(instance);
+        if (!isClassRegistered(instance)) return false;
+        m_instances[m_count++] = instance;
+        return true;
+    }
+
+  private:
+    static void registerClass(HINSTANCE instance) {
+        WNDCLASSW windowClass{};
+        windowClass.lpfnWndProc = &CUT_WSClient::WndProc;
+        windowClass.cbWndExtra = kWindowExtra;
+        windowClass.hInstance = instance;
+        windowClass.lpszClassName = kWindowClass;
+        ::RegisterClassW(&windowClass);
+    }
+
+    std::mutex m_lock;
+    std::array<HINSTANCE, kMostClasses> m_instances{};
+    std::size_t m_count = 0;
+};
+
+WindowClasses windowClasses;
 
 }  // namespace
 
 int CUT_WSClient::InitAsync(HINSTANCE instance) {
-    if (!registerClass(instance)) return OnError(UTE_ERROR);
+    if (!windowClasses.provide(instance)) return OnError(UTE_ERROR);
+    endLookUps();
     dropNotificationWindow();
     m_notificationWindow =
         ::CreateWindowExW(0, kWindowClass, L"", 0, 0, 0, 0, 0, nullptr, nullptr, instance, nullptr);
@@ -43,12 +79,37 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
     return OnError(UTE_SUCCESS);
 }
 
+// The object must not go before the system has written its last byte into it. The wait is bounded
+// because an announcement may never be seen, for example when the window's thread has ended.
+void CUT_WSClient::endLookUps() {
+    m_lookUps.cancel();
+    const ULONGLONG deadline = ::GetTickCount64() + kLongestLookUp;
+    while (m_lookUps.areUnderWay() && ::GetTickCount64() < deadline) {
+        if (!dropAnnouncement()) ::Sleep(1);
+    }
+}
+
+// False when there is none, or when the window is another thread's, which dispatches it. WM_QUIT is
+// found whatever is asked for and stays where it is.
+bool CUT_WSClient::dropAnnouncement() {
+    MSG found{};
+    constexpr UINT kLook = PM_NOREMOVE | PM_QS_POSTMESSAGE;
+    constexpr UINT kTake = PM_REMOVE | PM_QS_POSTMESSAGE;
+    if (!::PeekMessageW(&found, m_notificationWindow, kNameFound, kAddressFound, kLook) ||
+        found.hwnd != m_notificationWindow)
+        return false;
+    ::PeekMessageW(&found, m_notificationWindow, kNameFound, kAddressFound, kTake);
+    m_lookUps.finish(reinterpret_cast<HANDLE>(found.wParam));
+    return true;
+}
+
 void CUT_WSClient::dropNotificationWindow() {
-    m_lookUps.abandon();
     if (!m_notificationWindow) return;
     // Only the window's own thread can destroy it; from any other it must at least not find a dead
-    // object.
-    ::SetWindowLongPtrW(m_notificationWindow, kObjectSlot, 0);
+    // object. Sent, so that a thread that is dispatching to the object has left it.
+    if (!::SendMessageTimeoutW(m_notificationWindow, kBindObject, 0, 0, SMTO_NORMAL,
+                               kLongestUnbinding, nullptr))
+        ::SetWindowLongPtrW(m_notificationWindow, kObjectSlot, 0);
     ::DestroyWindow(m_notificationWindow);
     m_notificationWindow = nullptr;
 }
@@ -61,27 +122,27 @@ int CUT_WSClient::SetAsyncNotify(long events) {
     return OnError(UTE_SUCCESS);
 }
 
-int CUT_WSClient::AsyncGetAddressFromName(const char* name, char*, int) {
-    const bool isStarted = m_lookUps.start([&](char* result, int size) {
-        return ::WSAAsyncGetHostByName(m_notificationWindow, kAddressFound,
-                                       socketcalls::hostPart(name), result, size);
-    });
+// Without a window nobody would learn when the system has written the result.
+int CUT_WSClient::startLookUp(const std::function<HANDLE()>& request) {
+    const bool isStarted = m_notificationWindow && m_lookUps.start(request);
     return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
+}
+
+int CUT_WSClient::AsyncGetAddressFromName(const char* name, char*, int) {
+    return startLookUp([&] {
+        return ::WSAAsyncGetHostByName(m_notificationWindow, kAddressFound,
+                                       socketcalls::hostPart(name), m_hostBuffer,
+                                       sizeof m_hostBuffer);
+    });
 }
 
 int CUT_WSClient::AsyncGetNameFromAddress(const char* address, char*, int) {
     const unsigned long value = ::inet_addr(address);
-    const bool isStarted = m_lookUps.start([&](char* result, int size) {
+    return startLookUp([&] {
         return ::WSAAsyncGetHostByAddr(m_notificationWindow, kNameFound,
                                        reinterpret_cast<const char*>(&value), sizeof value, AF_INET,
-                                       result, size);
+                                       m_hostBuffer, sizeof m_hostBuffer);
     });
-    return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
-}
-
-void CUT_WSClient::finishLookUp(WPARAM request, int error) {
-    static_assert(sizeof m_hostBuffer == HostLookUps::kResultSize);
-    m_lookUps.finish(reinterpret_cast<HANDLE>(request), error == 0, m_hostBuffer);
 }
 
 void CUT_WSClient::OnAsyncNotify(int, int) {}
@@ -90,7 +151,8 @@ void CUT_WSClient::OnAsyncGetNameNotify(int) {}
 
 void CUT_WSClient::OnAsyncGetAddressNotify(int) {}
 
-// False: not a message of the notification window.
+// False: not a message of the notification window. Nothing of the object is touched after a hook:
+// the hook may have destroyed it.
 bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
     const int event = LOWORD(lParam);
     const int error = HIWORD(lParam);
@@ -99,11 +161,11 @@ bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
             OnAsyncNotify(event, error);
             return true;
         case kNameFound:
-            finishLookUp(wParam, error);
+            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetNameNotify(error);
             return true;
         case kAddressFound:
-            finishLookUp(wParam, error);
+            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetAddressNotify(error);
             return true;
         default:

@@ -1,5 +1,7 @@
 #include "NyServer/socket/CUT_WSServer.h"
 
+#include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "NyServer/socket/AcceptRun.h"
@@ -11,20 +13,20 @@
 namespace {
 
 constexpr int kHighestMaximum = 32000;
-constexpr DWORD kLongestWait = 30000;
-constexpr DWORD kGrace = 500;
-constexpr long kConnectTick = 20000;  // microseconds
+constexpr ULONGLONG kLongestStop = 30000;  // ms
+constexpr ULONGLONG kForcing = 1000;       // of that, ms kept for ending the thread by force
+constexpr DWORD kGrace = 500;              // ms
+constexpr long kConnectTick = 20000;       // microseconds
+constexpr ULONGLONG kNever = std::numeric_limits<ULONGLONG>::max();
 
-bool isListening(SOCKET socket) {
-    int answer = 0;
-    int length = sizeof answer;
-    ::getsockopt(socket, SOL_SOCKET, SO_ACCEPTCONN, reinterpret_cast<char*>(&answer), &length);
-    return answer != 0;
+DWORD leftUntil(ULONGLONG deadline) {
+    const ULONGLONG now = ::GetTickCount64();
+    return now < deadline ? static_cast<DWORD>(deadline - now) : 0;
 }
 
-// Whether the connect succeeded; nothing once it goes unanswered and is pointless.
-std::optional<bool> connectUnless(const std::function<bool()>& isPointless, SOCKET socket,
-                                  const sockaddr_in& peer) {
+// Whether the connect succeeded by the deadline; nothing once it goes unanswered and is pointless.
+std::optional<bool> connectUnless(const std::function<bool()>& isPointless, ULONGLONG deadline,
+                                  SOCKET socket, const sockaddr_in& peer) {
     socketcalls::setBlockingMode(socket, 1);
     const int result = ::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
     if (result == 0 || ::WSAGetLastError() != WSAEWOULDBLOCK) return result == 0;
@@ -34,6 +36,7 @@ std::optional<bool> connectUnless(const std::function<bool()>& isPointless, SOCK
         timeval tick{0, kConnectTick};
         if (::select(0, nullptr, &done, &failed, &tick) != 0) return failed.fd_count == 0;
         if (isPointless()) return std::nullopt;
+        if (::GetTickCount64() >= deadline) return false;
     }
 }
 
@@ -59,7 +62,7 @@ int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family
                                 unsigned long address) {
     ++m_startUpCount;
     if (!socketcalls::startWinsock(m_winsockData)) return OnError(UTE_ERROR);
-    CloseUnusedListenSocket();
+    CloseListenSocket();
     m_serverAddress = socketcalls::makeAddress(family, port, address);
     m_listenSocket = ::socket(AF_INET, SOCK_STREAM, GetProtocol());
     if (m_listenSocket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
@@ -94,10 +97,11 @@ int CUT_WSServer::StopAccept() {
     if (m_accepting == 1) {
         m_accepting = 0;
         m_stopRequested = 1;
-        if (WakeAcceptThread() == UTE_SUCCESS)
-            m_acceptRun->awaitEnd(kLongestWait);
+        const ULONGLONG deadline = ::GetTickCount64() + kLongestStop;
+        if (WakeAcceptThread(deadline - kForcing) == UTE_SUCCESS)
+            m_acceptRun->awaitEnd(leftUntil(deadline));
         else
-            EndAcceptThread();
+            EndAcceptThread(deadline);
         CloseListenSocket();
     }
     if (m_startUpCount >= 1) {
@@ -110,26 +114,28 @@ int CUT_WSServer::StopAccept() {
 // A thread that is ended by force takes what it has locked with it, the heap or the loader among
 // them. It is therefore given the chance to end by itself first, which a failing accept makes it
 // do; what then remains is one in OnCanAccept.
-void CUT_WSServer::EndAcceptThread() {
+void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
-    if (!m_acceptRun->awaitEnd(kGrace)) {
+    if (!m_acceptRun->awaitEnd(std::min(kGrace, leftUntil(deadline)))) {
         const ServerDoor::Lock lock(*m_door);
-        if (m_acceptThread != kNoThread) m_acceptRun->endByForce(m_acceptThread);
+        if (m_acceptThread != kNoThread)
+            m_acceptRun->endByForce(m_acceptThread, leftUntil(deadline));
     }
     m_acceptThread = kNoThread;
 }
 
-int CUT_WSServer::TempConnect(unsigned int port, const char* address) {
-    return ConnectAndClose(port, address, [] { return false; });
+int CUT_WSServer::TempConnect(unsigned int port, char* address) {
+    return ConnectAndClose(port, address, kNever, [] { return false; });
 }
 
-// A full listen queue may leave the connect unanswered for minutes; when the accepting thread has
-// left by itself meanwhile there is nobody to wake.
-int CUT_WSServer::WakeAcceptThread() {
-    return ConnectAndClose(GetPort(), "127.0.0.1", [this] { return m_acceptThread == kNoThread; });
+// A full listen queue may leave the connect unanswered until the deadline; when the accepting
+// thread has left by itself meanwhile there is nobody to wake.
+int CUT_WSServer::WakeAcceptThread(ULONGLONG deadline) {
+    return ConnectAndClose(GetPort(), "127.0.0.1", deadline,
+                           [this] { return m_acceptThread == kNoThread; });
 }
 
-int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address,
+int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
                                   const std::function<bool()>& isPointless) {
     const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
     if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
@@ -137,8 +143,8 @@ int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address,
         if (!succeeded) OnStatus(SocketErrorText(&socket, nullptr));
         return succeeded;
     };
-    const auto connected = connectUnless(
-        isPointless, socket, socketcalls::makeAddress(AF_INET, port, ::inet_addr(address)));
+    const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
+    const auto connected = connectUnless(isPointless, deadline, socket, peer);
     if (!connected) {
         ::closesocket(socket);
         return OnError(UTE_SUCCESS);
@@ -196,10 +202,4 @@ void CUT_WSServer::CloseDoor() {
 void CUT_WSServer::CloseListenSocket() {
     const SOCKET socket = m_listenSocket.exchange(INVALID_SOCKET);
     if (socket != INVALID_SOCKET) socketcalls::closeSocket(socket);
-}
-
-// What a failed ConnectToPort has left.
-void CUT_WSServer::CloseUnusedListenSocket() {
-    if (m_listenSocket != INVALID_SOCKET && !isListening(m_listenSocket))
-        ::closesocket(m_listenSocket.exchange(INVALID_SOCKET));
 }

@@ -39,8 +39,9 @@ class NYSERVER_API CUT_WSServer {
 
     // Binds and listens. `address` is in network order, 0 for any interface; `family` goes into the
     // bound address only, the socket is always IPv4. Through OnError: 0, 1 no Winsock, 17 no
-    // socket, 18 bind failed, 23 listen failed. After a failure the server may be given another
-    // port; StopAccept balances one call. REQUIRES: not accepting.
+    // socket, 18 bind failed, 23 listen failed. The socket of an earlier call is closed first.
+    // After a failure the server may be given another port; StopAccept balances one call. REQUIRES:
+    // not accepting.
     virtual int ConnectToPort(unsigned short port, int queueSize, short family,
                               unsigned long address);
 
@@ -49,13 +50,13 @@ class NYSERVER_API CUT_WSServer {
     int StartAccept();
 
     // Stops accepting and closes the listening socket: a connection to the own port wakes the
-    // accepting thread, which is waited for at most 30 s; if that connection fails the thread is
-    // ended by force. Workers run on. Always 0.
+    // accepting thread, which is waited for; if that connection fails the thread is ended by force.
+    // All of that takes at most 30 s. Workers run on. Always 0.
     int StopAccept();
 
     // Connects a throw-away socket to the dotted `address` and closes it; what fails is told to
     // OnStatus. Through OnError: 0, 17 no socket, 19 the connect failed.
-    int TempConnect(unsigned int port, const char* address);
+    int TempConnect(unsigned int port, char* address);
 
     // Connections beyond `n` workers get OnMaxConnect. `n`, or -1 and nothing changed unless it is
     // 1 to 32000.
@@ -164,12 +165,11 @@ class NYSERVER_API CUT_WSServer {
     friend class ServerConnection;
 
     bool StartAcceptThread();
-    int WakeAcceptThread();
-    int ConnectAndClose(unsigned int port, const char* address,
+    int WakeAcceptThread(ULONGLONG deadline);
+    int ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
                         const std::function<bool()>& isPointless);
-    void EndAcceptThread();
+    void EndAcceptThread(ULONGLONG deadline);
     void CloseListenSocket();
-    void CloseUnusedListenSocket();
     int FreeThreadList();
     template <class Action>
     int ThreadListForEach(Action action);
@@ -181,9 +181,9 @@ class NYSERVER_API CUT_WSServer {
     std::atomic<uintptr_t> m_acceptThread = kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;
-    std::atomic<int> m_connectionCount = 0;
-    // Values that order nothing else: read and written relaxed.
+    // The settings order nothing else: read and written relaxed.
     std::atomic<int> m_maxConnections = 30000;
+    std::atomic<int> m_connectionCount = 0;
     std::atomic<int> m_protocol = 0;
     std::atomic<unsigned int> m_port = static_cast<unsigned int>(-1);
     std::atomic<int> m_shutDownFlag = 0;

@@ -1,54 +1,39 @@
 #include "NyServer/socket/HostLookUps.h"
 
-#include <algorithm>
-#include <cstring>
 #include <new>
-#include <type_traits>
 
-bool HostLookUps::start(const std::function<HANDLE(char*, int)>& request) try {
-    m_pending.push_back({nullptr, std::make_unique<Result>()});
-    m_pending.back().request = request(m_pending.back().result->bytes, int{kResultSize});
-    if (m_pending.back().request) return true;
-    m_pending.pop_back();
-    return false;
+namespace {
+
+// A request that has been cancelled cannot be cancelled again. Some systems report success without
+// cancelling anything, and do so each time.
+bool isReallyCancelled(HANDLE request) {
+    return ::WSACancelAsyncRequest(request) != 0 || ::WSACancelAsyncRequest(request) != 0;
+}
+
+}  // namespace
+
+// The lock is held over the request: an announcement that comes at once waits until it is known.
+bool HostLookUps::start(const std::function<HANDLE()>& request) try {
+    const std::lock_guard lock(m_lock);
+    m_requests.reserve(m_requests.size() + 1);
+    const HANDLE started = request();
+    if (started) m_requests.push_back(started);
+    return started != nullptr;
 } catch (const std::bad_alloc&) {
     return false;
 }
 
-void HostLookUps::finish(HANDLE request, bool isFound, char* target) {
-    const auto ended = std::find_if(m_pending.begin(), m_pending.end(), [&](const LookUp& lookUp) {
-        return lookUp.request == request;
-    });
-    if (ended == m_pending.end()) return;
-    if (isFound) ended->result->moveTo(target);
-    m_pending.erase(ended);
+void HostLookUps::finish(HANDLE request) {
+    const std::lock_guard lock(m_lock);
+    std::erase(m_requests, request);
 }
 
-// A stack may call a look-up cancelled and still write its result, and nobody hears of its end:
-// the memory is therefore given up, not freed.
-void HostLookUps::abandon() {
-    for (LookUp& lookUp : m_pending) {
-        ::WSACancelAsyncRequest(lookUp.request);
-        static_cast<void>(lookUp.result.release());
-    }
-    m_pending.clear();
+void HostLookUps::cancel() {
+    const std::lock_guard lock(m_lock);
+    std::erase_if(m_requests, isReallyCancelled);
 }
 
-// The pointers of a HOSTENT lead into the memory behind it; all are null in one not written yet,
-// which a message that is not the stack's may announce.
-void HostLookUps::Result::moveTo(char* target) {
-    const auto move = [&](auto*& pointer) {
-        if (!pointer) return;
-        const std::ptrdiff_t offset = reinterpret_cast<char*>(pointer) - bytes;
-        pointer = reinterpret_cast<std::remove_reference_t<decltype(pointer)>>(target + offset);
-    };
-    const auto moveList = [&](char**& list) {
-        for (char** entry = list; entry && *entry; ++entry) move(*entry);
-        move(list);
-    };
-    auto& host = *reinterpret_cast<hostent*>(bytes);
-    move(host.h_name);
-    moveList(host.h_aliases);
-    moveList(host.h_addr_list);
-    std::memcpy(target, bytes, kResultSize);
+bool HostLookUps::areUnderWay() const {
+    const std::lock_guard lock(m_lock);
+    return !m_requests.empty();
 }

@@ -78,6 +78,18 @@ TEST_F(ClientSession, VersionIsMinusOneForAShortAnswer) {
     EXPECT_EQ(-1.0, client.getVersion());
 }
 
+TEST_F(ClientSession, VersionIsMinusOneAndNothingIsReadWhenItCannotBeAskedFor) {
+    const std::string pending = wireOf(7.25);
+    serveRequest("", pending);
+    const SOCKET socket = NySeClientAppAccess::socket(client);
+    ASSERT_EQ(0, ::shutdown(socket, SD_SEND));
+    EXPECT_EQ(-1.0, client.getVersion());
+    std::string received(pending.size(), ' ');
+    EXPECT_EQ(static_cast<int>(pending.size()),
+              ::recv(socket, received.data(), static_cast<int>(received.size()), MSG_WAITALL));
+    EXPECT_EQ(shown(pending), shown(received));
+}
+
 TEST_F(ClientSession, VersionIsMinusOneWhenTheServerCloses) {
     serveRequest(goldenWire("request-getVersion"), "", Then::close);
     EXPECT_EQ(-1.0, client.getVersion());

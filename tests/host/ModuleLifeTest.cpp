@@ -92,6 +92,57 @@ TEST_F(Module, JoinsByItsStartUpCallAlone) {
     EXPECT_TRUE(hasText(IDS_NYSERVER_NAME));
 }
 
+// A client object of the module, in memory of the test's.
+class LoadedClient {
+  public:
+    explicit LoadedClient(const LoadedLibrary& library) : m_library(library) {
+        m_library.symbol<void (*)(void*)>("_ZN12CUT_WSClientC1Ev")(m_bytes);
+    }
+    ~LoadedClient() { m_library.symbol<void (*)(void*)>("_ZN12CUT_WSClientD1Ev")(m_bytes); }
+    LoadedClient(const LoadedClient&) = delete;
+    LoadedClient& operator=(const LoadedClient&) = delete;
+
+    int initAsync(HINSTANCE instance) {
+        return m_library.symbol<int (*)(void*, HINSTANCE)>(
+            "_ZN12CUT_WSClient9InitAsyncEP11HINSTANCE__")(m_bytes, instance);
+    }
+
+  private:
+    const LoadedLibrary& m_library;
+    alignas(16) char m_bytes[8192]{};
+};
+
+// A class that stays would have a procedure in memory that is gone.
+TEST_F(Module, TakesItsWindowClassesWithIt) {
+    const HINSTANCE instances[] = {::GetModuleHandleW(nullptr),
+                                   ::GetModuleHandleW(L"kernel32.dll")};
+    const auto isRegistered = [](HINSTANCE instance) {
+        WNDCLASSW found{};
+        return ::GetClassInfoW(instance, L"CUT_WSClient", &found) != FALSE;
+    };
+    for (int round = 0; round < 3; ++round) {
+        LoadedLibrary library = load();
+        for (const HINSTANCE instance : instances) {
+            LoadedClient client(library);
+            ASSERT_EQ(client.initAsync(instance), 0);
+            ASSERT_TRUE(isRegistered(instance));
+        }
+        library.free();
+        for (const HINSTANCE instance : instances) EXPECT_FALSE(isRegistered(instance)) << round;
+    }
+}
+
+TEST_F(Module, RegistersAWindowClassForSixtyFourInstances) {
+    LoadedLibrary library = load();
+    LoadedClient client(library);
+    const auto instance = [](int number) {
+        return reinterpret_cast<HINSTANCE>(INT_PTR{0x10000} * number);
+    };
+    for (int number = 1; number <= 64; ++number) ASSERT_EQ(client.initAsync(instance(number)), 0);
+    EXPECT_EQ(client.initAsync(instance(65)), 1);
+    EXPECT_EQ(client.initAsync(instance(64)), 0);
+}
+
 CRuntimeClass visitor = {"Visitor", 1, 1, nullptr, nullptr, nullptr};
 
 // The entry with a state of the test's own: the program's module, which has registered a class.

@@ -98,6 +98,11 @@ WORD RegisterClassW(const WNDCLASSW* description) {
     return classes.emplace(description->lpszClassName, *description).second;
 }
 
+BOOL UnregisterClassW(const wchar_t* name, HINSTANCE) {
+    const std::lock_guard lock(windowsLock);
+    return classes.erase(name) > 0;
+}
+
 BOOL GetClassInfoW(HINSTANCE, const wchar_t* name, WNDCLASSW* description) {
     const std::shared_lock lock(windowsLock);
     const auto found = classes.find(name);
@@ -154,6 +159,13 @@ LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     std::promise<LRESULT> answer;
     queue->put({{window, message, wParam, lParam}, &answer});
     return answer.get_future().get();
+}
+
+LRESULT SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT, UINT,
+                            UINT_PTR*) {
+    if (!::IsWindow(window)) return 0;
+    ::SendMessageW(window, message, wParam, lParam);
+    return 1;
 }
 
 void PostQuitMessage(int) {

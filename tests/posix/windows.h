@@ -138,6 +138,7 @@ struct MSG {
 HINSTANCE GetModuleHandleW(const wchar_t* name);
 UINT RegisterWindowMessageW(const wchar_t* name);
 WORD RegisterClassW(const WNDCLASSW* description);
+BOOL UnregisterClassW(const wchar_t* name, HINSTANCE module);
 BOOL GetClassInfoW(HINSTANCE module, const wchar_t* name, WNDCLASSW* description);
 HWND CreateWindowExW(DWORD exStyle, const wchar_t* className, const wchar_t* title, DWORD style,
                      int x, int y, int width, int height, HWND parent, HMENU menu, HINSTANCE module,
@@ -150,7 +151,11 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 void PostQuitMessage(int exitCode);
-enum : UINT { PM_REMOVE = 1 };
+enum : UINT { SMTO_NORMAL = 0 };
+// Without a time-out here.
+LRESULT SendMessageTimeoutW(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT flags,
+                            UINT milliseconds, UINT_PTR* result);
+enum : UINT { PM_NOREMOVE = 0, PM_REMOVE = 1, PM_QS_POSTMESSAGE = 0x980000 };
 BOOL PeekMessageW(MSG* message, HWND window, UINT first, UINT last, UINT flags);
 BOOL GetMessageW(MSG* message, HWND window, UINT first, UINT last);
 LRESULT DispatchMessageW(const MSG* message);

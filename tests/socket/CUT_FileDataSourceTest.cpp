@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <memory>
+#include <type_traits>
 
 #include "tests/support/SlotOrder.h"
 #include "tests/support/TempFile.h"
@@ -61,8 +63,8 @@ TEST_F(FileDataSource, CannotOpenAMissingFileForReading) {
 TEST_F(FileDataSource, RefusesAnUnknownOpenType) {
     const std::wstring path = m_folder.file(L"f", "abc");
     CUT_FileDataSource source(path.c_str(), kBuffer);
-    EXPECT_EQ(source.Open(static_cast<OpenMsgType>(3)), -1);
-    EXPECT_EQ(source.Open(static_cast<OpenMsgType>(-1)), -1);
+    for (const int type : {3, 4, -1, INT_MAX, INT_MIN})
+        EXPECT_EQ(source.Open(static_cast<OpenMsgType>(type)), -1) << type;
     EXPECT_EQ(m_folder.content(L"f"), "abc");
 }
 
@@ -297,5 +299,8 @@ TEST(OpenMsgTypes, HaveTheirNumbers) {
     EXPECT_EQ(OM_APPEND, 2);
     EXPECT_EQ(sizeof(OpenMsgType), sizeof(int));
 }
+
+// A value that is refused must be one that the type can hold.
+static_assert(std::is_same_v<std::underlying_type_t<OpenMsgType>, int>);
 
 }  // namespace

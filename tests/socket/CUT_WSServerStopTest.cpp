@@ -214,6 +214,49 @@ TEST_F(Stopping, HappensInTheDestructor) {
     EXPECT_LE(countThreads(), before);
 }
 
+// The judge holds the destructor of the base until the worker has seen the flag.
+TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
+    struct Server : CUT_WSServer {
+        struct Worker : CUT_WSThread {
+            explicit Worker(Server& server) : m_server(server) {}
+            void OnConnect() override {
+                Gate& gate = m_server.m_gate;
+                std::atomic<bool>& isSeen = m_server.m_isSeen;
+                m_server.m_serving.open();
+                isSeen = eventually([this] { return m_owner->GetShutDownFlag() == 1; },
+                                    std::chrono::seconds(20));
+                gate.open();
+            }
+            Server& m_server;
+        };
+        Server(Gate& serving, Gate& gate, std::atomic<bool>& isSeen)
+            : m_serving(serving), m_gate(gate), m_isSeen(isSeen) {}
+        CUT_WSThread* CreateInstance() override { return new Worker(*this); }
+        void ReleaseInstance(CUT_WSThread* worker) override { delete worker; }
+        long OnCanAccept(const char*) override {
+            if (++m_judged == 1) return 1;
+            m_gate.pass();
+            return 0;
+        }
+        Gate& m_serving;
+        Gate& m_gate;
+        std::atomic<bool>& m_isSeen;
+        int m_judged = 0;
+    };
+    Gate serving;
+    std::atomic<bool> isSeen = false;
+    auto server = std::make_unique<Server>(serving, m_gate, isSeen);
+    ASSERT_EQ(server->ConnectToPort(peers::freePort(), 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 0);
+    ASSERT_EQ(server->StartAccept(), 0);
+    peers::Connection served = peers::connectionTo(server->GetPort());
+    ASSERT_TRUE(serving.pass());
+    const peers::Connection judged = peers::connectionTo(server->GetPort());
+    ASSERT_TRUE(m_gate.awaitArrivals());
+    server.reset();
+    EXPECT_TRUE(isSeen);
+    EXPECT_TRUE(served.awaitClose());
+}
+
 TEST_F(Stopping, ClosesAListeningSocketThatWasNeverUsedInTheDestructor) {
     unsigned int port = 0;
     {

@@ -38,6 +38,10 @@ TEST(ServerSlots, StandInTheirOrder) {
     EXPECT_THAT(PlainServer::slots(), ElementsAre(2, 3, 4, 5, 6, 7, 8, 9));
 }
 
+// The type of the address is part of the exported name.
+static_assert(std::is_same_v<decltype(&CUT_WSServer::TempConnect),
+                             int (CUT_WSServer::*)(unsigned int, char*)>);
+
 TEST(ServerHooks, AnswerFixedValues) {
     PlainServer server;
     EXPECT_EQ(server.Pause(), 0);
@@ -53,6 +57,7 @@ class Server : public testing::Test {
 
     peers::WinsockSession m_winsock;
     ProbeServer m_server;
+    char m_loopback[10] = "127.0.0.1";
 };
 
 TEST_F(Server, StartsWithItsInitialValues) {
@@ -107,6 +112,14 @@ TEST_F(Server, BindsToAnAddressOfTheGivenFamily) {
     EXPECT_EQ(m_server.ConnectToPort(peers::freePort(), 5, 99, 0), 18);
 }
 
+TEST_F(Server, BindsToTheGivenAddressOnly) {
+    const unsigned short port = peers::freePort();
+    ASSERT_EQ(m_server.ConnectToPort(port, 5, AF_INET, ::inet_addr("127.0.0.2")), 0);
+    char other[] = "127.0.0.2";
+    EXPECT_EQ(m_server.TempConnect(port, other), 0);
+    EXPECT_EQ(m_server.TempConnect(port, m_loopback), 19);
+}
+
 TEST_F(Server, ReportsAProtocolThatHasNoStreams) {
     m_server.SetProtocol(IPPROTO_UDP);
     EXPECT_EQ(m_server.ConnectToPort(peers::freePort(), 5, AF_INET, 0), 17);
@@ -121,6 +134,24 @@ TEST_F(Server, MayTryAnotherPortAfterAFailure) {
     EXPECT_TRUE(isReachable(m_server.GetPort()));
 }
 
+TEST_F(Server, ClosesItsListeningSocketWhenItListensOnAnotherPort) {
+    ASSERT_EQ(m_server.listen(), 0);
+    const unsigned int first = m_server.GetPort();
+    ASSERT_EQ(m_server.listen(), 0);
+    EXPECT_NE(m_server.GetPort(), first);
+    EXPECT_FALSE(isReachable(first));
+    EXPECT_TRUE(isReachable(m_server.GetPort()));
+}
+
+TEST_F(Server, ClosesItsListeningSocketWhenItCannotListenAgain) {
+    const peers::RefusingPort taken;
+    ASSERT_EQ(m_server.listen(), 0);
+    const unsigned int first = m_server.GetPort();
+    const auto port = static_cast<unsigned short>(taken.port());
+    EXPECT_EQ(m_server.ConnectToPort(port, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 18);
+    EXPECT_FALSE(isReachable(first));
+}
+
 TEST_F(Server, RefusesToStartTwice) {
     ASSERT_EQ(m_server.listen(), 0);
     EXPECT_EQ(m_server.StartAccept(), 0);
@@ -130,14 +161,14 @@ TEST_F(Server, RefusesToStartTwice) {
 
 TEST_F(Server, TempConnectsToAListener) {
     ASSERT_EQ(m_server.listen(), 0);
-    EXPECT_EQ(m_server.TempConnect(m_server.GetPort(), "127.0.0.1"), 0);
+    EXPECT_EQ(m_server.TempConnect(m_server.GetPort(), m_loopback), 0);
     EXPECT_THAT(m_server.statuses, IsEmpty());
     EXPECT_THAT(m_server.codes, ElementsAre(0));
 }
 
 TEST_F(Server, TellsWhatFailsInTempConnect) {
     const peers::RefusingPort nobody;
-    EXPECT_EQ(m_server.TempConnect(nobody.port(), "127.0.0.1"), 19);
+    EXPECT_EQ(m_server.TempConnect(nobody.port(), m_loopback), 19);
     EXPECT_THAT(m_server.codes, ElementsAre(19));
     // The connect, and the shutdown of what is not connected.
     ASSERT_THAT(m_server.statuses, SizeIs(2));

@@ -8,6 +8,7 @@
 
 #include "tests/socket/Peers.h"
 #include "tests/socket/ProbeClient.h"
+#include "tests/support/Gate.h"
 #include "tests/support/Guarded.h"
 
 namespace {
@@ -28,7 +29,11 @@ class AsyncClient : public ProbeClient {
     HWND window() const { return m_notificationWindow; }
     const hostent& host() const { return *reinterpret_cast<const hostent*>(m_hostBuffer); }
     static constexpr size_t kHostBytes = sizeof m_hostBuffer;
-    const char* hostBytes() const { return m_hostBuffer; }
+    bool isAnythingWritten() const {
+        const volatile char* bytes = m_hostBuffer;  // the system writes on a thread of its own
+        return std::any_of(bytes, bytes + kHostBytes, [](char byte) { return byte != 0; });
+    }
+    void clearHost() { std::fill_n(m_hostBuffer, kHostBytes, '\0'); }
     bool holds(const void* part) const {
         const auto* byte = static_cast<const char*>(part);
         return byte >= m_hostBuffer && byte < m_hostBuffer + kHostBytes;
@@ -261,7 +266,21 @@ TEST_F(ClientAsync, LooksUpANameIntoTheObject) {
     EXPECT_STREQ(unused, "abc");
 }
 
-// Its destruction must neither wait for the look-up nor leave it a place to write to.
+// The system writes into the object by itself, not when the look-up is announced.
+TEST_F(ClientAsync, HandsTheObjectsOwnBufferToTheSystem) {
+    init();
+    ASSERT_EQ(m_client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+    EXPECT_TRUE(eventually([&] { return m_client.isAnythingWritten(); }));
+    EXPECT_EQ(m_client.addressErrors, std::vector<int>{}) << "no message has been dispatched";
+}
+
+TEST_F(ClientAsync, LooksNothingUpWithoutAWindow) {
+    EXPECT_EQ(m_client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_ERROR);
+    EXPECT_EQ(m_client.AsyncGetNameFromAddress("127.0.0.1", nullptr, 0), UTE_ERROR);
+    EXPECT_EQ(m_client.codes, (std::vector<int>{UTE_ERROR, UTE_ERROR}));
+}
+
+// Nothing may be written to the object's memory once it is destroyed.
 TEST_F(ClientAsync, MayBeDestroyedDuringALookUp) {
     std::vector<std::unique_ptr<Guarded<AsyncClient>>> clients;
     repeat([&] {
@@ -274,19 +293,44 @@ TEST_F(ClientAsync, MayBeDestroyedDuringALookUp) {
     ::Sleep(500);  // for look-ups that have not yet ended
 }
 
-TEST_F(ClientAsync, ForgetsALookUpWhenTheWindowIsReplaced) {
-    const auto isEmpty = [](const char* bytes, size_t size) {
-        return std::all_of(bytes, bytes + size, [](char byte) { return byte == 0; });
+TEST_F(ClientAsync, MayBeDestroyedByAHook) {
+    struct Leaving : CUT_WSClient {
+        explicit Leaving(bool& isGone) : m_isGone(isGone) {}
+        ~Leaving() override { m_isGone = true; }
+        void OnAsyncGetAddressNotify(int) override { delete this; }
+        bool& m_isGone;
     };
+    bool isGone = false;
+    auto* client = new Leaving(isGone);
+    ASSERT_EQ(client->InitAsync(instance()), UTE_SUCCESS);
+    ASSERT_EQ(client->AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+    EXPECT_TRUE(pumpUntil([&] { return isGone; }));
+}
+
+TEST_F(ClientAsync, EndsALookUpWhenTheWindowIsReplaced) {
     repeat([&] {
         AsyncClient client;
         ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
         ASSERT_EQ(client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
         ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
+        client.clearHost();
         ::Sleep(5);
-        ASSERT_TRUE(isEmpty(client.hostBytes(), AsyncClient::kHostBytes));
+        ASSERT_FALSE(client.isAnythingWritten());
         ASSERT_TRUE(client.addressErrors.empty());
     });
+}
+
+TEST_F(ClientAsync, LeavesTheQuitMessageToTheHost) {
+    {
+        AsyncClient client;
+        ASSERT_EQ(client.InitAsync(instance()), UTE_SUCCESS);
+        ::PostQuitMessage(7);
+        ASSERT_EQ(client.AsyncGetAddressFromName("localhost", nullptr, 0), UTE_SUCCESS);
+    }
+    MSG message{};
+    while (message.message != WM_QUIT)
+        ASSERT_TRUE(::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
+    EXPECT_EQ(message.wParam, 7u);
 }
 
 // Wherever the stack has put it: nothing else lives as long as the object.

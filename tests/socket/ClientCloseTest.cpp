@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "tests/socket/OtherHandle.h"
 #include "tests/socket/Peers.h"
 #include "tests/socket/ProbeClient.h"
 
@@ -63,14 +64,6 @@ TEST(ClientClose, ReportsAFailedClose) {
     ::closesocket(client.GetSocket());
     EXPECT_EQ(client.CloseConnection(), UTE_ERROR);
     expectForgotten(client);
-}
-
-// Another handle of the socket keeps it open past the close and shows whether it was shut down.
-UniqueSocket otherHandleOf(SOCKET socket) {
-    WSAPROTOCOL_INFOW info{};
-    ::WSADuplicateSocketW(socket, ::GetCurrentProcessId(), &info);
-    return UniqueSocket(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
-                                     &info, 0, WSA_FLAG_OVERLAPPED));
 }
 
 TEST(ClientClose, ShutsDownAStreamFirst) {

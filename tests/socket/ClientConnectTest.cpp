@@ -182,6 +182,17 @@ TEST_F(ClientConnect, BoundTakesTheLocalPort) {
     EXPECT_TRUE(isBlocking());
 }
 
+TEST_F(ClientConnect, BoundTakesTheLocalAddress) {
+    char local[] = "127.0.0.2";
+    ASSERT_EQ(m_client.ConnectBound(0, m_peer.port(), local, m_loopback, AF_INET, SOCK_STREAM),
+              UTE_SUCCESS);
+    sockaddr_in own{};
+    int length = sizeof own;
+    ASSERT_EQ(::getsockname(m_client.GetSocket(), reinterpret_cast<sockaddr*>(&own), &length), 0);
+    EXPECT_EQ(own.sin_addr.s_addr, ::inet_addr("127.0.0.2"));
+    EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1") << "the peer's";
+}
+
 TEST_F(ClientConnect, BoundRefusesASecondConnection) {
     ASSERT_EQ(bindAndConnect(0, m_peer.port()), UTE_SUCCESS);
     EXPECT_EQ(bindAndConnect(0, m_peer.port()), UTE_SOCK_ALREADY_OPEN);

@@ -44,6 +44,17 @@ TEST_F(ClientListen, ReportsASocketThatCannotBeMade) {
     EXPECT_EQ(listen(), UTE_SOCK_CREATE_FAILED);
 }
 
+TEST_F(ClientListen, MakesTheSocketOfItsProtocol) {
+    struct : ProbeClient {
+        void setProtocol(int protocol) { m_protocol = protocol; }
+    } client;
+    client.setProtocol(IPPROTO_UDP);  // has no streams
+    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")),
+              UTE_SOCK_CREATE_FAILED);
+    client.setProtocol(IPPROTO_TCP);
+    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS);
+}
+
 TEST_F(ClientListen, LeavesTheSocketWhenThePortIsTaken) {
     peers::Peer peer(peers::silent());
     const auto taken = static_cast<unsigned short>(peer.port());

@@ -1,4 +1,5 @@
-// How long StopAccept waits for a peer's judge. The bound is wide above, for a busy machine.
+// How long StopAccept takes while a peer's judge does not return. The bound is wide above, for a
+// busy machine.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -6,6 +7,7 @@
 #include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
+#include "tests/socket/QueuedConnections.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -38,7 +40,7 @@ class StopWait : public testing::Test {
         const auto start = std::chrono::steady_clock::now();
         action();
         const auto time = std::chrono::steady_clock::now() - start;
-        EXPECT_GE(time, 29900ms);
+        EXPECT_GE(time, 28900ms);
         EXPECT_LT(time, 45s);
         EXPECT_TRUE(m_isJudging);
     }
@@ -69,6 +71,22 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
     m_server.onJudge = [] {};
     EXPECT_TRUE(m_server.start()) << "and it can start again";
     EXPECT_TRUE(peers::connectTo(m_server.GetPort()));
+}
+
+// The connection that is to wake the accepting thread is not answered: the deadline is for both.
+TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
+    peers::Connection peer = connectionBeingJudged();
+    const std::vector<UniqueSocket> queued = peers::connectWhileAnswered(m_port, 64);
+    ASSERT_LT(queued.size(), 64u) << "the queue is full";
+    expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
+    EXPECT_THAT(m_server.codes, ElementsAre(19));
+    EXPECT_FALSE(peers::connectTo(m_port));
+    EXPECT_EQ(peer.receiveAll(), "") << "its judge was ended by force";
+    expectNoThreadLeft();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_TRUE(m_server.CloseDoorIfIdle());
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << "nothing more is waited for";
 }
 
 }  // namespace

@@ -43,7 +43,8 @@ TEST(WithoutWinsock, AClientIsNotConnected) {
 TEST(WithoutWinsock, AServerCannotWakeItself) {
     ProbeServer server;
     const NoWinsock none;
-    EXPECT_EQ(server.TempConnect(9, "127.0.0.1"), UTE_SOCK_CREATE_FAILED);
+    char loopback[] = "127.0.0.1";
+    EXPECT_EQ(server.TempConnect(9, loopback), UTE_SOCK_CREATE_FAILED);
     EXPECT_THAT(server.codes, ElementsAre(UTE_SOCK_CREATE_FAILED));
 }
 
