@@ -12,40 +12,33 @@
 
 namespace {
 
-// A table, its finder by text, and the same search by a probe.
-struct Locks {
-    using Table = NySeLockArray;
-    using Record = NySeLock;
-    static void name(Record& record, const CString& text) { record.setStrLockName(text); }
-    static INT_PTR find(const Table& table, const CString& text) {
-        return table.lookForLockName(text);
-    }
-    static constexpr short kKey = 1;
+// A table, its records, and the key under which a probe with a text finds what the finder does.
+template <class TABLE, class RECORD, auto SET_TEXT, short KEY>
+struct Kind {
+    using Table = TABLE;
+    using Record = RECORD;
+    static void name(Record& record, const CString& text) { (record.*SET_TEXT)(text); }
+    static constexpr short kKey = KEY;
 };
-struct Users {
-    using Table = NySeUserPtrArray;
-    using Record = NySeUser;
-    static void name(Record& record, const CString& text) { record.setStrUserName(text); }
-    static INT_PTR find(const Table& table, const CString& text) {
-        const NySeUser* const found = table.findByUserName(text);
-        for (INT_PTR i = 0; found != nullptr; ++i) {
-            if (table.QoArraySerial2::GetAt(i) == found) return i;
-        }
-        return -1;
+using Locks = Kind<NySeLockArray, NySeLock, &NySeLock::setStrLockName, 1>;
+using Users = Kind<NySeUserPtrArray, NySeUser, &NySeUser::setStrUserName, 1>;
+using Connections = Kind<NySeConnectionArray, NySeConnection, &NySeConnection::setStrConnection, 2>;
+
+INT_PTR findIn(const NySeLockArray& table, const CString& text) {
+    return table.lookForLockName(text);
+}
+INT_PTR findIn(const NySeUserPtrArray& table, const CString& text) {
+    const NySeUser* const found = table.findByUserName(text);
+    for (INT_PTR i = 0; found != nullptr; ++i) {
+        if (table.QoArraySerial2::GetAt(i) == found) return i;
     }
-    static constexpr short kKey = 1;
-};
-struct Connections {
-    using Table = NySeConnectionArray;
-    using Record = NySeConnection;
-    static void name(Record& record, const CString& text) { record.setStrConnection(text); }
-    static INT_PTR find(const Table& table, const CString& text) {
-        const INT_PTR index = table.lookForConnection(text);
-        EXPECT_EQ(index < 0 ? nullptr : table.GetAt(index), table.findByConnection(text));
-        return index;
-    }
-    static constexpr short kKey = 2;
-};
+    return -1;
+}
+INT_PTR findIn(const NySeConnectionArray& table, const CString& text) {
+    const INT_PTR index = table.lookForConnection(text);
+    EXPECT_EQ(index < 0 ? nullptr : table.GetAt(index), table.findByConnection(text));
+    return index;
+}
 
 // Compares as `m_answer` says.
 template <class Record>
@@ -59,34 +52,34 @@ class StubbornRecord : public Record {
 };
 
 // Compares as if its name were abc.
-template <class Kind>
-class RecordAbc : public Kind::Record {
+template <class KIND>
+class RecordAbc : public KIND::Record {
   public:
     QoSort::CompareResult vCompareTo(const QoObject2& other, short key) const override {
-        typename Kind::Record abc;
-        Kind::name(abc, _T("abc"));
+        typename KIND::Record abc;
+        KIND::name(abc, _T("abc"));
         return abc.vCompareTo(other, key);
     }
 };
 
-template <class Kind>
+template <class KIND>
 class Finders : public ::testing::Test {
   protected:
-    using Record = typename Kind::Record;
+    using Record = typename KIND::Record;
 
     void append(const CString& text) {
         auto record = std::make_unique<Record>();
-        Kind::name(*record, text);
+        KIND::name(*record, text);
         m_table.append(record.release());
     }
-    INT_PTR find(const CString& text) const { return Kind::find(m_table, text); }
+    INT_PTR find(const CString& text) const { return findIn(m_table, text); }
     INT_PTR byProbe(const CString& text) const {
         Record probe;
-        Kind::name(probe, text);
-        return m_table.lookFor(&probe, Kind::kKey);
+        KIND::name(probe, text);
+        return m_table.lookFor(&probe, KIND::kKey);
     }
 
-    typename Kind::Table m_table;
+    typename KIND::Table m_table;
 };
 
 using Kinds = ::testing::Types<Locks, Users, Connections>;
@@ -127,6 +120,13 @@ TYPED_TEST(Finders, FindWhatAProbeFinds) {
     }
 }
 
+TYPED_TEST(Finders, CompareUpToAZeroCharacter) {
+    this->append(CString(_T("head\0tail"), 9));
+    EXPECT_EQ(0, this->find(text("HEAD")));
+    EXPECT_EQ(0, this->find(CString(_T("head\0other"), 10)));
+    EXPECT_EQ(-1, this->find(text("head tail")));
+}
+
 TYPED_TEST(Finders, FindTheFirstOfEqualNames) {
     for (const char* one : {"other", "Name it", "NAME IT", "name it"}) this->append(text(one));
     EXPECT_EQ(1, this->find(text("name IT")));
@@ -146,10 +146,10 @@ TYPED_TEST(Finders, FindARenamedRecordWhoseOtherEntryIsGone) {
     typename TypeParam::Table view(QoArraySerial2::kDoNotDelete);
     view.append(&record);
     view.append(&record);
-    EXPECT_EQ(-1, TypeParam::find(view, text("name")));
+    EXPECT_EQ(-1, findIn(view, text("name")));
     view.RemoveAt(0);
     TypeParam::name(record, text("name"));
-    EXPECT_EQ(0, TypeParam::find(view, text("NAME")));
+    EXPECT_EQ(0, findIn(view, text("NAME")));
 }
 
 TYPED_TEST(Finders, LetADerivedRecordCompareInItsOwnWay) {

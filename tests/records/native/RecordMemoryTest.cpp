@@ -64,6 +64,31 @@ TEST(RecordMemoryOfMany, IsBoundedByTheBytesPresent) {
     }
 }
 
+// Two bytes for each record beyond the first, which may be large.
+TEST(RecordMemoryOfMany, IsBoundedByTheBytesWhereOneIsRepeated) {
+    const std::string longText = toHex(repeated(fromHex("41"), 5000));
+    const struct {
+        const char* table;
+        std::string record;
+    } rows[] = {
+        {"NySeUserPtrArray", "0800 'NySeUser' FFFFFFFF 00 00 00 FFFFFFFF 00000000 00000000"},
+        {"NySeUserPtrArray",
+         "0800 'NySeUser' FFFFFFFF 00 FF8813" + longText + "00 FFFFFFFF 00000000 00000000"},
+        {"NySeSessionLockPtrArray", "0F00 'NySeSessionLock' 00000000 00000000"},
+        {"NySeConnectionArray", "0E00 'NySeConnection' 00 00000000 00000000"},
+        {"NySeLockArray", "0800 'NySeLock' FF8813" + longText + "0000"}};
+    for (const auto& row : rows) {
+        for (const size_t references : {1, 3, 6, 12, 24, 48, 100, 20000}) {
+            const Bytes bytes = fromHex("FFFF FFFFFFFF FFFF DF07" + row.record) +
+                                repeated(fromHex("0200"), references);
+            const size_t size = bytes.size();
+            EXPECT_LE(memoryToRead(bytes, [&](CArchive& ar) { readFields(row.table, ar); }),
+                      kMultiple * size + kOverhead)
+                << row.table << ", " << references;
+        }
+    }
+}
+
 class RecordMemory : public ::testing::TestWithParam<Golden> {};
 
 TEST_P(RecordMemory, IsBoundedByTheBytesPresentWhateverTheyAnnounce) {
