@@ -5,9 +5,13 @@
 //   addLock/N           a request for the last lock, which its holder refuses
 //   removeLock/N        the last lock, of which the user holds nothing
 //   plainLoop/N         CompareNoCase with each name up to the last lock
+//   alikeNames/N        lookForLockName of the last lock where all names begin alike
+//   alikePlainLoop/N    the plain loop there
 //   N = 1,000, 10,000, 100,000 locks
 //
 // None of them changes the table. All are linear in N.
+#include <string>
+
 #include "bench/Measure.h"
 
 namespace {
@@ -24,6 +28,14 @@ class LockTable {
         m_table.GetAt(m_last)->getHolders().GetAt(0)->setLockState(kExclusive);
         m_name = m_table.GetAt(m_last)->getStrLockName();
         m_stranger.setSessionNumber(-7);
+    }
+
+    void makeNamesAlike() {
+        for (INT_PTR i = 0; i < m_table.GetSize(); ++i) {
+            const std::string number = std::to_string(1'000'000 + i);
+            m_table.GetAt(i)->setStrLockName(CString(("project/storey/a/" + number).c_str()));
+        }
+        m_name = m_table.GetAt(m_last)->getStrLockName();
     }
 
     INT_PTR plainLoop(const CString& name) const {
@@ -78,6 +90,18 @@ void plainLoop(benchmark::State& state) {
     timeCall(state, table.m_last, [&] { return table.plainLoop(table.m_name); });
 }
 
+void alikeNames(benchmark::State& state) {
+    LockTable table(state);
+    table.makeNamesAlike();
+    timeCall(state, table.m_last, [&] { return table.m_table.lookForLockName(table.m_name); });
+}
+
+void alikePlainLoop(benchmark::State& state) {
+    LockTable table(state);
+    table.makeNamesAlike();
+    timeCall(state, table.m_last, [&] { return table.plainLoop(table.m_name); });
+}
+
 void addSizes(const char* name, void (*run)(benchmark::State&)) {
     benchmark::RegisterBenchmark(name, run)->RangeMultiplier(10)->Range(1'000, 100'000);
 }
@@ -90,5 +114,7 @@ int main(int argc, char** argv) {
     addSizes("addLock", addLock);
     addSizes("removeLock", removeLock);
     addSizes("plainLoop", plainLoop);
+    addSizes("alikeNames", alikeNames);
+    addSizes("alikePlainLoop", alikePlainLoop);
     return bench::runBenchmarks(argc, argv);
 }

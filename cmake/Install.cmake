@@ -62,8 +62,6 @@ set(ny_public_headers
   records/NySeConnectionArray.h
   records/NySeLock.h
   records/NySeLockArray.h
-  records/NySeLockIndex.h
-  records/NySeLockName.h
   records/NySeMessage.h
   records/NySeRecord.h
   records/NySeSessionLock.h

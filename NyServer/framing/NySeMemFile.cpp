@@ -109,6 +109,7 @@ void NySeMemFile::writeObject(const CObject& object) {
 }
 
 void NySeMemFile::writeObject(const NySeUser& user) {
+    if (!isWriting()) return;
     // An archive of its own knows no class yet, so the description is always a full one.
     CMemFile scratch(kGrowBytes);
     dropArchiveErrors([&] {

@@ -48,7 +48,7 @@ class NYSERVER_API NySeMemFile : public CMemFile {
     // truncates it.
     void writeObject(const CObject& object);
     // The user in class-tagged form under the user's own schema, with a class description of its
-    // own whatever the message holds already. REQUIRES: an open storing archive.
+    // own whatever the message holds already.
     void writeObject(const NySeUser& user);
     // Moves the content of `source` into this file, not through the archive; `source` is empty
     // then. Always true. REQUIRES: the block of `source` comes from malloc, as its own does; the

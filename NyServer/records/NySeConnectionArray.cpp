@@ -2,17 +2,16 @@
 
 #include <memory>
 
+#include "NyServer/records/TextSearch.h"
+
 namespace {
+
+constexpr NySe::TextKey<NySeConnection> kString = {&NySeConnection::getStrConnection,
+                                                   &NySeConnection::setStrConnection, 2};
 
 NySeConnection withId(LONG id) {
     NySeConnection probe;
     probe.setId(id);
-    return probe;
-}
-
-NySeConnection withString(const CString& connection) {
-    NySeConnection probe;
-    probe.setStrConnection(connection);
     return probe;
 }
 
@@ -49,33 +48,38 @@ LONG NySeConnectionArray::openConnection(const CString& connection) {
     }
     auto entry = std::make_unique<NySeConnection>();
     entry->setStrConnection(connection);
-    entry->setId(takeId());
+    entry->setId(nextId());
     entry->setRefCount(1);
     add(entry.get());
+    takeId();  // not before the entry is in: that may fail
     return entry.release()->getId();
 }
 
-LONG NySeConnectionArray::takeId() {
-    if (m_freeIds.IsEmpty()) return m_lastId = NySe::sum(m_lastId, 1);
-    const LONG id = m_freeIds.GetAt(0);
-    m_freeIds.RemoveAt(0, 1);
-    return id;
+LONG NySeConnectionArray::nextId() const {
+    return m_freeIds.IsEmpty() ? NySe::sum(m_lastId, 1) : m_freeIds.GetAt(0);
+}
+
+void NySeConnectionArray::takeId() {
+    if (m_freeIds.IsEmpty()) {
+        m_lastId = nextId();
+    } else {
+        m_freeIds.RemoveAt(0, 1);
+    }
 }
 
 bool NySeConnectionArray::closeConnection(LONG id) {
     NySeConnection* open = findById(id);
     if (open == nullptr) return false;
-    open->setRefCount(NySe::sum(open->getRefCount(), -1));
-    if (open->getRefCount() > 0) return false;
-    const INT_PTR index = lookForId(id);
-    m_freeIds.insertSorted(id);
-    RemoveAt(index, 1);
+    const LONG left = NySe::sum(open->getRefCount(), -1);
+    if (left <= 0) m_freeIds.insertSorted(id);  // before anything is changed: it may fail
+    open->setRefCount(left);
+    if (left > 0) return false;
+    RemoveAt(lookForId(id), 1);
     return true;
 }
 
 NySeConnection* NySeConnectionArray::findByConnection(const CString& connection) const {
-    const NySeConnection probe = withString(connection);
-    return NySeConnection::cast(find(&probe, 2));
+    return NySe::findText<kString>(*this, connection);
 }
 
 NySeConnection* NySeConnectionArray::findById(LONG id) const {
@@ -84,8 +88,7 @@ NySeConnection* NySeConnectionArray::findById(LONG id) const {
 }
 
 INT_PTR NySeConnectionArray::lookForConnection(const CString& connection) const {
-    const NySeConnection probe = withString(connection);
-    return lookFor(&probe, 2);
+    return NySe::lookForText<kString>(*this, connection);
 }
 
 INT_PTR NySeConnectionArray::lookForId(LONG id) const {

@@ -6,7 +6,8 @@
 
 // Sorted by id. Ids count up from 0; those of closed connections are given again, smallest first.
 // Connection strings are the same when they differ only in letter case. Finders lend what they
-// find. One table may be used by one thread at a time.
+// find. Any number of threads may call the const operations of one table at a time, while nobody
+// changes it or its connections.
 class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeConnectionArray, NySeConnection)
 
@@ -16,11 +17,12 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     void Serialize(CArchive& ar) override;
 
     // Opens the connection once more, or gives it an id and enters it with a count of 1. Returns
-    // its id.
+    // its id. Throws, with nothing changed, when there is no memory.
     LONG openConnection(const CString& connection);
 
     // Closes the connection once. True when that was the last time: it is deleted and its id free
-    // again. False when it is still open, or when no connection has that id.
+    // again. False when it is still open, or when no connection has that id. Throws, with nothing
+    // changed, when there is no memory to keep the id in.
     bool closeConnection(LONG id);
 
     // The first connection of that string or id; null when there is none.
@@ -32,7 +34,8 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     INT_PTR lookForId(LONG id) const;
 
   private:
-    LONG takeId();
+    LONG nextId() const;
+    void takeId();
     void forgetIds();
 
     // Ascending. A table that was loaded may name an id twice.

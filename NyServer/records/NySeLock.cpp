@@ -14,7 +14,7 @@ void NySeLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         storeFields(ar);
     } else {
-        ar >> m_lockName.change();
+        ar >> m_strLockName;
         m_holders.Serialize(ar);
     }
 }

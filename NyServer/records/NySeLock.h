@@ -3,7 +3,6 @@
 
 #include <array>
 
-#include "NyServer/records/NySeLockName.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 #include "QoRecordStore.h"
 
@@ -17,8 +16,8 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeLock)
 
   public:
-    const CString& getStrLockName() const { return m_lockName.text(); }
-    void setStrLockName(const CString& lockName) { m_lockName.change() = lockName; }
+    const CString& getStrLockName() const { return m_strLockName; }
+    void setStrLockName(const CString& lockName) { m_strLockName = lockName; }
 
     // One entry for each grant, owned by this lock.
     NySeSessionLockPtrArray& getHolders() { return m_holders; }
@@ -40,18 +39,16 @@ class NYSERVER_API NySeLock : public QoObject2 {
     // What Serialize writes, into an archive or what takes its place.
     template <class TARGET>
     void storeFields(TARGET& target) const {
-        target << m_lockName.text();
+        target << m_strLockName;
         qoStoreRecords<NySeSessionLock>(target, m_holders);
     }
 
     // Where the fields lie that are not in the object itself, for whoever is about to store it.
     std::array<const void*, 2> storedMemory() const {
-        return {m_lockName.text().GetString(), m_holders.GetData()};
+        return {m_strLockName.GetString(), m_holders.GetData()};
     }
 
   private:
-    friend class NySeLockIndex;
-
-    NySeLockName m_lockName;
+    CString m_strLockName;
     NySeSessionLockPtrArray m_holders;
 };

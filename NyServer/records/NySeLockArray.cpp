@@ -3,8 +3,11 @@
 #include <memory>
 
 #include "NyServer/records/NySeUser.h"
+#include "NyServer/records/TextSearch.h"
 
 namespace {
+
+constexpr NySe::TextKey<NySeLock> kName = {&NySeLock::getStrLockName, &NySeLock::setStrLockName, 1};
 
 void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
     auto entry = std::make_unique<NySeSessionLock>();
@@ -25,10 +28,7 @@ void NySeLockArray::Serialize(CArchive& ar) {
 }
 
 INT_PTR NySeLockArray::lookForLockName(const CString& name) const {
-    if (const std::optional<INT_PTR> index = m_index.find(*this, name)) return *index;
-    NySeLock probe;
-    probe.setStrLockName(name);
-    return lookFor(&probe, 1);
+    return NySe::lookForText<kName>(*this, name);
 }
 
 INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsigned int mode) {
@@ -48,7 +48,7 @@ INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsign
 }
 
 bool NySeLockArray::removeLock(NySeLock& lock, const NySeUser& user) {
-    const INT_PTR index = lookForNameOf(lock);
+    const INT_PTR index = NySe::lookForText<kName>(*this, lock.getStrLockName(), &lock);
     if (index < 0) return false;
     NySeLock& stored = *GetAt(index);
     stored.removeUser(user);
@@ -64,14 +64,8 @@ void NySeLockArray::deleteLockByUser(const NySeUser& user) {
     }
 }
 
-INT_PTR NySeLockArray::lookForNameOf(const NySeLock& lock) const {
-    if (const auto index = m_index.find(*this, lock.getStrLockName())) return *index;
-    return lookFor(&lock, 1);
-}
-
 bool NySeLockArray::deleteUnheld(INT_PTR index) {
     if (GetAt(index)->getHolders().GetSize() > 0) return false;
-    m_index.remove(*this, index);
     RemoveAt(index, 1);
     return true;
 }

@@ -2,12 +2,11 @@
 #pragma once
 
 #include "NyServer/records/NySeLock.h"
-#include "NyServer/records/NySeLockIndex.h"
 
 // A lock is in the table while it has holders. Lock names are the same when they differ only in
 // letter case; users are known by their session number alone. Locks that addLock makes go to the
-// end, so that the table need not be in the order of the names. One table may be used by one thread
-// at a time.
+// end, so that the table need not be in the order of the names. Any number of threads may call the
+// const operations of one table at a time, while nobody changes it or its locks.
 class NYSERVER_API NySeLockArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeLockArray, NySeLock)
 
@@ -31,9 +30,6 @@ class NYSERVER_API NySeLockArray : public QoArraySerial2 {
     void deleteLockByUser(const NySeUser& user);
 
   private:
-    INT_PTR lookForNameOf(const NySeLock& lock) const;
     // True when the lock went with its last holder.
     bool deleteUnheld(INT_PTR index);
-
-    mutable NySeLockIndex m_index;
 };

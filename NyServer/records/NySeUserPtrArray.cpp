@@ -1,6 +1,13 @@
 #include "NyServer/records/NySeUserPtrArray.h"
 
 #include "NyServer/records/NySeSessionLockPtrArray.h"
+#include "NyServer/records/TextSearch.h"
+
+namespace {
+
+constexpr NySe::TextKey<NySeUser> kName = {&NySeUser::getStrUserName, &NySeUser::setStrUserName, 1};
+
+}  // namespace
 
 NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
     NySeUser probe;
@@ -9,9 +16,7 @@ NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
 }
 
 NySeUser* NySeUserPtrArray::findByUserName(const CString& userName) const {
-    NySeUser probe;
-    probe.setStrUserName(userName);
-    return NySeUser::cast(find(&probe, 1));
+    return NySe::findText<kName>(*this, userName);
 }
 
 void NySeUserPtrArray::addFromSessionArray(NySeUserPtrArray& users,

@@ -5,7 +5,8 @@
 
 class NySeSessionLockPtrArray;
 
-// Sorted by user name. One table may be used by one thread at a time.
+// Sorted by user name. Any number of threads may call the const operations of one table at a time,
+// while nobody changes it or its users.
 class NYSERVER_API NySeUserPtrArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeUserPtrArray, NySeUser)
 

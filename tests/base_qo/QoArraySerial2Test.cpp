@@ -52,14 +52,24 @@ TEST_F(QoArraySerial2Test, LoadsRecordsOfAKindOfTheElementClass) {
     EXPECT_TRUE(m_table.at(0)->IsKindOf(RUNTIME_CLASS(SubCounted)));
 }
 
-TEST_F(QoArraySerial2Test, GivesEachRecordTheSchemaOfItsClassAndTheCallerItsOwn) {
-    Loading loading(
-        fromHex("0200 FFFF 1234 0700 'Counted' 09000000 01000000 0180 02000000 03000000"));
-    loading.ar.SetObjectSchema(77);
-    m_table.Serialize(loading.ar);
-    EXPECT_EQ(0x3412u, m_table.at(0)->m_schema);
-    EXPECT_EQ(0x3412u, m_table.at(1)->m_schema);
-    EXPECT_EQ(77u, loading.ar.GetObjectSchema());
+TEST_F(QoArraySerial2Test, GivesEachRecordTheOlderSchemaAndTheCallerItsOwn) {
+    const struct {
+        UINT callers;
+        UINT given;
+    } rows[] = {{0xFFFFFFFF, 0x3412},
+                {VERSIONABLE_SCHEMA | 0x3413, 0x3412},
+                {0x3413, 0x3412},
+                {VERSIONABLE_SCHEMA | 0x3411, VERSIONABLE_SCHEMA | 0x3411},
+                {77, 77}};
+    for (const auto& row : rows) {
+        Loading loading(
+            fromHex("0200 FFFF 1234 0700 'Counted' 09000000 01000000 0180 02000000 03000000"));
+        loading.ar.SetObjectSchema(row.callers);
+        m_table.Serialize(loading.ar);
+        EXPECT_EQ(row.given, m_table.at(0)->m_schema);
+        EXPECT_EQ(row.given, m_table.at(1)->m_schema);
+        EXPECT_EQ(row.callers, loading.ar.GetObjectSchema());
+    }
 }
 
 TEST_F(QoArraySerial2Test, LoadingReplacesTheContents) {
@@ -124,12 +134,59 @@ TEST_F(QoArraySerial2Test, RefusesWhatIsNotOfTheElementClass) {
     expectRefused(CArchiveException::badClass, "0100 FFFF 0700 0600 'Nobody'");
 }
 
-TEST_F(QoArraySerial2Test, RefusesARecordThatHasAnOwnerAlready) {
+TEST_F(QoArraySerial2Test, LoadsAClonePerReferenceToItsOwnRecords) {
     const std::string counted = std::string(kNewCounted) + "09000000 01000000";
-    expectRefused(CArchiveException::badIndex, "0200" + counted + "0200");
-    expectRefused(CArchiveException::badIndex, "0300" + counted + "0180 09000000 01000000 0300");
+    EXPECT_EQ(-1, load("0400" + counted + "0200 0180 08000000 02000000 FF7F 02000000"));
+    EXPECT_EQ((Pairs{{9, 1}, {9, 1}, {8, 2}, {9, 1}}), pairsOf(m_table));
+    EXPECT_EQ(4, Counted::alive);
+    EXPECT_EQ(0, Counted::deleted);
+}
+
+TEST_F(QoArraySerial2Test, LoadsClonesThatBelongToTheCallerOfAView) {
     m_table.setDeleteObject(false);
-    expectRefused(CArchiveException::badIndex, "0200" + counted + "0200");
+    EXPECT_EQ(-1, load("0200" + std::string(kNewCounted) + "09000000 01000000 0200"));
+    ASSERT_EQ(2, m_table.GetSize());
+    EXPECT_NE(m_table.at(0), m_table.at(1));
+    delete m_table.at(0);
+    delete m_table.at(1);
+    EXPECT_EQ(0, Counted::alive);
+}
+
+TEST_F(QoArraySerial2Test, FailedLoadingDeletesItsClones) {
+    const std::string counted = std::string(kNewCounted) + "09000000 01000000";
+    expectRefused(CArchiveException::endOfFile, "0300" + counted + "0200");
+    m_table.setDeleteObject(false);
+    expectRefused(CArchiveException::endOfFile, "0300" + counted + "0200");
+}
+
+TEST_F(QoArraySerial2Test, RefusesARecordWhoseCloneIsNotWhole) {
+    // Its clone is a Counted.
+    expectRefused(CArchiveException::badIndex,
+                  "0200 FFFF 0800 0A00 'SubCounted' 09000000 01000000 0200");
+    Counted::clonesLeft = 0;
+    EXPECT_TRUE(throwsA<CMemoryException>([&] {
+        Loading loading(fromHex("0200" + std::string(kNewCounted) + "09000000 01000000 0200"));
+        m_table.Serialize(loading.ar);
+    }));
+    EXPECT_EQ(0, Counted::alive);
+}
+
+TEST_F(QoArraySerial2Test, RefusesReferencesBeyondASmallMultipleOfTheBytes) {
+    const std::string counted = "0001" + std::string(kNewCounted) + "09000000 01000000";
+    int cause = -1;
+    int references = 0;
+    for (std::string text = counted; cause != CArchiveException::badIndex && references < 100;
+         text += "0200") {
+        cause = load(text);
+        ++references;
+    }
+    EXPECT_GE(references, 5);
+    EXPECT_LE(references, 20);
+    // The more is there, the more of it may be repeated.
+    std::string all = "0008" + std::string(kNewCounted) + "09000000 01000000";
+    for (int i = 1; i < 1024; ++i) all += "0180 09000000 01000000";
+    for (int i = 0; i < 1024; ++i) all += "0200";
+    EXPECT_EQ(-1, load(all));
 }
 
 TEST_F(QoArraySerial2Test, RefusesARecordThatTheArchiveGaveSomebodyElse) {

@@ -117,6 +117,16 @@ TEST_F(MemFile, NoActionLeavesTheHeaderUnwrittenAndThePositionAtTheEnd) {
     EXPECT_EQ(nullptr, m_file.getArchive());
 }
 
+TEST_F(MemFile, OtherNegativeActionsFillTheirHeaderIn) {
+    for (const LONG action : {-2, INT32_MIN}) {
+        m_file.writeAction(static_cast<ActionType>(action), schema2015);
+        LONG written = 0;
+        EXPECT_EQ(0u, m_file.GetPosition());
+        m_file.Read(&written, sizeof written);
+        EXPECT_EQ(action, written);
+    }
+}
+
 TEST_F(MemFile, EmptyMessageWithoutActionIsFourZeroBytes) {
     m_file.startWrite(schema2015);
     m_file.stopWriting();
@@ -181,12 +191,14 @@ TEST_F(MemFile, NothingIsWrittenWithoutAStoringArchive) {
     m_file.writeInteger(1);
     m_file.writeString(_T("A"));
     m_file.writeObject(static_cast<const CObject&>(user(2015)));
+    m_file.writeObject(user(2015));
     EXPECT_EQ(0u, m_file.getLength());
     fill(fromHex("01020304"));
     m_file.startReading();
     m_file.writeInteger(1);
     m_file.writeString(_T("A"));
     m_file.writeObject(static_cast<const CObject&>(user(2015)));
+    m_file.writeObject(user(2015));
     m_file.stopReading();
     EXPECT_EQ(hex("01020304"), bytes());
 }
@@ -293,6 +305,20 @@ TEST_F(MemFile, TakesTheContentOfAnotherFile) {
     EXPECT_EQ(hex("0B000000 07000000 'abc' 01000000"), bytes());
     EXPECT_EQ(0u, source.GetLength());
     EXPECT_EQ(nullptr, source.Detach());
+}
+
+TEST_F(MemFile, TakesTheContentAtOnceAndNotThroughItsArchive) {
+    CMemFile source;
+    source.Write("abc", 3);
+    m_file.startWriteAction(kSome, schema2015);
+    m_file.writeMemfile(source);
+    EXPECT_EQ(11u, m_file.getLength());
+    EXPECT_EQ(11u, m_file.GetPosition());
+    m_file.stopWriting();
+    source.Write("de", 2);
+    m_file.Seek(8, CFile::begin);
+    EXPECT_TRUE(m_file.writeMemfile(source));  // with no archive open
+    EXPECT_EQ(hex("0B000000 03000000 'dec'"), bytes());
 }
 
 TEST_F(MemFile, TakesNothingFromAnEmptyFile) {

@@ -28,6 +28,13 @@ TEST(NotificationBytes, IsWrappedWithItsActionAndLength) {
     EXPECT_EQ(hex("3A000000 00000000"), wrapped(NySe::actionLastNotification, ""));
 }
 
+TEST(NotificationBytes, IsWrappedUnderTheCurrentSchema) {
+    CMemFile body;
+    NySeMemFile message;
+    NySe::wrapNotification(message, NySe::actionFirstNotification, body);
+    EXPECT_EQ(NySe::schema2015, message.getSchemaType());
+}
+
 TEST(NotificationBytes, IsFoundWithItsPayload) {
     EXPECT_EQ("50: " + hex("'ab'"), found("32000000 02000000 'ab'"));
     EXPECT_EQ("58: ", found("3A000000 00000000"));

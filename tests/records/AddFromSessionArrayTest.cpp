@@ -3,6 +3,8 @@
 
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/support/ArchiveBytes.h"
+#include "tests/support/CStringPrinter.h"
 
 namespace {
 
@@ -63,6 +65,33 @@ TEST_F(UsersOfSessions, AreNoneForNoSessions) {
 TEST_F(UsersOfSessions, AppearOncePerSessionLock) {
     addSessions({3, 3});
     EXPECT_EQ((std::vector<LONG>{3, 3}), found());
+}
+
+// As the answer to isLockBy: the second is written as a reference.
+TEST_F(UsersOfSessions, ArriveOncePerSessionLock) {
+    addSessions({3, 1, 3, 3, 2, 1});
+    found();
+    NySeUserPtrArray owning;
+    NySeUserPtrArray view(QoArraySerial2::kDoNotDelete);
+    for (NySeUserPtrArray* read : {&owning, &view}) {
+        Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
+        read->Serialize(loading.ar);
+        ASSERT_EQ(6, read->GetSize());
+        for (INT_PTR i = 0; i < 6; ++i) {
+            EXPECT_EQ(m_found.GetAt(i)->getSessionNumber(), read->GetAt(i)->getSessionNumber());
+            EXPECT_EQ(m_found.GetAt(i)->getStrUserName(), read->GetAt(i)->getStrUserName());
+        }
+    }
+    for (INT_PTR i = 0; i < 6; ++i) delete view.GetAt(i);
+}
+
+TEST_F(UsersOfSessions, OfOneSessionMayBeSixOfOne) {
+    addSessions({2, 2, 2, 2, 2, 2});
+    found();
+    Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
+    NySeUserPtrArray read;
+    read.Serialize(loading.ar);
+    EXPECT_EQ(6, read.GetSize());
 }
 
 TEST_F(UsersOfSessions, JoinThoseAlreadyThere) {

@@ -114,19 +114,34 @@ TEST(HostileRecords, ALockTakesOnlySessionLocksAsHolders) {
 
 TEST(HostileRecords, NoTwoLocksShareAHolder) {
     EXPECT_EQ(CArchiveException::badIndex,
-              readObject<NySeLock>(kLock + "FFFEFF00 0200" + kHolder + "0400"));
-    EXPECT_EQ(CArchiveException::badIndex,
               readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0100" + kHolder +
                                         "0380 FFFEFF00 0100 0600"));
-    EXPECT_EQ(CArchiveException::badIndex,
-              readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0000 0400"));
 }
 
-TEST(HostileRecords, ATableTakesNoRecordTwice) {
+// A clone of a lock lacks its holders.
+TEST(HostileRecords, ATableTakesNoHeldLockTwice) {
     EXPECT_EQ(CArchiveException::badIndex,
-              readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + "0400"));
+              readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0100" + kHolder +
+                                        "0400"));
+    EXPECT_EQ(-1, readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0000 0400"));
+}
+
+TEST(HostileRecords, ATableTakesNothingTwiceButItsOwnRecords) {
+    EXPECT_EQ(-1, readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + "0400"));
+    for (const char* other : {"0100", "0200", "0300", "0500"}) {
+        EXPECT_EQ(CArchiveException::badIndex,
+                  readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + other))
+            << other;
+    }
     EXPECT_EQ(CArchiveException::badIndex, readObject<NySeUserPtrArray>(kUsersHead + "0100 0200"));
     EXPECT_EQ(CArchiveException::badIndex, readObject<NySeUserPtrArray>(kUsersHead + "0100 0100"));
+}
+
+TEST(HostileRecords, ATableTakesNoRecordOfAnotherTable) {
+    Loading loading(fromHex(kUsersHead + "0100" + kUser + "0180 0100 0400"));
+    const std::unique_ptr<CObject> first(loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)));
+    EXPECT_EQ(CArchiveException::badIndex,
+              archiveCause([&] { loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)); }));
 }
 
 TEST(HostileRecords, CountsBeyondTheDataEndTooEarly) {

@@ -159,6 +159,25 @@ TEST_F(ConnectionTable, FreeIdsBeyondTheDataAreRefused) {
     }
 }
 
+// A table that was loaded may name an id twice.
+TEST_F(ConnectionTable, GivesAnIdTwiceThatWasFreedTwice) {
+    load(
+        fromHex("0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 03000000 01000000"
+                "09000000 0100 03000000"));
+    EXPECT_TRUE(close(3));
+    EXPECT_EQ(hex("0000 09000000 0200 03000000 03000000"), toHex(bytes()));
+    EXPECT_EQ(3, open("B"));
+    EXPECT_EQ(3, open("C"));
+    EXPECT_EQ(10, open("D"));
+}
+
+TEST_F(ConnectionTable, CountsOfOpensWrapWhenClosedToo) {
+    open("A");
+    m_table.findById(0)->setRefCount(INT32_MIN);
+    EXPECT_FALSE(close(0));
+    EXPECT_EQ(INT32_MAX, countOf(0));
+}
+
 TEST_F(ConnectionTable, LoadedNumbersAtTheirLimitsWrap) {
     load(
         fromHex("0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 00000000 FFFFFF7F"

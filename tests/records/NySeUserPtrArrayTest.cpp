@@ -58,6 +58,38 @@ TEST_F(UserTable, FindsTheFirstOfASession) {
     EXPECT_EQ(nullptr, m_users.findBySessionNumber(-1));
 }
 
+TEST_F(UserTable, TravelsWithoutSoftTypesUnderAnOlderSchema) {
+    for (const LONG session : {7, 8}) {
+        m_users.append(make(_T("Anna"), session));
+        m_users.GetAt(m_users.GetSize() - 1)->setSoftType(3);
+    }
+    const auto write = [this](CArchive& ar) {
+        ar.SetObjectSchema(VERSIONABLE_SCHEMA | 2014);
+        m_users.Serialize(ar);
+    };
+    const Bytes bytes = stored(write);
+    const std::string name = "FFFEFF04 41006E006E006100 FFFEFF00 ";
+    EXPECT_EQ(hex("0200 FFFF DF07 0800 'NySeUser' FFFFFFFF FFFEFF00" + name + "07000000 00000000" +
+                  "0180 FFFFFFFF FFFEFF00" + name + "08000000 00000000"),
+              toHex(bytes));
+    Loading loading(bytes);
+    loading.ar.SetObjectSchema(VERSIONABLE_SCHEMA | 2014);
+    m_users.Serialize(loading.ar);
+    EXPECT_EQ((std::vector<LONG>{7, 8}), sessions());
+    EXPECT_EQ(0, m_users.GetAt(1)->getSoftType());
+    EXPECT_EQ(0u, loading.ar.BytesLeft());
+    EXPECT_EQ(toHex(bytes), toHex(stored(write)));
+}
+
+// A reader that has agreed on nothing goes by the description of the class.
+TEST_F(UserTable, TravelsAsAnObjectWithItsSoftTypes) {
+    m_users.append(make(_T("Anna"), 7));
+    m_users.GetAt(0)->setSoftType(3);
+    Loading loading(stored([this](CArchive& ar) { ar.WriteObject(&m_users); }));
+    const std::unique_ptr<CObject> read(loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)));
+    EXPECT_EQ(3, static_cast<const NySeUserPtrArray&>(*read).GetAt(0)->getSoftType());
+}
+
 TEST_F(UserTable, SeventyThousandUsersComeBack) {
     constexpr int kUsers = 70000;
     for (int i = 0; i < kUsers; ++i) m_users.append(make(_T("u"), i));

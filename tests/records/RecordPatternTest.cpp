@@ -114,6 +114,21 @@ TYPED_TEST(RecordPattern, ClonesItself) {
               toHex(this->fieldsOf(*TypeParam::cast(untyped.get()))));
 }
 
+TYPED_TEST(RecordPattern, IsAssignedByTheVirtualCopy) {
+    struct Watching : TypeParam {
+        using TypeParam::operator=;
+        const QoObject2& vCopyFrom(const QoObject2& other) override {
+            source = &other;
+            return *this;
+        }
+        const QoObject2* source = nullptr;
+    } record;
+    const TypeParam other = Sample<TypeParam>::make();
+    record = other;
+    EXPECT_EQ(&other, record.source);
+    EXPECT_EQ(toHex(this->fieldsOf(TypeParam())), toHex(this->fieldsOf(record)));
+}
+
 TYPED_TEST(RecordPattern, TakesNothingFromItselfOrAnotherKind) {
     TypeParam record = Sample<TypeParam>::make();
     EXPECT_EQ(&record, &record.vCopyFrom(record));

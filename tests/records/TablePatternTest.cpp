@@ -106,6 +106,18 @@ TYPED_TEST(TablePattern, CopiesHoldClones) {
     }
 }
 
+TYPED_TEST(TablePattern, TakesAnothersRecordsByTheVirtualCopy) {
+    TypeParam table;
+    this->fill(table);
+    TypeParam copy;
+    copy.append(this->makeSecond());
+    QoArray2<CObArray, QoObject2>& base = copy;
+    EXPECT_EQ(&base, &base.vCopyFrom(table));
+    ASSERT_EQ(2, copy.GetSize());
+    EXPECT_NE(table.GetAt(0), copy.GetAt(0));
+    EXPECT_EQ(QoSort::equal, table.vCompareTo(copy, 1));
+}
+
 TYPED_TEST(TablePattern, KeepsTheSlotsOfItsBase) {
     EXPECT_EQ(0u, slotOf(&TypeParam::GetRuntimeClass));
     EXPECT_EQ(3u, slotOf(&TypeParam::Serialize));

@@ -125,6 +125,11 @@ class NYBASE_API CArchive {
     // it at the same place.
     void MapObject(const CObject* object);
 
+    // Loading, and of this library alone. The last number that a class or an object was given, 0
+    // when there is none yet; and the object with that number, null when there is none.
+    DWORD LastReadNumber() const;
+    CObject* FindReadObject(DWORD number) const;
+
     // Loading: the schema under which the object being read was stored. Storing: what
     // SetObjectSchema set. (UINT)-1 when nothing is known. Asking resets it to that.
     UINT GetObjectSchema();

@@ -98,6 +98,14 @@ void CArchive::MapObject(const CObject* object) {
     }
 }
 
+DWORD CArchive::LastReadNumber() const {
+    return m_read != nullptr ? m_read->last() : 0;
+}
+
+CObject* CArchive::FindReadObject(DWORD number) const {
+    return m_read != nullptr ? m_read->findObject(number) : nullptr;
+}
+
 CRuntimeClass* CArchive::ReadClass(const CRuntimeClass* wanted, UINT* schema, DWORD* objectTag) {
     if (IsStoring()) throwWrongDirection();
     if (wanted != nullptr && !wanted->IsSerializable()) AfxThrowNotSupportedException();

@@ -27,6 +27,8 @@ class CArchive::ReadNumbers {
         return add(m_classes.size() << 1 | kIsClass);
     }
 
+    DWORD last() const { return static_cast<DWORD>(m_entries.size()); }
+
     // What bears that number: null when it is no class.
     const Class* findClass(DWORD number) const {
         const uintptr_t entry = find(number);

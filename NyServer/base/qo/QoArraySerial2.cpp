@@ -1,14 +1,23 @@
 #include "QoArraySerial2.h"
 
+#include <vector>
+
 IMPLEMENT_DYNAMIC(QoArraySerial2, CObArray)
 
 namespace {
 
-// Gives the archive another object schema until the scope ends, however it ends.
+// When nothing is known, nothing is older.
+UINT olderSchema(UINT left, UINT right) {
+    return (left & ~VERSIONABLE_SCHEMA) < (right & ~VERSIONABLE_SCHEMA) ? left : right;
+}
+
+// Gives the archive the older one of its object schema and `schema` until the scope ends, however
+// it ends. A writer under an older schema leaves fields out, but always describes the class by the
+// current one: that the schema is older is what both sides have agreed on.
 class ObjectSchemaScope {
   public:
     ObjectSchemaScope(CArchive& ar, UINT schema) : m_archive(ar), m_callers(ar.GetObjectSchema()) {
-        ar.SetObjectSchema(schema);
+        ar.SetObjectSchema(olderSchema(schema, m_callers));
     }
     ~ObjectSchemaScope() { m_archive.SetObjectSchema(m_callers); }
     ObjectSchemaScope(const ObjectSchemaScope&) = delete;
@@ -19,7 +28,67 @@ class ObjectSchemaScope {
     const UINT m_callers;
 };
 
+// What the record writes of itself.
+std::vector<BYTE> fieldsOf(QoObject2& record) {
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    record.Serialize(ar);
+    ar.Close();
+    std::vector<BYTE> fields(static_cast<size_t>(file.GetLength()));
+    file.SeekToBegin();
+    file.Read(fields.data(), static_cast<UINT>(fields.size()));
+    return fields;
+}
+
+[[noreturn]] void throwBadIndex(const CArchive& ar) {
+    AfxThrowArchiveException(CArchiveException::badIndex, ar.m_strFileName);
+}
+
 }  // namespace
+
+// Reads references to records that the same load of a table has read. Made before it reads.
+class QoArraySerial2::Repeats {
+  public:
+    explicit Repeats(const CArchive& ar)
+        : m_archive(ar), m_numbersBefore(ar.LastReadNumber()), m_bytesBefore(ar.BytesLeft()) {}
+
+    // A clone of the record with that number, for a table of `size` records. Throws badIndex when
+    // it is not of that class, was not read by this load, has no whole clone, or when there were
+    // too many repeats.
+    std::unique_ptr<QoObject2> clone(DWORD number, const CRuntimeClass* wanted, INT_PTR size) {
+        CObject* const found =
+            number > m_numbersBefore ? m_archive.FindReadObject(number) : nullptr;
+        if (found == nullptr || !found->IsKindOf(wanted)) throwBadIndex(m_archive);
+        QoObject2& record = static_cast<QoObject2&>(*found);
+        const std::vector<BYTE> fields = fieldsOf(record);
+        count(record, fields.size(), size);
+        std::unique_ptr<QoObject2> clone(record.vClone());
+        if (clone == nullptr) AfxThrowMemoryException();
+        const bool whole =
+            clone->GetRuntimeClass() == record.GetRuntimeClass() && fieldsOf(*clone) == fields;
+        if (!whole) throwBadIndex(m_archive);
+        return clone;
+    }
+
+  private:
+    // A reference is 2 bytes, a record a hundred and more: all records of a table that repeats some
+    // take at most so many times the bytes of the table. A few repeats of each are always possible.
+    static constexpr ULONGLONG kMostMultiple = 18;
+    static constexpr ULONGLONG kPlace = 24;  // in the table, which grows
+
+    void count(const QoObject2& record, size_t fields, INT_PTR size) {
+        m_cloned += fields;
+        const ULONGLONG each = static_cast<ULONGLONG>(record.GetRuntimeClass()->m_nObjectSize);
+        const ULONGLONG records = static_cast<ULONGLONG>(size) + 1;
+        const ULONGLONG bytes = m_bytesBefore - m_archive.BytesLeft();
+        if (records * (each + kPlace) + m_cloned > kMostMultiple * bytes) throwBadIndex(m_archive);
+    }
+
+    const CArchive& m_archive;
+    const DWORD m_numbersBefore;
+    const ULONGLONG m_bytesBefore;
+    ULONGLONG m_cloned = 0;  // bytes of the fields of all clones
+};
 
 void QoArraySerial2::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
@@ -27,9 +96,10 @@ void QoArraySerial2::Serialize(CArchive& ar) {
         return;
     }
     RemoveAll();
+    Repeats repeats(ar);
     try {
         for (size_t left = ar.ReadCount(); left > 0; --left) {
-            std::unique_ptr<QoObject2> element = readElement(ar);
+            std::unique_ptr<QoObject2> element = readElement(ar, repeats);
             append(element.get());
             static_cast<void>(element.release());
         }
@@ -46,15 +116,13 @@ void QoArraySerial2::deleteLoaded() {
     setDeleteObject(owning);
 }
 
-std::unique_ptr<QoObject2> QoArraySerial2::readElement(CArchive& ar) const {
+std::unique_ptr<QoObject2> QoArraySerial2::readElement(CArchive& ar, Repeats& repeats) const {
     UINT schema = 0;
     DWORD tag = 0;
     const CRuntimeClass* pClass = ar.ReadClass(nullptr, &schema, &tag);
-    if (pClass == nullptr && tag != 0) {
-        AfxThrowArchiveException(CArchiveException::badIndex, ar.m_strFileName);
-    }
     const CRuntimeClass* wanted =
         m_elementClass != nullptr ? m_elementClass : RUNTIME_CLASS(QoObject2);
+    if (pClass == nullptr && tag != 0) return repeats.clone(tag, wanted, GetSize());
     if (pClass == nullptr || !pClass->IsDerivedFrom(wanted)) {
         AfxThrowArchiveException(CArchiveException::badClass, ar.m_strFileName);
     }

@@ -17,11 +17,15 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     explicit QoArraySerial2(unsigned long flags) { setDeleteObject((flags & kDoNotDelete) == 0); }
 
     // Loading replaces the contents. The loaded records are the table's; a table that does not own
-    // its records leaves them to the caller. Each record must be new to the archive and of the
-    // element class: throws CArchiveException badClass for null and for any other class, badIndex
-    // for a record read before, which has an owner already. Whatever else goes wrong passes
-    // through; the table is empty then, what had been read is deleted, and nobody may read on from
-    // the archive, which remembers it.
+    // its records leaves them to the caller. A record is read under the schema of its class or that
+    // which the caller has set on the archive, whichever is older. A reference to a record that
+    // this load has read gives a clone of it, as long as that is a whole one and the records take
+    // no more memory than a small multiple of the bytes.
+    //
+    // Throws CArchiveException badClass for null and for a record that is not of the element class,
+    // badIndex for any other reference: what was read elsewhere has an owner already. Whatever else
+    // goes wrong passes through; the table is empty then, what had been read is deleted, and nobody
+    // may read on from the archive, which remembers it.
     void Serialize(CArchive& ar) override;
 
   protected:
@@ -33,7 +37,9 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     void deleteLoaded();
 
   private:
-    std::unique_ptr<QoObject2> readElement(CArchive& ar) const;
+    class Repeats;
+
+    std::unique_ptr<QoObject2> readElement(CArchive& ar, Repeats& repeats) const;
 
     const CRuntimeClass* m_elementClass = nullptr;
 };

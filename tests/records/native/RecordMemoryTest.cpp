@@ -5,8 +5,10 @@
 #include <new>
 #include <string>
 
+#include "NyServer/records/NySeConnectionArray.h"
 #include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/records/FilledTables.h"
 #include "tests/records/GoldenRecords.h"
 #include "tests/support/AllocationCount.h"
 #include "tests/support/ArchiveBytes.h"
@@ -59,6 +61,31 @@ TEST(RecordMemoryOfMany, IsBoundedByTheBytesPresent) {
         const Bytes bytes = head + fields + repeated(fromHex("0380") + fields, kRecords);
         const size_t size = bytes.size();
         EXPECT_LE(memoryToRead(bytes, readObject), kMultiple * size + kOverhead) << row.table;
+    }
+}
+
+// Two bytes for each record beyond the first, which may be large.
+TEST(RecordMemoryOfMany, IsBoundedByTheBytesWhereOneIsRepeated) {
+    const std::string longText = toHex(repeated(fromHex("41"), 5000));
+    const struct {
+        const char* table;
+        std::string record;
+    } rows[] = {
+        {"NySeUserPtrArray", "0800 'NySeUser' FFFFFFFF 00 00 00 FFFFFFFF 00000000 00000000"},
+        {"NySeUserPtrArray",
+         "0800 'NySeUser' FFFFFFFF 00 FF8813" + longText + "00 FFFFFFFF 00000000 00000000"},
+        {"NySeSessionLockPtrArray", "0F00 'NySeSessionLock' 00000000 00000000"},
+        {"NySeConnectionArray", "0E00 'NySeConnection' 00 00000000 00000000"},
+        {"NySeLockArray", "0800 'NySeLock' FF8813" + longText + "0000"}};
+    for (const auto& row : rows) {
+        for (const size_t references : {1, 3, 6, 12, 24, 48, 100, 20000}) {
+            const Bytes bytes = fromHex("FFFF FFFFFFFF FFFF DF07" + row.record) +
+                                repeated(fromHex("0200"), references);
+            const size_t size = bytes.size();
+            EXPECT_LE(memoryToRead(bytes, [&](CArchive& ar) { readFields(row.table, ar); }),
+                      kMultiple * size + kOverhead)
+                << row.table << ", " << references;
+        }
     }
 }
 
@@ -115,6 +142,77 @@ TEST(RecordMemoryShortage, AnywhereInACloneGivesNull) {
         const std::unique_ptr<NySeUserPtrArray> clone(users.clone());
         ASSERT_EQ(count.hasFailed(), clone == nullptr);
         if (clone != nullptr) break;
+    }
+}
+
+TEST(RecordMemoryShortage, LeavesEveryFinderItsAnswers) {
+    const FilledTables tables;
+    for (int i = 0; i < FilledTables::kRecords; ++i) {
+        AllocationCount count;
+        count.failAfter(0);
+        const bool found = tables.findsAll(i);
+        ASSERT_TRUE(found && !count.hasFailed()) << i;
+    }
+}
+
+TEST(RecordMemoryShortage, GivesNobodyALockThatAnotherHolds) {
+    FilledTables tables;
+    NySeUser second;
+    second.setSessionNumber(-7);
+    for (int i = 0; i < FilledTables::kRecords; ++i) {
+        const CString name = FilledTables::nameOf(i);
+        AllocationCount count;
+        count.failAfter(0);
+        ASSERT_EQ(-1, tables.m_locks.addLock(name, second, 0x01)) << i;
+        ASSERT_FALSE(count.hasFailed()) << i;
+    }
+    ASSERT_EQ(FilledTables::kRecords, tables.m_locks.GetSize());
+}
+
+// Calls `change` with each allocation failing in turn, on a table that fills its memory and has so
+// many free ids.
+template <class Change>
+void expectUnchangedByShortage(LONG freeIds, Change change) {
+    constexpr LONG kOpen = 256;
+    NySeConnectionArray source;
+    for (LONG i = 0; i < kOpen + freeIds; ++i) source.openConnection(FilledTables::nameOf(i));
+    for (LONG id = 0; id < freeIds; ++id) source.closeConnection(id);
+    const auto bytesOf = [](NySeConnectionArray& table) {
+        return stored([&](CArchive& ar) { table.Serialize(ar); });
+    };
+    const Bytes before = bytesOf(source);
+    for (size_t allocations = 0;; ++allocations) {
+        NySeConnectionArray table;
+        table.Serialize(Loading(before).ar);
+        bool failed = false;
+        {
+            AllocationCount count;
+            count.failAfter(allocations);
+            try {
+                change(table);
+            } catch (const std::bad_alloc&) {
+                failed = true;
+            }
+            ASSERT_EQ(count.hasFailed(), failed);
+        }
+        ASSERT_EQ(failed, before == bytesOf(table)) << allocations;
+        if (!failed) {
+            ASSERT_GT(allocations, 0u);
+            return;
+        }
+    }
+}
+
+TEST(RecordMemoryShortage, LosesNoIdInOpeningAConnection) {
+    const CString name = FilledTables::nameOf(-1);
+    for (const LONG freeIds : {0, 1, 64}) {
+        expectUnchangedByShortage(freeIds, [&](auto& table) { table.openConnection(name); });
+    }
+}
+
+TEST(RecordMemoryShortage, LosesNoIdInClosingAConnection) {
+    for (const LONG freeIds : {64, 128}) {
+        expectUnchangedByShortage(freeIds, [](auto& table) { table.closeConnection(200); });
     }
 }
 
