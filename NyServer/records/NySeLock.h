@@ -4,8 +4,8 @@
 #include <array>
 
 #include "NyServer/records/NySeLockName.h"
+#include "NyServer/records/NySeRecordStore.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
-#include "QoRecordStore.h"
 
 class NySeUser;
 
@@ -17,12 +17,12 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeLock)
 
   public:
-    const CString& getStrLockName() const { return m_lockName.text(); }
-    void setStrLockName(const CString& lockName) { m_lockName.change() = lockName; }
+    NYSERVER_INLINE const CString& getStrLockName() const { return m_lockName.text(); }
+    NYSERVER_INLINE void setStrLockName(const CString& lockName) { m_lockName.change() = lockName; }
 
     // One entry for each grant, owned by this lock.
-    NySeSessionLockPtrArray& getHolders() { return m_holders; }
-    const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
+    NYSERVER_INLINE NySeSessionLockPtrArray& getHolders() { return m_holders; }
+    NYSERVER_INLINE const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
 
     // Whether `mode` may be granted beside the present holders: not when it asks for access (bit
     // 0x01 or 0x02) and a holder excludes newcomers (bit 0x08 or 0x10). The newcomer's own
@@ -41,11 +41,11 @@ class NYSERVER_API NySeLock : public QoObject2 {
     template <class TARGET>
     void storeFields(TARGET& target) const {
         target << m_lockName.text();
-        qoStoreRecords<NySeSessionLock>(target, m_holders);
+        NySe::storeRecords<NySeSessionLock>(target, m_holders);
     }
 
     // Where the fields lie that are not in the object itself, for whoever is about to store it.
-    std::array<const void*, 2> storedMemory() const {
+    NYSERVER_INLINE std::array<const void*, 2> storedMemory() const {
         return {m_lockName.text().GetString(), m_holders.GetData()};
     }
 

@@ -11,11 +11,11 @@ class NYSERVER_API NySeLockName {
     NySeLockName() = default;
     NySeLockName(const NySeLockName&) = delete;
     NySeLockName& operator=(const NySeLockName&) = delete;
-    ~NySeLockName() { beforeChange(); }
+    NYSERVER_INLINE ~NySeLockName() { beforeChange(); }
 
-    const CString& text() const { return m_text; }
+    NYSERVER_INLINE const CString& text() const { return m_text; }
     // For whoever changes the text.
-    CString& change() {
+    NYSERVER_INLINE CString& change() {
         beforeChange();
         return m_text;
     }
@@ -25,11 +25,11 @@ class NYSERVER_API NySeLockName {
     static unsigned long long changes();
 
     // From here on `index` relies on this name.
-    void enter(const void* index) const {
+    NYSERVER_INLINE void enter(const void* index) const {
         m_index = m_index == nullptr || m_index == index ? index : this;
     }
     // `index` does not any more.
-    void leave(const void* index) const {
+    NYSERVER_INLINE void leave(const void* index) const {
         if (m_index == index) m_index = nullptr;
     }
 

@@ -2,6 +2,10 @@
 
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
+void NySeUserPtrArray::Serialize(CArchive& ar) {
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeUser));
+}
+
 NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
     NySeUser probe;
     probe.setSessionNumber(sessionNumber);

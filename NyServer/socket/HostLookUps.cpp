@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <type_traits>
 
-bool HostLookUps::start(const std::function<HANDLE(char*, int)>& request) try {
-    m_pending.push_back({nullptr, std::make_unique<Result>()});
-    m_pending.back().request = request(m_pending.back().result->bytes, int{kResultSize});
-    if (m_pending.back().request) return true;
-    m_pending.pop_back();
-    return false;
-} catch (const std::bad_alloc&) {
-    return false;
+#include "NyServer/OutOfMemory.h"
+
+bool HostLookUps::start(const std::function<HANDLE(char*, int)>& request) {
+    return zeroIfOutOfMemory([&] {
+        m_pending.push_back({nullptr, std::make_unique<Result>()});
+        m_pending.back().request = request(m_pending.back().result->bytes, int{kResultSize});
+        if (m_pending.back().request) return true;
+        m_pending.pop_back();
+        return false;
+    });
 }
 
 void HostLookUps::finish(HANDLE request, bool isFound, char* target) {
