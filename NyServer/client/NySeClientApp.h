@@ -52,7 +52,7 @@ class NYSERVER_API NySeClientApp {
     // Agrees on the schema of all later requests. It stays as it was when the request cannot be
     // sent.
     void initializeSchema();
-    NySe::SchemaType getSchemaType() const { return m_schema; }
+    NYSERVER_INLINE NySe::SchemaType getSchemaType() const { return m_schema; }
     // True when the server answered as a living one does.
     bool isAlive();
     // The server's version; -1.0 when it does not say.
