@@ -84,12 +84,6 @@ TEST(Objects, AreMadeByEveryFormOfNew) {
     placed->~Fixed();
 }
 
-TEST(Objects, OfWhichThereIsNoRoomAreNullOrThrow) {
-    volatile size_t bytes = SIZE_MAX / 4;
-    EXPECT_EQ(CObject::operator new(bytes, std::nothrow), nullptr);
-    EXPECT_THROW(CObject::operator new(bytes), std::bad_alloc);
-}
-
 TEST(Objects, AreNotCopiedUnlessTheirClassSaysHow) {
     EXPECT_FALSE((std::is_copy_constructible_v<Link> || std::is_copy_assignable_v<Link>));
     EXPECT_FALSE((std::is_copy_constructible_v<CObArray> || std::is_copy_assignable_v<CObArray>));

@@ -35,6 +35,15 @@ TEST(ArchiveMemory, CounterCounts) {
     EXPECT_EQ(count.peakBytes(), 1000u);
 }
 
+TEST(Objects, OfWhichThereIsNoRoomAreNullOrThrow) {
+    constexpr size_t kBytes = 1000;  // more than comes from the small blocks
+    AllocationCount count;
+    count.failAfter(0);
+    EXPECT_EQ(CObject::operator new(kBytes, std::nothrow), nullptr);
+    count.failAfter(0);
+    EXPECT_THROW(CObject::operator new(kBytes), std::bad_alloc);
+}
+
 TEST(ArchiveMemory, LyingStringLengths) {
     for (const char* bytes :
          {"FE 'a'", "FF FE FF 'a'", "FF FF FF FF FF FF 7F 'a'", "FF FE FF FE 61 00",
