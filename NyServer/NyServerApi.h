@@ -21,3 +21,10 @@
 #else
 #define NYSERVER_API __declspec(dllimport)
 #endif
+
+// Before a member whose body is in the header: with its class, GCC exports only the others.
+#if defined(NYSERVER_EXPORTS) && defined(__GNUC__)
+#define NYSERVER_INLINE __declspec(dllexport)
+#else
+#define NYSERVER_INLINE
+#endif

@@ -3,7 +3,9 @@ add_library(ny_options INTERFACE)
 set(warnings
   -Wall -Wextra -Wpedantic -Werror
   -Wshadow -Wnon-virtual-dtor -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wunused)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+if(MSVC)
+  set(warnings /W4 /WX /permissive- /Zc:__cplusplus /EHsc /utf-8)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND warnings -Wduplicated-cond -Wlogical-op -Wsuggest-override)
 endif()
 # Not for resources: their compiler takes other options.

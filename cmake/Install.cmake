@@ -11,6 +11,7 @@ include(CMakePackageConfigHelpers)
 # library's own.
 set(ny_public_headers
   NyServerApi.h
+  OutOfMemory.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h
@@ -36,9 +37,7 @@ set(ny_public_headers
   base/mfc/afxwin.h
   base/qo/QoArray2.h
   base/qo/QoArraySerial2.h
-  base/qo/QoArraySimple.h
   base/qo/QoObject2.h
-  base/qo/QoRecordStore.h
   base/qo/QoSort.h
   base/qo/QoUi.h
   base/qo/QoUiLoadString.h
@@ -64,10 +63,13 @@ set(ny_public_headers
   records/NySeLockArray.h
   records/NySeMessage.h
   records/NySeRecord.h
+  records/NySeRecordStore.h
   records/NySeSessionLock.h
   records/NySeSessionLockPtrArray.h
+  records/NySeTable.h
   records/NySeUser.h
   records/NySeUserPtrArray.h
+  records/QoArraySimple.h
   socket/CUT_DataSource.h
   socket/CUT_File.h
   socket/CUT_FileDataSource.h

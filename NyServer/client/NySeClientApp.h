@@ -57,7 +57,7 @@ class NYSERVER_API NySeClientApp {
     // sent and when no answer comes. An answer of fewer than 4 bytes overwrites that many of its
     // low bytes: connect again, whatever getSchemaType returns then.
     void initializeSchema();
-    NySe::SchemaType getSchemaType() const { return m_schema; }
+    NYSERVER_INLINE NySe::SchemaType getSchemaType() const { return m_schema; }
     // True when the server answered as a living one does.
     bool isAlive();
     // The server's version; -1.0 when it does not say, or when it cannot be asked: then nothing is

@@ -61,16 +61,16 @@ class NYSERVER_API NySeMemFile : public CMemFile {
     // REQUIRES: no archive is open.
     BYTE* getBuffer();
     // In bytes.
-    ULONGLONG getLength() const { return GetLength(); }
-    CMemFile& getMemFile() { return *this; }
+    NYSERVER_INLINE ULONGLONG getLength() const { return GetLength(); }
+    NYSERVER_INLINE CMemFile& getMemFile() { return *this; }
     // The open archive, or null.
-    CArchive* getArchive() { return m_archive ? &*m_archive : nullptr; }
+    NYSERVER_INLINE CArchive* getArchive() { return m_archive ? &*m_archive : nullptr; }
 
-    const NySe::ActionType& getActionType() const { return m_actionType; }
-    const NySe::SchemaType& getSchemaType() const { return m_schemaType; }
+    NYSERVER_INLINE const NySe::ActionType& getActionType() const { return m_actionType; }
+    NYSERVER_INLINE const NySe::SchemaType& getSchemaType() const { return m_schemaType; }
     // These two do not touch the bytes or an open archive.
-    void setActionType(const NySe::ActionType& action) { m_actionType = action; }
-    void setSchemaType(const NySe::SchemaType& schema) { m_schemaType = schema; }
+    NYSERVER_INLINE void setActionType(const NySe::ActionType& action) { m_actionType = action; }
+    NYSERVER_INLINE void setSchemaType(const NySe::SchemaType& schema) { m_schemaType = schema; }
 
   private:
     void openForWriting(unsigned int headerBytes, NySe::SchemaType schema);

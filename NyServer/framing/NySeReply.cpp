@@ -2,6 +2,8 @@
 
 #include <afxcoll.h>
 
+#include <memory>
+
 namespace {
 
 // The class of the object that comes next. The class library's own array of objects can be archived

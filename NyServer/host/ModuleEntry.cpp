@@ -1,6 +1,6 @@
 #include "NyServer/host/ModuleEntry.h"
 
-#include <new>
+#include "NyServer/OutOfMemory.h"
 
 namespace {
 
@@ -17,10 +17,6 @@ int moduleentry::onEvent(AFX_EXTENSION_MODULE& state, HINSTANCE instance, DWORD 
 }
 
 bool moduleentry::link(AFX_EXTENSION_MODULE& state) {
-    try {
-        new CDynLinkLibrary(state);  // the chain's, until the module goes
-        return true;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    // The chain's, until the module goes.
+    return zeroIfOutOfMemory([&state] { return new CDynLinkLibrary(state); }) != nullptr;
 }

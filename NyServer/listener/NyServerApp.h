@@ -60,15 +60,15 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // The window that receives the notifications; null, or an object without a window: they are
     // dropped.
     void setAppWnd(CWnd* window);
-    CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
 
     // Where Start listens.
-    void setPortNumber(unsigned short port) { m_portNumber = port; }
-    unsigned short getPortNumber() const { return m_portNumber; }
+    NYSERVER_INLINE void setPortNumber(unsigned short port) { m_portNumber = port; }
+    NYSERVER_INLINE unsigned short getPortNumber() const { return m_portNumber; }
 
     // Kept for the host, and not used here.
-    void setSessionNumber(int session) { m_sessionNumber = session; }
-    int getSessionNumber() const { return m_sessionNumber; }
+    NYSERVER_INLINE void setSessionNumber(int session) { m_sessionNumber = session; }
+    NYSERVER_INLINE int getSessionNumber() const { return m_sessionNumber; }
 
     // This host's first IPv4 address, and that of a named host, in dotted text; empty when there is
     // none or no memory is left.

@@ -29,11 +29,11 @@ class NYSERVER_API NyServerNotification {
     NyServerNotification& operator=(const NyServerNotification&) = delete;
 
     // 50 to 58; noAction, and no payload, when the block holds no notification.
-    NySe::ActionType getActionType() const { return m_action; }
+    NYSERVER_INLINE NySe::ActionType getActionType() const { return m_action; }
 
     // What the central server sent, standing at its start and not able to grow. It is this
     // object's.
-    CMemFile& getMemFile() { return m_payload; }
+    NYSERVER_INLINE CMemFile& getMemFile() { return m_payload; }
 
   private:
     void readMessage(BYTE* bytes, size_t size);

@@ -26,11 +26,13 @@ class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
     void OnConnect() override;
 
     // A paused worker reads nothing. It takes notice within 100 ms.
-    void setPaused(bool isPaused) { m_isPaused.store(isPaused, std::memory_order_relaxed); }
-    bool isPaused() const { return m_isPaused.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE void setPaused(bool isPaused) {
+        m_isPaused.store(isPaused, std::memory_order_relaxed);
+    }
+    NYSERVER_INLINE bool isPaused() const { return m_isPaused.load(std::memory_order_relaxed); }
 
     // The action of the message being handled, else -1.
-    int getCurrentAction() const { return m_currentAction; }
+    NYSERVER_INLINE int getCurrentAction() const { return m_currentAction; }
 
   private:
     enum class Round { served, idle, unclear };

@@ -11,15 +11,17 @@ class NYSERVER_API NySeConnection : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeConnection)
 
   public:
-    const CString& getStrConnection() const { return m_strConnection; }
-    void setStrConnection(const CString& connection) { m_strConnection = connection; }
+    NYSERVER_INLINE const CString& getStrConnection() const { return m_strConnection; }
+    NYSERVER_INLINE void setStrConnection(const CString& connection) {
+        m_strConnection = connection;
+    }
 
-    const LONG& getId() const { return m_id; }
-    void setId(const LONG& id) { m_id = id; }
+    NYSERVER_INLINE const LONG& getId() const { return m_id; }
+    NYSERVER_INLINE void setId(const LONG& id) { m_id = id; }
 
     // The number of opens that have not been closed.
-    const LONG& getRefCount() const { return m_refCount; }
-    void setRefCount(const LONG& refCount) { m_refCount = refCount; }
+    NYSERVER_INLINE const LONG& getRefCount() const { return m_refCount; }
+    NYSERVER_INLINE void setRefCount(const LONG& refCount) { m_refCount = refCount; }
 
   private:
     CString m_strConnection;

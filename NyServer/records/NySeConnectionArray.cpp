@@ -17,6 +17,7 @@ NySeConnection withId(LONG id) {
 
 }  // namespace
 
+// The records, then the last id, then the free ids. After a failed load the table is as a new one.
 void NySeConnectionArray::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         QoArraySerial2::Serialize(ar);
@@ -25,12 +26,12 @@ void NySeConnectionArray::Serialize(CArchive& ar) {
         return;
     }
     forgetIds();
-    QoArraySerial2::Serialize(ar);
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeConnection));
     try {
         ar >> m_lastId;
         m_freeIds.Serialize(ar);
     } catch (...) {
-        deleteLoaded();
+        NySe::deleteLoaded(*this);
         forgetIds();
         throw;
     }

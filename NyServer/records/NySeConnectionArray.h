@@ -2,7 +2,7 @@
 #pragma once
 
 #include "NyServer/records/NySeConnection.h"
-#include "QoArraySimple.h"
+#include "NyServer/records/QoArraySimple.h"
 
 // Sorted by id. Ids count up from 0; those of closed connections are given again, smallest first.
 // Connection strings are the same when they differ only in letter case. Finders lend what they
@@ -12,10 +12,6 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeConnectionArray, NySeConnection)
 
   public:
-    // The records, then the last id, then the free ids. Throws CArchiveException as
-    // QoArraySerial2::Serialize does; after a failed load the table is as a new one.
-    void Serialize(CArchive& ar) override;
-
     // Opens the connection once more, or gives it an id and enters it with a count of 1. Returns
     // its id. Throws, with nothing changed, when there is no memory.
     LONG openConnection(const CString& connection);
@@ -38,9 +34,15 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     void takeId();
     void forgetIds();
 
-    // Ascending. A table that was loaded may name an id twice.
-    struct FreeIds : QoArraySimple<LONG> {
+    // Ascending. A table that was loaded may name an id twice. The class library's arrays copy
+    // their elements, but cannot be copied themselves.
+    struct FreeIds : NySe::QoArraySimple<LONG> {
         FreeIds() { setAllowDuplicates(1); }
+        FreeIds(const FreeIds& other) : FreeIds() { Copy(other); }
+        FreeIds& operator=(const FreeIds& other) {
+            if (this != &other) Copy(other);
+            return *this;
+        }
     };
 
     LONG m_lastId = -1;  // the highest id given by counting

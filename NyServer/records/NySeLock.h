@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "NyServer/records/NySeRecordStore.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
-#include "QoRecordStore.h"
 
 class NySeUser;
 
@@ -16,12 +16,12 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeLock)
 
   public:
-    const CString& getStrLockName() const { return m_strLockName; }
-    void setStrLockName(const CString& lockName) { m_strLockName = lockName; }
+    NYSERVER_INLINE const CString& getStrLockName() const { return m_strLockName; }
+    NYSERVER_INLINE void setStrLockName(const CString& lockName) { m_strLockName = lockName; }
 
     // One entry for each grant, owned by this lock.
-    NySeSessionLockPtrArray& getHolders() { return m_holders; }
-    const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
+    NYSERVER_INLINE NySeSessionLockPtrArray& getHolders() { return m_holders; }
+    NYSERVER_INLINE const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
 
     // Whether `mode` may be granted beside the present holders: not when it asks for access (bit
     // 0x01 or 0x02) and a holder excludes newcomers (bit 0x08 or 0x10). The newcomer's own
@@ -40,11 +40,11 @@ class NYSERVER_API NySeLock : public QoObject2 {
     template <class TARGET>
     void storeFields(TARGET& target) const {
         target << m_strLockName;
-        qoStoreRecords<NySeSessionLock>(target, m_holders);
+        NySe::storeRecords<NySeSessionLock>(target, m_holders);
     }
 
     // Where the fields lie that are not in the object itself, for whoever is about to store it.
-    std::array<const void*, 2> storedMemory() const {
+    NYSERVER_INLINE std::array<const void*, 2> storedMemory() const {
         return {m_strLockName.GetString(), m_holders.GetData()};
     }
 

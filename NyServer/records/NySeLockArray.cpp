@@ -21,9 +21,9 @@ void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
 
 void NySeLockArray::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        qoStoreRecords<NySeLock>(ar, *this);
+        NySe::storeRecords<NySeLock>(ar, *this);
     } else {
-        QoArraySerial2::Serialize(ar);
+        NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeLock));
     }
 }
 

@@ -11,8 +11,6 @@ class NYSERVER_API NySeLockArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeLockArray, NySeLock)
 
   public:
-    void Serialize(CArchive& ar) override;
-
     // The index of the first lock of that name; -1 when there is none.
     INT_PTR lookForLockName(const CString& name) const;
 

@@ -9,8 +9,8 @@ class NYSERVER_API NySeMessage : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeMessage)
 
   public:
-    const CString& getStrMessage() const { return m_strMessage; }
-    void setStrMessage(const CString& message) { m_strMessage = message; }
+    NYSERVER_INLINE const CString& getStrMessage() const { return m_strMessage; }
+    NYSERVER_INLINE void setStrMessage(const CString& message) { m_strMessage = message; }
 
   private:
     CString m_strMessage;

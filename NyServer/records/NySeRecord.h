@@ -7,10 +7,9 @@
 
 #include <afx.h>
 
-#include <new>
-
 #include "NyServer/NyServerApi.h"
-#include "QoArraySerial2.h"
+#include "NyServer/OutOfMemory.h"
+#include "NyServer/records/NySeTable.h"
 
 namespace NySe {
 
@@ -30,27 +29,29 @@ inline LONG sum(LONG left, LONG right) {
     return static_cast<LONG>(static_cast<DWORD>(left) + static_cast<DWORD>(right));
 }
 
+// How comparisons answer. Hosts test these numbers: do not change them.
+inline constexpr auto kNoOrder = static_cast<QoSort::CompareResult>(-2);  // the key is not known
+inline constexpr auto kBefore = static_cast<QoSort::CompareResult>(-1);
+inline constexpr auto kEqual = static_cast<QoSort::CompareResult>(0);
+inline constexpr auto kAfter = static_cast<QoSort::CompareResult>(1);
+
 // The order of two numbers by their signed 32-bit difference.
 inline QoSort::CompareResult compareNumbers(LONG left, LONG right) {
     const LONG difference = static_cast<LONG>(static_cast<DWORD>(left) - static_cast<DWORD>(right));
-    if (difference == 0) return QoSort::equal;
-    return difference < 0 ? QoSort::before : QoSort::after;
+    if (difference == 0) return kEqual;
+    return difference < 0 ? kBefore : kAfter;
 }
 
 // The order of two texts, whatever their letter case.
 inline QoSort::CompareResult compareTexts(const CString& left, const CString& right) {
     const int order = left.CompareNoCase(right);
-    if (order == 0) return QoSort::equal;
-    return order < 0 ? QoSort::before : QoSort::after;
+    if (order == 0) return kEqual;
+    return order < 0 ? kBefore : kAfter;
 }
 
 template <class T>
 T* cloneRecord(const T& record) {
-    try {
-        return new T(record);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return zeroIfOutOfMemory([&record] { return new T(record); });
 }
 
 template <class T>
@@ -63,9 +64,9 @@ const QoObject2& copyRecord(T& record, const QoObject2& other) {
 
 template <class T>
 QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, short key) {
-    if (&other == &record) return QoSort::equal;
+    if (&other == &record) return kEqual;
     if (!other.IsKindOf(RUNTIME_CLASS(T))) return record.QoObject2::vCompareTo(other, key);
-    QoSort::CompareResult result = QoSort::noOrder;
+    QoSort::CompareResult result = kNoOrder;
     record.typeCompareTo(static_cast<const T&>(other), key, result);
     return result;
 }
@@ -83,64 +84,66 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
     DECLARE_DYNCREATE(Class)                                                    \
     friend NYSERVER_API CArchive& AFXAPI operator>>(CArchive& ar, Class*& pOb); \
                                                                                 \
-    Class* clone() const {                                                      \
+    NYSERVER_INLINE Class* clone() const {                                      \
         return NySe::cloneRecord(*this);                                        \
     }                                                                           \
-    static Class* cast(QoObject2* object) {                                     \
+    NYSERVER_INLINE static Class* cast(QoObject2* object) {                     \
         return DYNAMIC_DOWNCAST(Class, object);                                 \
     }                                                                           \
-    static const char* desc() {                                                 \
+    NYSERVER_INLINE static const char* desc() {                                 \
         return class##Class.m_lpszClassName;                                    \
     }
 
 // Opens a record's class body. operator== asks for key 0, which no record knows, so that it is true
 // only of one and the same object: find and lookFor compare contents. vCompareTo gives noOrder for
 // a key that typeCompareTo leaves alone.
-#define NYSE_DECLARE_RECORD(Record)                                                      \
-    NYSE_DECLARE_SERIAL(Record)                                                          \
-    Record() = default;                                                                  \
-    Record(const Record& other) : QoObject2(other) {                                     \
-        vCopyFrom(other);                                                                \
-    }                                                                                    \
-    ~Record() override = default;                                                        \
-    Record& operator=(const Record& other) {                                             \
-        vCopyFrom(other);                                                                \
-        return *this;                                                                    \
-    }                                                                                    \
-    bool operator==(const Record& other) const {                                         \
-        return vCompareTo(other, 0) == QoSort::equal;                                    \
-    }                                                                                    \
-    void Serialize(CArchive& ar) override;                                               \
-    QoObject2* vClone() const override {                                                 \
-        return clone();                                                                  \
-    }                                                                                    \
-    const QoObject2& vCopyFrom(const QoObject2& other) override {                        \
-        return NySe::copyRecord(*this, other);                                           \
-    }                                                                                    \
-    QoSort::CompareResult vCompareTo(const QoObject2& other, short key) const override { \
-        return NySe::compareRecord(*this, other, key);                                   \
-    }                                                                                    \
-    void typeCopyFrom(const Record& other);                                              \
+#define NYSE_DECLARE_RECORD(Record)                                                     \
+    NYSE_DECLARE_SERIAL(Record)                                                         \
+    Record() = default;                                                                 \
+    NYSERVER_INLINE Record(const Record& other) : Record() {                            \
+        vCopyFrom(other);                                                               \
+    }                                                                                   \
+    ~Record() override = default;                                                       \
+    NYSERVER_INLINE Record& operator=(const Record& other) {                            \
+        vCopyFrom(other);                                                               \
+        return *this;                                                                   \
+    }                                                                                   \
+    NYSERVER_INLINE bool operator==(const Record& other) const {                        \
+        return vCompareTo(other, 0) == NySe::kEqual;                                    \
+    }                                                                                   \
+    void Serialize(CArchive& ar) override;                                              \
+    NYSERVER_INLINE QoObject2* vClone() const override {                                \
+        return clone();                                                                 \
+    }                                                                                   \
+    NYSERVER_INLINE const QoObject2& vCopyFrom(const QoObject2& other) override {       \
+        return NySe::copyRecord(*this, other);                                          \
+    }                                                                                   \
+    NYSERVER_INLINE QoSort::CompareResult vCompareTo(const QoObject2& other, short key) \
+        const override {                                                                \
+        return NySe::compareRecord(*this, other, key);                                  \
+    }                                                                                   \
+    void typeCopyFrom(const Record& other);                                             \
     void typeCompareTo(const Record& other, short key, QoSort::CompareResult& result) const;
 
 // Opens a table's class body: an array of `Record`, sorted by its key 1, that owns its records
-// unless the flag word says QoArraySerial2::kDoNotDelete.
-#define NYSE_DECLARE_TABLE(Table, Record)                          \
-    NYSE_DECLARE_SERIAL(Table)                                     \
-    Table() : Table(0UL) {}                                        \
-    explicit Table(unsigned long flags) : QoArraySerial2(flags) {  \
-        setSortCriteria(1, true);                                  \
-        setElementClass(RUNTIME_CLASS(Record));                    \
-    }                                                              \
-    Table(const Table& other) = default;                           \
-    ~Table() override = default;                                   \
-    Table& operator=(const Table& other) = default;                \
-    Record* GetAt(INT_PTR index) const {                           \
-        return static_cast<Record*>(QoArraySerial2::GetAt(index)); \
-    }                                                              \
-    Record* ElementAt(INT_PTR index) const {                       \
-        return GetAt(index);                                       \
-    }                                                              \
-    Record* operator[](INT_PTR index) const {                      \
-        return GetAt(index);                                       \
+// unless the flag word has the bit 0x10000. The table defines Serialize.
+#define NYSE_DECLARE_TABLE(Table, Record)                                         \
+    NYSE_DECLARE_SERIAL(Table)                                                    \
+    NYSERVER_INLINE Table() : Table(0UL) {}                                       \
+    NYSERVER_INLINE explicit Table(unsigned long flags) : QoArraySerial2(flags) { \
+        setSortCriteria(1, true);                                                 \
+        NySe::setElementClass<QoArraySerial2>(*this, RUNTIME_CLASS(Record));      \
+    }                                                                             \
+    Table(const Table& other) = default;                                          \
+    ~Table() override = default;                                                  \
+    Table& operator=(const Table& other) = default;                               \
+    void Serialize(CArchive& ar) override;                                        \
+    NYSERVER_INLINE Record* GetAt(INT_PTR index) const {                          \
+        return static_cast<Record*>(QoArraySerial2::GetAt(index));                \
+    }                                                                             \
+    NYSERVER_INLINE Record* ElementAt(INT_PTR index) const {                      \
+        return GetAt(index);                                                      \
+    }                                                                             \
+    NYSERVER_INLINE Record* operator[](INT_PTR index) const {                     \
+        return GetAt(index);                                                      \
     }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "NyServer/records/NySeRecord.h"
-#include "QoRecordStore.h"
+#include "NyServer/records/NySeRecordStore.h"
 
 // Which session holds the lock and under which share mode. One object may be used by one thread at
 // a time.
@@ -13,18 +13,20 @@ class NYSERVER_API NySeSessionLock : public QoObject2 {
 
   public:
     // Of the user who holds the lock.
-    const LONG& getSessionNumber() const { return m_sessionNumber; }
-    void setSessionNumber(const LONG& sessionNumber) { m_sessionNumber = sessionNumber; }
+    NYSERVER_INLINE const LONG& getSessionNumber() const { return m_sessionNumber; }
+    NYSERVER_INLINE void setSessionNumber(const LONG& sessionNumber) {
+        m_sessionNumber = sessionNumber;
+    }
 
     // The share mode of this grant: the bits that NySeLock::seekShareMode reads, and any others.
-    unsigned int getLockState() const { return m_lockState; }
-    void setLockState(unsigned int lockState) { m_lockState = lockState; }
+    NYSERVER_INLINE unsigned int getLockState() const { return m_lockState; }
+    NYSERVER_INLINE void setLockState(unsigned int lockState) { m_lockState = lockState; }
 
     // What Serialize writes, into an archive or what takes its place. The lock state comes first:
     // that is the wire order.
     template <class TARGET>
     void storeFields(TARGET& target) const {
-        qoStoreValues(target, m_lockState, m_sessionNumber);
+        NySe::storeValues(target, m_lockState, m_sessionNumber);
     }
 
   private:

@@ -27,7 +27,7 @@ void NySeUser::typeCopyFrom(const NySeUser& other) {
 void NySeUser::typeCompareTo(const NySeUser& other, short key,
                              QoSort::CompareResult& result) const {
     if (key == 1 || key == 3) result = NySe::compareTexts(m_strUserName, other.m_strUserName);
-    if (key == 2 || (key == 3 && result == QoSort::equal)) {
+    if (key == 2 || (key == 3 && result == NySe::kEqual)) {
         result = NySe::compareNumbers(m_sessionNumber, other.m_sessionNumber);
     }
 }

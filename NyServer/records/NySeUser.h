@@ -13,30 +13,34 @@ class NYSERVER_API NySeUser : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeUser)
 
   public:
-    const CString& getStrHostName() const { return m_strHostName; }
-    void setStrHostName(const CString& hostName) { m_strHostName = hostName; }
+    NYSERVER_INLINE const CString& getStrHostName() const { return m_strHostName; }
+    NYSERVER_INLINE void setStrHostName(const CString& hostName) { m_strHostName = hostName; }
 
-    const CString& getStrUserName() const { return m_strUserName; }
-    void setStrUserName(const CString& userName) { m_strUserName = userName; }
+    NYSERVER_INLINE const CString& getStrUserName() const { return m_strUserName; }
+    NYSERVER_INLINE void setStrUserName(const CString& userName) { m_strUserName = userName; }
 
-    const CString& getStrComputerName() const { return m_strComputerName; }
-    void setStrComputerName(const CString& computerName) { m_strComputerName = computerName; }
+    NYSERVER_INLINE const CString& getStrComputerName() const { return m_strComputerName; }
+    NYSERVER_INLINE void setStrComputerName(const CString& computerName) {
+        m_strComputerName = computerName;
+    }
 
     // The port of the user's notification listener.
-    const LONG& getPort() const { return m_port; }
-    void setPort(const LONG& port) { m_port = port; }
+    NYSERVER_INLINE const LONG& getPort() const { return m_port; }
+    NYSERVER_INLINE void setPort(const LONG& port) { m_port = port; }
 
     // Given by the central server; locks know their holders by it alone.
-    const LONG& getSessionNumber() const { return m_sessionNumber; }
-    void setSessionNumber(const LONG& sessionNumber) { m_sessionNumber = sessionNumber; }
+    NYSERVER_INLINE const LONG& getSessionNumber() const { return m_sessionNumber; }
+    NYSERVER_INLINE void setSessionNumber(const LONG& sessionNumber) {
+        m_sessionNumber = sessionNumber;
+    }
 
     // The request schema that the user's client speaks.
-    const LONG& getSchema() const { return m_schema; }
-    void setSchema(const LONG& schema) { m_schema = schema; }
+    NYSERVER_INLINE const LONG& getSchema() const { return m_schema; }
+    NYSERVER_INLINE void setSchema(const LONG& schema) { m_schema = schema; }
 
     // The kind of client application; carried, never interpreted.
-    const LONG& getSoftType() const { return m_softType; }
-    void setSoftType(const LONG& softType) { m_softType = softType; }
+    NYSERVER_INLINE const LONG& getSoftType() const { return m_softType; }
+    NYSERVER_INLINE void setSoftType(const LONG& softType) { m_softType = softType; }
 
   private:
     CString m_strHostName;

@@ -9,6 +9,10 @@ constexpr NySe::TextKey<NySeUser> kName = {&NySeUser::getStrUserName, &NySeUser:
 
 }  // namespace
 
+void NySeUserPtrArray::Serialize(CArchive& ar) {
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeUser));
+}
+
 NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
     NySeUser probe;
     probe.setSessionNumber(sessionNumber);

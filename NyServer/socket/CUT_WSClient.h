@@ -161,20 +161,20 @@ class NYSERVER_API CUT_WSClient {
     virtual void OnAsyncGetAddressNotify(int error);
 
   public:
-    int GetRemotePort() const { return m_remotePort; }
-    int GetLocalPort() const { return m_localPort; }
-    int GetAcceptPort() const { return m_acceptPort; }
-    SOCKET GetSocket() const { return m_socket; }
-    int GetBlockingMode() const { return m_blockingMode; }
-    const char* getszAddress() const { return m_address; }
-    sockaddr_in& getsockAddr() { return m_remoteAddress; }
+    NYSERVER_INLINE int GetRemotePort() const { return m_remotePort; }
+    NYSERVER_INLINE int GetLocalPort() const { return m_localPort; }
+    NYSERVER_INLINE int GetAcceptPort() const { return m_acceptPort; }
+    NYSERVER_INLINE SOCKET GetSocket() const { return m_socket; }
+    NYSERVER_INLINE int GetBlockingMode() const { return m_blockingMode; }
+    NYSERVER_INLINE const char* getszAddress() const { return m_address; }
+    NYSERVER_INLINE sockaddr_in& getsockAddr() { return m_remoteAddress; }
 
     // The socket's time-outs in milliseconds. The lower-case setters only store the value; it
     // reaches the socket at the next connect, accept or socket creation.
-    long GetReceiveTimeOut() const { return m_receiveTimeOut; }
-    long GetSendTimeOut() const { return m_sendTimeOut; }
-    void setRecvTimeOut(long ms) { m_receiveTimeOut = ms; }
-    void setSendTimeOut(long ms) { m_sendTimeOut = ms; }
+    NYSERVER_INLINE long GetReceiveTimeOut() const { return m_receiveTimeOut; }
+    NYSERVER_INLINE long GetSendTimeOut() const { return m_sendTimeOut; }
+    NYSERVER_INLINE void setRecvTimeOut(long ms) { m_receiveTimeOut = ms; }
+    NYSERVER_INLINE void setSendTimeOut(long ms) { m_sendTimeOut = ms; }
 
     // Set the time-out on the socket and, if that succeeded, store it. 0 or SOCKET_ERROR.
     int SetReceiveTimeOut(int ms);

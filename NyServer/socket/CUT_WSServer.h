@@ -61,29 +61,35 @@ class NYSERVER_API CUT_WSServer {
     // Connections beyond `n` workers get OnMaxConnect. `n`, or -1 and nothing changed unless it is
     // 1 to 32000.
     int SetMaxConnections(int n);
-    int GetMaxConnections() const { return m_maxConnections.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE int GetMaxConnections() const {
+        return m_maxConnections.load(std::memory_order_relaxed);
+    }
 
     // The workers in the list.
-    int GetNumConnections() const { return m_connectionCount; }
+    NYSERVER_INLINE int GetNumConnections() const { return m_connectionCount; }
 
     // Changes what StopAccept connects to, not what is bound. OnError(0).
     int SetPort(unsigned int port);
-    unsigned int GetPort() const { return m_port.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE unsigned int GetPort() const { return m_port.load(std::memory_order_relaxed); }
 
     // The port that the listening socket is bound to, which answers a request for port 0; 0 when it
     // is not bound.
     unsigned int GetBoundPort() const;
 
     // For the listening socket that ConnectToPort makes next. The value.
-    int SetProtocol(int protocol) {
+    NYSERVER_INLINE int SetProtocol(int protocol) {
         m_protocol.store(protocol, std::memory_order_relaxed);
         return protocol;
     }
-    int GetProtocol() const { return m_protocol.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE int GetProtocol() const { return m_protocol.load(std::memory_order_relaxed); }
 
     // For handlers to watch: 1 when the server goes. The destructor sets it.
-    void SetShutDownFlag(int flag) { m_shutDownFlag.store(flag, std::memory_order_relaxed); }
-    int GetShutDownFlag() const { return m_shutDownFlag.load(std::memory_order_relaxed); }
+    NYSERVER_INLINE void SetShutDownFlag(int flag) {
+        m_shutDownFlag.store(flag, std::memory_order_relaxed);
+    }
+    NYSERVER_INLINE int GetShutDownFlag() const {
+        return m_shutDownFlag.load(std::memory_order_relaxed);
+    }
 
   protected:
     // For derived servers that can pause; nothing calls them. The base returns 0.
@@ -129,7 +135,7 @@ class NYSERVER_API CUT_WSServer {
 
     // The newest worker's entry, or null. REQUIRES: a ThreadListLock for as long as the entries are
     // used.
-    const ThreadListEntry* ThreadListFirst() const { return m_threadList; }
+    NYSERVER_INLINE const ThreadListEntry* ThreadListFirst() const { return m_threadList; }
 
     // Puts a worker in front. 1, or 0 when there is no memory for it.
     int ThreadListAdd(CUT_WSThread* worker, DWORD threadId, SOCKET socket);

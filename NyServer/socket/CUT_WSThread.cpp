@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <new>
 #include <string>
 
+#include "NyServer/OutOfMemory.h"
 #include "NyServer/socket/CUT_FileDataSource.h"
 #include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/SocketCodes.h"
@@ -45,23 +45,23 @@ int CUT_WSThread::Send(CUT_DataSource& source, long& bytesSent) {
     return OnError(socketcalls::sendFromSource(source, sendPiece));
 }
 
-int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) try {
+int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) {
     if (len < 1) len = static_cast<int>(std::strlen(data));
     if (lineLen < 1) return 0;
-    int total = 0;
-    while (len > 0) {
-        const int length = std::min(len, lineLen);
-        std::string line(data, strnlen(data, static_cast<size_t>(length)));
-        line += "\r\n";
-        const int sent = Send(line.c_str(), -1, 0);
-        if (sent < 1) return sent;
-        socketcalls::addWrapping(total, sent);
-        data += length;
-        len -= length;
-    }
-    return total;
-} catch (const std::bad_alloc&) {
-    return 0;
+    return zeroIfOutOfMemory([&] {
+        int total = 0;
+        while (len > 0) {
+            const int length = std::min(len, lineLen);
+            std::string line(data, strnlen(data, static_cast<size_t>(length)));
+            line += "\r\n";
+            const int sent = Send(line.c_str(), -1, 0);
+            if (sent < 1) return sent;
+            socketcalls::addWrapping(total, sent);
+            data += length;
+            len -= length;
+        }
+        return total;
+    });
 }
 
 int CUT_WSThread::SendFile(const wchar_t* path, long& bytesSent) {

@@ -1,6 +1,6 @@
 #include "NyServer/socket/HostLookUps.h"
 
-#include <new>
+#include "NyServer/OutOfMemory.h"
 
 namespace {
 
@@ -13,14 +13,14 @@ bool isReallyCancelled(HANDLE request) {
 }  // namespace
 
 // The lock is held over the request: an announcement that comes at once waits until it is known.
-bool HostLookUps::start(const std::function<HANDLE()>& request) try {
-    const std::lock_guard lock(m_lock);
-    m_requests.reserve(m_requests.size() + 1);
-    const HANDLE started = request();
-    if (started) m_requests.push_back(started);
-    return started != nullptr;
-} catch (const std::bad_alloc&) {
-    return false;
+bool HostLookUps::start(const std::function<HANDLE()>& request) {
+    return zeroIfOutOfMemory([&] {
+        const std::lock_guard lock(m_lock);
+        m_requests.reserve(m_requests.size() + 1);
+        const HANDLE started = request();
+        if (started) m_requests.push_back(started);
+        return started != nullptr;
+    });
 }
 
 void HostLookUps::finish(HANDLE request) {

@@ -90,6 +90,16 @@ TEST(Arrays, TakeAnElementOfTheirOwn) {
     EXPECT_EQ(array[array.GetUpperBound()], array[0]);
 }
 
+TEST(Arrays, CopyReplacesTheElements) {
+    Numbers source;
+    fill(source, {1, 2, 3});
+    Numbers target;
+    fill(target, {9});
+    target.Copy(source);
+    source.SetAt(0, 7);
+    EXPECT_EQ(valuesOf(target), (std::vector<LONG>{1, 2, 3}));
+}
+
 TEST(Arrays, SetSizeAddsEmptyElementsOrCuts) {
     Numbers array;
     fill(array, {1, 2, 3});

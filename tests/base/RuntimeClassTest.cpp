@@ -2,6 +2,8 @@
 
 #include <cstring>
 #include <memory>
+#include <new>
+#include <type_traits>
 
 #include "tests/base/TestRecords.h"
 #include "tests/support/CStringPrinter.h"
@@ -67,6 +69,24 @@ CObject* PASCAL runOutOfMemory() {
 TEST(RuntimeClass, CreatesNothingWithoutMemory) {
     const CRuntimeClass poor = {"Poor", 8, 1, &runOutOfMemory, nullptr, nullptr};
     EXPECT_EQ(poor.CreateObject(), nullptr);
+}
+
+TEST(Objects, AreMadeByEveryFormOfNew) {
+    for (Fixed* const object :
+         {new Fixed, new (std::nothrow) Fixed, new (__FILE__, __LINE__) Fixed}) {
+        ASSERT_NE(object, nullptr);
+        EXPECT_TRUE(object->IsKindOf(RUNTIME_CLASS(Fixed)));
+        delete object;
+    }
+    alignas(Fixed) std::byte place[sizeof(Fixed)];
+    Fixed* const placed = new (place) Fixed;
+    EXPECT_EQ(static_cast<void*>(placed), static_cast<void*>(place));
+    placed->~Fixed();
+}
+
+TEST(Objects, AreNotCopiedUnlessTheirClassSaysHow) {
+    EXPECT_FALSE((std::is_copy_constructible_v<Link> || std::is_copy_assignable_v<Link>));
+    EXPECT_FALSE((std::is_copy_constructible_v<CObArray> || std::is_copy_assignable_v<CObArray>));
 }
 
 TEST(RuntimeClass, OnlyDeclaredClassesAreSerializable) {

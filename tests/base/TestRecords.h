@@ -31,6 +31,12 @@ class SubFoo : public Foo {
 class Fixed : public CObject {
     DECLARE_SERIAL(Fixed)
   public:
+    Fixed() = default;
+    Fixed(const Fixed& other) : Fixed() { *this = other; }
+    Fixed& operator=(const Fixed& other) {
+        m_value = other.m_value;
+        return *this;
+    }
     void Serialize(CArchive& ar) override;
 
     WORD m_value = 0;

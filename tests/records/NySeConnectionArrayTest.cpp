@@ -125,6 +125,15 @@ TEST_F(ConnectionTable, CopiesGoOnWhereTheOriginalStood) {
     EXPECT_EQ(1, open("D"));
 }
 
+TEST_F(ConnectionTable, AssignedToItselfStaysAsItIs) {
+    for (const char* name : {"A", "B", "C"}) open(name);
+    close(1);
+    const Bytes before = bytes();
+    const NySeConnectionArray& same = m_table;
+    m_table = same;
+    EXPECT_EQ(before, bytes());
+}
+
 TEST_F(ConnectionTable, FailedLoadLeavesANewTable) {
     open("A");
     open("B");

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <type_traits>
 
 #include "tests/records/RecordSamples.h"
@@ -43,6 +44,17 @@ TYPED_TEST(RecordPattern, IsMadeByNameUnderAVersionableSchema) {
     EXPECT_TRUE(made->IsKindOf(TypeParam::GetThisClass()));
     const std::unique_ptr<CObject> alsoMade(TypeParam::CreateObject());
     EXPECT_TRUE(alsoMade->IsKindOf(TypeParam::GetThisClass()));
+}
+
+TYPED_TEST(RecordPattern, IsMadeByEveryFormOfNew) {
+    for (TypeParam* const record :
+         {new TypeParam, new (std::nothrow) TypeParam, new (__FILE__, __LINE__) TypeParam}) {
+        ASSERT_NE(nullptr, record);
+        EXPECT_EQ(this->fieldsOf(TypeParam()), this->fieldsOf(*record));
+        delete record;
+    }
+    alignas(TypeParam) std::byte place[sizeof(TypeParam)];
+    (new (place) TypeParam)->~TypeParam();
 }
 
 TYPED_TEST(RecordPattern, EqualsItselfUnderEveryKey) {

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr unsigned kSeed = 20150602;
+constexpr unsigned kShuffleSeed = 20150602;
 constexpr WORD kBigTag = 0x7FFF;
 constexpr DWORD kClassFlag = 0x8000;
 
@@ -89,8 +89,7 @@ class SimpleArchive {
   public:
     explicit SimpleArchive(CArchive& ar) : m_archive(ar) {}
 
-    void WriteCount(size_t count) { m_archive.WriteCount(count); }
-    void WriteObject(const CObject* object) { m_archive.WriteObject(object); }
+    operator CArchive&() const { return m_archive; }
     template <class T>
     SimpleArchive& operator<<(const T& value) {
         m_archive << value;
@@ -195,9 +194,9 @@ TEST_F(SharedRecords, AddressesMayRiseAndFall) {
 
 TEST_F(SharedRecords, AddressesMayComeInAnyOrder) {
     makeLocks(3000);
-    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kSeed));
+    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kShuffleSeed));
     listAll(m_table);
-    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kSeed + 1));
+    std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kShuffleSeed + 1));
     listAll(m_other);
     expectPlainBytes(m_table, m_other);
 }
@@ -289,7 +288,7 @@ TEST_F(SharedRecords, ArchiveThatWritesOneAtATimeGetsTheSameBytes) {
     plain.table(m_table);
     EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
                     SimpleArchive simple(ar);
-                    qoStoreRecords<NySeLock>(simple, m_table);
+                    NySe::storeRecords<NySeLock>(simple, m_table);
                 }));
     EXPECT_EQ(toHex(stored([&](CArchive& ar) {
                   SimpleArchive simple(ar);

@@ -1,11 +1,17 @@
 #include "afx.h"
 
-#include <new>
-
 #include "AfxClassChain.h"
 
 CRuntimeClass CObject::classCObject = {
     "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
+
+void* PASCAL CObject::operator new(size_t bytes, const std::nothrow_t&) noexcept {
+    try {
+        return operator new(bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 
 CRuntimeClass* CObject::GetRuntimeClass() const {
     return &classCObject;

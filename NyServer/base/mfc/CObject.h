@@ -2,7 +2,10 @@
 // describes a class.
 #pragma once
 
+#include <new>
+
 #include "afxplatform.h"
+#include "NyServer/base/support/SmallBlocks.h"
 
 class CArchive;
 class CDumpContext;
@@ -58,6 +61,21 @@ struct AFX_CLASSINIT {
 // Objects of one class tree may be used by one thread at a time; nothing here locks.
 class NYBASE_API CObject {
   public:
+    // Objects are many and small. One form of new hides all others, so these are all; the last two
+    // cannot give back the block of an object whose constructor throws, whose size nobody knows.
+    static void* PASCAL operator new(size_t bytes) { return allocateSmallBlock(bytes); }
+    static void* PASCAL operator new(size_t, void* place) { return place; }
+    static void* PASCAL operator new(size_t bytes, LPCSTR, int) { return operator new(bytes); }
+    static void* PASCAL operator new(size_t bytes, const std::nothrow_t&) noexcept;
+    static void PASCAL operator delete(void* object, size_t bytes) {
+        freeSmallBlock(object, bytes);
+    }
+    static void PASCAL operator delete(void*, void*) {}
+    static void PASCAL operator delete(void*, LPCSTR, int) {}
+    static void PASCAL operator delete(void*, const std::nothrow_t&) {}
+
+    CObject(const CObject&) = delete;
+    CObject& operator=(const CObject&) = delete;
     virtual CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject() = default;
     // Writes or reads the object's own fields; this one has none.
@@ -76,8 +94,6 @@ class NYBASE_API CObject {
 
   protected:
     CObject() = default;
-    CObject(const CObject&) {}
-    CObject& operator=(const CObject&) { return *this; }
 
   private:
     friend class CArchive;

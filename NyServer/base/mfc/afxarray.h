@@ -34,6 +34,8 @@ class AfxArray : public CObject {
     const TYPE* GetData() const { return m_elements.data(); }
     TYPE* GetData() { return m_elements.data(); }
 
+    void Copy(const AfxArray& other) { m_elements = other.m_elements; }
+
     // The index of the new last element.
     INT_PTR Add(ARG_TYPE element) {
         if (m_elements.capacity() == 0) m_elements.reserve(kFewElements);

@@ -109,6 +109,8 @@ void QoArraySerial2::Serialize(CArchive& ar) {
     }
 }
 
+// Nobody has been given the records, so they are deleted whether this table owns its records or
+// not.
 void QoArraySerial2::deleteLoaded() {
     const bool owning = getDeleteObject();
     setDeleteObject(true);

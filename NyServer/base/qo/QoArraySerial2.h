@@ -28,17 +28,14 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     // may read on from the archive, which remembers it.
     void Serialize(CArchive& ar) override;
 
-  protected:
-    // The class that loaded records must be of; QoObject2 unless a table says more.
+    // The class that loaded records must be of; QoObject2 unless a table says more. Of this library
+    // alone.
     void setElementClass(const CRuntimeClass* elementClass) { m_elementClass = elementClass; }
-
-    // Empties the table after a failed load: nobody has been given the records, so they are deleted
-    // whether this table owns its records or not.
-    void deleteLoaded();
 
   private:
     class Repeats;
 
+    void deleteLoaded();
     std::unique_ptr<QoObject2> readElement(CArchive& ar, Repeats& repeats) const;
 
     const CRuntimeClass* m_elementClass = nullptr;

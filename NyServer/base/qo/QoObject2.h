@@ -4,7 +4,6 @@
 #include <afx.h>
 
 #include "NyServer/base/support/NyBaseApi.h"
-#include "NyServer/base/support/SmallBlocks.h"
 #include "QoSort.h"
 
 // An object that can be copied, cloned and compared without its class being known. One object may
@@ -12,10 +11,6 @@
 class NYBASE_API QoObject2 : public CObject {
     DECLARE_DYNAMIC(QoObject2)
   public:
-    // Records are many and small.
-    static void* operator new(size_t bytes) { return allocateSmallBlock(bytes); }
-    static void operator delete(void* object, size_t bytes) { freeSmallBlock(object, bytes); }
-
     // A text for people; the class name unless a class says more.
     virtual CString toString(short format) const;
 

@@ -31,8 +31,17 @@ void readString(CArchive& ar) {
 
 TEST(ArchiveMemory, CounterCounts) {
     const AllocationCount count;
-    delete RUNTIME_CLASS(Foo)->CreateObject();
-    EXPECT_EQ(count.peakBytes(), sizeof(Foo));
+    ::operator delete(::operator new(1000));
+    EXPECT_EQ(count.peakBytes(), 1000u);
+}
+
+TEST(Objects, OfWhichThereIsNoRoomAreNullOrThrow) {
+    constexpr size_t kBytes = 1000;  // more than comes from the small blocks
+    AllocationCount count;
+    count.failAfter(0);
+    EXPECT_EQ(CObject::operator new(kBytes, std::nothrow), nullptr);
+    count.failAfter(0);
+    EXPECT_THROW(CObject::operator new(kBytes), std::bad_alloc);
 }
 
 TEST(ArchiveMemory, LyingStringLengths) {

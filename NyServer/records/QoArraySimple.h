@@ -3,6 +3,8 @@
 
 #include <afxtempl.h>
 
+namespace NySe {
+
 // Kept in ascending order by insertSorted. One array may be used by one thread at a time.
 template <class TYPE>
 class QoArraySimple : public CArray<TYPE, const TYPE&> {
@@ -32,3 +34,5 @@ class QoArraySimple : public CArray<TYPE, const TYPE&> {
   private:
     int m_allowDuplicates = 0;
 };
+
+}  // namespace NySe

@@ -1,4 +1,4 @@
-#include "QoArraySimple.h"
+#include "NyServer/records/QoArraySimple.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ using Longs = std::vector<LONG>;
 
 class QoArraySimpleTest : public ::testing::Test {
   protected:
-    QoArraySimple<LONG> m_array;
+    NySe::QoArraySimple<LONG> m_array;
 
     void insertAll(const Longs& values) {
         for (const LONG value : values) m_array.insertSorted(value);
@@ -87,7 +87,7 @@ TEST_F(QoArraySimpleTest, TravelsAsACountAndFourBytesEach) {
     insertAll({1, 260, -1});
     const Bytes bytes = stored([&](CArchive& ar) { m_array.Serialize(ar); });
     EXPECT_EQ(hex("0300 FFFFFFFF 01000000 04010000"), toHex(bytes));
-    QoArraySimple<LONG> loaded;
+    NySe::QoArraySimple<LONG> loaded;
     loaded.insertSorted(77);
     Loading loading(bytes);
     loaded.Serialize(loading.ar);

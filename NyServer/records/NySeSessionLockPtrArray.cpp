@@ -1,0 +1,5 @@
+#include "NyServer/records/NySeSessionLockPtrArray.h"
+
+void NySeSessionLockPtrArray::Serialize(CArchive& ar) {
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeSessionLock));
+}

@@ -1,0 +1,13 @@
+// The operations that the library needs of the maker's windows library; see QoSort.h.
+#pragma once
+
+#include <afxwin.h>
+
+class QoUiSwitchResource {
+  public:
+    explicit QoUiSwitchResource(HINSTANCE instance);
+    virtual ~QoUiSwitchResource();
+
+  protected:
+    void setResourceHandle(HINSTANCE instance);
+};
