@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
-#include <cwchar>
+#include <string>
 #include <optional>
 #include <typeinfo>
 
@@ -79,7 +79,7 @@ INT_PTR lookForText(const QoArraySerial2& table, const CString& text,
             given = &made.emplace();
             (made.value().*KEY.set)(text);
         }
-        if (static_cast<const QoObject2&>(element).vCompareTo(*given, KEY.key) == QoSort::equal) {
+        if (static_cast<const QoObject2&>(element).vCompareTo(*given, KEY.key) == NySe::kEqual) {
             return i;
         }
     }
