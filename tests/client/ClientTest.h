@@ -25,6 +25,7 @@ struct NySeClientAppAccess {
     static void transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
         NySeClientApp::transfertObject(from, to);
     }
+    static const CUT_WSClient& transport(const NySeClientApp& client) { return *client.m_socket; }
     static SOCKET socket(const NySeClientApp& client);
     // Without a good-bye.
     static void closeConnection(NySeClientApp& client);
