@@ -91,9 +91,7 @@ TEST_F(ClientReceiveLine, LeavesALineFeedThatJustDoesNotFit) {
 TEST_F(ClientReceiveLine, TakesOneByteIntoABufferOfTwo) {
     peers::Peer peer(peers::sending("ab\n"));
     connectTo(peer);
-    EXPECT_EQ(line(2), "a");
-    EXPECT_EQ(line(2), "b");
-    EXPECT_EQ(line(2), "\n");
+    for (const char* byte : {"a", "b", "\n"}) EXPECT_EQ(line(2), byte);
 }
 
 // Lets its peer send the rest of the line when it waits for the second time.
