@@ -41,7 +41,8 @@ Outcome readPage(const CString& address, CString& text) {
 }
 
 void showReadError() {
-    wchar_t response[kResponseCharacters] = L"";
+    // A text that fills the room may come without a terminator.
+    wchar_t response[kResponseCharacters + 1] = L"";
     DWORD error = 0;
     DWORD length = kResponseCharacters;
     ::InternetGetLastResponseInfoW(&error, response, &length);

@@ -182,6 +182,8 @@ TEST(MemFile, GrowsInMultiplesOfItsStep) {
     EXPECT_EQ(file.lastSize, 200u);
     file.SetLength(1001);
     EXPECT_EQ(file.lastSize, 1100u);
+    file.SetLength(2000);
+    EXPECT_EQ(file.lastSize, 2000u);
 }
 
 TEST(MemFile, DefaultStepIsOneKilobyte) {

@@ -27,6 +27,7 @@ struct NySeClientAppAccess {
     static void transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
         NySeClientApp::transfertObject(from, to);
     }
+    static const CUT_WSClient& transport(const NySeClientApp& client) { return *client.m_socket; }
     static SOCKET socket(const NySeClientApp& client);
     // The client takes `transport` over, in place of the one it has.
     static void setTransport(NySeClientApp& client, CUT_WSClient* transport);

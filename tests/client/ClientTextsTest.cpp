@@ -1,4 +1,5 @@
 // The requests that a text answers.
+#include <climits>
 #include <functional>
 
 #include "tests/client/ClientTest.h"
@@ -57,6 +58,21 @@ TEST_P(ClientTexts, AreEmptyWithoutAUsefulReply) {
 
 TEST_P(ClientTexts, AreEmptyWithoutConnection) {
     EXPECT_TRUE(call().IsEmpty());
+}
+
+using ClientEvents = ClientTest;
+
+TEST_F(ClientEvents, AreAskedForWithTheArgumentAsItIs) {
+    const std::string request = goldenWire("request-getEventListFromEventViewer");
+    const std::string header = request.substr(0, request.size() - sizeof(LONG));
+    const std::vector<int> values{0, 1, -1, INT_MAX, INT_MIN};
+    std::vector<Step> steps;
+    for (const int value : values) {
+        steps.push_back({header + wireOf<LONG>(value), {goldenWire("reply-string")}});
+    }
+    serve(steps);
+    for (const int value : values) client.getEventListFromEventViewer(value);
+    expectRequestsSent();
 }
 
 }  // namespace

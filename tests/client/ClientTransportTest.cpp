@@ -37,6 +37,16 @@ TEST_F(ClientTransport, SendsAMessageWithoutAction) {
     expectRequestsSent();
 }
 
+TEST_F(ClientTransport, AnEmptyMessageCountsAsNotSent) {
+    serve({});
+    NySeMemFile message;
+    message.startWrite(NySe::schema2015);
+    message.stopWriting();
+    message.SetLength(0);
+    EXPECT_FALSE(Access::sendMemFile(client, message));
+    expectRequestsSent();
+}
+
 TEST_F(ClientTransport, SendFailsWithoutConnection) {
     NySeMemFile message;
     EXPECT_FALSE(Access::sendMemFile(client, start(message, 1)));

@@ -1,8 +1,8 @@
 // The time-outs for real: each test waits as long as the rule says.
 #include <chrono>
-#include <functional>
 #include <future>
 
+#include "tests/client/AnsweredCalls.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
@@ -24,70 +24,13 @@ void expectWait(seconds wait, milliseconds taken) {
     EXPECT_LE(taken.count(), milliseconds(wait + seconds(8)).count());
 }
 
-// A call to a server that never answers, and whether it returned its failure value.
-struct SilentCall {
-    const char* name;
-    std::function<bool(NySeClientApp&)> fails;
-};
-
-const SilentCall kSilentCalls[] = {
-    {"isAlive", [](NySeClientApp& client) { return !client.isAlive(); }},
-    {"getVersion", [](NySeClientApp& client) { return client.getVersion() == -1.0; }},
-    {"lock", [](NySeClientApp& client) { return !client.lock(_T("part/42"), 0x18); }},
-    {"isLockBy",
-     [](NySeClientApp& client) {
-         NySeUserPtrArray users;
-         return !client.isLockBy(_T("part/42"), users) && users.GetSize() == 0;
-     }},
-    {"getLock",
-     [](NySeClientApp& client) {
-         NySeLockArray locks;
-         client.getLock(locks);
-         return locks.GetSize() == 0;
-     }},
-    {"openConnection",
-     [](NySeClientApp& client) { return client.openConnection(_T("Server=a;Db=b")) == -1; }},
-    {"getConnection",
-     [](NySeClientApp& client) {
-         NySeConnectionArray connections;
-         client.getConnection(connections);
-         return connections.GetSize() == 0;
-     }},
-    {"isOpenConnectionBy",
-     [](NySeClientApp& client) {
-         NySeUserPtrArray users;
-         client.isOpenConnectionBy(7, users);
-         return users.GetSize() == 0;
-     }},
-    {"getAllUser",
-     [](NySeClientApp& client) {
-         NySeUserPtrArray users;
-         client.getAllUser(users);
-         return users.GetSize() == 0;
-     }},
-    {"getPortClient",
-     [](NySeClientApp& client) {
-         NySeUser user;
-         return client.getPortClient(user) == 0 && user.getPort() == -1;
-     }},
-    {"getAnotherPort", [](NySeClientApp& client) { return client.getAnotherPort() == -1; }},
-    {"updateUserName", [](NySeClientApp& client) { return !client.updateUserName(_T("Anna")); }},
-    {"getCurrentTime", [](NySeClientApp& client) { return client.getCurrentTime() == 0; }},
-    {"getMachineIdentifiant",
-     [](NySeClientApp& client) { return client.getMachineIdentifiant().IsEmpty() != FALSE; }},
-    {"getEventListFromEventViewer",
-     [](NySeClientApp& client) {
-         return client.getEventListFromEventViewer(25).IsEmpty() != FALSE;
-     }},
-};
-
 struct Outcome {
     bool connected;
     bool failed;
     milliseconds taken;
 };
 
-Outcome askSilentServer(const SilentCall& call) {
+Outcome askSilentServer(const AnsweredCall& call) {
     const peers::ResettingPort port;  // accepts nobody, so that nobody answers
     NySeClientApp client;
     Outcome outcome{};
@@ -98,11 +41,11 @@ Outcome askSilentServer(const SilentCall& call) {
 
 TEST(ClientCalls, GiveUpOnASilentServerAfter15Seconds) {
     std::vector<std::future<Outcome>> outcomes;
-    for (const SilentCall& call : kSilentCalls) {
+    for (const AnsweredCall& call : answeredCalls()) {
         outcomes.push_back(std::async(std::launch::async, askSilentServer, std::cref(call)));
     }
     for (size_t i = 0; i < outcomes.size(); ++i) {
-        SCOPED_TRACE(kSilentCalls[i].name);
+        SCOPED_TRACE(answeredCalls()[i].name);
         const Outcome outcome = outcomes[i].get();
         EXPECT_TRUE(outcome.connected);
         EXPECT_TRUE(outcome.failed);

@@ -129,4 +129,16 @@ TEST(ReplyObject, IsNoneWithoutAClass) {
     EXPECT_EQ("none", anyRecordIn(""));
 }
 
+TEST(ReplyString, LeavesTheReplyWithoutAnArchive) {
+    for (const char* content : {"FFFEFF 01 6100", "FFFEFF"}) {
+        NySeMemFile reply;
+        const Bytes bytes = fromHex(content);
+        reply.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+        reply.SeekToBegin();
+        CString text;
+        NySe::readReplyString(reply, text);
+        EXPECT_EQ(nullptr, reply.getArchive());
+    }
+}
+
 }  // namespace

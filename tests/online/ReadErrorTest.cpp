@@ -2,6 +2,8 @@
 // its first byte. No server can bring this about alone: WinINet reads what it has announced.
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "tests/online/OnlineTest.h"
 #include "tests/support/MessageBoxWatch.h"
 
@@ -20,10 +22,12 @@ void closeOpened(DWORD type, const std::wstring& part, DWORD pauseMs) {
     }
 }
 
-// An FTP server with one file, the opening of which `serveFile` follows.
+// An FTP server with one file, the opening of which `serveFile` follows. Its last response is
+// `lastResponse`.
 class FtpScript {
   public:
-    explicit FtpScript(std::function<void()> serveFile) : m_serveFile(std::move(serveFile)) {}
+    FtpScript(std::string lastResponse, std::function<void()> serveFile)
+        : m_lastResponse(std::move(lastResponse)), m_serveFile(std::move(serveFile)) {}
 
     void operator()(peers::Connection& control) {
         control.send("220 ready\r\n");
@@ -52,7 +56,7 @@ class FtpScript {
         control.send("150 here: 100%s\r\n");
         m_serveFile();
         data.reset();
-        control.send("226 sent: 100%s\r\n");
+        control.send(m_lastResponse + "\r\n");
     }
 
     static UniqueSocket connectToLoopback(int port) {
@@ -66,50 +70,97 @@ class FtpScript {
         return socket;
     }
 
+    std::string m_lastResponse;
     std::function<void()> m_serveFile;
     int m_dataPort = 0;
 };
 
+// The text that the library puts before the server's last response.
+const std::wstring kBefore = L"InternetReadFile return: ";
+
 class OnlineReadError : public OnlineTest {
   protected:
-    // Tries with growing pauses until there is a box. `tryOnce` gives the version.
+    // The text of the box that one of the tries shows; `tryOnce` gives the version after a pause.
     template <class Try>
-    void expectNoVersion(Try tryOnce) {
+    std::wstring boxShownBy(Try tryOnce) {
+        const size_t before = m_watch.boxes().size();
         for (const DWORD pauseMs : kPausesMs) {
             EXPECT_EQ(L"", tryOnce(pauseMs));
-            if (!m_watch.boxes().empty()) return;
+            if (m_watch.boxes().size() > before) return m_watch.boxes().back().text;
         }
+        return L"no box";
     }
 
-    void expectErrorBox(const ::testing::Matcher<std::wstring>& text) {
-        ASSERT_EQ(1u, m_watch.boxes().size());
-        EXPECT_THAT(m_watch.boxes()[0].text, text);
-        EXPECT_EQ(::LoadIconW(nullptr, IDI_ERROR), m_watch.boxes()[0].icon);
+    std::wstring boxOfTheWebServer() {
+        const std::string version = "<VERSION>2.1</VERSION>";
+        return boxShownBy([&](DWORD pauseMs) {
+            return versionBy([&, pauseMs](peers::Connection& connection) {
+                connection.send(webAnswer("", "200 OK", static_cast<long long>(version.size())));
+                closeOpened(INTERNET_HANDLE_TYPE_HTTP_REQUEST, L"Version.aspx", pauseMs);
+                connection.send(version);
+            });
+        });
+    }
+
+    std::wstring boxOfTheFtpServer(const std::string& lastResponse) {
+        return boxShownBy([&](DWORD pauseMs) {
+            const peers::Peer ftp(FtpScript(lastResponse, [pauseMs] {
+                closeOpened(INTERNET_HANDLE_TYPE_FTP_FILE, L"", pauseMs);
+            }));
+            return versionAt(
+                CString(("ftp://127.0.0.1:" + std::to_string(ftp.port()) + "/").c_str()));
+        });
     }
 
     MessageBoxWatch m_watch{IDOK};
 };
 
 TEST_F(OnlineReadError, ShowsABoxAndGivesNoVersion) {
-    const std::string version = "<VERSION>2.1</VERSION>";
-    expectNoVersion([&](DWORD pauseMs) {
-        return versionBy([&, pauseMs](peers::Connection& connection) {
-            connection.send(webAnswer("", "200 OK", static_cast<long long>(version.size())));
-            closeOpened(INTERNET_HANDLE_TYPE_HTTP_REQUEST, L"Version.aspx", pauseMs);
-            connection.send(version);
-        });
-    });
     // The last response is the thread's, and may be that of another test's server.
-    expectErrorBox(::testing::StartsWith(L"InternetReadFile return: "));
+    EXPECT_THAT(boxOfTheWebServer(), ::testing::StartsWith(kBefore));
+    ASSERT_EQ(1u, m_watch.boxes().size());
+    EXPECT_EQ(::LoadIconW(nullptr, IDI_ERROR), m_watch.boxes()[0].icon);
+}
+
+// The session of the production service stays open meanwhile.
+TEST_F(OnlineReadError, ClosesTheDownloadBeforeItShowsTheBox) {
+    std::ptrdiff_t sessions = -1;
+    m_watch.atBox = [&] {
+        sessions = std::ranges::count(openInternetHandles(), DWORD{INTERNET_HANDLE_TYPE_INTERNET},
+                                      &OpenInternetHandle::type);
+    };
+    boxOfTheWebServer();
+    EXPECT_EQ(1, sessions);
+}
+
+TEST_F(OnlineReadError, IsNotShownWhereNothingCouldBeOpened) {
+    const peers::RefusingPort port;
+    EXPECT_EQ(L"", versionAt(refusingAddress(port)));
+    EXPECT_TRUE(m_watch.boxes().empty());
 }
 
 TEST_F(OnlineReadError, ShowsTheServersLastResponse) {
-    expectNoVersion([](DWORD pauseMs) {
-        const peers::Peer ftp(
-            FtpScript([pauseMs] { closeOpened(INTERNET_HANDLE_TYPE_FTP_FILE, L"", pauseMs); }));
-        return versionAt(CString(("ftp://127.0.0.1:" + std::to_string(ftp.port()) + "/").c_str()));
-    });
-    expectErrorBox(std::wstring(L"InternetReadFile return: 226 sent: 100%s"));
+    EXPECT_EQ(kBefore + L"226 sent: 100%s", boxOfTheFtpServer("226 sent: 100%s"));
+}
+
+std::string responseOfLength(size_t length) {
+    const std::string code = "226 ";
+    return code + std::string(length - code.size(), 'x');
+}
+
+std::wstring boxWith(const std::string& response) {
+    return kBefore + std::wstring(response.begin(), response.end());
+}
+
+TEST_F(OnlineReadError, ShowsAResponseThatFitsInto1000Characters) {
+    EXPECT_EQ(boxWith(responseOfLength(999)), boxOfTheFtpServer(responseOfLength(999)));
+    EXPECT_EQ(kBefore, boxOfTheFtpServer(responseOfLength(1001)));
+}
+
+// Not every platform asks for room for the terminator.
+TEST_F(OnlineReadError, ShowsNothingBehindAResponseOf1000Characters) {
+    EXPECT_THAT(boxOfTheFtpServer(responseOfLength(1000)),
+                ::testing::AnyOf(kBefore, boxWith(responseOfLength(1000))));
 }
 
 }  // namespace

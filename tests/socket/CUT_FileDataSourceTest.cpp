@@ -231,6 +231,13 @@ TEST_F(FileDataSource, DropsWhatWasReadAheadWhenReadingBytes) {
     EXPECT_EQ(read(9), "d");  // the c was read ahead
 }
 
+TEST_F(FileDataSource, ReadsLinesFromWhereBytesWereRead) {
+    hold("ab\r\ncd\r\nef\r\n", 8);
+    readLine();
+    EXPECT_EQ(read(1), "\n");  // the bytes before it were read ahead
+    EXPECT_EQ(readLine(), (Line{4, "ef\r\n"}));
+}
+
 TEST_F(FileDataSource, SeeksFromWhatTheCallerHasConsumed) {
     hold("ab\r\ncdef");
     readLine();

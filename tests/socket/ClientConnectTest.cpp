@@ -158,6 +158,26 @@ TEST_F(ClientConnect, ReportsARefusal) {
     EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
 }
 
+// Tells which socket it made last.
+class MakingClient : public CUT_WSClient {
+  public:
+    SOCKET made = INVALID_SOCKET;
+    int CreateSocket(SOCKET& s, int family, int type, int protocol) override {
+        const int result = CUT_WSClient::CreateSocket(s, family, type, protocol);
+        made = s;
+        return result;
+    }
+};
+
+TEST_F(ClientConnect, ClosesTheSocketThatDidNotConnect) {
+    peers::RefusingPort port;
+    MakingClient client;
+    for (const long timeOut : {-1, 0}) {
+        ASSERT_NE(client.Connect(port.port(), "127.0.0.1", timeOut), UTE_SUCCESS);
+        EXPECT_EQ(::closesocket(client.made), SOCKET_ERROR) << "closed already";
+    }
+}
+
 // Only writability is waited for, and a refused socket never gets there.
 TEST_F(ClientConnect, WithATimeOutReportsARefusalAsTheTimeOut) {
     peers::RefusingPort port;

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <future>
 #include <string>
 
 #include "tests/socket/Peers.h"
@@ -13,12 +15,18 @@ class ClientReceiveLine : public testing::Test {
     void connectTo(const peers::Peer& peer) {
         ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
     }
-    // The line with a mark at its end, so that a missing terminator shows.
+    // The line. The rest of the buffer is marked, so that a missing terminator and whatever is
+    // written behind it show.
     std::string line(int maxLen = 100, int timeOut = 10) {
+        return lineOf(m_client, maxLen, timeOut);
+    }
+    std::string lineOf(CUT_WSClient& client, int maxLen, int timeOut) {
         std::memset(m_buffer, '#', sizeof m_buffer);
-        const int length = m_client.ReceiveLine(m_buffer, maxLen, timeOut);
-        if (length == 0) return m_buffer[0] == '#' ? "" : "touched";
-        if (m_buffer[length] != '\0' || m_buffer[length + 1] != '#') return "not terminated";
+        const int length = client.ReceiveLine(m_buffer, maxLen, timeOut);
+        const char* end = m_buffer + length;
+        const char* const bufferEnd = std::end(m_buffer);
+        if (length > 0 && *end++ != '\0') return "not terminated";
+        if (std::any_of(end, bufferEnd, [](char c) { return c != '#'; })) return "touched";
         return std::string(m_buffer, static_cast<std::size_t>(length));
     }
 
@@ -80,12 +88,44 @@ TEST_F(ClientReceiveLine, LeavesALineFeedThatJustDoesNotFit) {
     EXPECT_EQ(line(5), "d\n");
 }
 
+TEST_F(ClientReceiveLine, TakesOneByteIntoABufferOfTwo) {
+    peers::Peer peer(peers::sending("ab\n"));
+    connectTo(peer);
+    for (const char* byte : {"a", "b", "\n"}) EXPECT_EQ(line(2), byte);
+}
+
+// Lets its peer send the rest of the line when it waits for the second time.
+class LineInTwoParts : public CUT_WSClient {
+  public:
+    explicit LineInTwoParts(std::promise<void>& sendRest) : m_sendRest(sendRest) {}
+    int WaitForReceive(long seconds, long microseconds) override {
+        if (++m_waits == 2) m_sendRest.set_value();
+        return CUT_WSClient::WaitForReceive(seconds, microseconds);
+    }
+
+  private:
+    std::promise<void>& m_sendRest;
+    int m_waits = 0;
+};
+
+TEST_F(ClientReceiveLine, CutsALineWhoseRestDoesNotFitBehindItsBeginning) {
+    std::promise<void> sendRest;
+    peers::Peer peer([&](peers::Connection& connection) {
+        connection.send("abc");
+        sendRest.get_future().wait_for(peers::kPatience);
+        connection.send("defgh\n");
+        connection.receiveAll();
+    });
+    LineInTwoParts client(sendRest);
+    ASSERT_EQ(client.Connect(peer.port(), "127.0.0.1", 10), UTE_SUCCESS);
+    EXPECT_EQ(lineOf(client, 6, 10), "abcde");
+    EXPECT_EQ(lineOf(client, 6, 10), "fgh\n");
+}
+
 TEST_F(ClientReceiveLine, ReadsNothingIntoABufferWithoutRoom) {
     peers::Peer peer(peers::sending("abc\n"));
     connectTo(peer);
-    EXPECT_EQ(m_client.ReceiveLine(m_buffer, 1, 10), 0);
-    EXPECT_EQ(m_client.ReceiveLine(m_buffer, 0, 10), 0);
-    EXPECT_EQ(m_client.ReceiveLine(m_buffer, -7, 10), 0);
+    for (const int maxLen : {1, 0, -7}) EXPECT_EQ(line(maxLen), "");
     EXPECT_EQ(m_client.receiveWaits, std::vector<long>{});
     EXPECT_EQ(line(), "abc\n");
 }

@@ -1,6 +1,7 @@
 // Answers the message boxes of the thread that makes it, and keeps what they showed.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ class MessageBoxWatch {
 
     const std::vector<Box>& boxes() const { return m_boxes; }
 
+    // Called while a box is shown, before it is answered.
+    std::function<void()> atBox = [] {};
+
   private:
     struct HookTraits {
         using Handle = HHOOK;
@@ -37,8 +41,8 @@ class MessageBoxWatch {
     };
 
     static std::wstring textOf(HWND window) {
-        wchar_t text[1024] = L"";
-        ::GetWindowTextW(window, text, 1024);
+        wchar_t text[4096] = L"";
+        ::GetWindowTextW(window, text, 4096);
         return text;
     }
 
@@ -63,6 +67,7 @@ class MessageBoxWatch {
         m_boxes.push_back({textOf(box), textOf(text), ::GetWindowLongW(box, GWL_STYLE),
                            ::GetWindow(box, GW_OWNER),
                            reinterpret_cast<HICON>(::SendMessageW(icon, STM_GETICON, 0, 0))});
+        atBox();
         ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(m_answer), 0);
     }
 
