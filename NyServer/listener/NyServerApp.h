@@ -54,7 +54,8 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     ~NyServerApp() override;
 
     // Listens on all interfaces at the port number, with a queue of 5, and accepts. 0, or the
-    // result of ConnectToPort (then nothing is accepted) or of StartAccept.
+    // result of ConnectToPort (then nothing is accepted) or of StartAccept. While it accepts, 1,
+    // through OnError, and nothing changes.
     int Start();
 
     // The window that receives the notifications; null, or an object without a window: they are

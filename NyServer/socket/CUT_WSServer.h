@@ -85,6 +85,9 @@ class NYSERVER_API CUT_WSServer {
     int GetShutDownFlag() const { return m_shutDownFlag.load(std::memory_order_relaxed); }
 
   protected:
+    // Whether StartAccept was called, and StopAccept not since.
+    bool IsAccepting() const { return m_accepting == 1; }
+
     // For derived servers that can pause; nothing calls them. The base returns 0.
     virtual int Pause();
     virtual int Resume();

@@ -68,6 +68,36 @@ TEST_F(ListenerServer, SaysWhatAcceptingSays) {
     EXPECT_EQ(listener.Start(), UTE_ERROR);
 }
 
+TEST_F(ListenerServer, ASecondStartWhileItAcceptsAsksForNothing) {
+    RefusingListener listener;
+    listener.answer = UTE_SUCCESS;
+    ASSERT_EQ(listener.Start(), UTE_SUCCESS);
+    listener.asked.clear();
+    EXPECT_EQ(listener.Start(), UTE_ERROR);
+    EXPECT_TRUE(listener.asked.empty());
+}
+
+TEST_F(ListenerServer, ASecondStartWhileItAcceptsChangesNothing) {
+    ASSERT_TRUE(m_listener.start());
+    const unsigned int port = m_listener.GetBoundPort();
+    m_listener.setPortNumber(peers::freePort());
+    EXPECT_EQ(m_listener.Start(), UTE_ERROR);
+    EXPECT_EQ(m_listener.GetBoundPort(), port);
+    EXPECT_EQ(m_listener.GetPort(), port);
+    auto peer = m_listener.connection();
+    peer.send(kProbe);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
+TEST_F(ListenerServer, MayStartAgainOnceItHasStopped) {
+    ASSERT_TRUE(m_listener.start());
+    m_listener.StopAccept();
+    ASSERT_TRUE(m_listener.start());
+    auto peer = m_listener.connection();
+    peer.send(kProbe);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
 TEST_F(ListenerServer, SaysThatItsPortIsTaken) {
     const UniqueSocket taken = peers::bindToLoopback();
     ::listen(taken.get(), 1);
