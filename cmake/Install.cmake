@@ -11,6 +11,7 @@ include(CMakePackageConfigHelpers)
 # library's own.
 set(ny_public_headers
   NyServerApi.h
+  base/KernelHandle.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h

@@ -30,8 +30,8 @@
 //
 // When the window falls behind, so that more messages are waiting than nine tenths of what the
 // system lets wait, the workers stop reading, and TCP holds the central server back; they go on
-// when the window has consumed every message. That bounds the messages, not their bytes: each may
-// be as large as its sender makes it, and any host that reaches the port may send.
+// when the window has consumed every message. That bounds the messages; their bytes are bounded by
+// setLongestBody. Any host that reaches the port may send.
 //
 // Threads: one thread makes, starts and destroys the listener and uses its settings. The functions
 // about the window and its messages may be called by any thread, stopThread excepted. Each
@@ -70,6 +70,14 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // Kept for the host, and not used here.
     void setSessionNumber(int session) { m_sessionNumber = session; }
     int getSessionNumber() const { return m_sessionNumber; }
+    // The longest body of a message, in bytes, 64 MiB unless set. A sender that announces more
+    // loses its connection; nothing of the body is read or dispatched, and no memory is taken for
+    // it. Any thread may call these two; a change holds for the messages that come after it.
+    void setLongestBody(unsigned int bytes) {
+        m_longestBody.store(bytes, std::memory_order_relaxed);
+    }
+    unsigned int getLongestBody() const { return m_longestBody.load(std::memory_order_relaxed); }
+
 
     // This host's first IPv4 address, and that of a named host, in dotted text; empty when there is
     // none or no memory is left.
@@ -123,3 +131,5 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     int m_postMsgCount = 0;
     long m_postMsgLimit = -1;
 };
+    int m_emptyMsgCount = 0;  // of the posted messages those without a block
+    std::atomic<unsigned int> m_longestBody = 64 * 1024 * 1024;
