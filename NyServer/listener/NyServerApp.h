@@ -59,7 +59,10 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     int Start();
 
     // The window that receives the notifications; null, or an object without a window: they are
-    // dropped.
+    // dropped. A window that is replaced takes with it what it has not consumed: the count of
+    // messages starts at 0 again, and the workers go on. What the old window still counts as
+    // consumed afterwards is subtracted from what the new one was posted. Setting the same object
+    // again changes nothing.
     void setAppWnd(CWnd* window);
     CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
 
@@ -67,9 +70,6 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     void setPortNumber(unsigned short port) { m_portNumber = port; }
     unsigned short getPortNumber() const { return m_portNumber; }
 
-    // Kept for the host, and not used here.
-    void setSessionNumber(int session) { m_sessionNumber = session; }
-    int getSessionNumber() const { return m_sessionNumber; }
     // The longest body of a message, in bytes, 64 MiB unless set. A sender that announces more
     // loses its connection; nothing of the body is read or dispatched, and no memory is taken for
     // it. Any thread may call these two; a change holds for the messages that come after it.
@@ -78,6 +78,9 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     }
     unsigned int getLongestBody() const { return m_longestBody.load(std::memory_order_relaxed); }
 
+    // Kept for the host, and not used here.
+    void setSessionNumber(int session) { m_sessionNumber = session; }
+    int getSessionNumber() const { return m_sessionNumber; }
 
     // This host's first IPv4 address, and that of a named host, in dotted text; empty when there is
     // none or no memory is left.
@@ -120,8 +123,12 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     void endConnections();
 
   private:
+    friend class NyServerNotification;
+
     HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
+    void startCountAnew();
+    void consumeEmptyMessage();
 
     // Changed under the ThreadListLock, read with or without.
     std::atomic<CWnd*> m_appWnd = nullptr;
@@ -130,6 +137,6 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // Used under the ThreadListLock.
     int m_postMsgCount = 0;
     long m_postMsgLimit = -1;
-};
     int m_emptyMsgCount = 0;  // of the posted messages those without a block
     std::atomic<unsigned int> m_longestBody = 64 * 1024 * 1024;
+};
