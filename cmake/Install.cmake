@@ -12,6 +12,7 @@ include(CMakePackageConfigHelpers)
 set(ny_public_headers
   NyServerApi.h
   OutOfMemory.h
+  base/KernelHandle.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h

@@ -9,10 +9,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     const Drip drip(bytes, size);
     int action = 0;
-    drip(reinterpret_cast<char*>(&action), sizeof action);
+    NySe::collect(action, drip);
     CMemFile body;
     const HeldMemory held;
-    NySe::receiveMessage(body, drip);
+    LONG announced = 0;
+    if (NySe::collect(announced, drip) == int{sizeof announced})
+        NySe::receiveBody(body, announced, drip);
     held.requireAtMost(3 * (size + NySe::kReceiveStep));
     const bool isOne = NySe::isNotification(action);
     const Bytes payload = isOne ? contentsOf(body) : Bytes();

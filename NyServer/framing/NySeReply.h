@@ -46,6 +46,22 @@ bool receiveScalar(Scalar& value, Receive receive) {
     return receive(reinterpret_cast<char*>(&value), size, kScalarTimeOut) == size;
 }
 
+// Fills `value` piece by piece from `receive`, which is as the one of receiveBody. The number of
+// bytes that came; when the first receive gave none, its result, with `value` as that receive left
+// it.
+template <class Value, class Receive>
+int collect(Value& value, Receive receive) {
+    constexpr int size = sizeof value;
+    char* const bytes = reinterpret_cast<char*>(&value);
+    int received = receive(bytes, size);
+    while (received > 0 && received < size) {
+        const int more = receive(bytes + received, size - received);
+        if (more < 1) break;
+        received += more;
+    }
+    return received;
+}
+
 // Reads a length and that many bytes by the same `receive`. True when all came; `into` ends at its
 // start, with what came of the bytes.
 template <class Receive>

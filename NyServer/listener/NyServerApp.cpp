@@ -27,6 +27,7 @@ void NyServerApp::endConnections() {
 }
 
 int NyServerApp::Start() {
+    if (IsAccepting()) return OnError(UTE_ERROR);
     const int result = ConnectToPort(m_portNumber, kListenQueue, AF_INET, ::htonl(INADDR_ANY));
     return result != UTE_SUCCESS ? result : StartAccept();
 }

@@ -30,8 +30,8 @@
 //
 // When the window falls behind, so that more messages are waiting than nine tenths of what the
 // system lets wait, the workers stop reading, and TCP holds the central server back; they go on
-// when the window has consumed every message. That bounds the messages, not their bytes: each may
-// be as large as its sender makes it, and any host that reaches the port may send.
+// when the window has consumed every message. That bounds the messages; their bytes are bounded by
+// setLongestBody. Any host that reaches the port may send.
 //
 // Threads: one thread makes, starts and destroys the listener and uses its settings. The functions
 // about the window and its messages may be called by any thread, stopThread excepted. Each
@@ -54,17 +54,31 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     ~NyServerApp() override;
 
     // Listens on all interfaces at the port number, with a queue of 5, and accepts. 0, or the
-    // result of ConnectToPort (then nothing is accepted) or of StartAccept.
+    // result of ConnectToPort (then nothing is accepted) or of StartAccept. While it accepts, 1,
+    // through OnError, and nothing changes.
     int Start();
 
     // The window that receives the notifications; null, or an object without a window: they are
-    // dropped.
+    // dropped. A window that is replaced takes with it what it has not consumed: the count of
+    // messages starts at 0 again, and the workers go on. What the old window still counts as
+    // consumed afterwards is subtracted from what the new one was posted. Setting the same object
+    // again changes nothing.
     void setAppWnd(CWnd* window);
     NYSERVER_INLINE CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
 
     // Where Start listens.
     NYSERVER_INLINE void setPortNumber(unsigned short port) { m_portNumber = port; }
     NYSERVER_INLINE unsigned short getPortNumber() const { return m_portNumber; }
+
+    // The longest body of a message, in bytes, 64 MiB unless set. A sender that announces more
+    // loses its connection; nothing of the body is read or dispatched, and no memory is taken for
+    // it. Any thread may call these two; a change holds for the messages that come after it.
+    NYSERVER_INLINE void setLongestBody(unsigned int bytes) {
+        m_longestBody.store(bytes, std::memory_order_relaxed);
+    }
+    NYSERVER_INLINE unsigned int getLongestBody() const {
+        return m_longestBody.load(std::memory_order_relaxed);
+    }
 
     // Kept for the host, and not used here.
     NYSERVER_INLINE void setSessionNumber(int session) { m_sessionNumber = session; }
@@ -111,8 +125,12 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     void endConnections();
 
   private:
+    friend class NyServerNotification;
+
     HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
+    void startCountAnew();
+    void consumeEmptyMessage();
 
     // Changed under the ThreadListLock, read with or without.
     std::atomic<CWnd*> m_appWnd = nullptr;
@@ -121,4 +139,6 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // Used under the ThreadListLock.
     int m_postMsgCount = 0;
     long m_postMsgLimit = -1;
+    int m_emptyMsgCount = 0;  // of the posted messages those without a block
+    std::atomic<unsigned int> m_longestBody = 64 * 1024 * 1024;
 };

@@ -22,7 +22,9 @@ void* moveInto(HGLOBAL block, CMemFile& file, DWORD size) {
 // Under the lock, so that whoever takes the window object back knows that nobody looks at it.
 void NyServerApp::setAppWnd(CWnd* window) {
     const ThreadListLock lock(*this);
+    if (window == getAppWnd()) return;
     m_appWnd.store(window, std::memory_order_relaxed);
+    startCountAnew();
 }
 
 HWND NyServerApp::appWindow() {
@@ -50,7 +52,10 @@ void NyServerApp::post(unsigned int message, DWORD size, void* address, UniqueGl
     const HWND window = appWindow();
     if (!window) return;
     // From its address the window can free the block; an empty one has none.
-    if (address) static_cast<void>(block.release());
+    if (address)
+        static_cast<void>(block.release());
+    else
+        ++m_emptyMsgCount;
     ::PostMessageW(window, message, size, reinterpret_cast<LPARAM>(address));
     increasePostMsgCount();
 }
@@ -64,9 +69,22 @@ void NyServerApp::increasePostMsgCount() {
 void NyServerApp::decreasePostMsgCount() {
     const ThreadListLock lock(*this);
     --m_postMsgCount;
-    if (m_postMsgCount >= 1) return;
+    if (m_postMsgCount < 1) startCountAnew();
+}
+
+// REQUIRES: a ThreadListLock.
+void NyServerApp::startCountAnew() {
     m_postMsgCount = 0;
+    m_emptyMsgCount = 0;
     stopThread(false);
+}
+
+// Any program can post a message without a block: none is consumed that was not posted here.
+void NyServerApp::consumeEmptyMessage() {
+    const ThreadListLock lock(*this);
+    if (m_emptyMsgCount < 1) return;
+    --m_emptyMsgCount;
+    decreasePostMsgCount();
 }
 
 int NyServerApp::getPostMsgCount() {

@@ -18,13 +18,20 @@ HGLOBAL postedBlockAt(void* address) {
 
 NyServerNotification::NyServerNotification(WPARAM size, LPARAM address, NyServerApp* listener)
     : m_block(postedBlockAt(reinterpret_cast<void*>(address))), m_listener(listener) {
-    if (!m_block) return;
+    if (!m_block) {
+        if (address != 0) m_listener = nullptr;  // the message is not from the listener
+        return;
+    }
     const size_t present = std::min<size_t>(size, ::GlobalSize(m_block.get()));
     readMessage(reinterpret_cast<BYTE*>(address), present);
 }
 
 NyServerNotification::~NyServerNotification() {
-    if (m_listener) m_listener->decreasePostMsgCount();
+    if (!m_listener) return;
+    if (m_block)
+        m_listener->decreasePostMsgCount();
+    else
+        m_listener->consumeEmptyMessage();
 }
 
 void NyServerNotification::readMessage(BYTE* bytes, size_t size) {

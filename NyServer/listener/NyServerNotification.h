@@ -22,7 +22,9 @@ class NYSERVER_API NyServerNotification {
   public:
     // Takes the block over. `listener`, which may be null, is told when the notification is
     // consumed, that is when this object goes; it must live as long. An address that is no
-    // moveable block is left alone and makes a notification without action and payload.
+    // moveable block is left alone and makes a notification without action and payload, of which
+    // the listener is not told. A message without an address is told of as long as the listener
+    // has posted such messages.
     NyServerNotification(WPARAM size, LPARAM address, NyServerApp* listener);
     ~NyServerNotification();
     NyServerNotification(const NyServerNotification&) = delete;

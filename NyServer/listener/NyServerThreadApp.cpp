@@ -10,13 +10,24 @@ namespace {
 
 constexpr long kRoundMilliseconds = 100;
 constexpr int kIdleRoundsWithoutCheck = 50;
+constexpr int kActionPatience = 1000;  // milliseconds
+constexpr int kLengthPatience = NySe::kScalarTimeOut * 1000;
 constexpr UINT kGrowBytes = 1024;
 
 }  // namespace
 
 NyServerThreadApp::NyServerThreadApp(NyServerApp* server)
-    : m_server(server), m_currentAction(NySe::noAction), m_isPaused(false) {
+    : m_server(server),
+      m_currentAction(NySe::noAction),
+      m_isPaused(false),
+      m_released(::CreateEventW(nullptr, TRUE, TRUE, nullptr)) {
     ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_NORMAL);
+}
+
+void NyServerThreadApp::setPaused(bool isPaused) {
+    if (isPaused) ::ResetEvent(m_released.get());
+    m_isPaused.store(isPaused, std::memory_order_relaxed);
+    if (!isPaused) ::SetEvent(m_released.get());
 }
 
 // The idle rounds are those since the last check of the peer, whatever messages came between.
@@ -24,6 +35,7 @@ void NyServerThreadApp::OnConnect() {
     int idleRounds = 0;
     do {
         const Round round = runRound();
+        if (round == Round::refused) return;
         if (round == Round::idle) ++idleRounds;
         const bool isCheckDue = idleRounds > kIdleRoundsWithoutCheck;
         if ((isCheckDue || round == Round::unclear) && !IsConnected()) return;
@@ -35,41 +47,70 @@ NyServerThreadApp::Round NyServerThreadApp::runRound() {
     return awaitMessage() ? receiveMessage() : Round::idle;
 }
 
-// A paused worker does not wait for its socket: with data there, that wait takes no time.
 bool NyServerThreadApp::awaitMessage() {
-    if (isPaused()) {
-        ::Sleep(kRoundMilliseconds);
-        return false;
-    }
-    return WaitForReceive(0, kRoundMilliseconds * 1000) == UTE_SUCCESS && !isPaused();
+    if (WaitForReceive(0, kRoundMilliseconds * 1000) != UTE_SUCCESS) return false;
+    return !isPaused() || awaitRelease();
+}
+
+// With data there, the wait for the socket takes no time; the round then lasts as long as this one.
+bool NyServerThreadApp::awaitRelease() {
+    const DWORD result = ::WaitForSingleObject(m_released.get(), kRoundMilliseconds);
+    if (result == WAIT_FAILED) ::Sleep(kRoundMilliseconds);  // there was no handle for the event
+    return !isPaused();
 }
 
 // An action of which fewer bytes come is taken with what came.
 NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
     int action = 0;
-    const int received = Receive(reinterpret_cast<char*>(&action), sizeof action, 0);
+    const int received = collect(action, 0, kActionPatience);
     if (received <= 0) return action == 0 ? Round::idle : Round::unclear;
     m_currentAction = action;
-    handleMessage();
+    const bool isTaken = handleMessage();
     m_currentAction = NySe::noAction;
-    return Round::served;
+    return isTaken ? Round::served : Round::refused;
 }
 
-void NyServerThreadApp::handleMessage() try {
+// TCP may end a segment anywhere, so that a header comes in pieces. `timeOut`, in seconds, is that
+// of the first receive; `patience`, in milliseconds, is for all of them.
+int NyServerThreadApp::collect(int& value, int timeOut, int patience) {
+    const ULONGLONG deadline = ::GetTickCount64() + static_cast<ULONGLONG>(patience);
+    return NySe::collect(value, [&](char* buffer, int count) {
+        if (count == int{sizeof value}) return Receive(buffer, count, timeOut);
+        return awaitRest(deadline) ? Receive(buffer, count, 0) : 0;
+    });
+}
+
+// What has come already is taken after the deadline too.
+bool NyServerThreadApp::awaitRest(ULONGLONG deadline) {
+    const ULONGLONG now = ::GetTickCount64();
+    const long left = now < deadline ? static_cast<long>(deadline - now) : 0;
+    return WaitForReceive(left / 1000, left % 1000 * 1000) == UTE_SUCCESS;
+}
+
+// False when the connection is to end.
+bool NyServerThreadApp::handleMessage() try {
     CMemFile body(kGrowBytes);
-    receiveBody(body);
+    if (!receiveBody(body)) return false;
     dispatch(body);
+    return true;
 } catch (CFileException* error) {
     error->Delete();
+    return true;
 } catch (CArchiveException* error) {
     error->Delete();
+    return true;
 }
 
-// Whether all of it came does not matter: the message is handled with what did.
-void NyServerThreadApp::receiveBody(CMemFile& body) {
-    NySe::receiveMessage(body, [this](char* buffer, int count, int timeOut) {
-        return Receive(buffer, count, timeOut);
+// False when it is longer than the server takes; otherwise it does not matter whether all of it
+// came: the message is handled with what did.
+bool NyServerThreadApp::receiveBody(CMemFile& body) {
+    int length = 0;
+    if (collect(length, NySe::kScalarTimeOut, kLengthPatience) < int{sizeof length}) return true;
+    if (length > 0 && static_cast<unsigned int>(length) > m_server->getLongestBody()) return false;
+    NySe::receiveBody(body, length, [this](char* buffer, int count) {
+        return Receive(buffer, count, NySe::kChunkTimeOut);
     });
+    return true;
 }
 
 void NyServerThreadApp::dispatch(CMemFile& body) {

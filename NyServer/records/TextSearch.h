@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <cstring>
-#include <string>
 #include <optional>
+#include <string>
 #include <typeinfo>
 
 #include "NyServer/records/NySeRecord.h"

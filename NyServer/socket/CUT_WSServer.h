@@ -92,6 +92,9 @@ class NYSERVER_API CUT_WSServer {
     }
 
   protected:
+    // Whether StartAccept was called, and StopAccept not since.
+    NYSERVER_INLINE bool IsAccepting() const { return m_accepting == 1; }
+
     // For derived servers that can pause; nothing calls them. The base returns 0.
     virtual int Pause();
     virtual int Resume();

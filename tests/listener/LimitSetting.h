@@ -8,6 +8,8 @@
 // of posted messages is missing until it is set.
 class LimitSetting {
   public:
+    static constexpr wchar_t kPath[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
+
     LimitSetting() {
         ::RegCreateKeyW(HKEY_CURRENT_USER, root().c_str(), &m_root);
         ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, m_root);
@@ -36,8 +38,6 @@ class LimitSetting {
     }
 
   private:
-    static constexpr wchar_t kPath[] = L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Windows";
-
     static std::wstring root() {
         return L"Software\\NyListenerTest" + std::to_wstring(::GetCurrentProcessId());
     }

@@ -116,12 +116,6 @@ TEST_F(ListenerDispatch, ALargeBodyArrivesAsItWasSent) {
     EXPECT_EQ(hexOf(all[0].bytes.substr(0, 8)), "36 00 00 00 11 00 30 00");
 }
 
-TEST_F(ListenerDispatch, AShortLengthIsAnEmptyBodyAndTheStreamGoesOn) {
-    send(wireOf(50) + std::string(2, '\x07'));
-    EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "");
-    EXPECT_EQ(outline(), (Outline{{50, 0}}));
-}
-
 TEST_F(ListenerDispatch, ABodyThatIsCutOffIsForwardedAsFarAsItCame) {
     send(wireOf(55) + wireOf(1000) + "only this");
     m_peer->close();
@@ -132,7 +126,8 @@ TEST_F(ListenerDispatch, ABodyThatIsCutOffIsForwardedAsFarAsItCame) {
 }
 
 TEST_F(ListenerDispatch, ALengthThatIsCutOffIsForwardedEmpty) {
-    send(wireOf(56) + std::string(3, '\0'));
+    m_listener.setLongestBody(10);  // of no concern to what is no length
+    send(wireOf(56) + std::string(3, '\x07'));
     m_peer->close();
     EXPECT_EQ(hexOf(m_window.awaitMessages(1).at(0).bytes), "38 00 00 00 00 00 00 00");
 }
@@ -166,8 +161,11 @@ TEST_F(ListenerReading, AsksForWhatItNeedsWithinItsTimes) {
 
 TEST_F(ListenerReading, TakesAnActionThatComesShort) {
     auto peer = connect();
+    const auto start = ::GetTickCount64();
     peer.send("\x01");
     ASSERT_TRUE(eventually([&] { return m_listener.script->all().size() == 2; }, kGenerously));
+    EXPECT_GE(::GetTickCount64() - start, 900u);
+    EXPECT_LT(::GetTickCount64() - start, 10000u);
     peer.send(wireOf(3) + "abc" + frame(52, "good"));
     EXPECT_EQ(peer.receive(), kAlive);
     const auto all = postedFor(peer);
@@ -185,6 +183,25 @@ TEST_F(ListenerReading, AsksForTheRestOfABody) {
     EXPECT_EQ(m_listener.script->all()[3].timeOut, 30);
 }
 
+TEST_F(ListenerReading, FinishesTheMessageThatIsBegunWhenAPauseComes) {
+    MainWindow consumesNothing;
+    m_listener.setAppWnd(consumesNothing.wnd());
+    auto peer = connect();
+    const auto awaitAsked = [&](size_t count) {
+        return eventually([&] { return m_listener.script->all().size() >= count; }, kGenerously);
+    };
+    const std::string whole = frame(50, "whole");
+    peer.send(whole.substr(0, 5));
+    ASSERT_TRUE(awaitAsked(2));
+    m_listener.pause(true);
+    peer.send(whole.substr(5) + kProbe);
+    EXPECT_EQ(consumesNothing.awaitMessages(1).at(0).payload(), "whole");
+    ::Sleep(250);
+    EXPECT_EQ(m_listener.script->rounds(), 1);
+    m_listener.setAppWnd(nullptr);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
 TEST_F(ListenerReading, KnowsItsActionOnlyWhileItHandlesAMessage) {
     auto peer = connect();
     peer.send(frame(59, "x"));
@@ -196,11 +213,63 @@ TEST_F(ListenerReading, KnowsItsActionOnlyWhileItHandlesAMessage) {
 }
 
 TEST_F(ListenerReading, BelievesInAHugeLengthOnlyAsFarAsBytesArrive) {
+    m_listener.setLongestBody(INT_MAX);
     auto peer = connect();
     peer.send(wireOf(50) + wireOf(INT_MAX) + std::string(300000, 'z'));
     peer.close();
     EXPECT_EQ(m_window.awaitMessages(1).at(0).payload().size(), 300000u);
     for (const Asked& asked : m_listener.script->all()) EXPECT_LT(asked.length, 512 * 1024);
+}
+
+class ListenerLongestBody : public ScriptedListenerTest {
+  protected:
+    // Whether the connection ends with nothing read but the header, and nothing posted.
+    bool isRefused(int action, int length) {
+        auto peer = connect();
+        const size_t before = m_listener.script->all().size();
+        peer.send(wireOf(action) + wireOf(length) + "beginning");
+        const bool isClosed = peer.awaitClose();
+        m_window.settle();
+        return isClosed && m_listener.script->all().size() == before + 2 && m_window.count() == 0;
+    }
+};
+
+TEST_F(ListenerLongestBody, Is64MiBUnlessSet) {
+    EXPECT_EQ(m_listener.getLongestBody(), 67108864u);
+    EXPECT_TRUE(isRefused(50, 67108865));
+    EXPECT_TRUE(isRefused(50, INT_MAX));
+    auto peer = connect();
+    peer.send(wireOf(50) + wireOf(67108864) + "a part");
+    peer.close();
+    EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "a part");
+}
+
+TEST_F(ListenerLongestBody, IsWhatTheHostSets) {
+    m_listener.setLongestBody(1000);
+    EXPECT_EQ(m_listener.getLongestBody(), 1000u);
+    for (const int action : {50, 1, 7}) EXPECT_TRUE(isRefused(action, 1001)) << action;
+    auto peer = connect();
+    peer.send(frame(50, std::string(1000, 'x')));
+    const auto all = postedFor(peer);
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].payload(), std::string(1000, 'x'));
+}
+
+TEST_F(ListenerLongestBody, MayBeNone) {
+    m_listener.setLongestBody(0);
+    EXPECT_TRUE(isRefused(50, 1));
+    auto peer = connect();
+    peer.send(frame(50) + wireOf(51) + wireOf(-1) + wireOf(52) + wireOf(INT_MIN));
+    EXPECT_EQ(postedFor(peer).size(), 3u);
+}
+
+TEST_F(ListenerLongestBody, EndsNoOtherConnection) {
+    m_listener.setLongestBody(10);
+    auto other = connect();
+    auto peer = connect();
+    peer.send(wireOf(50) + wireOf(11));
+    EXPECT_TRUE(peer.awaitClose());
+    EXPECT_TRUE(isAlive(other));
 }
 
 }  // namespace

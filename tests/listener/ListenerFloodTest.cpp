@@ -61,10 +61,14 @@ TEST_F(ListenerFlood, SurvivesTenThousandRandomFrames) {
 
 TEST_F(ListenerFlood, SurvivesASenderThatDripsItsBytes) {
     auto peer = connect();
-    for (const char byte : frame(50, "drip") + frame(0) + frame(0)) {
+    for (const char byte : frame(50, "drip") + frame(0) + frame(51, "drop")) {
         peer.send({&byte, 1});
         ::Sleep(2);
     }
+    const auto all = m_window.awaitMessages(2);
+    ASSERT_EQ(all.size(), 2u);
+    EXPECT_EQ(all[0].payload(), "drip");
+    EXPECT_EQ(all[1].payload(), "drop");
     expectServes();
 }
 

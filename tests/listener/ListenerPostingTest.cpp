@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "NyServer/listener/NyServerNotification.h"
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/WorkingSet.h"
 
@@ -86,6 +87,28 @@ TEST_F(ListenerPostingToAWindow, PostsAnEmptyFileWithoutAnAddress) {
     post("");
     EXPECT_EQ(posted().at(0).size, 0u);
     EXPECT_EQ(posted().at(0).address, 0);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+}
+
+TEST_F(ListenerPostingToAWindow, CountsDownAsManyEmptyFilesAsItPosted) {
+    const auto consumeEmpty = [&] { const NyServerNotification empty(0, 0, &m_listener); };
+    post("content");
+    post("");
+    post("");
+    consumeEmpty();
+    EXPECT_EQ(m_listener.getPostMsgCount(), 2);
+    consumeEmpty();
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+    consumeEmpty();
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+}
+
+TEST_F(ListenerPostingToAWindow, ForgetsEmptyFilesWithItsWindow) {
+    post("");
+    m_listener.setAppWnd(nullptr);
+    m_listener.setAppWnd(m_window.wnd());
+    post("content");
+    { const NyServerNotification forged(0, 0, &m_listener); }
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 

@@ -68,6 +68,36 @@ TEST_F(ListenerServer, SaysWhatAcceptingSays) {
     EXPECT_EQ(listener.Start(), UTE_ERROR);
 }
 
+TEST_F(ListenerServer, ASecondStartWhileItAcceptsAsksForNothing) {
+    RefusingListener listener;
+    listener.answer = UTE_SUCCESS;
+    ASSERT_EQ(listener.Start(), UTE_SUCCESS);
+    listener.asked.clear();
+    EXPECT_EQ(listener.Start(), UTE_ERROR);
+    EXPECT_TRUE(listener.asked.empty());
+}
+
+TEST_F(ListenerServer, ASecondStartWhileItAcceptsChangesNothing) {
+    ASSERT_TRUE(m_listener.start());
+    const unsigned int port = m_listener.GetBoundPort();
+    m_listener.setPortNumber(peers::freePort());
+    EXPECT_EQ(m_listener.Start(), UTE_ERROR);
+    EXPECT_EQ(m_listener.GetBoundPort(), port);
+    EXPECT_EQ(m_listener.GetPort(), port);
+    auto peer = m_listener.connection();
+    peer.send(kProbe);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
+TEST_F(ListenerServer, MayStartAgainOnceItHasStopped) {
+    ASSERT_TRUE(m_listener.start());
+    m_listener.StopAccept();
+    ASSERT_TRUE(m_listener.start());
+    auto peer = m_listener.connection();
+    peer.send(kProbe);
+    EXPECT_EQ(peer.receive(), kAlive);
+}
+
 TEST_F(ListenerServer, SaysThatItsPortIsTaken) {
     const UniqueSocket taken = peers::bindToLoopback();
     ::listen(taken.get(), 1);
@@ -117,23 +147,59 @@ TEST_F(ListenerServer, DeletesTheWorkersThatItTakesBack) {
     m_listener.ReleaseInstance(nullptr);
 }
 
-TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
+// What is sent so far of a message is followed by its rest while the listener goes.
+void expectWholeMessage(size_t sent) {
+    const std::string whole = frame(50, "abcdef");
     auto listener = std::make_unique<ProbeListener>();
     MainWindow window;
     listener->setAppWnd(window.wnd());
     ASSERT_TRUE(listener->start());
     auto peer = listener->connection();
-    peer.send(wireOf(50) + wireOf(6) + "abc");
+    peer.send(whole.substr(0, sent));
     ASSERT_TRUE(listener->awaitWorkers(1));
     ::Sleep(50);
     std::thread rest([&] {
         ::Sleep(400);
-        peer.send("def");
+        peer.send(whole.substr(sent));
     });
     listener.reset();
     EXPECT_EQ(window.awaitMessages(1).at(0).payload(), "abcdef");
     rest.join();
     EXPECT_TRUE(peer.awaitClose());
+}
+
+TEST_F(ListenerServer, WaitsForItsWorkersWhenItGoes) {
+    expectWholeMessage(8 + 3);
+}
+
+TEST_F(ListenerServer, FinishesAHeaderWhenItGoes) {
+    expectWholeMessage(6);
+}
+
+// Whether the other end of the connection has closed by now.
+bool isClosed(const peers::Connection& peer) {
+    u_long on = 1;
+    ::ioctlsocket(peer.socket(), static_cast<long>(FIONBIO), &on);
+    char byte;
+    return ::recv(peer.socket(), &byte, 1, 0) == 0;
+}
+
+TEST_F(ListenerServer, EndsItsWorkersByItselfWhenItGoes) {
+    auto listener = std::make_unique<NyServerApp>();
+    ASSERT_EQ(listener->Start(), UTE_SUCCESS);
+    listener->SetPort(listener->GetBoundPort());
+    auto peer = peers::connectionTo(listener->GetBoundPort());
+    peer.send(kProbe);
+    ASSERT_EQ(peer.receive(), kAlive);
+    std::atomic<bool> isGone = false;
+    std::thread end([&] {
+        listener.reset();
+        EXPECT_TRUE(isClosed(peer));
+        isGone = true;
+    });
+    EXPECT_TRUE(eventually([&] { return isGone.load(); }, std::chrono::seconds(20)));
+    peer.finishSending();  // ends a worker that has not been told
+    end.join();
 }
 
 // Connects again and again for at most a minute.

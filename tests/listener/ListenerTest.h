@@ -93,14 +93,17 @@ class ProbeListenerWorker : public NyServerThreadApp {
         std::mutex mutex;
         std::vector<Asked> asked;
         Receiver receive;
+        // The waits for the socket, by their result.
+        std::atomic<int> readyWaits = 0;
+        std::atomic<int> vainWaits = 0;
         std::vector<Asked> all() {
             const std::lock_guard lock(mutex);
             return asked;
         }
-        // The times that it asked for an action.
+        // The times that it asked for a whole action.
         int rounds() {
             int count = 0;
-            for (const Asked& one : all()) count += one.timeOut == 0;
+            for (const Asked& one : all()) count += one.timeOut == 0 && one.length == 4;
             return count;
         }
     };
@@ -118,6 +121,10 @@ class ProbeListenerWorker : public NyServerThreadApp {
         const int result =
             m_script->receive ? m_script->receive(buffer, length, timeOut) : kFromSocket;
         return result == kFromSocket ? NyServerThreadApp::Receive(buffer, length, timeOut) : result;
+    }
+    int OnError(int code) override {
+        ++(code == UTE_SUCCESS ? m_script->readyWaits : m_script->vainWaits);
+        return code;
     }
 
   private:

@@ -133,6 +133,54 @@ TEST_F(ListenerThrottle, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
         EXPECT_EQ(m_window.messages()[i].payload().substr(0, 4), wireOf(static_cast<int>(i)));
 }
 
+TEST_F(ListenerThrottle, AWindowThatIsReplacedTakesItsMessagesWithIt) {
+    m_setting.set(10);
+    post(12);
+    ASSERT_EQ(m_listener.pauses(), kAll);
+    MainWindow next;
+    m_listener.setAppWnd(next.wnd());
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    EXPECT_EQ(m_listener.pauses(), kNone);
+    m_peers[0].send(frame(50, "for the next"));
+    EXPECT_EQ(next.awaitMessages(1).at(0).payload(), "for the next");
+    m_listener.setAppWnd(nullptr);
+}
+
+TEST_F(ListenerThrottle, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) {
+    post(3);
+    m_listener.setAppWnd(nullptr);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    consume(3);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    m_listener.setAppWnd(m_window.wnd());
+    post();
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+}
+
+TEST_F(ListenerThrottle, TheSameWindowSetAgainChangesNothing) {
+    m_setting.set(10);
+    post(12);
+    m_listener.setAppWnd(m_window.wnd());
+    EXPECT_EQ(m_listener.getPostMsgCount(), 12);
+    EXPECT_EQ(m_listener.pauses(), kAll);
+}
+
+// Each message pauses the workers until the window has consumed it.
+class ListenerRelease : public ListenerTest {
+  protected:
+    LimitSetting m_setting{1};
+};
+
+TEST_F(ListenerRelease, IsHeardAtOnce) {
+    auto peer = connect();
+    std::string stream;
+    for (int i = 0; i < 100; ++i) stream += frame(50, wireOf(i));
+    const auto start = ::GetTickCount64();
+    peer.send(stream);
+    EXPECT_EQ(m_window.awaitMessages(100).size(), 100u);
+    EXPECT_LT(::GetTickCount64() - start, 2000u);
+}
+
 // Sends one frame over and over, as long as the transport takes bytes at once.
 class EagerSender {
   public:

@@ -32,4 +32,39 @@ TEST_F(ListenerWaits, APausedWorkerNoticesThatItsPeerHasClosed) {
     EXPECT_TRUE(isAlive(silent));
 }
 
+TEST_F(ListenerWaits, ALengthThatIsShortAfter15SecondsIsAnEmptyBodyAndTheStreamGoesOn) {
+    auto peer = connect();
+    const auto start = ::GetTickCount64();
+    peer.send(wireOf(50));
+    for (int i = 0; i < 3; ++i) {
+        peer.send("\x01");
+        ::Sleep(6000);
+    }
+    EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "");
+    EXPECT_LT(::GetTickCount64() - start, 26000u);
+    peer.send(frame(51, "in step"));
+    EXPECT_EQ(postedFor(peer).at(1).payload(), "in step");
+}
+
+TEST_F(ListenerWaits, ALengthThatComesSlowlyIsWhole) {
+    auto peer = connect();
+    const std::string whole = frame(50, "whole");
+    peer.send(whole.substr(0, 5));
+    for (size_t i = 5; i < 8; ++i) {
+        ::Sleep(3000);
+        peer.send(whole.substr(i, i == 7 ? std::string::npos : 1));
+    }
+    EXPECT_EQ(postedFor(peer).at(0).payload(), "whole");
+}
+
+TEST_F(ListenerWaits, AnUnfinishedHeaderDelaysTheEndBy15SecondsAtMost) {
+    auto peer = connect();
+    peer.send(wireOf(50) + std::string(3, '\x01'));
+    ::Sleep(1000);
+    const auto start = ::GetTickCount64();
+    m_listener.SetShutDownFlag(1);
+    EXPECT_TRUE(m_listener.awaitWorkers(0));
+    EXPECT_LT(::GetTickCount64() - start, 20000u);
+}
+
 }  // namespace

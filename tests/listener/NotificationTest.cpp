@@ -111,6 +111,24 @@ TEST_F(Notification, IsConsumedWhenItGoes) {
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 
+// Any program can post the message.
+TEST_F(Notification, IsNotConsumedWhenNobodyPostedIt) {
+    m_listener.increasePostMsgCount();
+    m_listener.increasePostMsgCount();
+    for (const LPARAM where : {LPARAM{0}, LPARAM{16}, reinterpret_cast<LPARAM>(&m_bytes)}) {
+        const NyServerNotification forged(100, where, &m_listener);
+    }
+    EXPECT_EQ(m_listener.getPostMsgCount(), 2);
+}
+
+TEST_F(Notification, IsConsumedOnceHoweverOftenItIsPosted) {
+    m_listener.increasePostMsgCount();
+    m_listener.increasePostMsgCount();
+    const LPARAM where = address(frame(50));
+    for (int i = 0; i < 2; ++i) const NyServerNotification repeated(size(), where, &m_listener);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+}
+
 TEST_F(Notification, CannotGrow) {
     const LPARAM where = address(frame(50, "ab"));
     NyServerNotification notification(size(), where, nullptr);

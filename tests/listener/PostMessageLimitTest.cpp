@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sddl.h>
 
 #include "tests/listener/LimitSetting.h"
 #include "tests/listener/ListenerTest.h"
@@ -59,6 +60,44 @@ TEST_F(PostMessageLimit, TakesAValueOfAnyType) {
 
 TEST_F(PostMessageLimit, TakesAShortValueAsItStands) {
     m_setting.set(REG_BINARY, "\x10\x27", 2);
+    EXPECT_EQ(limit(), 9000);
+}
+
+// Allows nobody any other access to the settings, as an administrator may.
+class ProtectedSettings {
+  public:
+    explicit ProtectedSettings(const wchar_t* access) {
+        ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, LimitSetting::kPath, 0, READ_CONTROL | WRITE_DAC,
+                        &m_key);
+        protect(access);
+    }
+    ~ProtectedSettings() {
+        protect(L"D:P(A;;KA;;;WD)");
+        ::RegCloseKey(m_key);
+    }
+    ProtectedSettings(const ProtectedSettings&) = delete;
+    ProtectedSettings& operator=(const ProtectedSettings&) = delete;
+
+  private:
+    void protect(const wchar_t* access) {
+        PSECURITY_DESCRIPTOR description = nullptr;
+        ::ConvertStringSecurityDescriptorToSecurityDescriptorW(access, SDDL_REVISION_1,
+                                                               &description, nullptr);
+        EXPECT_EQ(::RegSetKeySecurity(m_key, DACL_SECURITY_INFORMATION, description), 0);
+        ::LocalFree(description);
+    }
+
+    HKEY m_key = nullptr;
+};
+
+// No less either: what else is missing counts as a missing value.
+TEST_F(PostMessageLimit, NeedsToReadTheSettingsAndNoMore) {
+    m_setting.set(10000);
+    {
+        const ProtectedSettings onlyTheValues(L"D:P(A;;CC;;;WD)");
+        EXPECT_EQ(limitOf(*std::make_unique<ProbeListener>()), 3240);
+    }
+    const ProtectedSettings onlyReading(L"D:P(A;;KR;;;WD)");
     EXPECT_EQ(limit(), 9000);
 }
 

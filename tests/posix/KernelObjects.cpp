@@ -28,6 +28,10 @@ struct KernelObject {
         isSet = true;
         changed.notify_all();
     }
+    void reset() {
+        const std::lock_guard guard(mutex);
+        isSet = false;
+    }
     bool await(DWORD milliseconds) {
         std::unique_lock guard(mutex);
         const auto isDone = [this] { return isSet; };
@@ -79,6 +83,11 @@ HANDLE CreateEventW(void*, BOOL, BOOL isSet, const wchar_t*) {
 
 BOOL SetEvent(HANDLE event) {
     objectOf(event)->set();
+    return TRUE;
+}
+
+BOOL ResetEvent(HANDLE event) {
+    objectOf(event)->reset();
     return TRUE;
 }
 

@@ -34,8 +34,10 @@ enum : DWORD { WAIT_OBJECT_0 = 0, WAIT_TIMEOUT = 258, WAIT_FAILED = 0xFFFFFFFF }
 enum : DWORD { DUPLICATE_SAME_ACCESS = 2 };
 enum : int { THREAD_PRIORITY_NORMAL = 0, THREAD_PRIORITY_ABOVE_NORMAL = 1 };
 
+// Events are manual.
 HANDLE CreateEventW(void* security, BOOL isManual, BOOL isSet, const wchar_t* name);
 BOOL SetEvent(HANDLE event);
+BOOL ResetEvent(HANDLE event);
 HANDLE CreateMutexW(void* security, BOOL isOwned, const wchar_t* name);
 BOOL ReleaseMutex(HANDLE mutex);
 DWORD WaitForSingleObject(HANDLE object, DWORD milliseconds);
