@@ -175,13 +175,13 @@ TEST_F(QoArraySerial2Test, RefusesReferencesBeyondASmallMultipleOfTheBytes) {
     const std::string counted = "0001" + std::string(kNewCounted) + "09000000 01000000";
     int cause = -1;
     int references = 0;
-    for (std::string text = counted; cause != CArchiveException::badIndex && references < 100;
+    for (std::string text = counted; cause != CArchiveException::badIndex && references < 200;
          text += "0200") {
         cause = load(text);
         ++references;
     }
-    EXPECT_GE(references, 5);
-    EXPECT_LE(references, 20);
+    EXPECT_GE(references, 16);
+    EXPECT_LE(references, 100);
     // The more is there, the more of it may be repeated.
     std::string all = "0008" + std::string(kNewCounted) + "09000000 01000000";
     for (int i = 1; i < 1024; ++i) all += "0180 09000000 01000000";

@@ -85,13 +85,13 @@ TEST_F(UsersOfSessions, ArriveOncePerSessionLock) {
     for (INT_PTR i = 0; i < 6; ++i) delete view.GetAt(i);
 }
 
-TEST_F(UsersOfSessions, OfOneSessionMayBeSixOfOne) {
-    addSessions({2, 2, 2, 2, 2, 2});
+TEST_F(UsersOfSessions, OfOneSessionMayBeSixteenOfOne) {
+    for (int i = 0; i < 16; ++i) addSessions({2});
     found();
     Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
     NySeUserPtrArray read;
     read.Serialize(loading.ar);
-    EXPECT_EQ(6, read.GetSize());
+    EXPECT_EQ(16, read.GetSize());
 }
 
 TEST_F(UsersOfSessions, JoinThoseAlreadyThere) {

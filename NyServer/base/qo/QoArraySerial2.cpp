@@ -50,7 +50,10 @@ std::vector<BYTE> fieldsOf(QoObject2& record) {
 class QoArraySerial2::Repeats {
   public:
     explicit Repeats(const CArchive& ar)
-        : m_archive(ar), m_numbersBefore(ar.LastReadNumber()), m_bytesBefore(ar.BytesLeft()) {}
+        : m_archive(ar),
+          m_numbersBefore(ar.LastReadNumber()),
+          m_bytesBefore(ar.BytesLeft()),
+          m_allowance(m_numbersBefore <= kNumbersOfTable ? kAllowance : 0) {}
 
     // A clone of the record with that number, for a table of `size` records. Throws badIndex when
     // it is not of that class, was not read by this load, has no whole clone, or when there were
@@ -72,21 +75,26 @@ class QoArraySerial2::Repeats {
 
   private:
     // A reference is 2 bytes, a record a hundred and more: all records of a table that repeats some
-    // take at most so many times the bytes of the table. A few repeats of each are always possible.
+    // take at most so many times the bytes of the table. The table that an archive begins with, as
+    // a reply does, may take a little more: one user alone may hold a lock many times.
     static constexpr ULONGLONG kMostMultiple = 18;
-    static constexpr ULONGLONG kPlace = 24;  // in the table, which grows
+    static constexpr ULONGLONG kAllowance = 2048;
+    static constexpr DWORD kNumbersOfTable = 2;  // its class and itself
+    static constexpr ULONGLONG kPlace = 24;      // in the table, which grows
 
     void count(const QoObject2& record, size_t fields, INT_PTR size) {
         m_cloned += fields;
         const ULONGLONG each = static_cast<ULONGLONG>(record.GetRuntimeClass()->m_nObjectSize);
         const ULONGLONG records = static_cast<ULONGLONG>(size) + 1;
         const ULONGLONG bytes = m_bytesBefore - m_archive.BytesLeft();
-        if (records * (each + kPlace) + m_cloned > kMostMultiple * bytes) throwBadIndex(m_archive);
+        const ULONGLONG memory = records * (each + kPlace) + m_cloned;
+        if (memory > kMostMultiple * bytes + m_allowance) throwBadIndex(m_archive);
     }
 
     const CArchive& m_archive;
     const DWORD m_numbersBefore;
     const ULONGLONG m_bytesBefore;
+    const ULONGLONG m_allowance;
     ULONGLONG m_cloned = 0;  // bytes of the fields of all clones
 };
 
