@@ -95,6 +95,8 @@ TEST_F(ListenerPostingToAWindow, CountsDownAsManyEmptyFilesAsItPosted) {
     post("content");
     post("");
     post("");
+    { const NyServerNotification forged(100, 16, &m_listener); }
+    EXPECT_EQ(m_listener.getPostMsgCount(), 3);
     consumeEmpty();
     EXPECT_EQ(m_listener.getPostMsgCount(), 2);
     consumeEmpty();
