@@ -1,7 +1,6 @@
 // nycentral as many clients find it: each takes a lock of its own and waits for the grant, which is
 // what is timed, and releases it.
 #include <cstdio>
-#include <latch>
 #include <string>
 #include <thread>
 #include <vector>
@@ -83,17 +82,17 @@ void timeClients(const std::string& name, int port, int count, const bench::Wire
     std::vector<std::unique_ptr<LockingClient>> clients;
     clients.reserve(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) clients.push_back(std::make_unique<LockingClient>(port, i));
-    std::latch ready(count + 1);
+    Gate ready;
     std::vector<std::thread> threads;
     threads.reserve(clients.size());
     const auto length = std::chrono::duration_cast<bench::Clock::duration>(options.seconds);
     for (const auto& client : clients) {
-        threads.emplace_back([&ready, &client, length] {
-            ready.arrive_and_wait();
+        threads.emplace_back([&ready, &client, count, length] {
+            ready.meet(count + 1);
             client->work(bench::Clock::now() + length);
         });
     }
-    ready.arrive_and_wait();
+    bench::require(ready.meet(count + 1), "the clients do not start");
     const auto start = bench::Clock::now();
     for (std::thread& thread : threads) thread.join();
     const std::chrono::duration<double> taken = bench::Clock::now() - start;

@@ -2,13 +2,13 @@
 // anybody, every request is answered, the program's memory stays flat. NY_LOAD_SECONDS says how
 // long it lasts: 10 unless set.
 #include <cstdlib>
-#include <latch>
 #include <random>
 #include <thread>
 
 #include "tests/apps/CentralProgram.h"
 #include "tests/apps/CentralTest.h"
 #include "tests/apps/ListenerRow.h"
+#include "tests/support/Gate.h"
 
 namespace {
 
@@ -247,12 +247,12 @@ class CentralLoad : public CentralTest {
         }
         for (auto& one : m_programs) {
             threads.emplace_back([this, &one, moment = someMoment()] {
-                m_ready.arrive_and_wait();
+                m_ready.meet(kClients + kKilledPrograms + 1);
                 std::this_thread::sleep_for(moment);
                 one->kill();
             });
         }
-        m_ready.arrive_and_wait();
+        m_ready.meet(kClients + kKilledPrograms + 1);
     }
 
     std::string events() {
@@ -295,7 +295,7 @@ class CentralLoad : public CentralTest {
     void live(int number, Leaving how, milliseconds lifetime) {
         LoadClient one(kSeed + static_cast<unsigned int>(number), tally);
         one.enter(program.port(), number < kListening);
-        m_ready.arrive_and_wait();
+        m_ready.meet(kClients + kKilledPrograms + 1);
         one.work(Clock::now() + lifetime);
         one.leave(how);
     }
@@ -305,7 +305,7 @@ class CentralLoad : public CentralTest {
     std::mt19937 m_random{kSeed};
     unsigned int m_killed = 0;
     std::vector<std::unique_ptr<KilledProgram>> m_programs;
-    std::latch m_ready{kClients + kKilledPrograms + 1};
+    Gate m_ready;
 };
 
 TEST_F(CentralLoad, LeavesNothingBehind) {

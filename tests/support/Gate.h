@@ -18,6 +18,16 @@ class Gate {
         return m_changed.wait_for(lock, kPatience, [this] { return m_isOpen; });
     }
 
+    // Waits until so many threads have come to the gate, this one among them, which opens it. False
+    // when they did not come. In place of std::latch, whose wait can miss the last arrival where
+    // the system has no futex.
+    bool meet(int count) {
+        std::unique_lock lock(m_mutex);
+        if (++m_arrived == count) m_isOpen = true;
+        m_changed.notify_all();
+        return m_changed.wait_for(lock, kPatience, [this] { return m_isOpen; });
+    }
+
     // Waits until so many threads have come to the gate.
     bool awaitArrivals(int count = 1) {
         std::unique_lock lock(m_mutex);
