@@ -31,7 +31,8 @@ void NySeConnectionArray::Serialize(CArchive& ar) {
         ar >> m_lastId;
         m_freeIds.Serialize(ar);
     } catch (...) {
-        NySe::deleteLoaded(*this);
+        // Nobody has been given the records, whether the table owns them or not.
+        NySe::empty(*this, true);
         forgetIds();
         throw;
     }

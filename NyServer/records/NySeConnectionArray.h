@@ -35,7 +35,7 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     void forgetIds();
 
     // Ascending. A table that was loaded may name an id twice. The class library's arrays copy
-    // their elements, but cannot be copied themselves.
+    // their elements, but are not copyable.
     struct FreeIds : NySe::QoArraySimple<LONG> {
         FreeIds() { setAllowDuplicates(1); }
         FreeIds(const FreeIds& other) : FreeIds() { Copy(other); }

@@ -23,7 +23,8 @@ void NySeLockArray::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         NySe::storeRecords<NySeLock>(ar, *this);
     } else {
-        NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeLock));
+        constexpr bool areCopiesComplete = false;  // they have no holders
+        NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeLock), areCopiesComplete);
     }
 }
 

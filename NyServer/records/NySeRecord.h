@@ -99,11 +99,11 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
 // a key that typeCompareTo leaves alone.
 #define NYSE_DECLARE_RECORD(Record)                                                     \
     NYSE_DECLARE_SERIAL(Record)                                                         \
-    Record() = default;                                                                 \
+    NYSERVER_INLINE Record() = default;                                                 \
     NYSERVER_INLINE Record(const Record& other) : Record() {                            \
         vCopyFrom(other);                                                               \
     }                                                                                   \
-    ~Record() override = default;                                                       \
+    NYSERVER_INLINE ~Record() override = default;                                       \
     NYSERVER_INLINE Record& operator=(const Record& other) {                            \
         vCopyFrom(other);                                                               \
         return *this;                                                                   \
@@ -134,9 +134,9 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
         setSortCriteria(1, true);                                                 \
         NySe::setElementClass<QoArraySerial2>(*this, RUNTIME_CLASS(Record));      \
     }                                                                             \
-    Table(const Table& other) = default;                                          \
-    ~Table() override = default;                                                  \
-    Table& operator=(const Table& other) = default;                               \
+    NYSERVER_INLINE Table(const Table& other) = default;                          \
+    NYSERVER_INLINE ~Table() override = default;                                  \
+    NYSERVER_INLINE Table& operator=(const Table& other) = default;               \
     void Serialize(CArchive& ar) override;                                        \
     NYSERVER_INLINE Record* GetAt(INT_PTR index) const {                          \
         return static_cast<Record*>(QoArraySerial2::GetAt(index));                \

@@ -9,53 +9,77 @@
 
 namespace NySe {
 
-// Whether the record base can be told of which class a table's records are. Such a base refuses all
-// others while it loads, and leaves nothing behind when loading fails.
+// Whether the record base can restrict a table to records of one class. Such a base refuses all
+// others while it loads, gives a copy for each reference to a record of the same table, and leaves
+// nothing behind when loading fails.
 template <class TABLE>
-concept KnowsElementClass = requires(TABLE& table, const CRuntimeClass* pClass) {
+concept RestrictsElementClass = requires(TABLE& table, const CRuntimeClass* pClass) {
     table.setElementClass(pClass);
 };
 
 template <class TABLE>
 void setElementClass(TABLE& table, const CRuntimeClass* pClass) {
-    if constexpr (KnowsElementClass<TABLE>) table.setElementClass(pClass);
+    if constexpr (RestrictsElementClass<TABLE>) table.setElementClass(pClass);
 }
 
-// Empties a table after a failed load: nobody has been given the records, so they are deleted
-// whether the table owns its records or not.
-inline void deleteLoaded(QoArraySerial2& table) {
+// Empties a table, deleting its records or leaving them alone.
+inline void empty(QoArraySerial2& table, bool deleteRecords) {
     const bool owning = table.getDeleteObject();
-    table.setDeleteObject(true);
+    table.setDeleteObject(deleteRecords);
     table.RemoveAll();
     table.setDeleteObject(owning);
 }
 
-// A record that was loaded as another one's reference would have two owners: a clone takes its
-// place, or null when no memory is left.
-inline void separateElements(QoArraySerial2& table) {
-    std::unordered_set<const QoObject2*> seen;
+// For what any record base may have loaded. Throws CArchiveException badClass for null and for
+// another class than pClass: typed access relies on it.
+inline void requireElements(const QoArraySerial2& table, const CRuntimeClass* pClass) {
     for (INT_PTR i = 0; i < table.GetSize(); ++i) {
-        const QoObject2* const element = table.GetAt(i);
-        if (element != nullptr && !seen.insert(element).second) table.SetAt(i, element->vClone());
+        const CObject* const element = table.GetAt(i);
+        if (element == nullptr || !element->IsKindOf(pClass)) {
+            AfxThrowArchiveException(CArchiveException::badClass);
+        }
     }
 }
 
-// For what any record base may have loaded: typed access relies on the records' class. Throws
-// CArchiveException badClass, with the table empty, for null and for any other class.
-inline void requireElements(QoArraySerial2& table, const CRuntimeClass* pClass) {
-    separateElements(table);
+// A record that was loaded again as a reference would have two owners: a copy takes its place.
+// Throws CArchiveException badIndex when there is none. REQUIRES: requireElements.
+inline void separateElements(QoArraySerial2& table, bool areCopiesComplete) {
+    std::unordered_set<const CObject*> seen;
     for (INT_PTR i = 0; i < table.GetSize(); ++i) {
-        const CObject* const element = table.GetAt(i);
-        if (element != nullptr && element->IsKindOf(pClass)) continue;
-        deleteLoaded(table);
-        AfxThrowArchiveException(CArchiveException::badClass);
+        const QoObject2* const element = table.GetAt(i);
+        if (seen.insert(element).second) continue;
+        QoObject2* const copy = areCopiesComplete ? element->vClone() : nullptr;
+        if (copy == nullptr) AfxThrowArchiveException(CArchiveException::badIndex);
+        table.SetAt(i, copy);
+    }
+}
+
+// Loads a table by `load`, under a base that does not restrict the class. When that or a check
+// fails the table is empty; what had been read is not deleted then, since it may be in the table
+// twice or belong to somebody else. A reference to a record of another table goes unnoticed.
+template <class LOAD>
+void loadTable(QoArraySerial2& table, const CRuntimeClass* pClass, bool areCopiesComplete,
+               LOAD load) {
+    try {
+        load();
+        requireElements(table, pClass);
+        separateElements(table, areCopiesComplete);
+    } catch (...) {
+        empty(table, false);
+        throw;
     }
 }
 
 // Writes or reads the records of a table, which must be of class pClass, as QoArraySerial2 does.
-inline void serializeTable(QoArraySerial2& table, CArchive& ar, const CRuntimeClass* pClass) {
-    table.QoArraySerial2::Serialize(ar);
-    if (!KnowsElementClass<QoArraySerial2> && ar.IsLoading()) requireElements(table, pClass);
+// areCopiesComplete: a copy of such a record holds all that the record does.
+inline void serializeTable(QoArraySerial2& table, CArchive& ar, const CRuntimeClass* pClass,
+                           bool areCopiesComplete = true) {
+    const auto serialize = [&] { table.QoArraySerial2::Serialize(ar); };
+    if (RestrictsElementClass<QoArraySerial2> || ar.IsStoring()) {
+        serialize();
+    } else {
+        loadTable(table, pClass, areCopiesComplete, serialize);
+    }
 }
 
 }  // namespace NySe

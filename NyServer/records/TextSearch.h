@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <optional>
 #include <string>
 #include <typeinfo>
 
@@ -26,14 +25,18 @@ class SoughtText {
 
   private:
     static constexpr size_t kTail = 4;  // characters: as many as are compared at once
+    static constexpr uint64_t kBeyondAscii = 0xFF80FF80FF80FF80;  // in any of them
 
     // False for nearly every other text, from its length and its last four characters: a search
     // among names that begin alike takes a third to a tenth of the time. A zero character ends
-    // either text, so that a longer one may be equal.
+    // either text, so that a longer one may be equal. Letters beyond ASCII are left to
+    // CompareNoCase, which folds them as the locale has it.
     bool mayEqual(const CString& other) const {
         if (static_cast<size_t>(other.GetLength()) < m_length) return false;
         const WCHAR* const end = other.GetString() + m_length;
-        return *end == 0 && (m_length < kTail || foldTail(end) == m_tail);
+        if (*end != 0 || m_length < kTail) return *end == 0;
+        const uint64_t tail = foldTail(end);
+        return tail == m_tail || ((tail | m_tail) & kBeyondAscii) != 0;
     }
 
     // The four characters before `end`: the same for two that differ only in letter case.
@@ -59,29 +62,24 @@ struct TextKey {
     short key;
 };
 
-// What table.lookFor(probe, key) returns for a probe with that text. `given` is that probe; null:
-// one is made, and memory asked for, when the table holds a record of a derived class, which may
-// compare as it likes.
+// What table.lookFor(probe, key) returns for a probe with that text. A record of a derived class
+// may compare as it likes: from the first one on, the probe is used; `given` is that probe, and
+// where it is null one is made, for which memory is needed.
 template <auto KEY, class Record = typename decltype(KEY)::Record>
 INT_PTR lookForText(const QoArraySerial2& table, const CString& text,
                     const Record* given = nullptr) {
     const SoughtText sought(text);
-    std::optional<Record> made;
     const CObject* const* const elements = table.GetData();
     const INT_PTR size = table.GetSize();
     for (INT_PTR i = 0; i < size; ++i) {
         const CObject& element = *elements[i];
-        if (typeid(element) == typeid(Record)) [[likely]] {
-            if (sought.equals((static_cast<const Record&>(element).*KEY.get)())) return i;
-            continue;
+        if (typeid(element) != typeid(Record)) [[unlikely]] {
+            if (given != nullptr) return table.lookFor(given, KEY.key);
+            Record probe;
+            (probe.*KEY.set)(text);
+            return table.lookFor(&probe, KEY.key);
         }
-        if (given == nullptr) {
-            given = &made.emplace();
-            (made.value().*KEY.set)(text);
-        }
-        if (static_cast<const QoObject2&>(element).vCompareTo(*given, KEY.key) == NySe::kEqual) {
-            return i;
-        }
+        if (sought.equals((static_cast<const Record&>(element).*KEY.get)())) return i;
     }
     return -1;
 }

@@ -60,7 +60,7 @@ TEST_F(QoArraySerial2Test, GivesEachRecordTheOlderSchemaAndTheCallerItsOwn) {
                 {VERSIONABLE_SCHEMA | 0x3413, 0x3412},
                 {0x3413, 0x3412},
                 {VERSIONABLE_SCHEMA | 0x3411, VERSIONABLE_SCHEMA | 0x3411},
-                {77, 77}};
+                {77, 0x3412}};
     for (const auto& row : rows) {
         Loading loading(
             fromHex("0200 FFFF 1234 0700 'Counted' 09000000 01000000 0180 02000000 03000000"));

@@ -17,53 +17,72 @@ class LoadedTable : public ::testing::Test {
         m_table.append(user);
         return user;
     }
-    int require() {
-        return archiveCause([this] { NySe::requireElements(m_table, RUNTIME_CLASS(NySeUser)); });
+    template <class Load>
+    int load(Load what, bool areCopiesComplete = true) {
+        return archiveCause(
+            [&] { NySe::loadTable(m_table, RUNTIME_CLASS(NySeUser), areCopiesComplete, what); });
+    }
+    void expectEmpty() {
+        EXPECT_EQ(0, m_table.GetSize());
+        EXPECT_TRUE(m_table.getDeleteObject());
     }
 
     QoArraySerial2 m_table;
 };
 
 TEST_F(LoadedTable, MayHoldRecordsOfItsClass) {
-    NySeUser* const first = append();
-    append();
-    EXPECT_EQ(-1, require());
+    const NySeUser* first = nullptr;
+    EXPECT_EQ(-1, load([&] {
+        first = append();
+        append();
+    }));
     EXPECT_EQ(2, m_table.GetSize());
     EXPECT_EQ(first, m_table.GetAt(0));
 }
 
-TEST_F(LoadedTable, RefusesNull) {
-    append();
-    m_table.append(nullptr);
-    EXPECT_EQ(CArchiveException::badClass, require());
-    EXPECT_EQ(0, m_table.GetSize());
+// What is not the table's is not deleted, and not asked for a copy: the class is checked first.
+TEST_F(LoadedTable, RefusesNullAndAnyOtherClass) {
+    NySeMessage foreign;
+    NySeUser user;
+    for (QoObject2* const element :
+         {static_cast<QoObject2*>(nullptr), static_cast<QoObject2*>(&foreign)}) {
+        EXPECT_EQ(CArchiveException::badClass, load([&] {
+                      m_table.append(&user);
+                      m_table.append(element);
+                      m_table.append(element);
+                  }));
+        expectEmpty();
+    }
 }
 
-TEST_F(LoadedTable, RefusesAnyOtherClass) {
-    append();
-    m_table.append(new NySeMessage);
-    append();
-    EXPECT_EQ(CArchiveException::badClass, require());
-    EXPECT_EQ(0, m_table.GetSize());
-    EXPECT_TRUE(m_table.getDeleteObject());
-}
-
-TEST_F(LoadedTable, HoldsACloneOfWhatCameAgain) {
-    NySeUser* const user = append();
-    m_table.append(user);
-    EXPECT_EQ(-1, require());
+TEST_F(LoadedTable, HoldsACopyOfWhatCameAgain) {
+    const NySeUser* user = nullptr;
+    EXPECT_EQ(-1, load([&] { m_table.append(const_cast<NySeUser*>(user = append())); }));
     EXPECT_EQ(user, m_table.GetAt(0));
-    NySeUser* const clone = NySeUser::cast(m_table.GetAt(1));
-    ASSERT_NE(user, clone);
-    EXPECT_EQ(user->getStrUserName(), clone->getStrUserName());
+    const NySeUser* const copy = NySeUser::cast(m_table.GetAt(1));
+    ASSERT_NE(user, copy);
+    EXPECT_EQ(user->getStrUserName(), copy->getStrUserName());
 }
 
-TEST_F(LoadedTable, DeletesWhatWasLoadedForAViewToo) {
-    append();
-    m_table.setDeleteObject(false);
-    m_table.append(nullptr);
-    EXPECT_EQ(CArchiveException::badClass, require());  // the sanitizers see what is left
-    EXPECT_FALSE(m_table.getDeleteObject());
+TEST_F(LoadedTable, RefusesAgainWhatHasNoCompleteCopy) {
+    NySeUser user;
+    const auto twice = [&] {
+        m_table.append(&user);
+        m_table.append(&user);
+    };
+    EXPECT_EQ(CArchiveException::badIndex, load(twice, false));
+    expectEmpty();
+}
+
+// Until then a record may be in it twice.
+TEST_F(LoadedTable, IsEmptyWhenLoadingFails) {
+    NySeUser user;
+    EXPECT_EQ(CArchiveException::endOfFile, load([&] {
+                  m_table.append(&user);
+                  m_table.append(&user);
+                  AfxThrowArchiveException(CArchiveException::endOfFile);
+              }));
+    expectEmpty();
 }
 
 }  // namespace

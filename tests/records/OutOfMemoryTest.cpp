@@ -1,4 +1,4 @@
-// How a lack of memory becomes a return value, however it is reported.
+// Out of memory becomes a return value, whichever way it is reported.
 #include "NyServer/OutOfMemory.h"
 
 #include <gtest/gtest.h>

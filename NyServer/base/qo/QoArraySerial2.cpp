@@ -6,18 +6,20 @@ IMPLEMENT_DYNAMIC(QoArraySerial2, CObArray)
 
 namespace {
 
-// When nothing is known, nothing is older.
-UINT olderSchema(UINT left, UINT right) {
-    return (left & ~VERSIONABLE_SCHEMA) < (right & ~VERSIONABLE_SCHEMA) ? left : right;
+// The older of the schema that a class is described by and that which the caller has set on the
+// archive. A writer under an older schema leaves fields out, but describes the class by the current
+// one: that the schema is older is what both sides have agreed on, and it bears the flag. Without
+// the flag it is the schema of the object that the table is, or none.
+UINT schemaInForce(UINT described, UINT callers) {
+    const bool isAgreed = (callers & VERSIONABLE_SCHEMA) != 0;
+    return isAgreed && (callers & ~VERSIONABLE_SCHEMA) < described ? callers : described;
 }
 
-// Gives the archive the older one of its object schema and `schema` until the scope ends, however
-// it ends. A writer under an older schema leaves fields out, but always describes the class by the
-// current one: that the schema is older is what both sides have agreed on.
+// Gives the archive that schema until the scope ends, however it ends.
 class ObjectSchemaScope {
   public:
     ObjectSchemaScope(CArchive& ar, UINT schema) : m_archive(ar), m_callers(ar.GetObjectSchema()) {
-        ar.SetObjectSchema(olderSchema(schema, m_callers));
+        ar.SetObjectSchema(schemaInForce(schema, m_callers));
     }
     ~ObjectSchemaScope() { m_archive.SetObjectSchema(m_callers); }
     ObjectSchemaScope(const ObjectSchemaScope&) = delete;
@@ -46,18 +48,18 @@ std::vector<BYTE> fieldsOf(QoObject2& record) {
 
 }  // namespace
 
-// Reads references to records that the same load of a table has read. Made before it reads.
-class QoArraySerial2::Repeats {
+// Resolves references to records that the same load of a table has read. Made before it reads.
+class QoArraySerial2::BackReferences {
   public:
-    explicit Repeats(const CArchive& ar)
+    explicit BackReferences(const CArchive& ar)
         : m_archive(ar),
           m_numbersBefore(ar.LastReadNumber()),
           m_bytesBefore(ar.BytesLeft()),
           m_allowance(m_numbersBefore <= kNumbersOfTable ? kAllowance : 0) {}
 
     // A clone of the record with that number, for a table of `size` records. Throws badIndex when
-    // it is not of that class, was not read by this load, has no whole clone, or when there were
-    // too many repeats.
+    // it is not of that class, was not read by this load, has no complete copy, or when there were
+    // too many of them.
     std::unique_ptr<QoObject2> clone(DWORD number, const CRuntimeClass* wanted, INT_PTR size) {
         CObject* const found =
             number > m_numbersBefore ? m_archive.FindReadObject(number) : nullptr;
@@ -67,14 +69,14 @@ class QoArraySerial2::Repeats {
         count(record, fields.size(), size);
         std::unique_ptr<QoObject2> clone(record.vClone());
         if (clone == nullptr) AfxThrowMemoryException();
-        const bool whole =
+        const bool isComplete =
             clone->GetRuntimeClass() == record.GetRuntimeClass() && fieldsOf(*clone) == fields;
-        if (!whole) throwBadIndex(m_archive);
+        if (!isComplete) throwBadIndex(m_archive);
         return clone;
     }
 
   private:
-    // A reference is 2 bytes, a record a hundred and more: all records of a table that repeats some
+    // A reference is 2 bytes, a record a hundred and more: all records of a table with references
     // take at most so many times the bytes of the table. The table that an archive begins with, as
     // a reply does, may take a little more: one user alone may hold a lock many times.
     static constexpr ULONGLONG kMostMultiple = 18;
@@ -104,10 +106,10 @@ void QoArraySerial2::Serialize(CArchive& ar) {
         return;
     }
     RemoveAll();
-    Repeats repeats(ar);
+    BackReferences backReferences(ar);
     try {
         for (size_t left = ar.ReadCount(); left > 0; --left) {
-            std::unique_ptr<QoObject2> element = readElement(ar, repeats);
+            std::unique_ptr<QoObject2> element = readElement(ar, backReferences);
             append(element.get());
             static_cast<void>(element.release());
         }
@@ -126,13 +128,14 @@ void QoArraySerial2::deleteLoaded() {
     setDeleteObject(owning);
 }
 
-std::unique_ptr<QoObject2> QoArraySerial2::readElement(CArchive& ar, Repeats& repeats) const {
+std::unique_ptr<QoObject2> QoArraySerial2::readElement(CArchive& ar,
+                                                       BackReferences& backReferences) const {
     UINT schema = 0;
     DWORD tag = 0;
     const CRuntimeClass* pClass = ar.ReadClass(nullptr, &schema, &tag);
     const CRuntimeClass* wanted =
         m_elementClass != nullptr ? m_elementClass : RUNTIME_CLASS(QoObject2);
-    if (pClass == nullptr && tag != 0) return repeats.clone(tag, wanted, GetSize());
+    if (pClass == nullptr && tag != 0) return backReferences.clone(tag, wanted, GetSize());
     if (pClass == nullptr || !pClass->IsDerivedFrom(wanted)) {
         AfxThrowArchiveException(CArchiveException::badClass, ar.m_strFileName);
     }

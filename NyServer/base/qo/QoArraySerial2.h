@@ -19,8 +19,8 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     // Loading replaces the contents. The loaded records are the table's; a table that does not own
     // its records leaves them to the caller. A record is read under the schema of its class or that
     // which the caller has set on the archive, whichever is older. A reference to a record that
-    // this load has read gives a clone of it, as long as that is a whole one and the records take
-    // no more memory than a small multiple of the bytes.
+    // this load has read gives a clone of it, as long as that is a complete copy and the records
+    // take no more memory than a small multiple of the bytes.
     //
     // Throws CArchiveException badClass for null and for a record that is not of the element class,
     // badIndex for any other reference: what was read elsewhere has an owner already. Whatever else
@@ -33,10 +33,10 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     void setElementClass(const CRuntimeClass* elementClass) { m_elementClass = elementClass; }
 
   private:
-    class Repeats;
+    class BackReferences;
 
     void deleteLoaded();
-    std::unique_ptr<QoObject2> readElement(CArchive& ar, Repeats& repeats) const;
+    std::unique_ptr<QoObject2> readElement(CArchive& ar, BackReferences& backReferences) const;
 
     const CRuntimeClass* m_elementClass = nullptr;
 };

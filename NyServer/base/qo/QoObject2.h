@@ -28,7 +28,7 @@ class NYBASE_API QoObject2 : public CObject {
 
   protected:
     QoObject2() = default;
-    // The class library's root object is not copied; the compiler wants that said.
+    // The class library's root object is not copyable.
     // NOLINTNEXTLINE(bugprone-copy-constructor-init,readability-redundant-member-init)
     QoObject2(const QoObject2&) : CObject() {}
 };
