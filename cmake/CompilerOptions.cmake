@@ -4,7 +4,8 @@ set(warnings
   -Wall -Wextra -Wpedantic -Werror
   -Wshadow -Wnon-virtual-dtor -Wcast-align -Wformat=2 -Wimplicit-fallthrough -Wunused)
 if(MSVC)
-  set(warnings /W4 /WX /permissive- /Zc:__cplusplus /EHsc /utf-8)
+  # 4251 and 4275: hosts are built with the same compiler and run time, so that members and bases may be of their classes.
+  set(warnings /W4 /WX /wd4251 /wd4275 /permissive- /Zc:__cplusplus /EHsc /utf-8)
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND warnings -Wduplicated-cond -Wlogical-op -Wsuggest-override)
 endif()
@@ -12,7 +13,8 @@ endif()
 target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warnings}>")
 
 if(WIN32)
-  target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE)
+  # The socket layer is IPv4 and dotted text throughout: the older calls are meant.
+  target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE _WINSOCK_DEPRECATED_NO_WARNINGS)
 endif()
 
 if(NY_SANITIZE)

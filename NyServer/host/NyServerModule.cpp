@@ -1,3 +1,6 @@
+// Ahead of the Windows headers, which the class library brings itself.
+#include <afx.h>
+
 #include "NyServer/host/NyServerModule.h"
 
 #include "NyServer/base/WindowsPrelude.h"

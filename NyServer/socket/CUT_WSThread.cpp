@@ -1,3 +1,6 @@
+// Ahead of the Windows headers, which the class library brings itself.
+#include <afx.h>
+
 #include "NyServer/socket/CUT_WSThread.h"
 
 #include <algorithm>

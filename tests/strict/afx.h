@@ -3,6 +3,10 @@
 // linked with it.
 #pragma once
 
+#ifdef _WINDOWS_
+#error "<afx.h> comes before <windows.h>"
+#endif
+
 #include <tchar.h>
 #include <windows.h>
 
@@ -282,7 +286,7 @@ class CMemFile : public CFile {
     virtual void Free(BYTE* lpMem);
     virtual void GrowFile(SIZE_T dwNewLen);
 
-    // The one name here that no page tells: NySeMemFile::getBuffer sets it.
+    // The one undocumented name here: NySeMemFile::getBuffer sets it.
     BOOL m_bAutoDelete;
 };
 
