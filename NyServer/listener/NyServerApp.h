@@ -54,15 +54,15 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     ~NyServerApp() override;
 
     // Listens on all interfaces at the port number, with a queue of 5, and accepts. 0, or the
-    // result of ConnectToPort (then nothing is accepted) or of StartAccept. While it accepts, 1,
-    // through OnError, and nothing changes.
+    // result of ConnectToPort (then nothing is accepted) or of StartAccept. Once it accepts, 1,
+    // through OnError, and nothing changes, until StopAccept.
     int Start();
 
     // The window that receives the notifications; null, or an object without a window: they are
-    // dropped. A window that is replaced takes with it what it has not consumed: the count of
-    // messages starts at 0 again, and the workers go on. What the old window still counts as
-    // consumed afterwards is subtracted from what the new one was posted. Setting the same object
-    // again changes nothing.
+    // dropped. Each call starts the count of messages at 0 again and lets the workers go on, also
+    // for the object that is set already, whose window may be a new one: what the old window has
+    // not consumed is lost with it. What the old window still counts as consumed afterwards is
+    // subtracted from what the new one was posted.
     void setAppWnd(CWnd* window);
     NYSERVER_INLINE CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
 
@@ -129,7 +129,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
 
     HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
-    void startCountAnew();
+    void resetPostMsgCount();
     void consumeEmptyMessage();
 
     // Changed under the ThreadListLock, read with or without.

@@ -22,9 +22,8 @@ void* moveInto(HGLOBAL block, CMemFile& file, DWORD size) {
 // Under the lock, so that whoever takes the window object back knows that nobody looks at it.
 void NyServerApp::setAppWnd(CWnd* window) {
     const ThreadListLock lock(*this);
-    if (window == getAppWnd()) return;
     m_appWnd.store(window, std::memory_order_relaxed);
-    startCountAnew();
+    resetPostMsgCount();
 }
 
 HWND NyServerApp::appWindow() {
@@ -69,11 +68,11 @@ void NyServerApp::increasePostMsgCount() {
 void NyServerApp::decreasePostMsgCount() {
     const ThreadListLock lock(*this);
     --m_postMsgCount;
-    if (m_postMsgCount < 1) startCountAnew();
+    if (m_postMsgCount < 1) resetPostMsgCount();
 }
 
 // REQUIRES: a ThreadListLock.
-void NyServerApp::startCountAnew() {
+void NyServerApp::resetPostMsgCount() {
     m_postMsgCount = 0;
     m_emptyMsgCount = 0;
     stopThread(false);

@@ -20,24 +20,13 @@ UniqueKernelHandle duplicate(HANDLE handle) {
     return UniqueKernelHandle(copy);
 }
 
-bool isShortage(int error) {
+bool isOutOfResources(int error) {
     return error == WSAEMFILE || error == WSAENOBUFS;
 }
 
 // Whether a connection broke before it was accepted.
 bool isLostConnection(int error) {
-    switch (error) {
-        case WSAECONNRESET:
-        case WSAECONNABORTED:
-        case WSAENOTCONN:
-        case WSAENETRESET:
-        case WSAETIMEDOUT:
-        case WSAENETUNREACH:
-        case WSAEHOSTUNREACH:
-            return true;
-        default:
-            return false;
-    }
+    return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENOTCONN;
 }
 
 }  // namespace
@@ -102,8 +91,8 @@ bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
 // Whether the listening socket is sound although accept has failed. Pauses as often as it takes to
 // be no busy loop, whatever the stack reports again and again.
 bool CUT_WSServer::AcceptRun::mayAcceptAgain(int error) {
-    if (!isShortage(error) && !isLostConnection(error)) return false;
-    if (isShortage(error) || ++m_lostConnections % kLostWithoutPause == 0) ::Sleep(kPause);
+    if (!isOutOfResources(error) && !isLostConnection(error)) return false;
+    if (isOutOfResources(error) || ++m_lostConnections % kLostWithoutPause == 0) ::Sleep(kPause);
     return true;
 }
 

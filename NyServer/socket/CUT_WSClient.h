@@ -18,6 +18,9 @@
 // destroyed; it holds one start of Winsock all its life (Reset replaces it). After CloseConnection
 // it can connect again. The destructor cancels host look-ups; where the system does not cancel them
 // it waits until they have been announced, at most 60 s, because the system writes into the object.
+// REQUIRES: an object whose class overrides the hooks is destroyed on the notification window's
+// thread, or with no look-up and no socket event pending; otherwise that thread may still be inside
+// a hook of the derived part.
 //
 // Results: unless said otherwise, an int result is one of SocketCodes.h and has passed through
 // OnError. Nothing throws. The stack's own error number is not kept: WSAGetLastError right behind
@@ -66,8 +69,8 @@ class NYSERVER_API CUT_WSClient {
 
     // Makes the hidden window that asynchronous notification needs, on the calling thread, which
     // must dispatch messages. A window made before is destroyed, after the look-ups under way have
-    // ended as in the destructor. UTE_SUCCESS, UTE_ERROR if the window class cannot be registered,
-    // or has been for 64 other instances; a plain 1, without OnError, if the window cannot be made.
+    // ended as in the destructor. UTE_SUCCESS, UTE_ERROR if the window class cannot be registered;
+    // a plain 1, without OnError, if the window cannot be made.
     virtual int InitAsync(HINSTANCE instance);
 
     // Listens on `port` (0: any; see GetAcceptPort) of `address`, a 32-bit value in network order.

@@ -1,15 +1,15 @@
 // Events and look-ups announced through a hidden window.
-#include <array>
 #include <functional>
 #include <mutex>
+#include <vector>
 
+#include "NyServer/OutOfMemory.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCalls.h"
 
 namespace {
 
 constexpr const wchar_t* kWindowClass = L"CUT_WSClient";
-constexpr std::size_t kMostClasses = 64;
 
 // Longer than a resolver tries; in ms.
 constexpr ULONGLONG kLongestLookUp = 60000;
@@ -35,18 +35,20 @@ bool isClassRegistered(HINSTANCE instance) {
 class WindowClasses {
   public:
     ~WindowClasses() {
-        for (std::size_t i = 0; i < m_count; ++i) ::UnregisterClassW(kWindowClass, m_instances[i]);
+        for (const HINSTANCE instance : m_instances) ::UnregisterClassW(kWindowClass, instance);
     }
 
-    // False when the class cannot be registered, or has been for as many other instances.
+    // False when the class cannot be registered or there is no memory.
     bool provide(HINSTANCE instance) {
-        const std::lock_guard lock(m_lock);
-        if (isClassRegistered(instance)) return true;
-        if (m_count == m_instances.size()) return false;
-        registerClass(instance);
-        if (!isClassRegistered(instance)) return false;
-        m_instances[m_count++] = instance;
-        return true;
+        return zeroIfOutOfMemory([&] {
+            const std::lock_guard lock(m_lock);
+            if (isClassRegistered(instance)) return true;
+            m_instances.reserve(m_instances.size() + 1);
+            registerClass(instance);
+            if (!isClassRegistered(instance)) return false;
+            m_instances.push_back(instance);
+            return true;
+        });
     }
 
   private:
@@ -60,8 +62,7 @@ class WindowClasses {
     }
 
     std::mutex m_lock;
-    std::array<HINSTANCE, kMostClasses> m_instances{};
-    std::size_t m_count = 0;
+    std::vector<HINSTANCE> m_instances;
 };
 
 WindowClasses windowClasses;
@@ -84,7 +85,7 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
 void CUT_WSClient::endLookUps() {
     m_lookUps.cancel();
     const ULONGLONG deadline = ::GetTickCount64() + kLongestLookUp;
-    while (m_lookUps.areUnderWay() && ::GetTickCount64() < deadline) {
+    while (m_lookUps.arePending() && ::GetTickCount64() < deadline) {
         if (!dropAnnouncement()) ::Sleep(1);
     }
 }

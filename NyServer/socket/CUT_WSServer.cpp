@@ -60,6 +60,7 @@ CUT_WSServer::~CUT_WSServer() {
 
 int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family,
                                 unsigned long address) {
+    if (IsAccepting()) return OnError(UTE_ERROR);
     ++m_startUpCount;
     if (!socketcalls::startWinsock(m_winsockData)) return OnError(UTE_ERROR);
     CloseListenSocket();
@@ -75,7 +76,7 @@ int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family
 }
 
 int CUT_WSServer::StartAccept() {
-    if (m_accepting == 1) return OnError(UTE_ERROR);
+    if (IsAccepting()) return OnError(UTE_ERROR);
     return OnError(StartAcceptThread() ? UTE_SUCCESS : UTE_ERROR);
 }
 

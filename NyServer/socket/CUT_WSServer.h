@@ -40,8 +40,8 @@ class NYSERVER_API CUT_WSServer {
     // Binds and listens. `address` is in network order, 0 for any interface; `family` goes into the
     // bound address only, the socket is always IPv4. Through OnError: 0, 1 no Winsock, 17 no
     // socket, 18 bind failed, 23 listen failed. The socket of an earlier call is closed first.
-    // After a failure the server may be given another port; StopAccept balances one call. REQUIRES:
-    // not accepting.
+    // After a failure the server may be given another port; StopAccept balances one call. From
+    // StartAccept until StopAccept it gives 1 and changes nothing.
     virtual int ConnectToPort(unsigned short port, int queueSize, short family,
                               unsigned long address);
 

@@ -36,7 +36,7 @@ void HostLookUps::cancel() {
     std::erase_if(m_requests, isReallyCancelled);
 }
 
-bool HostLookUps::areUnderWay() const {
+bool HostLookUps::arePending() const {
     const std::lock_guard lock(m_lock);
     return !m_requests.empty();
 }

@@ -18,10 +18,12 @@ class HostLookUps {
     // A look-up has been announced. Without effect for one that was not started here.
     void finish(HANDLE request);
 
-    // Cancels what is under way, and forgets it where the system stops writing.
+    // Cancels the pending look-ups. One that the system does not cancel stays pending until it is
+    // announced, since its result is still written.
     void cancel();
 
-    bool areUnderWay() const;
+    // Whether a look-up has been started and has been neither announced nor cancelled.
+    bool arePending() const;
 
   private:
     mutable std::mutex m_lock;

@@ -132,17 +132,6 @@ TEST_F(Module, TakesItsWindowClassesWithIt) {
     }
 }
 
-TEST_F(Module, RegistersAWindowClassForSixtyFourInstances) {
-    LoadedLibrary library = load();
-    LoadedClient client(library);
-    const auto instance = [](int number) {
-        return reinterpret_cast<HINSTANCE>(INT_PTR{0x10000} * number);
-    };
-    for (int number = 1; number <= 64; ++number) ASSERT_EQ(client.initAsync(instance(number)), 0);
-    EXPECT_EQ(client.initAsync(instance(65)), 1);
-    EXPECT_EQ(client.initAsync(instance(64)), 0);
-}
-
 CRuntimeClass visitor = {"Visitor", 1, 1, nullptr, nullptr, nullptr};
 
 // The entry with a state of the test's own: the program's module, which has registered a class.

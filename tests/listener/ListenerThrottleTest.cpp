@@ -157,15 +157,18 @@ TEST_F(ListenerThrottle, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) 
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 
-TEST_F(ListenerThrottle, TheSameWindowSetAgainChangesNothing) {
+// Its window may have been destroyed and created again, and the messages with it.
+TEST_F(ListenerThrottle, TheSameWindowObjectSetAgainStartsTheCountAgain) {
     m_setting.set(10);
     post(12);
+    ASSERT_EQ(m_listener.pauses(), kAll);
     m_listener.setAppWnd(m_window.wnd());
-    EXPECT_EQ(m_listener.getPostMsgCount(), 12);
-    EXPECT_EQ(m_listener.pauses(), kAll);
+    EXPECT_EQ(m_listener.getPostMsgCount(), 0);
+    EXPECT_EQ(m_listener.pauses(), kNone);
 }
 
-// Each message pauses the workers until the window has consumed it.
+// Each message pauses the workers until the window has consumed it; a worker that notices only at
+// the end of a round of 100 ms takes 10 s for a hundred.
 class ListenerRelease : public ListenerTest {
   protected:
     LimitSetting m_setting{1};
@@ -178,7 +181,7 @@ TEST_F(ListenerRelease, IsHeardAtOnce) {
     const auto start = ::GetTickCount64();
     peer.send(stream);
     EXPECT_EQ(m_window.awaitMessages(100).size(), 100u);
-    EXPECT_LT(::GetTickCount64() - start, 2000u);
+    EXPECT_LT(::GetTickCount64() - start, 5000u);
 }
 
 // Sends one frame over and over, as long as the transport takes bytes at once.

@@ -3,6 +3,7 @@
 # 2,000 notifications. The link is between two network namespaces of this test's own, which go with it. Ends with 77 when this
 # user may not make them.
 set -eu
+. "$(dirname "$0")/../../tools/lib.sh"
 slow_link=$1
 count=2000
 
@@ -32,10 +33,10 @@ trap finish EXIT
 # The far end's namespace lives as long as a process in it.
 unshare --net sleep 120 &
 far=$!
-for _ in $(seq 100); do
-  [ "$(readlink /proc/$far/ns/net)" = "$(readlink /proc/$$/ns/net)" ] || break
-  sleep 0.1
-done
+has_its_own_network() {
+  [ "$(readlink /proc/$1/ns/net)" != "$(readlink /proc/$$/ns/net)" ]
+}
+await has_its_own_network $far
 
 ip link add near mtu 1500 type veth peer name far mtu 1500 netns $far || skip "this system has no pairs of network devices"
 ip address add 10.77.0.1/24 dev near
@@ -48,10 +49,10 @@ nsenter --net --target $far tc qdisc add dev far root tbf rate 400kbit burst 160
 
 "$slow_link" listen $count > "$work/said" &
 listener=$!
-for _ in $(seq 200); do
-  [ ! -s "$work/said" ] || break
-  sleep 0.1
-done
+await test -s "$work/said" || {
+  echo "FAILED: the listener did not say its port"
+  exit 1
+}
 status=0
 nsenter --net --target $far timeout 50 "$slow_link" send 10.77.0.1 "$(head -n 1 "$work/said")" $count || {
   echo "FAILED: the probe behind the notifications was not answered"

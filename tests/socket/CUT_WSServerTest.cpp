@@ -159,6 +159,21 @@ TEST_F(Server, RefusesToStartTwice) {
     EXPECT_THAT(m_server.codes, ElementsAre(0, 1));
 }
 
+TEST_F(Server, KeepsItsPortWhenItIsGivenAnotherWhileItAccepts) {
+    ASSERT_TRUE(m_server.start());
+    m_server.codes.clear();
+    const unsigned int port = m_server.GetPort();
+    EXPECT_EQ(m_server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 1);
+    EXPECT_THAT(m_server.codes, ElementsAre(1));
+    EXPECT_EQ(m_server.GetPort(), port);
+    EXPECT_EQ(m_server.GetBoundPort(), port);
+    peers::Connection peer = m_server.connection();
+    peer.send("hi\r\n");
+    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+    EXPECT_EQ(m_server.StopAccept(), 0);
+    EXPECT_FALSE(isReachable(port));
+}
+
 TEST_F(Server, TempConnectsToAListener) {
     ASSERT_EQ(m_server.listen(), 0);
     EXPECT_EQ(m_server.TempConnect(m_server.GetPort(), m_loopback), 0);
@@ -205,6 +220,17 @@ TEST(ServerAndWinsock, StartsOnceForItselfAndOnceForEachListening) {
         EXPECT_EQ(countWinsockStarts(), before + 1);
     }
     EXPECT_EQ(countWinsockStarts(), before);
+}
+
+TEST(ServerAndWinsock, IsNotStartedForAPortThatIsRefused) {
+    const int before = countWinsockStarts();
+    ProbeServer server;
+    ASSERT_EQ(server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 0);
+    server.SetPort(server.GetBoundPort());
+    ASSERT_EQ(server.StartAccept(), 0);
+    EXPECT_EQ(server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 1);
+    server.StopAccept();
+    EXPECT_EQ(countWinsockStarts(), before + 1);
 }
 
 TEST(ServerAndWinsock, IsBalancedByTheDestructor) {

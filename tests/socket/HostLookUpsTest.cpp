@@ -10,21 +10,21 @@ namespace {
 
 const HANDLE kRequest = reinterpret_cast<HANDLE>(INT_PTR{0x1234});
 
-TEST(HostLookUps, AreUnderWayFromTheirStartToTheirAnnouncement) {
+TEST(HostLookUps, ArePendingFromTheirStartToTheirAnnouncement) {
     HostLookUps lookUps;
-    EXPECT_FALSE(lookUps.areUnderWay());
+    EXPECT_FALSE(lookUps.arePending());
     EXPECT_TRUE(lookUps.start([] { return kRequest; }));
-    EXPECT_TRUE(lookUps.areUnderWay());
+    EXPECT_TRUE(lookUps.arePending());
     lookUps.finish(nullptr);
-    EXPECT_TRUE(lookUps.areUnderWay()) << "another request";
+    EXPECT_TRUE(lookUps.arePending()) << "another request";
     lookUps.finish(kRequest);
-    EXPECT_FALSE(lookUps.areUnderWay());
+    EXPECT_FALSE(lookUps.arePending());
 }
 
-TEST(HostLookUps, AreNotUnderWayWhenTheSystemRefusesThem) {
+TEST(HostLookUps, AreNotPendingWhenTheSystemRefusesThem) {
     HostLookUps lookUps;
     EXPECT_FALSE(lookUps.start([]() -> HANDLE { return nullptr; }));
-    EXPECT_FALSE(lookUps.areUnderWay());
+    EXPECT_FALSE(lookUps.arePending());
 }
 
 // As when a window of another thread gets the announcement while the request is being returned.
@@ -43,7 +43,7 @@ TEST(HostLookUps, MayBeAnnouncedBeforeTheirRequestIsReturned) {
         return kRequest;
     });
     announcing.join();
-    EXPECT_FALSE(lookUps.areUnderWay());
+    EXPECT_FALSE(lookUps.arePending());
 }
 
 }  // namespace

@@ -83,21 +83,23 @@ class ServerMembers : public testing::Test {
 
 TEST_F(ServerMembers, StandInTheirOrder) {
     m_server.ending = ProbeServer::Ending::ClosesTheDoor;
-    const unsigned short port = peers::freePort();
-    ASSERT_EQ(m_server.ConnectToPort(port, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), UTE_SUCCESS);
+    ASSERT_EQ(m_server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), UTE_SUCCESS);
+    m_server.SetPort(4242);
     m_server.SetMaxConnections(31234);
     m_server.SetProtocol(4711);
     m_server.SetShutDownFlag(815);
     ProbeWorker workers[3];
     for (ProbeWorker& worker : workers) m_server.ThreadListAdd(&worker, 1, 2);
 
-    EXPECT_EQ(at<sockaddr_in>(kAddress).sin_port, ::htons(port));
-    EXPECT_EQ(socketcalls::localPort(at<SOCKET>(kListenSocket)), port);
+    EXPECT_EQ(at<sockaddr_in>(kAddress).sin_addr.s_addr, ::htonl(INADDR_LOOPBACK));
+    EXPECT_NE(m_server.GetBoundPort(), 0u);
+    EXPECT_EQ(static_cast<unsigned>(socketcalls::localPort(at<SOCKET>(kListenSocket))),
+              m_server.GetBoundPort());
     EXPECT_EQ(at<const void*>(kThreadList), m_server.ThreadListFirst());
     EXPECT_EQ(at<uintptr_t>(kAcceptThread), static_cast<uintptr_t>(-1));
     // Accepting, stop requested, max connections, connection count, protocol, port, shut-down flag,
     // start-up count.
-    EXPECT_EQ(find({0, 0, 31234, 3, 4711, port, 815, 1}), std::ptrdiff_t{kAccepting});
+    EXPECT_EQ(find({0, 0, 31234, 3, 4711, 4242, 815, 1}), std::ptrdiff_t{kAccepting});
 }
 
 // The stack notes in its data which version it was asked for.

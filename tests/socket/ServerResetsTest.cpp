@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/Threads.h"
 
 namespace {
 
@@ -45,13 +44,6 @@ TEST_F(ServerResets, DoNotEndTheAccepting) {
     peers::Connection peer = m_server.connection();
     peer.send("hi\r\n");
     EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
-}
-
-TEST_F(ServerResets, DoNotDelayAStop) {
-    const int before = countThreadsAtRest();
-    resetInTheQueue(kResets / 10);
-    EXPECT_EQ(m_server.StopAccept(), 0);
-    EXPECT_TRUE(eventually([&] { return countThreads() <= before; }));
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "NyServer/base/WindowsPrelude.h"
 
 // Holds threads back until it is opened, so that a test can look at what happens meanwhile. No wait
-// is longer than 10 s.
+// is longer than 60 s.
 class Gate {
   public:
     // Waits for the gate to open. False when it did not.
