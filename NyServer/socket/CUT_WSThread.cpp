@@ -1,5 +1,5 @@
-// Ahead of the Windows headers, which the class library brings itself.
-#include <afx.h>
+// First: its class library brings the Windows headers itself.
+#include "NyServer/OutOfMemory.h"
 
 #include "NyServer/socket/CUT_WSThread.h"
 
@@ -7,7 +7,6 @@
 #include <cstring>
 #include <string>
 
-#include "NyServer/OutOfMemory.h"
 #include "NyServer/socket/CUT_FileDataSource.h"
 #include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/SocketCodes.h"

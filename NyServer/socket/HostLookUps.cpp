@@ -1,9 +1,7 @@
-// Ahead of the Windows headers, which the class library brings itself.
-#include <afx.h>
+// First: its class library brings the Windows headers itself.
+#include "NyServer/OutOfMemory.h"
 
 #include "NyServer/socket/HostLookUps.h"
-
-#include "NyServer/OutOfMemory.h"
 
 namespace {
 
