@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/socket/QueuedConnections.h"
-#include "tests/support/Gate.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -21,14 +21,14 @@ class StopWait : public testing::Test {
         m_threadsBefore = countThreadsAtRest();
         m_server.onJudge = [this] {
             m_isJudging = true;
-            m_verdict.pass();
+            static_cast<void>(m_verdict.try_acquire_for(90s));
             m_isJudging = false;
         };
         ASSERT_TRUE(m_server.start());
         m_port = m_server.GetPort();
         m_server.codes.clear();
     }
-    void TearDown() override { m_verdict.open(); }
+    void TearDown() override { m_verdict.release(); }
 
     peers::Connection connectionBeingJudged() {
         peers::Connection peer = m_server.connection();
@@ -50,7 +50,8 @@ class StopWait : public testing::Test {
     }
 
     peers::WinsockSession m_winsock;
-    Gate m_verdict;
+    // Not a gate: a thread that is ended by force must not wait for a condition variable.
+    std::counting_semaphore<2> m_verdict{0};
     std::atomic<bool> m_isJudging = false;
     ProbeServer m_server;
     unsigned int m_port = 0;
@@ -64,7 +65,7 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
     EXPECT_THAT(m_server.codes, ElementsAre(0)) << "it could be woken: no force is used";
     EXPECT_FALSE(peers::connectTo(m_port));
 
-    m_verdict.open();
+    m_verdict.release();
     EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
     expectNoThreadLeft();
     EXPECT_EQ(m_server.GetNumConnections(), 0);
