@@ -7,7 +7,8 @@
 
 namespace {
 
-constexpr NySe::TextKey<NySeLock> kName = {&NySeLock::getStrLockName, &NySeLock::setStrLockName, 1};
+constexpr NySe::TextKey<NySeLock> kLockName = {&NySeLock::getStrLockName, &NySeLock::setStrLockName,
+                                               1};
 
 void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
     auto entry = std::make_unique<NySeSessionLock>();
@@ -29,7 +30,7 @@ void NySeLockArray::Serialize(CArchive& ar) {
 }
 
 INT_PTR NySeLockArray::lookForLockName(const CString& name) const {
-    return NySe::lookForText<kName>(*this, name);
+    return NySe::lookForText<kLockName>(*this, name);
 }
 
 INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsigned int mode) {
@@ -49,7 +50,7 @@ INT_PTR NySeLockArray::addLock(const CString& name, const NySeUser& user, unsign
 }
 
 bool NySeLockArray::removeLock(NySeLock& lock, const NySeUser& user) {
-    const INT_PTR index = NySe::lookForText<kName>(*this, lock.getStrLockName(), &lock);
+    const INT_PTR index = NySe::lookForText<kLockName>(*this, lock.getStrLockName(), &lock);
     if (index < 0) return false;
     NySeLock& stored = *GetAt(index);
     stored.removeUser(user);

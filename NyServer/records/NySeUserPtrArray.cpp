@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr NySe::TextKey<NySeUser> kName = {&NySeUser::getStrUserName, &NySeUser::setStrUserName, 1};
+constexpr NySe::TextKey<NySeUser> kUserName = {&NySeUser::getStrUserName, &NySeUser::setStrUserName,
+                                               1};
 
 }  // namespace
 
@@ -20,7 +21,7 @@ NySeUser* NySeUserPtrArray::findBySessionNumber(int sessionNumber) const {
 }
 
 NySeUser* NySeUserPtrArray::findByUserName(const CString& userName) const {
-    return NySe::findText<kName>(*this, userName);
+    return NySe::findText<kUserName>(*this, userName);
 }
 
 void NySeUserPtrArray::addFromSessionArray(NySeUserPtrArray& users,

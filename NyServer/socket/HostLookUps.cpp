@@ -8,7 +8,8 @@ namespace {
 // A request that has been cancelled cannot be cancelled again. Some systems report success without
 // cancelling anything, and do so each time.
 bool isReallyCancelled(HANDLE request) {
-    return ::WSACancelAsyncRequest(request) != 0 || ::WSACancelAsyncRequest(request) != 0;
+    if (::WSACancelAsyncRequest(request) != 0) return true;
+    return ::WSACancelAsyncRequest(request) != 0;
 }
 
 }  // namespace
