@@ -22,7 +22,7 @@
 #define NYSERVER_API __declspec(dllimport)
 #endif
 
-// Before a member whose body is in the header: with its class, GCC exports only the others.
+// Exports a member that is defined in the header. GCC exports a class without its inline members.
 #if defined(NYSERVER_EXPORTS) && defined(__GNUC__)
 #define NYSERVER_INLINE __declspec(dllexport)
 #else

@@ -1,4 +1,4 @@
-// Ahead of the Windows headers, which the class library brings itself.
+// Included first: it must precede the Windows headers.
 #include <afx.h>
 
 #include "NyServer/host/NyServerModule.h"

@@ -20,11 +20,11 @@ class NyServerApp;
 // Ownership: it frees the message's block. Threads: it belongs to the window's thread.
 class NYSERVER_API NyServerNotification {
   public:
-    // Takes the block over. `listener`, which may be null, is told when the notification is
-    // consumed, that is when this object goes; it must live as long. An address that is no
-    // moveable block is left alone and makes a notification without action and payload, of which
-    // the listener is not told. A message without an address is told of as long as the listener
-    // has posted such messages.
+    // Takes ownership of the block. The destructor reports the message to `listener` as consumed;
+    // `listener` may be null and must outlive this object. An address that is not that of a
+    // moveable block is ignored: the notification has no action and no payload, and nothing is
+    // reported. A message without an address is reported only while the listener has posted empty
+    // messages that are not consumed yet.
     NyServerNotification(WPARAM size, LPARAM address, NyServerApp* listener);
     ~NyServerNotification();
     NyServerNotification(const NyServerNotification&) = delete;

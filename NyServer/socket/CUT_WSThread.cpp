@@ -1,4 +1,4 @@
-// First: its class library brings the Windows headers itself.
+// Included first: <afx.h> must precede the Windows headers.
 #include "NyServer/OutOfMemory.h"
 
 #include "NyServer/socket/CUT_WSThread.h"

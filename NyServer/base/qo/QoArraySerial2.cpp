@@ -6,16 +6,17 @@ IMPLEMENT_DYNAMIC(QoArraySerial2, CObArray)
 
 namespace {
 
-// The older of the schema that a class is described by and that which the caller has set on the
-// archive. A writer under an older schema leaves fields out, but describes the class by the current
-// one: that the schema is older is what both sides have agreed on, and it bears the flag. Without
-// the flag it is the schema of the object that the table is, or none.
+// The schema under which an element is read. `described` is the schema in its class description;
+// `callers` is the archive's object schema. A writer that uses an older schema omits fields but
+// still describes the class with the current one, so the caller sets the agreed schema, with
+// VERSIONABLE_SCHEMA, and the older of the two applies. A value without that flag was not set by
+// the caller: it is the stored schema of the table itself, and is ignored.
 UINT schemaInForce(UINT described, UINT callers) {
     const bool isAgreed = (callers & VERSIONABLE_SCHEMA) != 0;
     return isAgreed && (callers & ~VERSIONABLE_SCHEMA) < described ? callers : described;
 }
 
-// Gives the archive that schema until the scope ends, however it ends.
+// Sets that schema on the archive and restores the caller's at the end of the scope.
 class ObjectSchemaScope {
   public:
     ObjectSchemaScope(CArchive& ar, UINT schema) : m_archive(ar), m_callers(ar.GetObjectSchema()) {
@@ -58,8 +59,8 @@ class QoArraySerial2::BackReferences {
           m_allowance(m_numbersBefore <= kNumbersOfTable ? kAllowance : 0) {}
 
     // A clone of the record with that number, for a table of `size` records. Throws badIndex when
-    // it is not of that class, was not read by this load, has no complete copy, or when there were
-    // too many of them.
+    // the record is not of that class, was not read by this load or has no complete copy, or when
+    // the references exceed the memory limit below.
     std::unique_ptr<QoObject2> clone(DWORD number, const CRuntimeClass* wanted, INT_PTR size) {
         CObject* const found =
             number > m_numbersBefore ? m_archive.FindReadObject(number) : nullptr;
