@@ -39,7 +39,19 @@ class CentralProbe : public CentralTest {
         EXPECT_TRUE(annasClient.lock("part", 0x18));
         EXPECT_EQ(0, annasClient.openConnection("A"));
         EXPECT_EQ(0, annasClient.openConnection("A"));
+        m_isServing = true;
     }
+
+    // `answer` from the end of serve on, which may take long on a busy machine; the right one until
+    // then.
+    ProbeAnswer onceServing(ProbeAnswer answer) {
+        return [this, answer = std::move(answer)]() -> std::optional<std::string> {
+            if (!m_isServing) return aliveAnswer();
+            ++m_answers;
+            return answer();
+        };
+    }
+    int answersWhileServing() const { return m_answers; }
 
     bool isTold(const std::string& text) {
         return central->events().newest(1000).find(text) != std::string::npos;
@@ -87,15 +99,17 @@ class CentralProbe : public CentralTest {
     FrameListener ofBob;
     std::unique_ptr<CentralServer> central;
     NySeClientApp annasClient, bobsClient;
+
+  private:
+    std::atomic<bool> m_isServing = false;
+    std::atomic<int> m_answers = 0;
 };
 
 TEST_F(CentralProbe, IsAnActionOneWithoutABody) {
     EXPECT_EQ(wireOf<LONG>(1) + wireOf<LONG>(0), *makeProbe());
     CollectingListener ofAnna;
-    serve(ofAnna.port(), milliseconds(1'000), kShortPatience);
-    ASSERT_TRUE(eventually([this] { return isTold("does not answer"); }));
-    const std::string told = ofAnna.received();
-    EXPECT_EQ(*makeProbe(), told.substr(told.size() - 8));
+    serve(ofAnna.port());
+    EXPECT_TRUE(eventually([&] { return ofAnna.received().ends_with(*makeProbe()); }));
     central.reset();
 }
 
@@ -128,22 +142,22 @@ TEST_F(CentralProbe, AreSentAtTheInterval) {
 }
 
 TEST_F(CentralProbe, WhoDoesNotAnswerIsGone) {
-    FrameListener ofAnna([] { return ""; });
+    FrameListener ofAnna(onceServing([] { return ""; }));
     const auto start = Clock::now();
     serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
     EXPECT_GE(Clock::now() - start, kInterval + kShortPatience);
-    EXPECT_EQ(1, ofAnna.probes());
+    EXPECT_EQ(1, answersWhileServing());
 }
 
 TEST_F(CentralProbe, WhoAnswersWronglyIsGone) {
-    FrameListener ofAnna([] { return wireOf<LONG>(511); });
+    FrameListener ofAnna(onceServing([] { return wireOf<LONG>(511); }));
     serve(ofAnna.port(), milliseconds(1'000), milliseconds(60'000));
     expectAnnaGone("answers a probe wrongly");
 }
 
 TEST_F(CentralProbe, WhoAnswersInPartIsGone) {
-    FrameListener ofAnna([] { return aliveAnswer().substr(0, 3); });
+    FrameListener ofAnna(onceServing([] { return aliveAnswer().substr(0, 3); }));
     serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
 }
@@ -178,7 +192,7 @@ TEST_F(CentralProbe, WhoClosesBetweenProbesIsAskedOnANewConnection) {
 }
 
 TEST_F(CentralProbe, WhoClosesAtEveryProbeIsGone) {
-    FrameListener ofAnna([] { return std::nullopt; });
+    FrameListener ofAnna(onceServing([] { return std::nullopt; }));
     serve(ofAnna.port(), kInterval, kShortPatience);
     expectAnnaGone("does not answer");
 }
@@ -209,9 +223,9 @@ TEST_F(CentralProbe, AreNotSentWhenTheIntervalIsNone) {
 }
 
 TEST_F(CentralProbe, HoldUpNeitherNotificationsNorRequestsWhileTheyWait) {
-    FrameListener ofAnna([] { return ""; });
+    FrameListener ofAnna(onceServing([] { return ""; }));
     serve(ofAnna.port(), kInterval, milliseconds(60'000));
-    ASSERT_TRUE(eventually([&] { return ofAnna.probes() == 1; }));
+    ASSERT_TRUE(eventually([this] { return answersWhileServing() == 1; }));
     const size_t before = ofAnna.frames().size();
     const auto start = Clock::now();
     NySeMessage saved = message("saved");
@@ -280,7 +294,7 @@ TEST_F(CentralProbe, WhoMovedToAnotherPortIsAskedThere) {
 }
 
 TEST_F(CentralProbe, AClientInTheMiddleOfARequestEndsWithItsListener) {
-    FrameListener ofAnna([] { return ""; });
+    FrameListener ofAnna(onceServing([] { return ""; }));
     serve(ofAnna.port(), kInterval, kShortPatience);
     send(annasClient, wireOf<LONG>(11) + wireOf<LONG>(100) + "half");
     EXPECT_TRUE(eventually([this] { return !isAnnaThere(); }));
