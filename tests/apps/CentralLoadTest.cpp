@@ -16,7 +16,8 @@ using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
 constexpr int kClients = 200;
-constexpr int kKilledPrograms = 4;      // whole programs, ended from outside
+constexpr int kKilledPrograms = 4;                         // whole programs, ended from outside
+constexpr int kStarting = kClients + kKilledPrograms + 1;  // threads that begin together
 constexpr int kKilledConnections = 16;  // of which each leaves in one of three ways
 constexpr int kListening = 10;
 constexpr int kNames = 1'000;
@@ -247,12 +248,12 @@ class CentralLoad : public CentralTest {
         }
         for (auto& one : m_programs) {
             threads.emplace_back([this, &one, moment = someMoment()] {
-                m_ready.meet(kClients + kKilledPrograms + 1);
+                m_ready.meet(kStarting);
                 std::this_thread::sleep_for(moment);
                 one->kill();
             });
         }
-        m_ready.meet(kClients + kKilledPrograms + 1);
+        m_ready.meet(kStarting);
     }
 
     std::string events() {
@@ -295,7 +296,7 @@ class CentralLoad : public CentralTest {
     void live(int number, Leaving how, milliseconds lifetime) {
         LoadClient one(kSeed + static_cast<unsigned int>(number), tally);
         one.enter(program.port(), number < kListening);
-        m_ready.meet(kClients + kKilledPrograms + 1);
+        m_ready.meet(kStarting);
         one.work(Clock::now() + lifetime);
         one.leave(how);
     }

@@ -56,8 +56,11 @@ TEST_F(LoadedTable, RefusesNullAndAnyOtherClass) {
 }
 
 TEST_F(LoadedTable, HoldsACopyOfWhatCameAgain) {
-    const NySeUser* user = nullptr;
-    EXPECT_EQ(-1, load([&] { m_table.append(const_cast<NySeUser*>(user = append())); }));
+    NySeUser* user = nullptr;
+    EXPECT_EQ(-1, load([&] {
+        user = append();
+        m_table.append(user);
+    }));
     EXPECT_EQ(user, m_table.GetAt(0));
     const NySeUser* const copy = NySeUser::cast(m_table.GetAt(1));
     ASSERT_NE(user, copy);

@@ -18,9 +18,9 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
 
     // Loading replaces the contents. The loaded records are the table's; a table that does not own
     // its records leaves them to the caller. A record is read under the schema of its class or that
-    // which the caller has set on the archive, whichever is older. A reference to a record that
-    // this load has read gives a clone of it, as long as that is a complete copy and the records
-    // take no more memory than a small multiple of the bytes.
+    // which the caller has set on the archive with VERSIONABLE_SCHEMA, whichever is older. A
+    // reference to a record that this load has read gives a clone of it, as long as that is a
+    // complete copy and the records take no more memory than a small multiple of the bytes.
     //
     // Throws CArchiveException badClass for null and for a record that is not of the element class,
     // badIndex for any other reference: what was read elsewhere has an owner already. Whatever else
