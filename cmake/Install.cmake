@@ -12,7 +12,6 @@ include(CMakePackageConfigHelpers)
 set(ny_public_headers
   NyServerApi.h
   OutOfMemory.h
-  base/KernelHandle.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h
@@ -53,7 +52,6 @@ set(ny_public_headers
   framing/NySeReply.h
   host/NyFctIpUtil.h
   host/NyServerModule.h
-  listener/GlobalBlock.h
   listener/NyServerApp.h
   listener/NyServerNotification.h
   listener/NyServerThreadApp.h

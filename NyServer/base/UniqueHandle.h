@@ -1,22 +1,15 @@
+// Owners of platform handles, one line for each kind.
 #pragma once
 
 #include <utility>
 
-// The one owner of a platform handle. Traits names the type and says how it is closed:
-//
-//   struct FileTraits {
-//       using Handle = HANDLE;
-//       static Handle invalid() { return INVALID_HANDLE_VALUE; }
-//       static void close(Handle handle) { ::CloseHandle(handle); }
-//   };
-//   using UniqueFile = UniqueHandle<FileTraits>;
-//
-// The handle held before is always closed when another takes its place.
-template <class Traits>
+#include "NyServer/base/WindowsPrelude.h"
+
+// The one owner of a handle, which `close` closes. `invalid` is the value that needs no closing. The
+// handle held before is always closed when another takes its place.
+template <class Handle, auto close, Handle invalid = Handle{}>
 class UniqueHandle {
   public:
-    using Handle = typename Traits::Handle;
-
     UniqueHandle() = default;
     explicit UniqueHandle(Handle handle) : m_handle(handle) {}
     UniqueHandle(UniqueHandle&& other) noexcept : m_handle(other.release()) {}
@@ -29,17 +22,25 @@ class UniqueHandle {
     ~UniqueHandle() { reset(); }
 
     [[nodiscard]] Handle get() const { return m_handle; }
-    explicit operator bool() const { return m_handle != Traits::invalid(); }
+    explicit operator bool() const { return m_handle != invalid; }
 
     // Hands the handle to the caller, who closes it.
-    [[nodiscard]] Handle release() { return std::exchange(m_handle, Traits::invalid()); }
+    [[nodiscard]] Handle release() { return std::exchange(m_handle, invalid); }
 
     // REQUIRES: nobody else owns `handle`.
-    void reset(Handle handle = Traits::invalid()) {
-        Handle old = std::exchange(m_handle, handle);
-        if (old != Traits::invalid() && old != handle) Traits::close(old);
+    void reset(Handle handle = invalid) {
+        const Handle old = std::exchange(m_handle, handle);
+        if (old != invalid && old != handle) close(old);
     }
 
   private:
-    Handle m_handle = Traits::invalid();
+    Handle m_handle = invalid;
 };
+
+// Threads, mutexes, events: what reports failure with a null handle.
+using UniqueKernelHandle = UniqueHandle<HANDLE, ::CloseHandle>;
+
+// Memory from GlobalAlloc.
+using UniqueGlobalBlock = UniqueHandle<HGLOBAL, ::GlobalFree>;
+
+using UniqueSocket = UniqueHandle<SOCKET, ::closesocket, INVALID_SOCKET>;

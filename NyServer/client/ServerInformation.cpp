@@ -10,12 +10,7 @@ namespace {
 constexpr ULONGLONG kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr ULONGLONG kTicksPerSecond = 10'000'000;
 
-struct SystemStringTraits {
-    using Handle = BSTR;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle text) { ::SysFreeString(text); }
-};
-using UniqueSystemString = UniqueHandle<SystemStringTraits>;
+using UniqueSystemString = UniqueHandle<BSTR, ::SysFreeString>;
 
 // False for a time before 1970, which no clock shows.
 bool toLocalTime(long seconds, SYSTEMTIME& local) {

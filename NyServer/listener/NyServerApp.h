@@ -17,7 +17,7 @@
 
 #include <atomic>
 
-#include "NyServer/listener/GlobalBlock.h"
+#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSServer.h"
 

@@ -3,7 +3,7 @@
 #include <afx.h>
 
 #include "NyServer/framing/NySeActions.h"
-#include "NyServer/listener/GlobalBlock.h"
+#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/NyServerApi.h"
 
 class NyServerApp;

@@ -9,12 +9,7 @@ namespace {
 constexpr DWORD kLimitWithoutSetting = 3600;
 constexpr double kShare = 0.9;
 
-struct RegistryKeyTraits {
-    using Handle = HKEY;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle key) { ::RegCloseKey(key); }
-};
-using UniqueRegistryKey = UniqueHandle<RegistryKeyTraits>;
+using UniqueRegistryKey = UniqueHandle<HKEY, ::RegCloseKey>;
 
 UniqueRegistryKey openWindowsSettings() {
     HKEY key = nullptr;

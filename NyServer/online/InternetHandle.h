@@ -5,11 +5,5 @@
 // After windows.h.
 #include <wininet.h>
 
-struct InternetHandleTraits {
-    using Handle = HINTERNET;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle handle) { ::InternetCloseHandle(handle); }
-};
-
 // Sessions and opened addresses.
-using UniqueInternetHandle = UniqueHandle<InternetHandleTraits>;
+using UniqueInternetHandle = UniqueHandle<HINTERNET, ::InternetCloseHandle>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/KernelHandle.h"
+#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
 
 // Knows which threads are inside a server's own code, and lets none in any more once the server

@@ -11,13 +11,6 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/socket/CUT_DataSource.h"
 
-struct SocketTraits {
-    using Handle = SOCKET;
-    static Handle invalid() { return INVALID_SOCKET; }
-    static void close(Handle socket) { ::closesocket(socket); }
-};
-using UniqueSocket = UniqueHandle<SocketTraits>;
-
 namespace socketcalls {
 
 // For sending and for receiving, unless the host sets another; in ms.

@@ -4,12 +4,7 @@
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
 
-struct FontTraits {
-    using Handle = HFONT;
-    static Handle invalid() { return nullptr; }
-    static void close(Handle font) { ::DeleteObject(font); }
-};
-using UniqueFont = UniqueHandle<FontTraits>;
+using UniqueFont = UniqueHandle<HFONT, ::DeleteObject>;
 
 // As the user has set it, for a screen of `dpi`. Null when the system has none.
 UniqueFont makeWindowFont(int dpi);

@@ -9,7 +9,7 @@
 #include "bench/wire/Samples.h"
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/host/NyServerModule.h"
-#include "NyServer/listener/GlobalBlock.h"
+#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/listener/MainWindow.h"
 #include "tests/socket/LocalConnection.h"

@@ -9,7 +9,7 @@
 #include <chrono>
 #include <string>
 
-#include "NyServer/base/KernelHandle.h"
+#include "NyServer/base/UniqueHandle.h"
 
 class ChildProcess {
   public:

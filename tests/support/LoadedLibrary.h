@@ -21,11 +21,5 @@ class LoadedLibrary {
     }
 
   private:
-    struct Traits {
-        using Handle = HMODULE;
-        static Handle invalid() { return nullptr; }
-        static void close(Handle library) { ::FreeLibrary(library); }
-    };
-
-    UniqueHandle<Traits> m_library;
+    UniqueHandle<HMODULE, ::FreeLibrary> m_library;
 };

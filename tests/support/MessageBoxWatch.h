@@ -34,12 +34,6 @@ class MessageBoxWatch {
     std::function<void()> atBox = [] {};
 
   private:
-    struct HookTraits {
-        using Handle = HHOOK;
-        static Handle invalid() { return nullptr; }
-        static void close(Handle hook) { ::UnhookWindowsHookEx(hook); }
-    };
-
     static std::wstring textOf(HWND window) {
         wchar_t text[4096] = L"";
         ::GetWindowTextW(window, text, 4096);
@@ -74,6 +68,6 @@ class MessageBoxWatch {
     static inline MessageBoxWatch* current = nullptr;
 
     int m_answer;
-    UniqueHandle<HookTraits> m_hook;
+    UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook;
     std::vector<Box> m_boxes;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/KernelHandle.h"
+#include "NyServer/base/UniqueHandle.h"
 // After windows.h.
 #include <tlhelp32.h>
 
