@@ -10,8 +10,8 @@ include(CMakePackageConfigHelpers)
 # A header is public when it declares an exported name, when a public header includes it, and when its name is the class
 # library's own.
 set(ny_public_headers
+  ExceptionBoundary.h
   NyServerApi.h
-  OutOfMemory.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h

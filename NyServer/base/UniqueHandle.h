@@ -5,8 +5,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
-// The one owner of a handle, which `close` closes. `invalid` is the value that needs no closing. The
-// handle held before is always closed when another takes its place.
+// The one owner of a handle, which `close` closes. `invalid` is the value that needs no closing.
+// The handle held before is always closed when another takes its place.
 template <class Handle, auto close, Handle invalid = Handle{}>
 class UniqueHandle {
   public:

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "NyServer/ExceptionBoundary.h"
+
 namespace {
 
 // The class of the object that comes next. The class library's own array of objects can be archived

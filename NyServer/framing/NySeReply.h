@@ -74,20 +74,6 @@ bool receiveMessage(CMemFile& into, Receive receive) {
     return missing == 0;
 }
 
-// Runs `action` and drops whatever it throws. False when it threw.
-template <class Action>
-bool succeeds(Action action) {
-    try {
-        action();
-        return true;
-    } catch (CException* error) {
-        error->Delete();
-    } catch (...) {
-        // Whatever a caller's own record throws ends here too: no exception leaves the library.
-    }
-    return false;
-}
-
 // The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
 // of another class than `expected`. expected null: any archivable class, a host's own too, except
 // the class library's CObArray itself, whose elements nobody would own.

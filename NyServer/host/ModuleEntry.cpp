@@ -1,6 +1,6 @@
 #include "NyServer/host/ModuleEntry.h"
 
-#include "NyServer/OutOfMemory.h"
+#include "NyServer/ExceptionBoundary.h"
 
 namespace {
 
@@ -18,5 +18,5 @@ int moduleentry::onEvent(AFX_EXTENSION_MODULE& state, HINSTANCE instance, DWORD 
 
 bool moduleentry::link(AFX_EXTENSION_MODULE& state) {
     // The chain's, until the module goes.
-    return zeroIfOutOfMemory([&state] { return new CDynLinkLibrary(state); }) != nullptr;
+    return NySe::zeroIfOutOfMemory([&state] { return new CDynLinkLibrary(state); }) != nullptr;
 }

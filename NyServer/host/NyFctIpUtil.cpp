@@ -1,7 +1,7 @@
 #include "NyServer/host/NyFctIpUtil.h"
 
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/host/MachineIdentity.h"
-#include "NyServer/host/TextOrEmpty.h"
 
 namespace {
 
@@ -78,22 +78,22 @@ CString addressOf(const CString& hostName) {
 }  // namespace
 
 CString NyFctIpUtil::_getIpAddress() {
-    return textOrEmpty(localAddress);
+    return NySe::resultOr(CString(), localAddress);
 }
 
 CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
-    return textOrEmpty([&] { return addressOf(hostName); });
+    return NySe::resultOr(CString(), [&] { return addressOf(hostName); });
 }
 
 CString NyFctIpUtil::getStrMachineID() {
     // Asked for the sake of the question, which name services see; the answer is not used.
-    textOrEmpty([] { return addressOf(computerName()); });
-    CString identity = textOrEmpty([] {
+    NySe::resultOr(CString(), [] { return addressOf(computerName()); });
+    CString identity = NySe::resultOr(CString(), [] {
         const auto adapters = machineidentity::readAdapters();
         return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
     });
     // With too little memory for the adapters there may be enough for this.
     if (identity.IsEmpty())
-        identity = textOrEmpty([] { return machineidentity::volumeSerial(L"C"); });
+        identity = NySe::resultOr(CString(), [] { return machineidentity::volumeSerial(L"C"); });
     return identity;
 }

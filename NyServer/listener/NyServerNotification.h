@@ -2,8 +2,8 @@
 
 #include <afx.h>
 
-#include "NyServer/framing/NySeActions.h"
 #include "NyServer/base/UniqueHandle.h"
+#include "NyServer/framing/NySeActions.h"
 #include "NyServer/NyServerApi.h"
 
 class NyServerApp;

@@ -1,5 +1,7 @@
 #include "NyServer/online/NyFctWebService.h"
 
+#include "NyServer/ExceptionBoundary.h"
+
 #include "NyServer/online/ElementText.h"
 #include "NyServer/online/ServiceAddress.h"
 #include "NyServer/online/WebPage.h"
@@ -22,23 +24,24 @@ CString versionIn(const CString& answer) {
 
 }  // namespace
 
-bool pingWebServer() try {
-    const WebPage page{serviceAddress(settings.type, *settings.customUrl) + L"_Utilities/Ping.aspx",
-                       L"nyWebServerPing.xml"};
-    CString text;
-    return fetchPage(page, FetchMode::reachability, text);
-} catch (...) {
-    return false;
+bool pingWebServer() {
+    return NySe::resultOr(false, [] {
+        const WebPage page{
+            serviceAddress(settings.type, *settings.customUrl) + L"_Utilities/Ping.aspx",
+            L"nyWebServerPing.xml"};
+        CString text;
+        return fetchPage(page, FetchMode::reachability, text);
+    });
 }
 
-CString getOnlineVersionFromSoftwareID(long softwareId) try {
-    WebPage page{{}, L"nyOnlineVersion.xml"};
-    page.url.Format(L"%s%s%ld", serviceAddress(settings.type, *settings.customUrl).GetString(),
-                    L"_Utilities/Version.aspx?sid=", softwareId);
-    CString answer;
-    return fetchPage(page, FetchMode::download, answer) ? versionIn(answer) : CString();
-} catch (...) {
-    return {};
+CString getOnlineVersionFromSoftwareID(long softwareId) {
+    return NySe::resultOr(CString(), [softwareId] {
+        WebPage page{{}, L"nyOnlineVersion.xml"};
+        page.url.Format(L"%s%s%ld", serviceAddress(settings.type, *settings.customUrl).GetString(),
+                        L"_Utilities/Version.aspx?sid=", softwareId);
+        CString answer;
+        return fetchPage(page, FetchMode::download, answer) ? versionIn(answer) : CString();
+    });
 }
 
 ServerUrlType getServerUrlType() {
@@ -55,11 +58,8 @@ void setCustomServerUrl(const CString& url) {
     settings.type = serverUrlCustom;
 }
 
-void Util::setStrTempFolderPath(const CString& path) try {
-    settings.tempFolder = path;
-} catch (...) {
-    // No memory: the old path stays.
-    return;
+void Util::setStrTempFolderPath(const CString& path) {
+    NySe::succeeds([&] { settings.tempFolder = path; });  // out of memory: the old path stays
 }
 
 }  // namespace NyFctWebService

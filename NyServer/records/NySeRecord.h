@@ -7,8 +7,8 @@
 
 #include <afx.h>
 
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/NyServerApi.h"
-#include "NyServer/OutOfMemory.h"
 #include "NyServer/records/NySeTable.h"
 
 namespace NySe {
@@ -51,7 +51,7 @@ inline QoSort::CompareResult compareTexts(const CString& left, const CString& ri
 
 template <class T>
 T* cloneRecord(const T& record) {
-    return zeroIfOutOfMemory([&record] { return new T(record); });
+    return NySe::zeroIfOutOfMemory([&record] { return new T(record); });
 }
 
 template <class T>

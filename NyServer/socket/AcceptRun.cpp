@@ -1,3 +1,6 @@
+// Included first: <afx.h> must precede the Windows headers.
+#include "NyServer/ExceptionBoundary.h"
+
 #include "NyServer/socket/AcceptRun.h"
 
 #include <process.h>
@@ -118,12 +121,8 @@ std::string CUT_WSServer::AcceptRun::addressText(const sockaddr_in& peer) {
 bool CUT_WSServer::AcceptRun::isWelcome(const sockaddr_in& peer) {
     const std::string address = addressText(peer);
     if (!m_door->enterToJudge(m_visit)) return false;
-    bool isWelcome = false;
-    try {
-        isWelcome = m_server.OnCanAccept(address.c_str()) != 0;
-    } catch (...) {
-        // A judge that fails lets nobody in.
-    }
+    const bool isWelcome =
+        NySe::resultOr(false, [&] { return m_server.OnCanAccept(address.c_str()) != 0; });
     m_door->leave(m_visit);
     return isWelcome;
 }

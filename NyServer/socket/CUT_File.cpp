@@ -1,3 +1,6 @@
+// Included first: <afx.h> must precede the Windows headers.
+#include "NyServer/ExceptionBoundary.h"
+
 #include "NyServer/socket/CUT_File.h"
 
 #include <string>
@@ -20,16 +23,16 @@ CUT_File::~CUT_File() {
     CUT_File::Close();
 }
 
-int CUT_File::Open(const wchar_t* path, DWORD access, DWORD disposition, int append) try {
+int CUT_File::Open(const wchar_t* path, DWORD access, DWORD disposition, int append) {
     Close();
     if (!path) return -1;
-    m_handle = CreateFileW(withoutOuterSpaces(path).c_str(), access, FILE_SHARE_READ, nullptr,
+    m_handle = NySe::resultOr(INVALID_HANDLE_VALUE, [&] {
+        return CreateFileW(withoutOuterSpaces(path).c_str(), access, FILE_SHARE_READ, nullptr,
                            disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    });
     if (!IsOpen()) return -1;
     m_append = append;
     return 0;
-} catch (...) {
-    return -1;
 }
 
 int CUT_File::Close() {

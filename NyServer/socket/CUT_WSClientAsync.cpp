@@ -3,7 +3,7 @@
 #include <mutex>
 #include <vector>
 
-#include "NyServer/OutOfMemory.h"
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCalls.h"
 
@@ -40,7 +40,7 @@ class WindowClasses {
 
     // False when the class cannot be registered or there is no memory.
     bool provide(HINSTANCE instance) {
-        return zeroIfOutOfMemory([&] {
+        return NySe::zeroIfOutOfMemory([&] {
             const std::lock_guard lock(m_lock);
             if (isClassRegistered(instance)) return true;
             m_instances.reserve(m_instances.size() + 1);
@@ -180,11 +180,8 @@ LRESULT CALLBACK CUT_WSClient::WndProc(HWND window, UINT message, WPARAM wParam,
         return 1;
     }
     auto* client = reinterpret_cast<CUT_WSClient*>(::GetWindowLongPtrW(window, kObjectSlot));
-    try {
-        if (client && client->notify(message, wParam, lParam)) return 0;
-    } catch (...) {
-        // An override threw; the system's dispatcher cannot be unwound through.
-        return 0;
-    }
+    // An override that throws has taken the message: the dispatcher cannot be unwound through.
+    const auto notify = [&] { return client->notify(message, wParam, lParam); };
+    if (client && NySe::resultOr(true, notify)) return 0;
     return ::DefWindowProcW(window, message, wParam, lParam);
 }

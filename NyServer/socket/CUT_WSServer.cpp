@@ -1,3 +1,6 @@
+// Included first: <afx.h> must precede the Windows headers.
+#include "NyServer/ExceptionBoundary.h"
+
 #include "NyServer/socket/CUT_WSServer.h"
 
 #include <algorithm>
@@ -81,17 +84,16 @@ int CUT_WSServer::StartAccept() {
 }
 
 // The thread waits for the lock and so finds everything noted about it, however short its life is.
-bool CUT_WSServer::StartAcceptThread() try {
+bool CUT_WSServer::StartAcceptThread() {
     const ServerDoor::Lock lock(*m_door);
     m_stopRequested = 0;
-    m_acceptRun = std::make_shared<AcceptRun>(*this);
+    m_acceptRun = NySe::resultOr(nullptr, [this] { return std::make_shared<AcceptRun>(*this); });
+    if (!m_acceptRun) return false;
     const uintptr_t thread = AcceptRun::start(m_acceptRun);
     if (thread == kNoThread) return false;
     m_acceptThread = thread;
     m_accepting = 1;
     return true;
-} catch (...) {
-    return false;
 }
 
 int CUT_WSServer::StopAccept() {

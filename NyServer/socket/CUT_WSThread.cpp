@@ -1,5 +1,5 @@
 // Included first: <afx.h> must precede the Windows headers.
-#include "NyServer/OutOfMemory.h"
+#include "NyServer/ExceptionBoundary.h"
 
 #include "NyServer/socket/CUT_WSThread.h"
 
@@ -50,7 +50,7 @@ int CUT_WSThread::Send(CUT_DataSource& source, long& bytesSent) {
 int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) {
     if (len < 1) len = static_cast<int>(std::strlen(data));
     if (lineLen < 1) return 0;
-    return zeroIfOutOfMemory([&] {
+    return NySe::zeroIfOutOfMemory([&] {
         int total = 0;
         while (len > 0) {
             const int length = std::min(len, lineLen);

@@ -1,5 +1,5 @@
 // Included first: <afx.h> must precede the Windows headers.
-#include "NyServer/OutOfMemory.h"
+#include "NyServer/ExceptionBoundary.h"
 
 #include "NyServer/socket/HostLookUps.h"
 
@@ -16,7 +16,7 @@ bool isReallyCancelled(HANDLE request) {
 
 // The lock is held over the request: an announcement that comes at once waits until it is known.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
-    return zeroIfOutOfMemory([&] {
+    return NySe::zeroIfOutOfMemory([&] {
         const std::lock_guard lock(m_lock);
         m_requests.reserve(m_requests.size() + 1);
         const HANDLE started = request();

@@ -1,3 +1,6 @@
+// Included first: <afx.h> must precede the Windows headers.
+#include "NyServer/ExceptionBoundary.h"
+
 #include "NyServer/socket/ServerConnection.h"
 
 #include <process.h>
@@ -35,10 +38,8 @@ void ServerConnection::serve() {
     dismiss(worker);
 }
 
-CUT_WSThread* ServerConnection::makeWorker() try {
-    return m_accepted.server->CreateInstance();
-} catch (...) {
-    return nullptr;
+CUT_WSThread* ServerConnection::makeWorker() {
+    return NySe::resultOr(nullptr, [this] { return m_accepted.server->CreateInstance(); });
 }
 
 void ServerConnection::introduce(CUT_WSThread& worker) {
@@ -49,15 +50,11 @@ void ServerConnection::introduce(CUT_WSThread& worker) {
     m_accepted.server->ThreadListAdd(&worker, ::GetCurrentThreadId(), worker.m_socket);
 }
 
-void ServerConnection::runHandler(CUT_WSThread& worker) try {
+// What a handler throws ends its connection and nothing else.
+void ServerConnection::runHandler(CUT_WSThread& worker) {
     worker.SetReceiveTimeOut(socketcalls::kTimeOut);
     worker.SetSendTimeOut(socketcalls::kTimeOut);
-    if (m_accepted.isTooMany)
-        worker.OnMaxConnect();
-    else
-        worker.OnConnect();
-} catch (...) {
-    // What a handler throws ends its connection and nothing else.
+    NySe::succeeds([&] { m_accepted.isTooMany ? worker.OnMaxConnect() : worker.OnConnect(); });
 }
 
 void ServerConnection::dismiss(CUT_WSThread* worker) {
@@ -71,7 +68,6 @@ void ServerConnection::dismiss(CUT_WSThread* worker) {
     m_accepted.door->leave(m_visit);
 }
 
-void ServerConnection::release(CUT_WSThread* worker) try {
-    m_accepted.server->ReleaseInstance(worker);
-} catch (...) {
+void ServerConnection::release(CUT_WSThread* worker) {
+    NySe::succeeds([&] { m_accepted.server->ReleaseInstance(worker); });
 }

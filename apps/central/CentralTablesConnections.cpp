@@ -1,7 +1,7 @@
 // The connections among the server's tables.
 #include "apps/central/CentralTables.h"
 
-#include "NyServer/framing/NySeReply.h"
+#include "NyServer/ExceptionBoundary.h"
 
 LONG CentralTables::openConnection(LONG session, const CString& name) {
     const std::lock_guard guard(m_lock);

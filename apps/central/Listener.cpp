@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "NyServer/framing/NySeReply.h"
+#include "NyServer/ExceptionBoundary.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "apps/central/CentralServer.h"
 #include "apps/central/Reply.h"
-#include "NyServer/framing/NySeReply.h"
+#include "NyServer/ExceptionBoundary.h"
 
 struct Request {
     CentralServer& server;

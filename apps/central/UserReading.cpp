@@ -1,6 +1,6 @@
 #include "apps/central/UserReading.h"
 
-#include "NyServer/framing/NySeReply.h"
+#include "NyServer/ExceptionBoundary.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "apps/monitor/Words.h"
-#include "NyServer/framing/NySeReply.h"
+#include "NyServer/ExceptionBoundary.h"
 
 namespace {
 

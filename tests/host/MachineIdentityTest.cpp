@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "NyServer/host/TextOrEmpty.h"
 #include "tests/host/AdapterChain.h"
 #include "tests/support/CStringPrinter.h"
 
@@ -250,16 +249,6 @@ TEST(AdapterList, IsEmptyWhenTheSystemFails) {
         EXPECT_EQ(namesIn(adapters), std::vector<std::string>{""});
         EXPECT_EQ(questions, 1);
     }
-}
-
-TEST(TextOrEmpty, IsTheAnswer) {
-    EXPECT_EQ(textOrEmpty([] { return CString(L"answer"); }), L"answer");
-}
-
-TEST(TextOrEmpty, IsEmptyWhenMemoryRunsOut) {
-    EXPECT_EQ(textOrEmpty([]() -> CString { throw std::bad_alloc(); }), CString());
-    EXPECT_EQ(textOrEmpty([]() -> CString { AfxThrowMemoryException(); }), CString());
-    EXPECT_EQ(textOrEmpty([]() -> CString { throw 7; }), CString());
 }
 
 TEST(AdapterList, LiesInItsOwnMemory) {

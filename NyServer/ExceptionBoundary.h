@@ -1,0 +1,49 @@
+// Turns exceptions into results: all of them where none may leave (exported functions, thread and
+// window procedures), out of memory alone where the caller handles the others.
+#pragma once
+
+// Before the Windows headers, as the class library requires.
+#include <afx.h>
+
+#include <new>
+#include <type_traits>
+
+namespace NySe {
+
+// What `action` returns, or `failure` when it throws.
+template <class Action>
+auto resultOr(std::invoke_result_t<Action> failure, Action action) -> decltype(action()) {
+    try {
+        return action();
+    } catch (CException* error) {
+        error->Delete();
+    } catch (...) {
+        // The result reports it.
+    }
+    return failure;
+}
+
+// Runs `action`. False when it threw.
+template <class Action>
+bool succeeds(Action action) {
+    return resultOr(false, [&action] {
+        action();
+        return true;
+    });
+}
+
+// What `action` returns; null, false or 0 when it runs out of memory, which the language reports by
+// std::bad_alloc and the class library by CMemoryException. Other exceptions pass.
+template <class Action>
+auto zeroIfOutOfMemory(Action action) -> decltype(action()) {
+    try {
+        return action();
+    } catch (const std::bad_alloc&) {
+        // The result reports it.
+    } catch (CMemoryException* error) {
+        error->Delete();
+    }
+    return {};
+}
+
+}  // namespace NySe
