@@ -51,7 +51,7 @@ bool CUT_WSServer::AcceptRun::awaitEnd(DWORD milliseconds) const {
 void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread, DWORD milliseconds) {
     if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd(milliseconds)) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
-    m_door->leave(m_visit);
+    m_rundown->leave(m_entry);
     dropAccepted();
     m_self.reset();
 }
@@ -65,7 +65,7 @@ void CUT_WSServer::AcceptRun::runThread(void* run) {
 }
 
 bool CUT_WSServer::AcceptRun::mayAccept(SOCKET& listener) {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     if (!isCurrent()) return false;
     if (m_server.m_stopRequested == 1) {
         m_server.m_accepting = 0;
@@ -103,7 +103,7 @@ bool CUT_WSServer::AcceptRun::mayAcceptAgain(int error) {
 // request is therefore ours, and not of a foreign socket that got the closed one's handle; a
 // connection of that one is at worst closed, since the lock cannot be held while accept waits.
 bool CUT_WSServer::AcceptRun::keepsAccepted() {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     const bool isOurs = isCurrent();
     if (m_accepted && isOurs && m_server.m_stopRequested != 1) return true;
     dropAccepted();
@@ -114,27 +114,28 @@ bool CUT_WSServer::AcceptRun::keepsAccepted() {
 // Under the lock because it may allocate, and nobody may be ended by force who holds the heap's own
 // lock.
 std::string CUT_WSServer::AcceptRun::addressText(const sockaddr_in& peer) {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     return socketcalls::dottedText(peer);
 }
 
 bool CUT_WSServer::AcceptRun::isWelcome(const sockaddr_in& peer) {
     const std::string address = addressText(peer);
-    if (!m_door->enterToJudge(m_visit)) return false;
+    if (!m_rundown->tryEnter(m_entry)) return false;
     const bool isWelcome =
         NySe::resultOr(false, [&] { return m_server.OnCanAccept(address.c_str()) != 0; });
-    m_door->leave(m_visit);
+    m_rundown->leave(m_entry);
     return isWelcome;
 }
 
 void CUT_WSServer::AcceptRun::handOver(SOCKET listener, const sockaddr_in& peer) {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     if (!isCurrent()) return dropAccepted();
     const bool isTooMany = m_server.GetMaxConnections() <= m_server.m_connectionCount;
-    ServerConnection::start({std::move(m_accepted), listener, peer, isTooMany, &m_server, m_door});
+    ServerConnection::start(
+        {std::move(m_accepted), listener, peer, isTooMany, &m_server, m_rundown});
 }
 
 void CUT_WSServer::AcceptRun::dropAccepted() {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     if (m_accepted) socketcalls::closeSocket(m_accepted.release());
 }

@@ -5,7 +5,7 @@
 
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/socket/CUT_WSServer.h"
-#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
 // One run of a server's accepting thread, from StartAccept to its end. It may last longer than the
@@ -20,7 +20,7 @@
 // step.
 class CUT_WSServer::AcceptRun {
   public:
-    explicit AcceptRun(CUT_WSServer& server) : m_server(server), m_door(server.m_door) {}
+    explicit AcceptRun(CUT_WSServer& server) : m_server(server), m_rundown(server.m_rundown) {}
 
     // Starts the thread, which keeps `run` alive; it does nothing before the caller lets the door's
     // lock go. What the server is to note of it, or -1. REQUIRES: the door's lock.
@@ -36,7 +36,9 @@ class CUT_WSServer::AcceptRun {
 
   private:
     static void runThread(void* run);
-    bool isCurrent() const { return !m_door->isGone() && m_server.m_acceptRun.get() == this; }
+    bool isCurrent() const {
+        return !m_rundown->isDestroyed() && m_server.m_acceptRun.get() == this;
+    }
     bool mayAccept(SOCKET& listener);
     bool serveNext(SOCKET listener);
     bool mayAcceptAgain(int error);
@@ -47,11 +49,11 @@ class CUT_WSServer::AcceptRun {
     void dropAccepted();
 
     CUT_WSServer& m_server;
-    std::shared_ptr<ServerDoor> m_door;
+    std::shared_ptr<RundownProtection> m_rundown;
     // A handle of our own: the one that _beginthread returns closes itself when the thread ends.
     UniqueKernelHandle m_thread;
     UniqueSocket m_accepted;
     unsigned m_lostConnections = 0;
-    ServerDoor::Visit m_visit;
+    RundownProtection::Entry m_entry;
     std::shared_ptr<AcceptRun> m_self;  // the thread's share
 };

@@ -8,7 +8,7 @@
 #include <optional>
 
 #include "NyServer/socket/AcceptRun.h"
-#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/SocketCodes.h"
 #include "NyServer/socket/SocketErrorText.h"
@@ -45,17 +45,17 @@ std::optional<bool> connectUnless(const std::function<bool()>& isPointless, ULON
 
 }  // namespace
 
-CUT_WSServer::CUT_WSServer() : m_door(std::make_shared<ServerDoor>()) {
+CUT_WSServer::CUT_WSServer() : m_rundown(std::make_shared<RundownProtection>()) {
     ::InitializeCriticalSection(&m_threadListLock);
     socketcalls::startWinsock(m_winsockData);
 }
 
 CUT_WSServer::~CUT_WSServer() {
-    m_door->shut();
+    m_rundown->close();
     SetShutDownFlag(1);
     StopAccept();
     CloseListenSocket();
-    m_door->forgetServer();
+    m_rundown->markDestroyed();
     FreeThreadList();
     ::DeleteCriticalSection(&m_threadListLock);
     ::WSACleanup();
@@ -85,7 +85,7 @@ int CUT_WSServer::StartAccept() {
 
 // The thread waits for the lock and so finds everything noted about it, however short its life is.
 bool CUT_WSServer::StartAcceptThread() {
-    const ServerDoor::Lock lock(*m_door);
+    const RundownProtection::Lock lock(*m_rundown);
     m_stopRequested = 0;
     m_acceptRun = NySe::resultOr(nullptr, [this] { return std::make_shared<AcceptRun>(*this); });
     if (!m_acceptRun) return false;
@@ -120,7 +120,7 @@ int CUT_WSServer::StopAccept() {
 void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
     if (!m_acceptRun->awaitEnd(std::min(kGrace, leftUntil(deadline)))) {
-        const ServerDoor::Lock lock(*m_door);
+        const RundownProtection::Lock lock(*m_rundown);
         if (m_acceptThread != kNoThread)
             m_acceptRun->endByForce(m_acceptThread, leftUntil(deadline));
     }
@@ -194,12 +194,12 @@ int CUT_WSServer::OnError(int code) {
 }
 
 bool CUT_WSServer::CloseDoorIfIdle() {
-    return m_door->shutIfIdle();
+    return m_rundown->closeIfIdle();
 }
 
 void CUT_WSServer::CloseDoor() {
-    m_door->shut();
-    m_door->awaitEmpty();
+    m_rundown->close();
+    m_rundown->waitUntilEmpty();
 }
 
 void CUT_WSServer::CloseListenSocket() {

@@ -8,7 +8,7 @@
 #include "NyServer/NyServerApi.h"
 
 class CUT_WSThread;
-class ServerDoor;
+class RundownProtection;
 
 // Listens on one TCP port, accepts on a thread of its own and gives each connection a thread and a
 // worker. A derived server supplies the workers.
@@ -199,6 +199,6 @@ class NYSERVER_API CUT_WSServer {
     int m_startUpCount = 0;
     CRITICAL_SECTION m_threadListLock;
 
-    std::shared_ptr<ServerDoor> m_door;
+    std::shared_ptr<RundownProtection> m_rundown;
     std::shared_ptr<AcceptRun> m_acceptRun;
 };

@@ -21,18 +21,18 @@ ServerConnection::~ServerConnection() {
 
 void ServerConnection::runThread(void* connection) {
     auto* self = static_cast<ServerConnection*>(connection);
-    const std::shared_ptr<ServerDoor> door = self->m_accepted.door;
-    const bool isResident = door->admit(self->m_visit);
-    if (isResident) self->serve();
+    const std::shared_ptr<RundownProtection> rundown = self->m_accepted.rundown;
+    const bool isAttached = rundown->tryAttach(self->m_entry);
+    if (isAttached) self->serve();
     delete self;
     // Only now that the socket is closed is there nothing left of the connection.
-    if (isResident) door->moveOut();
+    if (isAttached) rundown->detach();
 }
 
 void ServerConnection::serve() {
     CUT_WSThread* worker = makeWorker();
     if (worker) introduce(*worker);
-    m_accepted.door->leave(m_visit);
+    m_accepted.rundown->leave(m_entry);
     if (!worker) return;
     runHandler(*worker);
     dismiss(worker);
@@ -58,14 +58,14 @@ void ServerConnection::runHandler(CUT_WSThread& worker) {
 }
 
 void ServerConnection::dismiss(CUT_WSThread* worker) {
-    const ServerDoor::State state = m_accepted.door->comeBack(m_visit);
-    if (state != ServerDoor::State::Gone)
+    const RundownProtection::State state = m_accepted.rundown->reenter(m_entry);
+    if (state != RundownProtection::State::Destroyed)
         m_accepted.server->ThreadListRemove(::GetCurrentThreadId());
-    if (state == ServerDoor::State::Open)
+    if (state == RundownProtection::State::Open)
         release(worker);
     else
         delete worker;
-    m_accepted.door->leave(m_visit);
+    m_accepted.rundown->leave(m_entry);
 }
 
 void ServerConnection::release(CUT_WSThread* worker) {

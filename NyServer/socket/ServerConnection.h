@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "NyServer/socket/CUT_WSServer.h"
-#include "NyServer/socket/ServerDoor.h"
+#include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
 // One accepted connection of a CUT_WSServer: what the accepting thread hands to the thread that
@@ -16,7 +16,7 @@ class ServerConnection {
         sockaddr_in peer;
         bool isTooMany;
         CUT_WSServer* server;
-        std::shared_ptr<ServerDoor> door;
+        std::shared_ptr<RundownProtection> rundown;
     };
 
     // Starts the connection's thread, which owns everything from then on. When there is no thread
@@ -36,5 +36,5 @@ class ServerConnection {
     void release(CUT_WSThread* worker);
 
     Accepted m_accepted;
-    ServerDoor::Visit m_visit;
+    RundownProtection::Entry m_entry;
 };

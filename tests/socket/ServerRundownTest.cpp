@@ -11,7 +11,7 @@ namespace {
 using testing::IsEmpty;
 
 // The end of a server while its threads are in different places.
-class ServerDoorTest : public testing::Test {
+class ServerRundownTest : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(server().start()); }
     void TearDown() override {
@@ -46,18 +46,18 @@ class ServerDoorTest : public testing::Test {
     std::jthread m_opener;
 };
 
-TEST_F(ServerDoorTest, ClosesWhenNobodyIsThere) {
+TEST_F(ServerRundownTest, ClosesWhenNobodyIsThere) {
     EXPECT_TRUE(server().CloseDoorIfIdle());
     EXPECT_TRUE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerDoorTest, LetsNobodyInOnceItIsClosed) {
+TEST_F(ServerRundownTest, LetsNobodyInOnceItIsClosed) {
     ASSERT_TRUE(server().CloseDoorIfIdle());
     EXPECT_EQ(server().connection().receiveAll(), "");
     EXPECT_THAT(m_log->events(), IsEmpty());
 }
 
-TEST_F(ServerDoorTest, StaysOpenWhileAHandlerRuns) {
+TEST_F(ServerRundownTest, StaysOpenWhileAHandlerRuns) {
     haveHandlersWait();
     const peers::Connection peer = connectionAtTheGate();
     EXPECT_FALSE(server().CloseDoorIfIdle());
@@ -68,7 +68,7 @@ TEST_F(ServerDoorTest, StaysOpenWhileAHandlerRuns) {
     EXPECT_EQ(m_log->count("ReleaseInstance"), 2);
 }
 
-TEST_F(ServerDoorTest, StaysOpenWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
+TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
     server().onConnect = [](LoggingWorker&) {};
     server().onRelease = [this](CUT_WSThread*) { m_gate.pass(); };
     const peers::Connection peer = connectionAtTheGate();
@@ -76,27 +76,27 @@ TEST_F(ServerDoorTest, StaysOpenWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerDoorTest, StaysOpenWhileAWorkerThatIsNotYetCountedIsMade) {
+TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotYetCountedIsMade) {
     server().onCreate = [this] { m_gate.pass(); };
     const peers::Connection peer = connectionAtTheGate();
     EXPECT_EQ(server().GetNumConnections(), 0);
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerDoorTest, StaysOpenWhileAPeerIsJudged) {
+TEST_F(ServerRundownTest, StaysOpenWhileAPeerIsJudged) {
     server().onJudge = [this] { m_gate.pass(); };
     const peers::Connection peer = connectionAtTheGate();
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerDoorTest, StaysOpenForKilledWorkersToBeReleased) {
+TEST_F(ServerRundownTest, StaysOpenForKilledWorkersToBeReleased) {
     haveHandlersWait();
     const peers::Connection peer = connectionAtTheGate();
     server().ThreadListKill();
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerDoorTest, IsWaitedForWhileAWorkerIsReleased) {
+TEST_F(ServerRundownTest, IsWaitedForWhileAWorkerIsReleased) {
     server().onConnect = [](LoggingWorker&) {};
     server().onRelease = [this](CUT_WSThread*) { m_gate.pass(); };
     const peers::Connection peer = connectionAtTheGate();
@@ -105,7 +105,7 @@ TEST_F(ServerDoorTest, IsWaitedForWhileAWorkerIsReleased) {
     EXPECT_TRUE(m_isOpening);
 }
 
-TEST_F(ServerDoorTest, IsWaitedForWhileAPeerIsJudged) {
+TEST_F(ServerRundownTest, IsWaitedForWhileAPeerIsJudged) {
     server().onJudge = [this] { m_gate.pass(); };
     peers::Connection peer = connectionAtTheGate();
     openSoon();
@@ -115,7 +115,7 @@ TEST_F(ServerDoorTest, IsWaitedForWhileAPeerIsJudged) {
     EXPECT_EQ(m_log->count("CreateInstance"), 0);
 }
 
-TEST_F(ServerDoorTest, IsNotWaitedForWhileAHandlerRuns) {
+TEST_F(ServerRundownTest, IsNotWaitedForWhileAHandlerRuns) {
     haveHandlersWait();
     peers::Connection peer = connectionAtTheGate();
     server().CloseDoor();
@@ -127,7 +127,7 @@ TEST_F(ServerDoorTest, IsNotWaitedForWhileAHandlerRuns) {
     EXPECT_EQ(m_log->count("worker deleted"), 1);
 }
 
-TEST_F(ServerDoorTest, OutlivesItsServerForAHandlerThatRunsOn) {
+TEST_F(ServerRundownTest, OutlivesItsServerForAHandlerThatRunsOn) {
     haveHandlersWait();
     server().ending = ProbeServer::Ending::ClosesTheDoor;
     peers::Connection peer = connectionAtTheGate();
@@ -139,7 +139,7 @@ TEST_F(ServerDoorTest, OutlivesItsServerForAHandlerThatRunsOn) {
     EXPECT_EQ(m_log->count("worker deleted"), 1);
 }
 
-TEST_F(ServerDoorTest, IsClosedByTheBaseDestructorToo) {
+TEST_F(ServerRundownTest, IsClosedByTheBaseDestructorToo) {
     haveHandlersWait();
     server().ending = ProbeServer::Ending::LeavesTheDoorOpen;
     peers::Connection peer = connectionAtTheGate();
@@ -150,7 +150,7 @@ TEST_F(ServerDoorTest, IsClosedByTheBaseDestructorToo) {
     EXPECT_EQ(m_log->count("worker deleted"), 1);
 }
 
-TEST_F(ServerDoorTest, LetsAHandlerDestroyItsServer) {
+TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
     const int before = countThreadsAtRest();
     server().ending = ProbeServer::Ending::ClosesTheDoor;
     server().onConnect = [this](LoggingWorker&) {
@@ -164,7 +164,7 @@ TEST_F(ServerDoorTest, LetsAHandlerDestroyItsServer) {
     EXPECT_TRUE(eventually([&] { return countThreads() < before; }));
 }
 
-TEST_F(ServerDoorTest, LetsAReleaseDestroyItsServer) {
+TEST_F(ServerRundownTest, LetsAReleaseDestroyItsServer) {
     server().ending = ProbeServer::Ending::ClosesTheDoor;
     server().onConnect = [](LoggingWorker&) {};
     server().onRelease = [this](CUT_WSThread*) { destroy(); };
@@ -172,7 +172,7 @@ TEST_F(ServerDoorTest, LetsAReleaseDestroyItsServer) {
     EXPECT_TRUE(m_log->await("worker deleted"));
 }
 
-TEST_F(ServerDoorTest, LetsADestructorWaitForItsWorkers) {
+TEST_F(ServerRundownTest, LetsADestructorWaitForItsWorkers) {
     haveHandlersWait();
     const peers::Connection peer = connectionAtTheGate();
     openSoon();
