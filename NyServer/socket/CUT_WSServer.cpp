@@ -7,7 +7,7 @@
 #include <limits>
 #include <optional>
 
-#include "NyServer/socket/AcceptRun.h"
+#include "NyServer/socket/AcceptThread.h"
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/SocketCodes.h"
@@ -87,11 +87,12 @@ int CUT_WSServer::StartAccept() {
 bool CUT_WSServer::StartAcceptThread() {
     const RundownProtection::Lock lock(*m_rundown);
     m_stopRequested = 0;
-    m_acceptRun = NySe::resultOr(nullptr, [this] { return std::make_shared<AcceptRun>(*this); });
-    if (!m_acceptRun) return false;
-    const uintptr_t thread = AcceptRun::start(m_acceptRun);
+    m_acceptThread =
+        NySe::resultOr(nullptr, [this] { return std::make_shared<AcceptThread>(*this); });
+    if (!m_acceptThread) return false;
+    const uintptr_t thread = AcceptThread::start(m_acceptThread);
     if (thread == kNoThread) return false;
-    m_acceptThread = thread;
+    m_acceptThreadHandle = thread;
     m_accepting = 1;
     return true;
 }
@@ -102,7 +103,7 @@ int CUT_WSServer::StopAccept() {
         m_stopRequested = 1;
         const ULONGLONG deadline = ::GetTickCount64() + kLongestStop;
         if (WakeAcceptThread(deadline - kForcing) == UTE_SUCCESS)
-            m_acceptRun->awaitEnd(leftUntil(deadline));
+            m_acceptThread->waitForEnd(leftUntil(deadline));
         else
             EndAcceptThread(deadline);
         CloseListenSocket();
@@ -119,12 +120,12 @@ int CUT_WSServer::StopAccept() {
 // do; what then remains is one in OnCanAccept.
 void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
-    if (!m_acceptRun->awaitEnd(std::min(kGrace, leftUntil(deadline)))) {
+    if (!m_acceptThread->waitForEnd(std::min(kGrace, leftUntil(deadline)))) {
         const RundownProtection::Lock lock(*m_rundown);
-        if (m_acceptThread != kNoThread)
-            m_acceptRun->endByForce(m_acceptThread, leftUntil(deadline));
+        if (m_acceptThreadHandle != kNoThread)
+            m_acceptThread->endByForce(m_acceptThreadHandle, leftUntil(deadline));
     }
-    m_acceptThread = kNoThread;
+    m_acceptThreadHandle = kNoThread;
 }
 
 int CUT_WSServer::TempConnect(unsigned int port, char* address) {
@@ -135,7 +136,7 @@ int CUT_WSServer::TempConnect(unsigned int port, char* address) {
 // thread has left by itself meanwhile there is nobody to wake.
 int CUT_WSServer::WakeAcceptThread(ULONGLONG deadline) {
     return ConnectAndClose(GetPort(), "127.0.0.1", deadline,
-                           [this] { return m_acceptThread == kNoThread; });
+                           [this] { return m_acceptThreadHandle == kNoThread; });
 }
 
 int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,

@@ -105,8 +105,8 @@ class NYSERVER_API CUT_WSServer {
     // Disposes of a worker whose handler has returned.
     virtual void ReleaseInstance(CUT_WSThread* worker) = 0;
 
-    // Judges a peer by its dotted address; 0 closes the connection without a word. The base
-    // returns 1.
+    // Whether the peer at this dotted address may connect; 0 closes the connection without a reply.
+    // The base returns 1.
     virtual long OnCanAccept(const char* address);
 
     // Told the texts of failures that have no result code. The base returns 0.
@@ -170,7 +170,7 @@ class NYSERVER_API CUT_WSServer {
 
   private:
     static constexpr uintptr_t kNoThread = static_cast<uintptr_t>(-1);
-    class AcceptRun;
+    class AcceptThread;
     friend class ServerConnection;
 
     bool StartAcceptThread();
@@ -187,7 +187,7 @@ class NYSERVER_API CUT_WSServer {
     sockaddr_in m_serverAddress{};
     std::atomic<SOCKET> m_listenSocket = INVALID_SOCKET;
     ThreadListEntry* m_threadList = nullptr;
-    std::atomic<uintptr_t> m_acceptThread = kNoThread;
+    std::atomic<uintptr_t> m_acceptThreadHandle = kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;
     // The settings order nothing else: read and written relaxed.
@@ -200,5 +200,5 @@ class NYSERVER_API CUT_WSServer {
     CRITICAL_SECTION m_threadListLock;
 
     std::shared_ptr<RundownProtection> m_rundown;
-    std::shared_ptr<AcceptRun> m_acceptRun;
+    std::shared_ptr<AcceptThread> m_acceptThread;
 };

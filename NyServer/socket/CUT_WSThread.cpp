@@ -14,7 +14,7 @@
 namespace {
 
 // The index of a carriage return among the bytes that a line feed follows, or -1. The last byte is
-// judged by what lies behind it, unless `room`, which must hold both, ends there.
+// decided by what lies behind it, unless `room`, which must hold both, ends there.
 int findLineEnd(const char* bytes, int length, int room) {
     for (int i = 0; i < length && i + 1 < room; ++i)
         if (bytes[i] == '\r' && bytes[i + 1] == '\n') return i;

@@ -65,7 +65,7 @@ class NYSERVER_API CUT_WSThread {
     // `maxLen` - 1 bytes, and puts a terminator behind. Waits at most `timeOut` seconds for each
     // part if that is above 0. The bytes stored, also when time, peer or abort flag ended it early;
     // nothing behind the line end is consumed. The two bytes of a line end that arrive in different
-    // parts are not recognised; a carriage return at the end of a part is judged by the byte that
+    // parts are not recognised; a carriage return at the end of a part is taken by the byte that
     // `buffer` held behind it.
     virtual int ReceiveLine(char* buffer, int maxLen, int timeOut);
 

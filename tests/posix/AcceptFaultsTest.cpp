@@ -117,7 +117,7 @@ TEST_F(AcceptFaults, AShortageOfDescriptorsDoesNotDelayAStop) {
 TEST_F(AcceptFaults, AConnectionWithoutAThreadIsShutDown) {
     std::unique_ptr<NoHandles> none;
     std::vector<UniqueSocket> others;
-    m_server.onJudge = [&] {
+    m_server.onCanAccept = [&] {
         for (int fd = 3; fd < 256; ++fd) {
             sockaddr_in own{};
             socklen_t length = sizeof own;
@@ -130,13 +130,13 @@ TEST_F(AcceptFaults, AConnectionWithoutAThreadIsShutDown) {
     EXPECT_TRUE(peer.awaitClose());
     EXPECT_EQ(m_server.log->count("CreateInstance"), 1) << "that of SetUp";
     none.reset();
-    m_server.onJudge = [] {};
+    m_server.onCanAccept = [] {};
     EXPECT_EQ(converse(m_server.connection()), kAnswer);
 }
 
-// The judge holds the thread over the stop and over the next start.
+// OnCanAccept holds the thread over the stop and over the next start.
 TEST_F(AcceptFaults, AThreadThatOutlivesItsStopTakesNoPartInTheNextRun) {
-    m_server.onJudge = [this] { m_gate.pass(); };
+    m_server.onCanAccept = [this] { m_gate.pass(); };
     peers::Connection stale = m_server.connection();
     ASSERT_TRUE(m_gate.awaitArrivals());
     m_server.SetPort(m_nobody.port());

@@ -179,10 +179,10 @@ TEST_F(Accepting, ClosesWhenThereIsNoWorker) {
     EXPECT_EQ(m_server.GetNumConnections(), 0);
 }
 
-TEST_F(Accepting, SurvivesAThrowingJudge) {
-    m_server.onJudge = [] { throw std::runtime_error("judge"); };
+TEST_F(Accepting, SurvivesAThrowingOnCanAccept) {
+    m_server.onCanAccept = [] { throw std::runtime_error("OnCanAccept"); };
     EXPECT_EQ(m_server.connection().receiveAll(), "");
-    m_server.onJudge = [] {};
+    m_server.onCanAccept = [] {};
     EXPECT_NE(converse("hi\r\n"), "");
 }
 

@@ -28,21 +28,21 @@ class Stopping : public testing::Test {
         m_server.codes.clear();
     }
     // The accepting thread waits in OnCanAccept.
-    peers::Connection connectionBeingJudged() {
-        m_server.onJudge = [this] { m_gate.pass(); };
+    peers::Connection connectionInOnCanAccept() {
+        m_server.onCanAccept = [this] { m_gate.pass(); };
         peers::Connection peer = m_server.connection();
         EXPECT_TRUE(m_gate.awaitArrivals());
         return peer;
     }
     // The accepting thread is where only force ends it before long.
-    peers::Connection connectionWithoutAnEndingJudge() {
-        m_judging = false;
-        m_server.onJudge = [this] {
-            m_judging = true;
+    peers::Connection connectionHeldInOnCanAccept() {
+        m_isInOnCanAccept = false;
+        m_server.onCanAccept = [this] {
+            m_isInOnCanAccept = true;
             ::Sleep(20000);
         };
         peers::Connection peer = m_server.connection();
-        EXPECT_TRUE(eventually([this] { return m_judging.load(); }));
+        EXPECT_TRUE(eventually([this] { return m_isInOnCanAccept.load(); }));
         return peer;
     }
     // Whether ten stops use up no more handles than that, beside a few that the system may keep.
@@ -58,7 +58,7 @@ class Stopping : public testing::Test {
     Gate m_gate;
     ProbeServer m_server;
     unsigned int m_listeningPort = 0;
-    std::atomic<bool> m_judging = false;
+    std::atomic<bool> m_isInOnCanAccept = false;
 };
 
 TEST_F(Stopping, ClosesTheListeningSocket) {
@@ -69,7 +69,7 @@ TEST_F(Stopping, ClosesTheListeningSocket) {
     EXPECT_THAT(m_server.statuses, IsEmpty());
 }
 
-TEST_F(Stopping, DoesNotJudgeItsOwnConnection) {
+TEST_F(Stopping, DoesNotCallOnCanAcceptForItsOwnConnection) {
     start();
     m_server.StopAccept();
     EXPECT_THAT(m_server.log->events(), IsEmpty());
@@ -117,9 +117,9 @@ TEST_F(Stopping, LetsWorkersRunOn) {
     EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
 }
 
-TEST_F(Stopping, WaitsForAPeerThatIsBeingJudgedAndLetsItIn) {
+TEST_F(Stopping, WaitsForOnCanAcceptAndLetsThePeerIn) {
     start();
-    peers::Connection peer = connectionBeingJudged();
+    peers::Connection peer = connectionInOnCanAccept();
     peer.send("hi\r\n");
     std::thread opener([this] {
         ::Sleep(200);
@@ -165,16 +165,16 @@ TEST_F(Stopping, LosesNoHandlesWhenTheThreadCannotBeWoken) {
 TEST_F(Stopping, LosesNoHandlesOfItsOwnByForce) {
     EXPECT_TRUE(usesUpAtMost(10, [this] {
         start();
-        const peers::Connection peer = connectionWithoutAnEndingJudge();
+        const peers::Connection peer = connectionHeldInOnCanAccept();
         misdirect();
         m_server.StopAccept();
     }));
 }
 
-TEST_F(Stopping, ClosesOnAPeerWhoseJudgeIsEndedByForce) {
+TEST_F(Stopping, ClosesOnAPeerWhenOnCanAcceptIsEndedByForce) {
     const int before = countThreadsAtRest();
     start();
-    peers::Connection peer = connectionWithoutAnEndingJudge();
+    peers::Connection peer = connectionHeldInOnCanAccept();
     misdirect();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_LE(countThreads(), before);
@@ -214,7 +214,7 @@ TEST_F(Stopping, HappensInTheDestructor) {
     EXPECT_LE(countThreads(), before);
 }
 
-// The judge holds the destructor of the base until the worker has seen the flag.
+// OnCanAccept holds the destructor of the base until the worker has seen the flag.
 TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     struct Server : CUT_WSServer {
         struct Worker : CUT_WSThread {
@@ -234,14 +234,14 @@ TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
         CUT_WSThread* CreateInstance() override { return new Worker(*this); }
         void ReleaseInstance(CUT_WSThread* worker) override { delete worker; }
         long OnCanAccept(const char*) override {
-            if (++m_judged == 1) return 1;
+            if (++m_asked == 1) return 1;
             m_gate.pass();
             return 0;
         }
         Gate& m_serving;
         Gate& m_gate;
         std::atomic<bool>& m_isSeen;
-        int m_judged = 0;
+        int m_asked = 0;
     };
     Gate serving;
     std::atomic<bool> isSeen = false;
@@ -251,7 +251,7 @@ TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     ASSERT_EQ(server->StartAccept(), 0);
     peers::Connection served = peers::connectionTo(server->GetPort());
     ASSERT_TRUE(serving.pass());
-    const peers::Connection judged = peers::connectionTo(server->GetPort());
+    const peers::Connection asked = peers::connectionTo(server->GetPort());
     ASSERT_TRUE(m_gate.awaitArrivals());
     server.reset();
     EXPECT_TRUE(isSeen);

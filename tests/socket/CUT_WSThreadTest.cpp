@@ -193,7 +193,7 @@ TEST_F(Worker, DoesNotRecogniseALineEndThatIsSplit) {
     sender.join();
 }
 
-TEST_F(Worker, JudgesALastCarriageReturnByWhatTheBufferHeldBehindIt) {
+TEST_F(Worker, TakesALastCarriageReturnByWhatTheBufferHeldBehindIt) {
     peerSends("ab\r");
     EXPECT_EQ(receiveLine(100, 1, '\n'), "ab\r\n");
     EXPECT_FALSE(m_worker.IsDataWaiting());

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kLookUps = 1000;
 
-// Judges each announcement on the window's thread.
+// Checks each notification on the window's thread.
 class WatchedClient : public CUT_WSClient {
   public:
     std::atomic<int> announced = 0;

@@ -78,7 +78,7 @@ class ProbeServer : public CUT_WSServer {
     LoggingWorker::Handler onConnect;
     std::function<void()> onCreate = [] {};
     std::function<void(CUT_WSThread*)> onRelease = [](CUT_WSThread*) {};
-    std::function<void()> onJudge = [] {};
+    std::function<void()> onCanAccept = [] {};
     bool hasWorkers = true;
     long verdict = 1;
     Ending ending = Ending::WaitsForWorkers;
@@ -127,7 +127,7 @@ class ProbeServer : public CUT_WSServer {
     }
     long OnCanAccept(const char* address) override {
         log->add(std::string("OnCanAccept ") + address);
-        onJudge();
+        onCanAccept();
         return verdict;
     }
     int OnStatus(const wchar_t* text) override {

@@ -51,9 +51,9 @@ const Step kSteps[] = {
          scene.connect();
      }},
     {"Accepting", [](Scene& scene) { EXPECT_TRUE(scene.server->start()); }},
-    {"JudgingAPeer",
+    {"InOnCanAccept",
      [](Scene& scene) {
-         scene.server->onJudge = [&scene] { scene.gate.pass(); };
+         scene.server->onCanAccept = [&scene] { scene.gate.pass(); };
          scene.server->onConnect = [](LoggingWorker&) {};
          EXPECT_TRUE(scene.server->start());
          scene.connectToTheGate();

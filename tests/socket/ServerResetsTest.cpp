@@ -22,7 +22,7 @@ class ServerResets : public testing::Test {
 
     // The accepting thread is held until all have been reset.
     void resetInTheQueue(int count) {
-        m_server.onJudge = [this] { m_gate.pass(); };
+        m_server.onCanAccept = [this] { m_gate.pass(); };
         ASSERT_EQ(m_server.listen(count + 1), UTE_SUCCESS);
         ASSERT_EQ(m_server.StartAccept(), UTE_SUCCESS);
         const peers::Connection held = m_server.connection();

@@ -83,8 +83,8 @@ TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotYetCountedIsMade) {
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerRundownTest, StaysOpenWhileAPeerIsJudged) {
-    server().onJudge = [this] { m_gate.pass(); };
+TEST_F(ServerRundownTest, StaysOpenDuringOnCanAccept) {
+    server().onCanAccept = [this] { m_gate.pass(); };
     const peers::Connection peer = connectionAtTheGate();
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
@@ -105,8 +105,8 @@ TEST_F(ServerRundownTest, IsWaitedForWhileAWorkerIsReleased) {
     EXPECT_TRUE(m_isOpening);
 }
 
-TEST_F(ServerRundownTest, IsWaitedForWhileAPeerIsJudged) {
-    server().onJudge = [this] { m_gate.pass(); };
+TEST_F(ServerRundownTest, IsWaitedForDuringOnCanAccept) {
+    server().onCanAccept = [this] { m_gate.pass(); };
     peers::Connection peer = connectionAtTheGate();
     openSoon();
     server().CloseDoor();

@@ -37,7 +37,7 @@ class ServerShutdown : public testing::Test {
 TEST_F(ServerShutdown, EndsAConnectionThatMayNotEnter) {
     int port = 0;
     m_server.verdict = 0;
-    m_server.onJudge = [&] {
+    m_server.onCanAccept = [&] {
         m_gate.pass();
         m_other = otherHandleOf(socketConnectedTo(port));
     };

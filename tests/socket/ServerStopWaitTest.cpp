@@ -1,4 +1,4 @@
-// How long StopAccept takes while a peer's judge does not return. The bound is wide above, for a
+// How long StopAccept takes while OnCanAccept does not return. The bound is wide above, for a
 // busy machine.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,10 +19,10 @@ class StopWait : public testing::Test {
   protected:
     void SetUp() override {
         m_threadsBefore = countThreadsAtRest();
-        m_server.onJudge = [this] {
-            m_isJudging = true;
+        m_server.onCanAccept = [this] {
+            m_isInOnCanAccept = true;
             static_cast<void>(m_verdict.try_acquire_for(90s));
-            m_isJudging = false;
+            m_isInOnCanAccept = false;
         };
         ASSERT_TRUE(m_server.start());
         m_port = m_server.GetPort();
@@ -30,9 +30,9 @@ class StopWait : public testing::Test {
     }
     void TearDown() override { m_verdict.release(); }
 
-    peers::Connection connectionBeingJudged() {
+    peers::Connection connectionInOnCanAccept() {
         peers::Connection peer = m_server.connection();
-        EXPECT_TRUE(eventually([this] { return m_isJudging.load(); }));
+        EXPECT_TRUE(eventually([this] { return m_isInOnCanAccept.load(); }));
         return peer;
     }
     template <class Action>
@@ -42,7 +42,7 @@ class StopWait : public testing::Test {
         const auto time = std::chrono::steady_clock::now() - start;
         EXPECT_GE(time, 28900ms);
         EXPECT_LT(time, 45s);
-        EXPECT_TRUE(m_isJudging);
+        EXPECT_TRUE(m_isInOnCanAccept);
     }
     void expectNoThreadLeft() {
         EXPECT_TRUE(eventually([this] { return countThreads() <= m_threadsBefore; }))
@@ -52,14 +52,14 @@ class StopWait : public testing::Test {
     peers::WinsockSession m_winsock;
     // Not a gate: a thread that is ended by force must not wait for a condition variable.
     std::counting_semaphore<2> m_verdict{0};
-    std::atomic<bool> m_isJudging = false;
+    std::atomic<bool> m_isInOnCanAccept = false;
     ProbeServer m_server;
     unsigned int m_port = 0;
     int m_threadsBefore = 0;
 };
 
-TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
-    peers::Connection peer = connectionBeingJudged();
+TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpAfterOnCanAccept) {
+    peers::Connection peer = connectionInOnCanAccept();
     peer.send("hi\r\n");
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(0)) << "it could be woken: no force is used";
@@ -69,20 +69,20 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpBehindTheJudge) {
     EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
     expectNoThreadLeft();
     EXPECT_EQ(m_server.GetNumConnections(), 0);
-    m_server.onJudge = [] {};
+    m_server.onCanAccept = [] {};
     EXPECT_TRUE(m_server.start()) << "and it can start again";
     EXPECT_TRUE(peers::connectTo(m_server.GetPort()));
 }
 
 // The connection that is to wake the accepting thread is not answered: the deadline is for both.
 TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
-    peers::Connection peer = connectionBeingJudged();
+    peers::Connection peer = connectionInOnCanAccept();
     const std::vector<UniqueSocket> queued = peers::connectWhileAnswered(m_port, 64);
     ASSERT_LT(queued.size(), 64u) << "the queue is full";
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(19));
     EXPECT_FALSE(peers::connectTo(m_port));
-    EXPECT_EQ(peer.receiveAll(), "") << "its judge was ended by force";
+    EXPECT_EQ(peer.receiveAll(), "") << "OnCanAccept was ended by force";
     expectNoThreadLeft();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(m_server.StopAccept(), 0);

@@ -26,7 +26,7 @@ constexpr int kPeers = 4;
 constexpr unsigned kSeed = 20240229;
 
 struct Counts {
-    std::atomic<int> judged = 0;
+    std::atomic<int> asked = 0;
     std::atomic<int> made = 0;
     std::atomic<int> released = 0;
     std::atomic<int> deleted = 0;
@@ -85,7 +85,7 @@ class StressServer : public CUT_WSServer {
     }
     long OnCanAccept(const char*) override {
         EXPECT_TRUE(m_isWhole);
-        return ++m_counts.judged % 7 == 0 ? 0 : 1;
+        return ++m_counts.asked % 7 == 0 ? 0 : 1;
     }
 
   private:
@@ -167,10 +167,9 @@ class ServerStress : public testing::Test {
         EXPECT_TRUE(eventually([&] { return m_counts.deleted == m_counts.made; }));
         EXPECT_TRUE(eventually([&] { return countThreads() <= m_threadsBefore; }));
         EXPECT_TRUE(eventually([&] { return handleLevel() <= m_handlesBefore + 4; }));
-        std::cout << m_counts.judged << " judged, " << m_counts.made << " made, "
-                  << m_counts.released << " released; handles " << m_handlesBefore << " to "
-                  << handleLevel() << ", threads " << m_threadsBefore << " to " << countThreads()
-                  << std::endl;
+        std::cout << m_counts.asked << " asked, " << m_counts.made << " made, " << m_counts.released
+                  << " released; handles " << m_handlesBefore << " to " << handleLevel()
+                  << ", threads " << m_threadsBefore << " to " << countThreads() << std::endl;
     }
 
     // What the system keeps from the first use does not count.

@@ -1,7 +1,7 @@
 // Included first: <afx.h> must precede the Windows headers.
 #include "NyServer/ExceptionBoundary.h"
 
-#include "NyServer/socket/AcceptRun.h"
+#include "NyServer/socket/AcceptThread.h"
 
 #include <process.h>
 
@@ -10,7 +10,7 @@
 namespace {
 
 constexpr DWORD kPause = 20;  // ms
-constexpr unsigned kLostWithoutPause = 64;
+constexpr unsigned kAbortedWithoutPause = 64;
 
 HANDLE asHandle(uintptr_t thread) {
     return reinterpret_cast<HANDLE>(thread);
@@ -28,49 +28,49 @@ bool isOutOfResources(int error) {
 }
 
 // Whether a connection broke before it was accepted.
-bool isLostConnection(int error) {
+bool isAbortedConnection(int error) {
     return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENOTCONN;
 }
 
 }  // namespace
 
-uintptr_t CUT_WSServer::AcceptRun::start(const std::shared_ptr<AcceptRun>& run) {
-    run->m_self = run;
-    const uintptr_t thread = ::_beginthread(runThread, 0, run.get());
+uintptr_t CUT_WSServer::AcceptThread::start(const std::shared_ptr<AcceptThread>& accepting) {
+    accepting->m_self = accepting;
+    const uintptr_t thread = ::_beginthread(runThread, 0, accepting.get());
     if (thread == kNoThread)
-        run->m_self.reset();
+        accepting->m_self.reset();
     else
-        run->m_thread = duplicate(asHandle(thread));
+        accepting->m_thread = duplicate(asHandle(thread));
     return thread;
 }
 
-bool CUT_WSServer::AcceptRun::awaitEnd(DWORD milliseconds) const {
+bool CUT_WSServer::AcceptThread::waitForEnd(DWORD milliseconds) const {
     return ::WaitForSingleObject(m_thread.get(), milliseconds) == WAIT_OBJECT_0;
 }
 
-void CUT_WSServer::AcceptRun::endByForce(uintptr_t startedThread, DWORD milliseconds) {
-    if (!::TerminateThread(asHandle(startedThread), 1) || !awaitEnd(milliseconds)) return;
+void CUT_WSServer::AcceptThread::endByForce(uintptr_t startedThread, DWORD milliseconds) {
+    if (!::TerminateThread(asHandle(startedThread), 1) || !waitForEnd(milliseconds)) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
     m_rundown->leave(m_entry);
     dropAccepted();
     m_self.reset();
 }
 
-void CUT_WSServer::AcceptRun::runThread(void* run) {
-    auto* self = static_cast<AcceptRun*>(run);
+void CUT_WSServer::AcceptThread::runThread(void* accepting) {
+    auto* self = static_cast<AcceptThread*>(accepting);
     SOCKET listener = INVALID_SOCKET;
     while (self->mayAccept(listener) && self->serveNext(listener)) {
     }
-    const std::shared_ptr<AcceptRun> last = std::move(self->m_self);
+    const std::shared_ptr<AcceptThread> last = std::move(self->m_self);
 }
 
-bool CUT_WSServer::AcceptRun::mayAccept(SOCKET& listener) {
+bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
     const RundownProtection::Lock lock(*m_rundown);
     if (!isCurrent()) return false;
     if (m_server.m_stopRequested == 1) {
         m_server.m_accepting = 0;
         m_server.m_stopRequested = 0;
-        m_server.m_acceptThread = kNoThread;
+        m_server.m_acceptThreadHandle = kNoThread;
         return false;
     }
     listener = m_server.m_listenSocket;
@@ -78,13 +78,13 @@ bool CUT_WSServer::AcceptRun::mayAccept(SOCKET& listener) {
 }
 
 // False when the thread is to end.
-bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
+bool CUT_WSServer::AcceptThread::serveNext(SOCKET listener) {
     sockaddr_in peer{};
     int length = sizeof peer;
     m_accepted.reset(::accept(listener, reinterpret_cast<sockaddr*>(&peer), &length));
     if (!m_accepted && mayAcceptAgain(::WSAGetLastError())) return true;
     if (!keepsAccepted()) return false;
-    if (isWelcome(peer))
+    if (isAllowed(peer))
         handOver(listener, peer);
     else
         dropAccepted();
@@ -93,41 +93,42 @@ bool CUT_WSServer::AcceptRun::serveNext(SOCKET listener) {
 
 // Whether the listening socket is sound although accept has failed. Pauses as often as it takes to
 // be no busy loop, whatever the stack reports again and again.
-bool CUT_WSServer::AcceptRun::mayAcceptAgain(int error) {
-    if (!isOutOfResources(error) && !isLostConnection(error)) return false;
-    if (isOutOfResources(error) || ++m_lostConnections % kLostWithoutPause == 0) ::Sleep(kPause);
+bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
+    if (!isOutOfResources(error) && !isAbortedConnection(error)) return false;
+    if (isOutOfResources(error) || ++m_abortedConnections % kAbortedWithoutPause == 0)
+        ::Sleep(kPause);
     return true;
 }
 
 // A stop is requested before the listening socket is closed. Whatever is accepted without such a
 // request is therefore ours, and not of a foreign socket that got the closed one's handle; a
 // connection of that one is at worst closed, since the lock cannot be held while accept waits.
-bool CUT_WSServer::AcceptRun::keepsAccepted() {
+bool CUT_WSServer::AcceptThread::keepsAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     const bool isOurs = isCurrent();
     if (m_accepted && isOurs && m_server.m_stopRequested != 1) return true;
     dropAccepted();
-    if (isOurs) m_server.m_acceptThread = kNoThread;
+    if (isOurs) m_server.m_acceptThreadHandle = kNoThread;
     return false;
 }
 
 // Under the lock because it may allocate, and nobody may be ended by force who holds the heap's own
 // lock.
-std::string CUT_WSServer::AcceptRun::addressText(const sockaddr_in& peer) {
+std::string CUT_WSServer::AcceptThread::addressText(const sockaddr_in& peer) {
     const RundownProtection::Lock lock(*m_rundown);
     return socketcalls::dottedText(peer);
 }
 
-bool CUT_WSServer::AcceptRun::isWelcome(const sockaddr_in& peer) {
+bool CUT_WSServer::AcceptThread::isAllowed(const sockaddr_in& peer) {
     const std::string address = addressText(peer);
     if (!m_rundown->tryEnter(m_entry)) return false;
-    const bool isWelcome =
+    const bool isAllowed =
         NySe::resultOr(false, [&] { return m_server.OnCanAccept(address.c_str()) != 0; });
     m_rundown->leave(m_entry);
-    return isWelcome;
+    return isAllowed;
 }
 
-void CUT_WSServer::AcceptRun::handOver(SOCKET listener, const sockaddr_in& peer) {
+void CUT_WSServer::AcceptThread::handOver(SOCKET listener, const sockaddr_in& peer) {
     const RundownProtection::Lock lock(*m_rundown);
     if (!isCurrent()) return dropAccepted();
     const bool isTooMany = m_server.GetMaxConnections() <= m_server.m_connectionCount;
@@ -135,7 +136,7 @@ void CUT_WSServer::AcceptRun::handOver(SOCKET listener, const sockaddr_in& peer)
         {std::move(m_accepted), listener, peer, isTooMany, &m_server, m_rundown});
 }
 
-void CUT_WSServer::AcceptRun::dropAccepted() {
+void CUT_WSServer::AcceptThread::dropAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     if (m_accepted) socketcalls::closeSocket(m_accepted.release());
 }
