@@ -10,8 +10,8 @@ namespace {
 
 constexpr long kRoundMilliseconds = 100;
 constexpr int kIdleRoundsWithoutCheck = 50;
-constexpr int kActionPatience = 1000;  // milliseconds
-constexpr int kLengthPatience = NySe::kScalarTimeOut * 1000;
+constexpr int kActionTimeOut = 1000;  // milliseconds
+constexpr int kLengthTimeOut = NySe::kScalarTimeOut * 1000;
 constexpr UINT kGrowBytes = 1024;
 
 }  // namespace
@@ -62,7 +62,7 @@ bool NyServerThreadApp::awaitRelease() {
 // An action of which fewer bytes come is taken with what came.
 NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
     int action = 0;
-    const int received = collect(action, 0, kActionPatience);
+    const int received = collect(action, 0, kActionTimeOut);
     if (received <= 0) return action == 0 ? Round::idle : Round::unclear;
     m_currentAction = action;
     const bool isTaken = handleMessage();
@@ -70,12 +70,12 @@ NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
     return isTaken ? Round::served : Round::refused;
 }
 
-// TCP may end a segment anywhere, so that a header comes in pieces. `timeOut`, in seconds, is that
-// of the first receive; `patience`, in milliseconds, is for all of them.
-int NyServerThreadApp::collect(int& value, int timeOut, int patience) {
-    const ULONGLONG deadline = ::GetTickCount64() + static_cast<ULONGLONG>(patience);
+// TCP may end a segment anywhere, so that a header comes in pieces. `firstTimeOut`, in seconds, is
+// that of the first receive; `timeOut`, in milliseconds, is for all of them.
+int NyServerThreadApp::collect(int& value, int firstTimeOut, int timeOut) {
+    const ULONGLONG deadline = ::GetTickCount64() + static_cast<ULONGLONG>(timeOut);
     return NySe::collect(value, [&](char* buffer, int count) {
-        if (count == int{sizeof value}) return Receive(buffer, count, timeOut);
+        if (count == int{sizeof value}) return Receive(buffer, count, firstTimeOut);
         return awaitRest(deadline) ? Receive(buffer, count, 0) : 0;
     });
 }
@@ -105,7 +105,7 @@ bool NyServerThreadApp::handleMessage() try {
 // came: the message is handled with what did.
 bool NyServerThreadApp::receiveBody(CMemFile& body) {
     int length = 0;
-    if (collect(length, NySe::kScalarTimeOut, kLengthPatience) < int{sizeof length}) return true;
+    if (collect(length, NySe::kScalarTimeOut, kLengthTimeOut) < int{sizeof length}) return true;
     if (length > 0 && static_cast<unsigned int>(length) > m_server->getLongestBody()) return false;
     NySe::receiveBody(body, length, [this](char* buffer, int count) {
         return Receive(buffer, count, NySe::kChunkTimeOut);

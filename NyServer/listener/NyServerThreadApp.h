@@ -42,7 +42,7 @@ class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
     bool awaitMessage();
     bool awaitRelease();
     Round receiveMessage();
-    int collect(int& value, int timeOut, int patience);
+    int collect(int& value, int firstTimeOut, int timeOut);
     bool awaitRest(ULONGLONG deadline);
     bool handleMessage();
     bool receiveBody(CMemFile& body);

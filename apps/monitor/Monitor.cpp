@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{1000};
+constexpr std::chrono::milliseconds kTimeOut{1000};
 
 void dispatchUntilQuit(MonitorWnd& window) {
     MSG message;
@@ -24,6 +24,6 @@ bool runMonitor(const Account& account, void (*abandon)()) {
     if (!window.create()) return false;
     ::ShowWindow(window.m_hWnd, SW_SHOWDEFAULT);
     dispatchUntilQuit(window);
-    if (!window.stop(kPatience)) abandon();
+    if (!window.stop(kTimeOut)) abandon();
     return true;
 }

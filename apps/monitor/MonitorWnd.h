@@ -36,7 +36,7 @@ class MonitorWnd : public CWnd, private MonitorView {
 
     // Once the window has gone: waits so long for the talk with the server to end. False when that
     // goes on; then this object's destructor waits for it.
-    bool stop(std::chrono::milliseconds patience) { return m_worker.stop(patience); }
+    bool stop(std::chrono::milliseconds timeOut) { return m_worker.stop(timeOut); }
 
   protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;

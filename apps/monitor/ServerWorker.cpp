@@ -26,12 +26,12 @@ void ServerWorker::start() {
     m_thread = std::thread([this] { run(); });
 }
 
-bool ServerWorker::stop(std::chrono::milliseconds patience) {
+bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
     Lock lock(m_mutex);
     m_isStopping = true;
     if (m_link) m_link->sever();
     m_changed.notify_all();
-    return m_changed.wait_for(lock, patience, [this] { return m_hasEnded; });
+    return m_changed.wait_for(lock, timeOut, [this] { return m_hasEnded; });
 }
 
 bool ServerWorker::request(Request request) {

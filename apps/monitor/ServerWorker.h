@@ -34,7 +34,7 @@ class ServerWorker {
     void start();
     // Asks it to end and waits so long for that. False when it still waits for the server. From the
     // return on nothing more is posted by a listener.
-    bool stop(std::chrono::milliseconds patience);
+    bool stop(std::chrono::milliseconds timeOut);
 
     // The request is made after those asked for earlier, and not when the connection ends before.
     // False, and it is not made, when there is no connection.

@@ -27,7 +27,7 @@ int pendingError(SOCKET socket) {
 
 }  // namespace
 
-ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds patience) {
+ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds timeOut) {
     const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
     u_long nonBlocking = 1;
     ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
@@ -35,7 +35,7 @@ ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::sec
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&to), sizeof to) != 0 &&
         ::WSAGetLastError() != WSAEWOULDBLOCK)
         return outcomeOf(::WSAGetLastError());
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeOut;
     Readiness readiness = Readiness::notYet;
     while (readiness == Readiness::notYet && std::chrono::steady_clock::now() < end)
         readiness = waitWritable(socket.get());

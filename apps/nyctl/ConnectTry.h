@@ -7,5 +7,5 @@
 enum class ConnectOutcome { connected, refused, unreachable, silent };
 
 // Connects to `port` of the dotted address and closes again. silent: nothing came back within
-// `patience`. REQUIRES: Winsock is started.
-ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds patience);
+// `timeOut`. REQUIRES: Winsock is started.
+ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds timeOut);

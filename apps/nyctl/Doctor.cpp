@@ -56,10 +56,10 @@ const std::array<Doctor::Check, 7> Doctor::kChecks = {
      {"listener port", &Doctor::awaitServer},
      {"window message", &Doctor::awaitNotification}}};
 
-Doctor::Doctor(const Options& options, std::chrono::seconds patience)
+Doctor::Doctor(const Options& options, std::chrono::seconds timeOut)
     : m_options(withOwnUser(options)),
       m_server(parseServer(options.server).value_or(ServerAddress())),
-      m_patience(patience),
+      m_timeOut(timeOut),
       m_session(m_options) {}
 
 ExitStatus Doctor::examine(const Output& output) {
@@ -94,7 +94,7 @@ Finding Doctor::lookUpName() {
 
 Finding Doctor::connect() {
     const std::string where = m_dotted + ':' + std::to_string(m_server.port);
-    ConnectOutcome outcome = tryConnect(m_dotted, m_server.port, m_patience);
+    ConnectOutcome outcome = tryConnect(m_dotted, m_server.port, m_timeOut);
     if (outcome == ConnectOutcome::connected && !m_session.connect())
         outcome = ConnectOutcome::refused;
     switch (outcome) {
@@ -110,7 +110,7 @@ Finding Doctor::connect() {
             return {where + " cannot be reached", "no network leads from this machine to that one",
                     "look at the address, and at this machine's network", exitNoAnswer};
         default:
-            return {where + " does not answer within " + patience(),
+            return {where + " does not answer within " + timeOut(),
                     "the machine is off, or a firewall swallows what is sent to this port",
                     "look whether the machine runs, and let the port through the firewalls",
                     exitNoAnswer};
@@ -161,14 +161,14 @@ Finding Doctor::registerUser() {
 
 Run defineDoctor(CLI::App& command) {
     constexpr int kLongest = 3600;
-    auto patience = std::make_shared<int>(15);
+    auto timeOut = std::make_shared<int>(15);
     command
-        .add_option("--patience", *patience,
+        .add_option("--timeout", *timeOut,
                     "Seconds that the server has for a connection and for a notification")
         ->check(CLI::Range(1, kLongest))
         ->capture_default_str();
-    return [patience](Context& context) {
-        return Doctor(context.output.options(), std::chrono::seconds(*patience))
+    return [timeOut](Context& context) {
+        return Doctor(context.output.options(), std::chrono::seconds(*timeOut))
             .examine(context.output);
     };
 }

@@ -30,8 +30,8 @@ class Doctor {
     static const std::array<Check, 7> kChecks;
 
     // `options` say where the server is and, when isUserChosen, the name to register under.
-    // `patience`: how long the server has for a connection or a notification.
-    Doctor(const Options& options, std::chrono::seconds patience);
+    // `timeOut`: how long the server has for a connection or a notification.
+    Doctor(const Options& options, std::chrono::seconds timeOut);
 
     // Shows each check; none is tried behind the first that fails. The status of that one, or
     // exitYes.
@@ -53,15 +53,15 @@ class Doctor {
     bool sendToUser(const std::string& text);
     // Sends it and waits for it to come to a window. A finding of failure, or well.
     Finding passThroughWindow(const std::string& text);
-    // Dispatches messages until `isDone`; false when the patience is over before that.
+    // Dispatches messages until `isDone`; false when the timeout ends before that.
     template <class Condition>
     bool waitFor(Condition isDone) const;
-    std::string patience() const { return std::to_string(m_patience.count()) + " s"; }
+    std::string timeOut() const { return std::to_string(m_timeOut.count()) + " s"; }
     const NySeUser& user() const { return m_session.user(); }
 
     const Options m_options;
     const ServerAddress m_server;
-    const std::chrono::seconds m_patience;
+    const std::chrono::seconds m_timeOut;
     std::string m_dotted;  // the server's address once it is known
     Session m_session;
 };

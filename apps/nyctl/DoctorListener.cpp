@@ -36,7 +36,7 @@ Finding noSecondSession() {
 
 template <class Condition>
 bool Doctor::waitFor(Condition isDone) const {
-    const auto end = Clock::now() + m_patience;
+    const auto end = Clock::now() + m_timeOut;
     while (!isDone()) {
         if (Clock::now() >= end) return false;
         if (!dispatchNextMessage())
@@ -67,7 +67,7 @@ Finding Doctor::awaitServer() {
     if (!sendToUser(ownText())) return noSecondSession();
     if (waitFor([&listener] { return listener.GetNumConnections() > 0; }))
         return Finding::well("the server has come to port " + port);
-    return {"nobody has come to port " + port + " within " + patience(),
+    return {"nobody has come to port " + port + " within " + timeOut(),
             "the server cannot reach this machine's listener: a firewall keeps it out, or an "
             "address is translated between the two machines",
             "let the server's machine through to the ports that it hands out (nycentral --ports) "
@@ -93,7 +93,7 @@ Finding Doctor::passThroughWindow(const std::string& text) {
     const auto begin = Clock::now();
     if (!sendToUser(text)) return noSecondSession();
     if (!waitFor([&hasCome] { return hasCome; }))
-        return {"no notification within " + patience(),
+        return {"no notification within " + timeOut(),
                 "the server came to the listener, but tells it nothing that was sent to the user",
                 "look at what the server says; look whether a program between the two machines "
                 "takes connections in the listener's place",

@@ -38,12 +38,12 @@ class RawListener {
         const SOCKET socket = connection.socket();
         char message[2 * sizeof(LONG) + kBodyBytes];
         char length[sizeof(LONG)];
-        const long patience = 15;
-        while (bench::awaitReadable(socket, patience) &&
+        const long timeOut = 15;
+        while (bench::awaitReadable(socket, timeOut) &&
                ::recv(socket, message, sizeof(LONG), 0) == sizeof(LONG) &&
-               bench::awaitReadable(socket, patience) &&
+               bench::awaitReadable(socket, timeOut) &&
                ::recv(socket, length, sizeof length, 0) == sizeof length &&
-               bench::awaitReadable(socket, patience) &&
+               bench::awaitReadable(socket, timeOut) &&
                ::recv(socket, message + 2 * sizeof(LONG), kBodyBytes, 0) == kBodyBytes) {
             std::memcpy(message + sizeof(LONG), length, sizeof length);
             post(message, sizeof message);

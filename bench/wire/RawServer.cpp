@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr long kPatience = 15;  // seconds, as long as the library waits
+constexpr long kTimeOut = 15;  // seconds, as long as the library waits
 
 // The bytes of the request in front; 0 when not all of it is there.
 size_t answerFirst(SOCKET socket, const char* bytes, size_t held) {
@@ -55,7 +55,6 @@ bool bench::awaitReadable(SOCKET socket, long seconds, long microseconds) {
 bool bench::exchange(SOCKET socket, const std::string& request, int answerBytes) {
     const int length = static_cast<int>(request.size());
     char answer[sizeof(LONG)];
-    return ::send(socket, request.data(), length, 0) == length &&
-           awaitReadable(socket, kPatience) &&
+    return ::send(socket, request.data(), length, 0) == length && awaitReadable(socket, kTimeOut) &&
            ::recv(socket, answer, answerBytes, 0) == answerBytes;
 }

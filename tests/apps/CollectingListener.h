@@ -16,11 +16,11 @@ class CollectingListener {
     }
 
     // What has come once it is `count` bytes or more; waits for it until nothing has come for
-    // peers::kPatience.
+    // peers::kTimeOut.
     std::string waitFor(size_t count) {
         using Clock = std::chrono::steady_clock;
         size_t seen = 0;
-        for (auto last = Clock::now(); Clock::now() < last + peers::kPatience; ::Sleep(5)) {
+        for (auto last = Clock::now(); Clock::now() < last + peers::kTimeOut; ::Sleep(5)) {
             const size_t now = size();
             if (now >= count) break;
             if (now > seen) last = Clock::now();

@@ -211,10 +211,10 @@ class NyctlDoctorAlone : public ::testing::Test {
                 {NySe::actionIsAlive, m_alive},
                 {NySe::actionGetPortClient, answering(registrationAnswer(m_port))}};
     }
-    // With more patience than any failure but the want of it takes.
-    ExitStatus examine(std::map<LONG, Answer> answers, int patience = 60) {
+    // With a longer timeout than any failure but the timeout itself takes.
+    ExitStatus examine(std::map<LONG, Answer> answers, int timeOut = 60) {
         AnsweringServer server(std::move(answers));
-        return doctor(server.address(), "--patience " + std::to_string(patience));
+        return doctor(server.address(), "--timeout " + std::to_string(timeOut));
     }
 
     const Answer m_agreed = answering(wireOf<LONG>(NySe::schema2015));
@@ -238,7 +238,7 @@ TEST_F(NyctlDoctorAlone, NamesAPortThatRefuses) {
 TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
     const peers::UnansweringPort silent;
     const std::string server = "127.0.0.1:" + std::to_string(silent.port());
-    EXPECT_EQ(exitNoAnswer, doctor(server, "--patience 1"));
+    EXPECT_EQ(exitNoAnswer, doctor(server, "--timeout 1"));
     doctor.expectEndsAt(connecting, server + " does not answer within 1 s");
 }
 
@@ -313,7 +313,7 @@ class NyctlDoctorTold : public NyctlDoctorAlone {
     static constexpr int kShort = 15;
 
     ExitStatus examineTold(const std::function<std::string(const std::string& object)>& told,
-                           int patience = kShort) {
+                           int timeOut = kShort) {
         std::unique_ptr<peers::Connection> toListener;
         auto answers = registering();
         answers[NySe::actionSendUserData] = [&](const std::string& payload) {
@@ -325,7 +325,7 @@ class NyctlDoctorTold : public NyctlDoctorAlone {
             }
             return std::string();
         };
-        return examine(answers, patience);
+        return examine(answers, timeOut);
     }
     static std::string notification(LONG number, const std::string& object) {
         return wireOf(number) + wireOf(static_cast<LONG>(object.size())) + object;

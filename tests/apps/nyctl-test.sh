@@ -50,7 +50,7 @@ expect 0 'ping' --help
 expect 0 'window message  ok' doctor
 NYCTL_USER=Carla expect 0 'registration    ok           Carla is session' doctor
 expect 3 'connect         FAILED' --server 127.0.0.1:1 doctor
-expect 2 'not in range' doctor --patience 0
+expect 2 'not in range' doctor --timeout 0
 
 expect 2 'subcommand is required'
 expect 2 'subcommand is required' no-such-command

@@ -162,7 +162,7 @@ class ListenerFixture : public testing::Test {
     static bool isAlive(peers::Connection& peer) {
         peer.send(kProbe);
         std::string answer;
-        for (auto wait = kGenerously; answer.empty() && wait.count() > 0; wait -= peers::kPatience)
+        for (auto wait = kGenerously; answer.empty() && wait.count() > 0; wait -= peers::kTimeOut)
             answer = peer.receive();
         return answer == kAlive;
     }

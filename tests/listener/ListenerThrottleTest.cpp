@@ -216,8 +216,8 @@ class EagerSender {
         fd_set set{};
         set.fd_count = 1;
         set.fd_array[0] = m_socket;
-        timeval patience{0, 500000};
-        return ::select(0, nullptr, &set, nullptr, &patience) == 1;
+        timeval timeOut{0, 500000};
+        return ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
     }
 
     SOCKET m_socket;

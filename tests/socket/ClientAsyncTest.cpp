@@ -62,10 +62,10 @@ class ClientAsync : public testing::Test {
         ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
         ASSERT_EQ(m_client.SetAsyncNotify(events), UTE_SUCCESS);
     }
-    // Dispatches messages until `isDone`; false after kPatience.
+    // Dispatches messages until `isDone`; false after kTimeOut.
     template <class Condition>
     static bool pumpUntil(Condition isDone) {
-        const auto deadline = std::chrono::steady_clock::now() + peers::kPatience;
+        const auto deadline = std::chrono::steady_clock::now() + peers::kTimeOut;
         while (!isDone()) {
             if (std::chrono::steady_clock::now() > deadline) return false;
             MSG message;

@@ -112,7 +112,7 @@ TEST_F(ClientReceiveLine, CutsALineWhoseRestDoesNotFitBehindItsBeginning) {
     std::promise<void> sendRest;
     peers::Peer peer([&](peers::Connection& connection) {
         connection.send("abc");
-        sendRest.get_future().wait_for(peers::kPatience);
+        sendRest.get_future().wait_for(peers::kTimeOut);
         connection.send("defgh\n");
         connection.receiveAll();
     });

@@ -59,7 +59,7 @@ int portOf(const UniqueSocket& socket) {
 }
 
 bool Connection::waitForData() {
-    const auto deadline = Clock::now() + kPatience;
+    const auto deadline = Clock::now() + kTimeOut;
     while (m_socket && !m_isStopping && Clock::now() < deadline) {
         if (isReadable(m_socket.get())) return true;
     }
@@ -112,7 +112,7 @@ void Peer::run() {
 }
 
 int Peer::waitForServed(int count) {
-    const auto deadline = Clock::now() + kPatience;
+    const auto deadline = Clock::now() + kTimeOut;
     while (m_served < count && Clock::now() < deadline) {
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
@@ -184,8 +184,8 @@ UnansweringPort::UnansweringPort() {
         fd_set set{};
         set.fd_count = 1;
         set.fd_array[0] = socket.get();
-        timeval patience{0, 200000};
-        const bool isAnswered = ::select(0, nullptr, &set, nullptr, &patience) == 1;
+        timeval timeOut{0, 200000};
+        const bool isAnswered = ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
         m_queued.push_back(std::move(socket));
         if (!isAnswered) return;
     }

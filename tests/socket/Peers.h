@@ -1,6 +1,6 @@
 // Real peers for socket tests. Each listens on a free port of 127.0.0.1, serves one connection at a
 // time on a thread of its own and is stopped and joined by its destructor; no wait in it is longer
-// than kPatience.
+// than kTimeOut.
 #pragma once
 
 #include <atomic>
@@ -16,7 +16,7 @@
 
 namespace peers {
 
-inline constexpr std::chrono::seconds kPatience{30};
+inline constexpr std::chrono::seconds kTimeOut{30};
 
 // One start of Winsock.
 class WinsockSession {
@@ -40,10 +40,10 @@ class Connection {
     SOCKET socket() const { return m_socket.get(); }
     void send(std::string_view data);
 
-    // What the next recv brings; empty at a close, an error, a stop or after kPatience.
+    // What the next recv brings; empty at a close, an error, a stop or after kTimeOut.
     std::string receive();
 
-    // Whether this end sees the other one close, or reset, the connection within kPatience, with no
+    // Whether this end sees the other one close, or reset, the connection within kTimeOut, with no
     // data before that.
     bool awaitClose();
 
@@ -74,7 +74,7 @@ class Peer {
 
     unsigned int port() const { return static_cast<unsigned int>(portOf(m_listener)); }
 
-    // Waits until `count` scripts have returned, at most kPatience. How many have.
+    // Waits until `count` scripts have returned, at most kTimeOut. How many have.
     int waitForServed(int count);
 
   private:

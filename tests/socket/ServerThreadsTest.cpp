@@ -42,7 +42,7 @@ TEST_F(ServerThreads, ShowsItsWorkersWholeSettingsWhileTheyChange) {
         m_server->SetProtocol(round % 2);
         return m_looks >= 500 && round >= 500;
     };
-    EXPECT_TRUE(eventually(change, peers::kPatience));
+    EXPECT_TRUE(eventually(change, peers::kTimeOut));
     m_server->SetPort(port);
     EXPECT_EQ(m_wrongLooks, 0);
 }

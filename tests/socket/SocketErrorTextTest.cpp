@@ -98,8 +98,8 @@ class SocketErrorTextOf : public testing::Test {
         const sockaddr_in address = peers::loopbackAddress(nobody.port());
         ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
         fd_set failed{1, {socket.get()}};
-        timeval patience{10, 0};
-        EXPECT_EQ(::select(0, nullptr, nullptr, &failed, &patience), 1);
+        timeval timeOut{10, 0};
+        EXPECT_EQ(::select(0, nullptr, nullptr, &failed, &timeOut), 1);
         return socket;
     }
 

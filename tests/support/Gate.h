@@ -15,7 +15,7 @@ class Gate {
         std::unique_lock lock(m_mutex);
         ++m_arrived;
         m_changed.notify_all();
-        return m_changed.wait_for(lock, kPatience, [this] { return m_isOpen; });
+        return m_changed.wait_for(lock, kTimeOut, [this] { return m_isOpen; });
     }
 
     // Waits until so many threads have come to the gate, this one among them, which opens it. False
@@ -25,13 +25,13 @@ class Gate {
         std::unique_lock lock(m_mutex);
         if (++m_arrived == count) m_isOpen = true;
         m_changed.notify_all();
-        return m_changed.wait_for(lock, kPatience, [this] { return m_isOpen; });
+        return m_changed.wait_for(lock, kTimeOut, [this] { return m_isOpen; });
     }
 
     // Waits until so many threads have come to the gate.
     bool awaitArrivals(int count = 1) {
         std::unique_lock lock(m_mutex);
-        return m_changed.wait_for(lock, kPatience, [&] { return m_arrived >= count; });
+        return m_changed.wait_for(lock, kTimeOut, [&] { return m_arrived >= count; });
     }
 
     void open() {
@@ -41,7 +41,7 @@ class Gate {
     }
 
   private:
-    static constexpr std::chrono::seconds kPatience{60};
+    static constexpr std::chrono::seconds kTimeOut{60};
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
@@ -51,8 +51,8 @@ class Gate {
 
 // Asks again and again, at most as long as said. Whether the answer was yes at last.
 template <class Question>
-bool eventually(Question question, std::chrono::seconds patience = std::chrono::seconds(60)) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
+bool eventually(Question question, std::chrono::seconds timeOut = std::chrono::seconds(60)) {
+    const auto deadline = std::chrono::steady_clock::now() + timeOut;
     while (!question()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
         ::Sleep(5);
