@@ -1,6 +1,6 @@
 #include "NyServer/socket/SocketErrorText.h"
 
-#include "NyServer/socket/SocketErrorTexts.h"
+#include "NyServer/socket/SocketErrorTable.h"
 
 const wchar_t* SocketErrorText(const SOCKET* socket, int* code) {
     int error = 0;

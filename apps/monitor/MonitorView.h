@@ -6,7 +6,7 @@
 #include "apps/monitor/Log.h"
 #include "apps/monitor/ServerRows.h"
 
-class ListenerLink;
+class ListenerReference;
 
 struct ConnectionState {
     bool isConnected = false;
@@ -23,7 +23,7 @@ class MonitorView {
     virtual void showActivity(const std::wstring& what) = 0;
     virtual void addLog(const std::wstring& event, const std::wstring& content) = 0;
     // What is posted from here on comes from this listener.
-    virtual void setListener(const std::shared_ptr<ListenerLink>& listener) = 0;
+    virtual void setListener(const std::shared_ptr<ListenerReference>& listener) = 0;
 
   protected:
     ~MonitorView() = default;

@@ -68,7 +68,7 @@ bool MonitorWnd::onCreate() {
     useDpi(static_cast<int>(::GetDpiForWindow(m_hWnd)));
     placeOnScreen();
     m_keyboard = users().control().window();
-    m_status.show(Throttle());
+    m_status.show(Backlog());
     allowRequests(false);
     return true;
 }

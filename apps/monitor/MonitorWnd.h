@@ -61,7 +61,7 @@ class MonitorWnd : public CWnd, private MonitorView {
     void onDestroy();
     void useDpi(int dpi);
     // True when the listener has paused or flows again.
-    bool watchThrottle(const Throttle& throttle);
+    bool watchBacklog(const Backlog& backlog);
     // What was shown is brought up to date soon; many changes at once cost no more than one.
     void updateSoon();
     void update();
@@ -85,7 +85,7 @@ class MonitorWnd : public CWnd, private MonitorView {
     void showRows(const ServerRows& rows) override;
     void showActivity(const std::wstring& what) override;
     void addLog(const std::wstring& event, const std::wstring& content) override;
-    void setListener(const std::shared_ptr<ListenerLink>& listener) override;
+    void setListener(const std::shared_ptr<ListenerReference>& listener) override;
     void allowRequests(bool isConnected);
 
     HWND control(int id) const { return ::GetDlgItem(m_hWnd, id); }
@@ -114,7 +114,7 @@ class MonitorWnd : public CWnd, private MonitorView {
     bool m_areTablesBehind = false;
     bool m_isUpdateDue = false;
     ULONGLONG m_dueSince = 0;  // ms
-    std::shared_ptr<ListenerLink> m_listener;
+    std::shared_ptr<ListenerReference> m_listener;
     WindowQueue m_queue;
     ServerWorker m_worker{m_account, *this, m_queue, *this};
 };

@@ -30,12 +30,12 @@ bool changesTables(NySe::ActionType action) {
 // The listener that posted it may have gone meanwhile; then nobody counts.
 LRESULT MonitorWnd::onNotification(WPARAM wParam, LPARAM lParam) {
     bool hasTurned = false;
-    const auto take = [&](ThrottledListener* listener) {
+    const auto take = [&](MonitorListener* listener) {
         {
             NyServerNotification notification(wParam, lParam, listener);
             showNotification(notification);
         }
-        if (listener != nullptr) hasTurned = watchThrottle(listener->throttle());
+        if (listener != nullptr) hasTurned = watchBacklog(listener->backlog());
     };
     if (m_listener) {
         m_listener->use(take);
@@ -56,9 +56,9 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
     m_areTablesBehind = m_areTablesBehind || changesTables(action);
 }
 
-bool MonitorWnd::watchThrottle(const Throttle& throttle) {
-    if (std::exchange(m_isPaused, throttle.isPaused) == throttle.isPaused) return false;
-    addLog(L"Listener", throttle.isPaused ? L"paused: " + words::posted(throttle) : L"flows again");
+bool MonitorWnd::watchBacklog(const Backlog& backlog) {
+    if (std::exchange(m_isPaused, backlog.isPaused) == backlog.isPaused) return false;
+    addLog(L"Listener", backlog.isPaused ? L"paused: " + words::posted(backlog) : L"flows again");
     return true;
 }
 
@@ -85,8 +85,8 @@ void MonitorWnd::update() {
     m_log.update();
     if (std::exchange(m_areTablesBehind, false)) m_worker.refresh();
     if (!m_listener) return;
-    m_listener->use([this](ThrottledListener* listener) {
-        m_status.show(listener != nullptr ? listener->throttle() : Throttle());
+    m_listener->use([this](MonitorListener* listener) {
+        m_status.show(listener != nullptr ? listener->backlog() : Backlog());
     });
 }
 
@@ -95,7 +95,7 @@ void MonitorWnd::addLog(const std::wstring& event, const std::wstring& content) 
     updateSoon();
 }
 
-void MonitorWnd::setListener(const std::shared_ptr<ListenerLink>& listener) {
+void MonitorWnd::setListener(const std::shared_ptr<ListenerReference>& listener) {
     m_listener = listener;
     m_isPaused = false;
     updateSoon();

@@ -7,7 +7,7 @@
 
 namespace {
 
-CString narrow(const std::wstring& text) {
+CString toCString(const std::wstring& text) {
     return {text.c_str(), static_cast<int>(text.size())};
 }
 
@@ -20,7 +20,7 @@ void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message)
         return;
     }
     NySeUser user;
-    user.setStrUserName(narrow(receiver.name));
+    user.setStrUserName(toCString(receiver.name));
     user.setSessionNumber(receiver.session);
     user.setSchema(client.getSchemaType());
     client.sendUserData(user, message);
@@ -31,20 +31,20 @@ void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message)
 Request lockRequest(const std::wstring& name, unsigned mode) {
     return {L"Lock", name + L" (" + wide(shareModeWords(mode)) + L')',
             [name, mode](NySeClientApp& client, Account&) {
-                return client.lock(narrow(name), mode) ? L"granted" : L"refused";
+                return client.lock(toCString(name), mode) ? L"granted" : L"refused";
             }};
 }
 
 Request unlockRequest(const std::wstring& name) {
     return {L"Unlock", name, [name](NySeClientApp& client, Account&) {
-                client.unLock(narrow(name));
+                client.unLock(toCString(name));
                 return kSent;
             }};
 }
 
 Request openRequest(const std::wstring& connection) {
     return {L"Open", connection, [connection](NySeClientApp& client, Account&) {
-                const long id = client.openConnection(narrow(connection));
+                const long id = client.openConnection(toCString(connection));
                 return id < 0 ? L"refused" : L"opened, id " + std::to_wstring(id);
             }};
 }
@@ -59,7 +59,7 @@ Request closeRequest(const std::wstring& connection, LONG id) {
 Request sendRequest(const Receiver& receiver, const std::wstring& text) {
     return {L"Send", L"to " + receiver.name, [receiver, text](NySeClientApp& client, Account&) {
                 NySeMessage message;
-                message.setStrMessage(narrow(text));
+                message.setStrMessage(toCString(text));
                 send(client, receiver, message);
                 return kSent;
             }};
@@ -67,8 +67,8 @@ Request sendRequest(const Receiver& receiver, const std::wstring& text) {
 
 Request renameRequest(const std::wstring& name) {
     return {L"Rename", name, [name](NySeClientApp& client, Account& account) {
-                if (!client.updateUserName(narrow(name))) return L"refused";
-                account.user = toUtf8(narrow(name));
+                if (!client.updateUserName(toCString(name))) return L"refused";
+                account.user = toUtf8(toCString(name));
                 return L"taken";
             }};
 }

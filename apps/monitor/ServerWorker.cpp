@@ -29,7 +29,7 @@ void ServerWorker::start() {
 bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
     Lock lock(m_mutex);
     m_isStopping = true;
-    if (m_link) m_link->sever();
+    if (m_link) m_link->reset();
     m_changed.notify_all();
     return m_changed.wait_for(lock, timeOut, [this] { return m_hasEnded; });
 }
@@ -85,8 +85,8 @@ std::wstring ServerWorker::runConnection() {
 
 // The window is the listener's before it listens, so that nothing is missed from then on.
 void ServerWorker::enter() {
-    ThrottledListener& listener = m_session.throttledListener();
-    const auto link = std::make_shared<ListenerLink>(listener);
+    MonitorListener& listener = m_session.monitorListener();
+    const auto link = std::make_shared<ListenerReference>(listener);
     m_queue.post([this, link] { m_view.setListener(link); });
     const Lock lock(m_mutex);
     m_link = link;
@@ -96,7 +96,7 @@ void ServerWorker::enter() {
 void ServerWorker::leave() {
     {
         const Lock lock(m_mutex);
-        if (m_link) m_link->sever();
+        if (m_link) m_link->reset();
         m_link.reset();
     }
     m_session.close();

@@ -10,10 +10,10 @@
 #include <optional>
 #include <thread>
 
+#include "apps/monitor/MonitorListener.h"
 #include "apps/monitor/MonitorView.h"
 #include "apps/monitor/ReconnectDelay.h"
 #include "apps/monitor/Requests.h"
-#include "apps/monitor/ThrottledListener.h"
 #include "apps/monitor/WindowQueue.h"
 
 // Connects, registers, listens for the window, and makes requests one after the other. When the
@@ -77,7 +77,7 @@ class ServerWorker {
     ReconnectDelay m_delay;
 
     std::mutex m_mutex;
-    std::shared_ptr<ListenerLink> m_link;
+    std::shared_ptr<ListenerReference> m_link;
     std::condition_variable m_changed;
     std::deque<Request> m_requests;
     bool m_isServing = false;  // requests are made

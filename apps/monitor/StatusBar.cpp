@@ -43,7 +43,7 @@ void StatusBar::show(Part part, const std::wstring& text) {
         ::SendMessageW(m_bar.GetSafeHwnd(), message, part, reinterpret_cast<LPARAM>(text.c_str()));
 }
 
-void StatusBar::show(const Throttle& throttle) {
-    show(posted, words::posted(throttle));
-    show(flow, words::flow(throttle));
+void StatusBar::show(const Backlog& backlog) {
+    show(posted, words::posted(backlog));
+    show(flow, words::flow(backlog));
 }

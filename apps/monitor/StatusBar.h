@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-#include "apps/monitor/Throttle.h"
+#include "apps/monitor/Backlog.h"
 
 // It belongs to the thread that makes its window.
 class StatusBar {
@@ -22,7 +22,7 @@ class StatusBar {
     int height() const;
 
     void show(Part part, const std::wstring& text);
-    void show(const Throttle& throttle);
+    void show(const Backlog& backlog);
 
   private:
     CWnd m_bar;

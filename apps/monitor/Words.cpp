@@ -50,13 +50,12 @@ std::wstring notConnected() {
     return L"no connection";
 }
 
-std::wstring posted(const Throttle& throttle) {
-    return L"Posted " + std::to_wstring(throttle.posted) + L" of " +
-           std::to_wstring(throttle.limit);
+std::wstring posted(const Backlog& backlog) {
+    return L"Posted " + std::to_wstring(backlog.posted) + L" of " + std::to_wstring(backlog.limit);
 }
 
-std::wstring flow(const Throttle& throttle) {
-    return throttle.isPaused ? L"Paused" : L"Flowing";
+std::wstring flow(const Backlog& backlog) {
+    return backlog.isPaused ? L"Paused" : L"Flowing";
 }
 
 std::wstring counted(const std::wstring& title, int shown, int total) {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "apps/common/Session.h"
-#include "apps/monitor/Throttle.h"
+#include "apps/monitor/Backlog.h"
 
 // Texts of the window are UTF-16, as the system's own.
 std::wstring wide(const CString& text);
@@ -28,8 +28,8 @@ std::wstring noMemory();
 std::wstring notConnected();
 
 // As "Posted 3 of 9000".
-std::wstring posted(const Throttle& throttle);
-std::wstring flow(const Throttle& throttle);
+std::wstring posted(const Backlog& backlog);
+std::wstring flow(const Backlog& backlog);
 
 // The title over a list, as "Users (12)", or "Users (3 of 12)" when some are not shown.
 std::wstring counted(const std::wstring& title, int shown, int total);

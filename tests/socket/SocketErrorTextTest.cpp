@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "NyServer/socket/SocketErrorTexts.h"
+#include "NyServer/socket/SocketErrorTable.h"
 #include "tests/socket/LocalConnection.h"
 
 namespace {

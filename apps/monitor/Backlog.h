@@ -1,8 +1,8 @@
 #pragma once
 
-// How far the window is behind its listener.
-struct Throttle {
-    int posted = 0;  // notifications posted and not yet consumed
+// Notifications that the listener has posted and the window has not consumed.
+struct Backlog {
+    int posted = 0;  // notifications
     long limit = 0;  // above so many the listener reads nothing more until all are consumed
     bool isPaused = false;
 };

@@ -1,12 +1,12 @@
-#include "apps/monitor/ThrottledListener.h"
+#include "apps/monitor/MonitorListener.h"
 
 #include "NyServer/listener/NyServerThreadApp.h"
 
-Throttle ThrottledListener::throttle() {
+Backlog MonitorListener::backlog() {
     const ThreadListLock lock(*this);
-    Throttle throttle{getPostMsgCount(), getPostMessageLimit(), false};
+    Backlog backlog{getPostMsgCount(), getPostMessageLimit(), false};
     for (const ThreadListEntry* entry = ThreadListFirst(); entry != nullptr; entry = entry->next)
         if (static_cast<const NyServerThreadApp*>(entry->worker)->isPaused())
-            throttle.isPaused = true;
-    return throttle;
+            backlog.isPaused = true;
+    return backlog;
 }

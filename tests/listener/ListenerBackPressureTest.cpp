@@ -6,7 +6,7 @@
 namespace {
 
 // The window takes its messages and tells nobody; the test consumes them.
-class ListenerThrottle : public testing::Test {
+class ListenerBackPressure : public testing::Test {
   protected:
     void SetUp() override {
         m_listener.setAppWnd(m_window.wnd());
@@ -53,28 +53,28 @@ class ListenerThrottle : public testing::Test {
     std::vector<peers::Connection> m_peers;
 };
 
-TEST_F(ListenerThrottle, PausesAbove3240AndReleasesWithTheLast) {
+TEST_F(ListenerBackPressure, PausesAbove3240AndReleasesWithTheLast) {
     expectPausedAbove(3240);
 }
 
-TEST_F(ListenerThrottle, PausesAgainAsBefore) {
+TEST_F(ListenerBackPressure, PausesAgainAsBefore) {
     m_setting.set(30);
     expectPausedAbove(27);
     expectPausedAbove(27);
 }
 
-TEST_F(ListenerThrottle, PausesAboveNineTenthsOfALargerLimit) {
+TEST_F(ListenerBackPressure, PausesAboveNineTenthsOfALargerLimit) {
     m_setting.set(10000);
     expectPausedAbove(9000);
 }
 
-TEST_F(ListenerThrottle, PausesWithEachMessageWhenTheLimitIsNone) {
+TEST_F(ListenerBackPressure, PausesWithEachMessageWhenTheLimitIsNone) {
     m_setting.set(1);
     expectPausedAbove(0);
     expectPausedAbove(0);
 }
 
-TEST_F(ListenerThrottle, PostsGoOnDuringAPause) {
+TEST_F(ListenerBackPressure, PostsGoOnDuringAPause) {
     m_setting.set(10);
     post(12);
     EXPECT_EQ(m_listener.getPostMsgCount(), 12);
@@ -85,7 +85,7 @@ TEST_F(ListenerThrottle, PostsGoOnDuringAPause) {
     EXPECT_EQ(m_listener.pauses(), kNone);
 }
 
-TEST_F(ListenerThrottle, ASurplusConsumptionReleasesAndCountsNothing) {
+TEST_F(ListenerBackPressure, ASurplusConsumptionReleasesAndCountsNothing) {
     m_listener.pause(true);
     consume();
     EXPECT_EQ(m_listener.pauses(), kNone);
@@ -94,14 +94,14 @@ TEST_F(ListenerThrottle, ASurplusConsumptionReleasesAndCountsNothing) {
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 
-TEST_F(ListenerThrottle, AConsumptionThatLeavesSomethingReleasesNobody) {
+TEST_F(ListenerBackPressure, AConsumptionThatLeavesSomethingReleasesNobody) {
     post(2);
     m_listener.pause(true);
     consume();
     EXPECT_EQ(m_listener.pauses(), kAll);
 }
 
-TEST_F(ListenerThrottle, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) {
+TEST_F(ListenerBackPressure, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) {
     m_setting.set(10);
     post(10);
     connect(1);
@@ -112,7 +112,7 @@ TEST_F(ListenerThrottle, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) {
     EXPECT_EQ(m_listener.pauses(), (std::vector<bool>{true, true, true}));
 }
 
-TEST_F(ListenerThrottle, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
+TEST_F(ListenerBackPressure, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
     m_setting.set(100);
     std::string stream;
     for (int i = 0; i < 200; ++i) stream += frame(50 + i % 9, wireOf(i) + wireOf(i));
@@ -133,7 +133,7 @@ TEST_F(ListenerThrottle, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
         EXPECT_EQ(m_window.messages()[i].payload().substr(0, 4), wireOf(static_cast<int>(i)));
 }
 
-TEST_F(ListenerThrottle, AWindowThatIsReplacedTakesItsMessagesWithIt) {
+TEST_F(ListenerBackPressure, AWindowThatIsReplacedTakesItsMessagesWithIt) {
     m_setting.set(10);
     post(12);
     ASSERT_EQ(m_listener.pauses(), kAll);
@@ -146,7 +146,7 @@ TEST_F(ListenerThrottle, AWindowThatIsReplacedTakesItsMessagesWithIt) {
     m_listener.setAppWnd(nullptr);
 }
 
-TEST_F(ListenerThrottle, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) {
+TEST_F(ListenerBackPressure, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) {
     post(3);
     m_listener.setAppWnd(nullptr);
     EXPECT_EQ(m_listener.getPostMsgCount(), 0);
@@ -158,7 +158,7 @@ TEST_F(ListenerThrottle, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) 
 }
 
 // Its window may have been destroyed and created again, and the messages with it.
-TEST_F(ListenerThrottle, TheSameWindowObjectSetAgainStartsTheCountAgain) {
+TEST_F(ListenerBackPressure, TheSameWindowObjectSetAgainStartsTheCountAgain) {
     m_setting.set(10);
     post(12);
     ASSERT_EQ(m_listener.pauses(), kAll);
@@ -225,7 +225,7 @@ class EagerSender {
     size_t m_sent = 0;
 };
 
-TEST_F(ListenerThrottle, ASenderIsHeldBackByTheTransportAndLosesNothing) {
+TEST_F(ListenerBackPressure, ASenderIsHeldBackByTheTransportAndLosesNothing) {
     constexpr size_t kMost = 64 * 1024 * 1024;
     const std::string body(65528, 'b');
     m_listener.pause(true);
@@ -256,7 +256,7 @@ class PlainListener : public ProbeListener {
     CUT_WSThread* CreateInstance() override { return new PlainWorker; }
 };
 
-TEST(ListenerThrottleOfOthers, LeavesWorkersOfOtherKindsAlone) {
+TEST(ListenerBackPressureOfOthers, LeavesWorkersOfOtherKindsAlone) {
     const peers::WinsockSession winsock;
     PlainListener listener;
     ASSERT_TRUE(listener.start());
