@@ -6,6 +6,8 @@
 #include "apps/central/Requests.h"
 #include "apps/common/WaitWritable.h"
 
+using namespace apps;
+
 namespace {
 
 // Longer payloads than any request has; keeps one client from using up the server's memory.

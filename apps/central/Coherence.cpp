@@ -4,6 +4,8 @@
 
 #include "apps/common/Utf8.h"
 
+using namespace apps;
+
 namespace {
 
 class Check {

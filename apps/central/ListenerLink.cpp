@@ -6,6 +6,8 @@
 #include "apps/common/SelfConnect.h"
 #include "apps/common/WaitWritable.h"
 
+using namespace apps;
+
 namespace {
 
 constexpr DWORD kPauseBetweenConnectsMs = 200;

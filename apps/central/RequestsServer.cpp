@@ -4,6 +4,8 @@
 #include "apps/common/Utf8.h"
 #include "NyServer/host/NyFctIpUtil.h"
 
+using namespace apps;
+
 bool requests::shutDownServer(const Request& request) {
     request.server.events().add("session " + std::to_string(request.session) +
                                 " shuts the server down");

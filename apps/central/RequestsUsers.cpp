@@ -4,6 +4,8 @@
 #include "apps/central/UserReading.h"
 #include "apps/common/Utf8.h"
 
+using namespace apps;
+
 namespace {
 
 void note(const Request& request, const std::string& what, const CString& name) {

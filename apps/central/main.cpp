@@ -8,6 +8,8 @@
 #include "apps/common/CommandLine.h"
 #include "apps/common/StopRequest.h"
 
+using namespace apps;
+
 namespace {
 
 constexpr int kLongestProbeSeconds = 86'400;

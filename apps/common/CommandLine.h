@@ -7,6 +7,8 @@
 #include "apps/common/Session.h"
 #include "apps/common/Utf8.h"
 
+namespace apps {
+
 // The options that say who talks to which server.
 inline CLI::Option* addServerOption(CLI::App& app, Account& account) {
     return app.add_option("--server", account.server, "HOST:PORT of the central server")
@@ -28,3 +30,5 @@ inline void parseCommandLine(CLI::App& app) {
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     app.parse(arguments);
 }
+
+}  // namespace apps

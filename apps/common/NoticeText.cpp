@@ -10,6 +10,8 @@
 #include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUser.h"
 
+namespace apps {
+
 namespace {
 
 std::string number(LONG value) {
@@ -84,3 +86,5 @@ std::string timeOfDay(const SYSTEMTIME& utc) {
                   local.wSecond, local.wMilliseconds);
     return text;
 }
+
+}  // namespace apps

@@ -7,6 +7,8 @@
 
 #include "NyServer/framing/NySeActions.h"
 
+namespace apps {
+
 // What notification `action` tells, as "a lock was granted"; "unknown" when it is none.
 const char* noticeWords(NySe::ActionType action);
 
@@ -17,3 +19,5 @@ std::string noticeContent(const CObject* object);
 
 // The local time of day, as "17:05:59.123".
 std::string timeOfDay(const SYSTEMTIME& utc);
+
+}  // namespace apps

@@ -2,6 +2,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps {
+
 // Whether both ends of the connection are this socket. A connect to a free port that lies among
 // those that the system picks from for its own end may meet itself; all that is sent comes back
 // then, and nobody is there. False as well for a socket that is not connected.
@@ -14,3 +16,5 @@ inline bool isConnectedToItself(SOCKET socket) {
            ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &peerLength) == 0 &&
            own.sin_port == peer.sin_port && own.sin_addr.s_addr == peer.sin_addr.s_addr;
 }
+
+}  // namespace apps

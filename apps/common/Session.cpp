@@ -5,6 +5,8 @@
 #include "apps/common/Utf8.h"
 #include "NyServer/socket/SocketCodes.h"
 
+namespace apps {
+
 std::optional<ServerAddress> parseServer(const std::string& server) {
     const size_t colon = server.rfind(':');
     if (colon == std::string::npos || colon == 0) return std::nullopt;
@@ -81,3 +83,5 @@ bool Session::listenFrom(LONG port) {
     }
     return false;
 }
+
+}  // namespace apps

@@ -8,6 +8,8 @@
 #include "NyServer/client/NySeClientApp.h"
 #include "NyServer/listener/NyServerApp.h"
 
+namespace apps {
+
 struct ServerAddress {
     std::string host;
     int port = 0;
@@ -73,3 +75,5 @@ class Session {
     bool m_listening = false;
     std::unique_ptr<NyServerApp> m_listener;
 };
+
+}  // namespace apps

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace apps {
+
 std::string shareModeDigits(unsigned mode) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%02X", mode);
@@ -21,3 +23,5 @@ std::string shareModeWords(unsigned mode) {
     }
     return text.empty() ? "none" : text;
 }
+
+}  // namespace apps

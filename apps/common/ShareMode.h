@@ -3,8 +3,12 @@
 
 #include <string>
 
+namespace apps {
+
 // In hex, as "0x18".
 std::string shareModeDigits(unsigned mode);
 
 // Which of the four bits that have a meaning are set, as "exclude1+exclude2"; "none" for none.
 std::string shareModeWords(unsigned mode);
+
+}  // namespace apps

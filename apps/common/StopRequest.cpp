@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+namespace apps {
+
 namespace {
 
 HANDLE makeEvent() {
@@ -32,3 +34,5 @@ StopRequest::StopRequest() {
 StopRequest::~StopRequest() {
     ::SetConsoleCtrlHandler(&onControl, FALSE);
 }
+
+}  // namespace apps

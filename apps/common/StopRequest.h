@@ -3,6 +3,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps {
+
 // While one lives, such a request sets the event and does not end the program. One lives at a time.
 class StopRequest {
   public:
@@ -19,3 +21,5 @@ class StopRequest {
     // Requests the stop from inside the program.
     static void make() { ::SetEvent(event()); }
 };
+
+}  // namespace apps

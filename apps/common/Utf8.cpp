@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace apps {
+
 std::string toUtf8(const CString& text) {
     const int length = text.GetLength();
     const int bytes = ::WideCharToMultiByte(CP_UTF8, 0, text, length, nullptr, 0, nullptr, nullptr);
@@ -28,3 +30,5 @@ std::vector<std::string> commandLineArguments() {
     for (int i = 1; i < count; ++i) arguments.push_back(toUtf8(CString(words.get()[i])));
     return arguments;
 }
+
+}  // namespace apps

@@ -6,8 +6,12 @@
 #include <string>
 #include <vector>
 
+namespace apps {
+
 std::string toUtf8(const CString& text);
 CString fromUtf8(const std::string& text);
 
 // The program's arguments in UTF-8, without its own name.
 std::vector<std::string> commandLineArguments();
+
+}  // namespace apps

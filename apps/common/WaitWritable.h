@@ -2,6 +2,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps {
+
 enum class Readiness { notYet, ready, failed };
 
 // Whether the socket takes bytes, or a connect has ended one way or the other. Waits for it for
@@ -15,3 +17,5 @@ inline Readiness waitWritable(SOCKET socket) {
         return Readiness::failed;
     return writable.fd_count > 0 ? Readiness::ready : Readiness::notYet;
 }
+
+}  // namespace apps

@@ -1,8 +1,12 @@
 #pragma once
 
+namespace apps::monitor {
+
 // Notifications that the listener has posted and the window has not consumed.
 struct Backlog {
     int posted = 0;  // notifications
     long limit = 0;  // above so many the listener reads nothing more until all are consumed
     bool isPaused = false;
 };
+
+}  // namespace apps::monitor

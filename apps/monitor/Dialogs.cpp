@@ -4,6 +4,8 @@
 
 #include "apps/monitor/resource.h"
 
+namespace apps::monitor {
+
 namespace {
 
 // A dialog with one text that must not be empty, and whatever else its kind has.
@@ -155,3 +157,5 @@ std::optional<std::wstring> askText(HWND owner, const TextQuestion& question) {
     if (!dialog.ask(IDD_TEXT, owner)) return std::nullopt;
     return dialog.answer();
 }
+
+}  // namespace apps::monitor

@@ -6,6 +6,8 @@
 
 #include "apps/monitor/Requests.h"
 
+namespace apps::monitor {
+
 // Each shows a dialog over `owner` and waits for its end; nothing when the user cancels. Empty
 // names and texts are not taken.
 
@@ -29,3 +31,5 @@ struct TextQuestion {
     std::wstring text;
 };
 std::optional<std::wstring> askText(HWND owner, const TextQuestion& question);
+
+}  // namespace apps::monitor

@@ -1,5 +1,7 @@
 #include "apps/monitor/Fonts.h"
 
+namespace apps::monitor {
+
 UniqueFont makeWindowFont(int dpi) {
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
@@ -17,3 +19,5 @@ int textHeight(HFONT font) {
     ::ReleaseDC(nullptr, screen);
     return static_cast<int>(metrics.tmHeight);
 }
+
+}  // namespace apps::monitor

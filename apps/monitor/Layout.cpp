@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace apps::monitor {
+
 namespace {
 
 // At 96 dots per inch.
@@ -118,3 +120,5 @@ SIZE smallestClient(int dpi, int textHeight) {
                        2 * measures.px(kSmallestList);
     return {measures.px(kSmallestWidth), height};
 }
+
+}  // namespace apps::monitor

@@ -7,6 +7,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps::monitor {
+
 // A length for screens of 96 dots per inch on one of `dpi`, in pixels.
 int scaled(int length, int dpi);
 
@@ -42,3 +44,5 @@ void placeWindow(const CWnd& window, const RECT& area);
 
 // The smallest size that has room for all, in pixels.
 SIZE smallestClient(int dpi, int textHeight);
+
+}  // namespace apps::monitor

@@ -5,6 +5,8 @@
 
 #include "apps/monitor/Layout.h"
 
+namespace apps::monitor {
+
 namespace {
 
 constexpr DWORD kViewStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_OWNERDATA |
@@ -125,3 +127,5 @@ void ListControl::onNotify(NMHDR& notice) const {
     if ((item.mask & LVIF_TEXT) == 0) return;
     item.pszText = const_cast<wchar_t*>(m_textOf(item.iItem, item.iSubItem).c_str());
 }
+
+}  // namespace apps::monitor

@@ -12,6 +12,8 @@
 
 #include "apps/monitor/Table.h"
 
+namespace apps::monitor {
+
 // It belongs to the thread that makes its windows.
 class ListControl {
   public:
@@ -54,3 +56,5 @@ class ListControl {
     CWnd m_list;
     int m_dpi = USER_DEFAULT_SCREEN_DPI;
 };
+
+}  // namespace apps::monitor

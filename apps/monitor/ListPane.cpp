@@ -2,6 +2,8 @@
 
 #include "apps/monitor/Words.h"
 
+namespace apps::monitor {
+
 bool ListPane::create(CWnd& parent, int id) {
     if (!m_list.create(parent, id, m_title)) return false;
     m_list.showOrder(m_table.sortColumn(), m_table.isAscending());
@@ -39,3 +41,5 @@ void ListPane::onNotify(NMHDR& notice) {
     change([&] { m_table.sortBy(column); });
     m_list.showOrder(m_table.sortColumn(), m_table.isAscending());
 }
+
+}  // namespace apps::monitor

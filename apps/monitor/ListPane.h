@@ -3,6 +3,8 @@
 
 #include "apps/monitor/ListControl.h"
 
+namespace apps::monitor {
+
 // It belongs to the thread that makes its windows.
 class ListPane {
   public:
@@ -37,3 +39,5 @@ class ListPane {
     Table m_table;
     ListControl m_list{m_table.columns(), std::bind_front(&ListPane::textOf, this)};
 };
+
+}  // namespace apps::monitor

@@ -4,6 +4,8 @@
 #include <deque>
 #include <string>
 
+namespace apps::monitor {
+
 struct LogLine {
     std::wstring time;
     std::wstring event;
@@ -27,3 +29,5 @@ class Log {
   private:
     std::deque<LogLine> m_lines;
 };
+
+}  // namespace apps::monitor

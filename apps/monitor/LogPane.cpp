@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace apps::monitor {
+
 std::vector<Column> LogPane::columns() {
     return {{L"Time", 90}, {L"Event", 220}, {L"Content", 500}};
 }
@@ -23,3 +25,5 @@ void LogPane::update() {
     m_list.setCount(m_log.count());
     if (isFollowed) m_list.scrollToEnd();
 }
+
+}  // namespace apps::monitor

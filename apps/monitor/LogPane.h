@@ -4,6 +4,8 @@
 #include "apps/monitor/ListControl.h"
 #include "apps/monitor/Log.h"
 
+namespace apps::monitor {
+
 // It belongs to the thread that makes its windows.
 class LogPane {
   public:
@@ -23,3 +25,5 @@ class LogPane {
     bool m_isBehind = false;
     ListControl m_list{columns(), std::bind_front(&LogPane::textOf, this)};
 };
+
+}  // namespace apps::monitor

@@ -2,6 +2,8 @@
 
 #include "apps/monitor/MonitorWnd.h"
 
+namespace apps::monitor {
+
 namespace {
 
 constexpr std::chrono::milliseconds kTimeOut{1000};
@@ -27,3 +29,5 @@ bool runMonitor(const Account& account, void (*abandon)()) {
     if (!window.stop(kTimeOut)) abandon();
     return true;
 }
+
+}  // namespace apps::monitor

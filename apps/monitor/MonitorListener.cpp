@@ -2,6 +2,8 @@
 
 #include "NyServer/listener/NyServerThreadApp.h"
 
+namespace apps::monitor {
+
 Backlog MonitorListener::backlog() {
     const ThreadListLock lock(*this);
     Backlog backlog{getPostMsgCount(), getPostMessageLimit(), false};
@@ -10,3 +12,5 @@ Backlog MonitorListener::backlog() {
             backlog.isPaused = true;
     return backlog;
 }
+
+}  // namespace apps::monitor

@@ -8,6 +8,8 @@
 #include "apps/common/Session.h"
 #include "apps/monitor/Backlog.h"
 
+namespace apps::monitor {
+
 // Also reports the backlog of its window. Threads: as NyServerApp; backlog may be called by any.
 class MonitorListener : public NyServerApp {
   public:
@@ -51,3 +53,5 @@ class ListenerReference {
     std::mutex m_mutex;
     MonitorListener* m_listener;
 };
+
+}  // namespace apps::monitor

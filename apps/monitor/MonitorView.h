@@ -6,6 +6,8 @@
 #include "apps/monitor/Log.h"
 #include "apps/monitor/ServerRows.h"
 
+namespace apps::monitor {
+
 class ListenerReference;
 
 struct ConnectionState {
@@ -28,3 +30,5 @@ class MonitorView {
   protected:
     ~MonitorView() = default;
 };
+
+}  // namespace apps::monitor

@@ -5,6 +5,8 @@
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerNotification.h"
 
+namespace apps::monitor {
+
 namespace {
 
 constexpr DWORD kWindowStyle = WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN;
@@ -215,3 +217,5 @@ LRESULT MonitorWnd::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     }
     return CWnd::WindowProc(message, wParam, lParam);
 }
+
+}  // namespace apps::monitor

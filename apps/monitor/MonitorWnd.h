@@ -19,6 +19,8 @@
 
 class NyServerNotification;
 
+namespace apps::monitor {
+
 // Lists of users, connections and locks, a log and a status bar; nothing that it does waits for the
 // server. It belongs to the thread that makes it.
 class MonitorWnd : public CWnd, private MonitorView {
@@ -118,3 +120,5 @@ class MonitorWnd : public CWnd, private MonitorView {
     WindowQueue m_queue;
     ServerWorker m_worker{m_account, *this, m_queue, *this};
 };
+
+}  // namespace apps::monitor

@@ -6,6 +6,8 @@
 #include "apps/monitor/resource.h"
 #include "apps/monitor/Words.h"
 
+namespace apps::monitor {
+
 namespace {
 
 std::wstring keyOf(const Row* row) {
@@ -119,3 +121,5 @@ const Row* MonitorWnd::findConnection(const std::wstring& text) const {
             if (table.any(i).cells[cell] == text) return &table.any(i);
     return nullptr;
 }
+
+}  // namespace apps::monitor

@@ -8,6 +8,8 @@
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/listener/NyServerNotification.h"
 
+namespace apps::monitor {
+
 namespace {
 
 std::wstring now() {
@@ -128,3 +130,5 @@ void MonitorWnd::allowRequests(bool isConnected) {
     }
     if (::IsChild(m_hWnd, keyboard) && !::IsWindowEnabled(keyboard)) takeKeyboard();
 }
+
+}  // namespace apps::monitor

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <chrono>
 
+namespace apps::monitor {
+
 // Each wait is twice the one before, up to the longest.
 class ReconnectDelay {
   public:
@@ -25,3 +27,5 @@ class ReconnectDelay {
 
     Duration m_next = kFirst;
 };
+
+}  // namespace apps::monitor

@@ -5,6 +5,8 @@
 #include "apps/monitor/Words.h"
 #include "NyServer/records/NySeMessage.h"
 
+namespace apps::monitor {
+
 namespace {
 
 CString toCString(const std::wstring& text) {
@@ -72,3 +74,5 @@ Request renameRequest(const std::wstring& name) {
                 return L"taken";
             }};
 }
+
+}  // namespace apps::monitor

@@ -6,6 +6,8 @@
 
 #include "apps/common/Session.h"
 
+namespace apps::monitor {
+
 struct Request {
     std::wstring event;  // as the log calls it
     std::wstring what;   // is asked for
@@ -29,3 +31,5 @@ Request closeRequest(const std::wstring& connection, LONG id);
 Request sendRequest(const Receiver& receiver, const std::wstring& text);
 // The account keeps a name that the server has taken.
 Request renameRequest(const std::wstring& name);
+
+}  // namespace apps::monitor

@@ -3,6 +3,8 @@
 #include "apps/common/ShareMode.h"
 #include "apps/monitor/Words.h"
 
+namespace apps::monitor {
+
 namespace {
 
 std::wstring holderName(const NySeSessionLock& holder, const NySeUserPtrArray& users) {
@@ -67,3 +69,5 @@ std::vector<Row> lockRows(const NySeLockArray& locks, const NySeUserPtrArray& us
     for (INT_PTR i = 0; i < locks.GetSize(); ++i) rows.push_back(lockRow(*locks[i], users));
     return rows;
 }
+
+}  // namespace apps::monitor

@@ -6,6 +6,8 @@
 #include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 
+namespace apps::monitor {
+
 // The columns, and the rows to them.
 std::vector<Column> userColumns();
 std::vector<Column> connectionColumns();
@@ -24,3 +26,5 @@ struct ServerRows {
     std::vector<Row> connections;
     std::vector<Row> locks;
 };
+
+}  // namespace apps::monitor

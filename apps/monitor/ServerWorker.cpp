@@ -5,6 +5,8 @@
 #include "apps/monitor/Words.h"
 #include "NyServer/ExceptionBoundary.h"
 
+namespace apps::monitor {
+
 namespace {
 
 // How often the connection is looked at when there is nothing to do.
@@ -215,3 +217,5 @@ void ServerWorker::tellOutcome(const Request& request, const std::wstring& outco
         m_view.addLog(event, content);
     });
 }
+
+}  // namespace apps::monitor

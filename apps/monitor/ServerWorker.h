@@ -16,6 +16,8 @@
 #include "apps/monitor/Requests.h"
 #include "apps/monitor/WindowQueue.h"
 
+namespace apps::monitor {
+
 // Connects, registers, listens for the window, and makes requests one after the other. When the
 // connection ends it connects again, after a delay that grows. What it finds it tells the view
 // through the queue.
@@ -86,3 +88,5 @@ class ServerWorker {
     bool m_hasEnded = true;
     std::thread m_thread;
 };
+
+}  // namespace apps::monitor

@@ -7,6 +7,8 @@
 #include "apps/monitor/Layout.h"
 #include "apps/monitor/Words.h"
 
+namespace apps::monitor {
+
 bool StatusBar::create(CWnd& parent, int id) {
     return m_bar.CreateEx(0, STATUSCLASSNAMEW, L"",
                           WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP | SBARS_TOOLTIPS, 0, 0, 0, 0,
@@ -47,3 +49,5 @@ void StatusBar::show(const Backlog& backlog) {
     show(posted, words::posted(backlog));
     show(flow, words::flow(backlog));
 }
+
+}  // namespace apps::monitor

@@ -8,6 +8,8 @@
 
 #include "apps/monitor/Backlog.h"
 
+namespace apps::monitor {
+
 // It belongs to the thread that makes its window.
 class StatusBar {
   public:
@@ -29,3 +31,5 @@ class StatusBar {
     int m_dpi = USER_DEFAULT_SCREEN_DPI;
     std::array<std::wstring, 4> m_texts;
 };
+
+}  // namespace apps::monitor

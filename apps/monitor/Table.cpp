@@ -5,6 +5,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps::monitor {
+
 namespace {
 
 std::wstring lowered(std::wstring text) {
@@ -73,3 +75,5 @@ void Table::arrange() {
     std::sort(m_shown.begin(), m_shown.end(),
               [this](size_t left, size_t right) { return isBefore(m_rows[left], m_rows[right]); });
 }
+
+}  // namespace apps::monitor

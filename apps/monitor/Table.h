@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace apps::monitor {
+
 struct Column {
     const wchar_t* title;
     int width;  // at 96 dots per inch, in pixels; also its share of the room that is left over
@@ -61,3 +63,5 @@ class Table {
     int m_sortColumn = 0;
     bool m_isAscending = true;
 };
+
+}  // namespace apps::monitor

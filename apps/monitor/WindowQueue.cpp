@@ -2,6 +2,8 @@
 
 #include <utility>
 
+namespace apps::monitor {
+
 namespace {
 
 // A window that has fallen far behind takes no message for a while.
@@ -31,3 +33,5 @@ void WindowQueue::runNext() {
     }
     call();
 }
+
+}  // namespace apps::monitor

@@ -7,6 +7,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace apps::monitor {
+
 // Each call comes to the window as one posted message kMessage, for which the window calls runNext;
 // so calls keep their order also among the other messages posted to the window.
 class WindowQueue {
@@ -28,3 +30,5 @@ class WindowQueue {
     std::mutex m_mutex;
     std::deque<Call> m_calls;
 };
+
+}  // namespace apps::monitor

@@ -2,6 +2,8 @@
 
 #include "apps/common/Utf8.h"
 
+namespace apps::monitor {
+
 std::wstring wide(const CString& text) {
     return {text.GetString(), static_cast<size_t>(text.GetLength())};
 }
@@ -65,3 +67,5 @@ std::wstring counted(const std::wstring& title, int shown, int total) {
 }
 
 }  // namespace words
+
+}  // namespace apps::monitor

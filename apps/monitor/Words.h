@@ -9,6 +9,8 @@
 #include "apps/common/Session.h"
 #include "apps/monitor/Backlog.h"
 
+namespace apps::monitor {
+
 // Texts of the window are UTF-16, as the system's own.
 std::wstring wide(const CString& text);
 std::wstring wide(const std::string& utf8);
@@ -35,3 +37,5 @@ std::wstring flow(const Backlog& backlog);
 std::wstring counted(const std::wstring& title, int shown, int total);
 
 }  // namespace words
+
+}  // namespace apps::monitor

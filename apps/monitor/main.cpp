@@ -7,6 +7,7 @@
 #include "apps/common/CommandLine.h"
 #include "apps/monitor/Monitor.h"
 
+namespace apps::monitor {
 namespace {
 
 constexpr int kWrongUsage = 2;
@@ -47,12 +48,13 @@ int run() {
 }
 
 }  // namespace
+}  // namespace apps::monitor
 
 int main() {
     try {
-        return run();
+        return apps::monitor::run();
     } catch (const std::exception& error) {
-        say(std::string("nymonitor: ") + error.what() + "\n");
+        apps::monitor::say(std::string("nymonitor: ") + error.what() + "\n");
         return 1;
     }
 }

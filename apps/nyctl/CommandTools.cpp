@@ -1,5 +1,7 @@
 #include "apps/nyctl/CommandTools.h"
 
+namespace apps::nyctl {
+
 ExitStatus noAnswer(Context& context) {
     Output::complain("no answer from " + context.session.server());
     context.session.close();
@@ -44,3 +46,5 @@ bool findUser(Context& context, const std::string& name, NySeUser& user) {
     if (found != nullptr) user = *found;
     return found != nullptr;
 }
+
+}  // namespace apps::nyctl

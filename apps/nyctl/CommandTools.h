@@ -11,6 +11,8 @@
 #include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
 
+namespace apps::nyctl {
+
 struct Context {
     Session& session;
     const Output& output;
@@ -58,3 +60,5 @@ void printUsers(Context& context, const NySeUserPtrArray& users);
 
 // The server's user of that name, copied into `user`. False when there is none.
 bool findUser(Context& context, const std::string& name, NySeUser& user);
+
+}  // namespace apps::nyctl

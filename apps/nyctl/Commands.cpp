@@ -3,6 +3,8 @@
 #include "apps/nyctl/CommandTools.h"
 #include "apps/nyctl/Doctor.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 // It makes connections of its own, so that it can say why there is none.
@@ -53,3 +55,5 @@ void addCommands(CLI::App& app, Session& session, const Output& output, ExitStat
     online->footer("Example: nyctl online ping");
     adder.add(*online, kOnlineCommands, Needs::nothing);
 }
+
+}  // namespace apps::nyctl

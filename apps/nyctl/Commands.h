@@ -7,6 +7,10 @@
 #include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
 
+namespace apps::nyctl {
+
 // Adds every command to `app`; parsing a line that names one runs it and leaves its outcome in
 // `status`. All three must outlive `app`.
 void addCommands(CLI::App& app, Session& session, const Output& output, ExitStatus& status);
+
+}  // namespace apps::nyctl

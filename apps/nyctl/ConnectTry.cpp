@@ -4,6 +4,8 @@
 #include "apps/common/WaitWritable.h"
 #include "NyServer/socket/SocketCalls.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 sockaddr_in addressOf(const std::string& dotted, int port) {
@@ -45,3 +47,5 @@ ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::sec
                ? ConnectOutcome::connected
                : ConnectOutcome::refused;
 }
+
+}  // namespace apps::nyctl

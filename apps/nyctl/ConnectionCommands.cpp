@@ -2,6 +2,8 @@
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/records/NySeConnectionArray.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 Run defineOpen(CLI::App& command) {
@@ -56,3 +58,5 @@ const std::vector<Command> kConnectionCommands = {
     {"openers", "Who has a connection open", "openers 0", &defineOpeners},
     {"connections", "All connections", "connections", &defineConnections},
 };
+
+}  // namespace apps::nyctl

@@ -7,6 +7,8 @@
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCodes.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 constexpr const char* kDefaultUser = "nyctl doctor";
@@ -172,3 +174,5 @@ Run defineDoctor(CLI::App& command) {
             .examine(context.output);
     };
 }
+
+}  // namespace apps::nyctl

@@ -7,6 +7,8 @@
 
 #include "apps/nyctl/CommandTools.h"
 
+namespace apps::nyctl {
+
 // What one check found.
 struct Finding {
     std::string found;    // in a few words
@@ -67,3 +69,5 @@ class Doctor {
 };
 
 Run defineDoctor(CLI::App& command);
+
+}  // namespace apps::nyctl

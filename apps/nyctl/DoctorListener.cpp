@@ -6,6 +6,8 @@
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 // How often is looked whether what is waited for has come, in milliseconds.
@@ -107,3 +109,5 @@ Finding Doctor::passThroughWindow(const std::string& text) {
     return Finding::well("a notification came within " + std::to_string(taken.count()) +
                          " ms; none is left to consume");
 }
+
+}  // namespace apps::nyctl

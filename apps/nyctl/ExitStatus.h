@@ -1,6 +1,8 @@
 // What nyctl tells the program that started it. Scripts test these numbers: do not change them.
 #pragma once
 
+namespace apps::nyctl {
+
 enum ExitStatus : int {
     exitYes = 0,       // yes, granted, done
     exitNo = 1,        // no, refused
@@ -8,3 +10,5 @@ enum ExitStatus : int {
     exitNoAnswer = 3,  // no connection, or no answer
     exitTimeOut = 4    // the time was up before what was waited for had come
 };
+
+}  // namespace apps::nyctl

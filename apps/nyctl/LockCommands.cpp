@@ -3,6 +3,8 @@
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/records/NySeLockArray.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 Run defineLock(CLI::App& command) {
@@ -85,3 +87,5 @@ const std::vector<Command> kLockCommands = {
     {"holders", "Who holds a lock", "holders part/42", &defineHolders},
     {"locks", "All locks with their holders", "locks", &defineLocks},
 };
+
+}  // namespace apps::nyctl

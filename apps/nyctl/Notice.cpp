@@ -10,7 +10,11 @@
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
 
+namespace apps::nyctl {
+
 namespace {
+
+using nyctl::describe;  // of users and connections
 
 Record describe(const NySeSessionLock& holder) {
     return {{"session", holder.getSessionNumber()},
@@ -74,3 +78,5 @@ Notice readNotice(NySe::ActionType action, CMemFile& payload) {
              {"object", kind != nullptr ? kind->fields(*object) : Record()},
              {"size", size}}};
 }
+
+}  // namespace apps::nyctl

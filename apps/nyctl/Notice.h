@@ -8,6 +8,8 @@
 #include "apps/nyctl/Output.h"
 #include "NyServer/framing/NySeActions.h"
 
+namespace apps::nyctl {
+
 struct Notice {
     // Time of day, number and its words, class and text of the object inside, size of the payload.
     std::string line;
@@ -18,3 +20,5 @@ struct Notice {
 
 // The notification as it comes now. `payload` is what the server sent, standing at its start.
 Notice readNotice(NySe::ActionType action, CMemFile& payload);
+
+}  // namespace apps::nyctl

@@ -2,6 +2,8 @@
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/online/NyFctWebService.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 // "production", "test", or an address; why it is none of these, or "".
@@ -79,3 +81,5 @@ const std::vector<Command> kOnlineCommands = {
      "The version published for a product: 0 found, 1 none or no production service, 3 no answer",
      "online version 42", &defineVersion},
 };
+
+}  // namespace apps::nyctl

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <sstream>
 
+namespace apps::nyctl {
+
 namespace {
 
 // The control characters: U+0000 to U+001F but the tab, U+007F, and U+0080 to U+009F in their two
@@ -114,3 +116,5 @@ std::vector<std::string> Output::split(const std::string& text) {
 void Output::note(const std::string& text) {
     std::fprintf(stderr, "nyctl: %s\n", text.c_str());
 }
+
+}  // namespace apps::nyctl

@@ -7,6 +7,8 @@
 
 #include "apps/nyctl/Options.h"
 
+namespace apps::nyctl {
+
 using Record = nlohmann::ordered_json;
 
 class Output {
@@ -34,3 +36,5 @@ class Output {
   private:
     const Options& m_options;
 };
+
+}  // namespace apps::nyctl

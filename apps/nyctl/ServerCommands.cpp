@@ -1,6 +1,8 @@
 // The commands about the server itself.
 #include "apps/nyctl/CommandTools.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 Run definePing(CLI::App&) {
@@ -82,3 +84,5 @@ const std::vector<Command> kServerCommands = {
     {"events", "The server's last events, newest first", "events 10", &defineEvents},
     {"shutdown", "Stop the server", "shutdown", &defineShutdown},
 };
+
+}  // namespace apps::nyctl

@@ -3,6 +3,8 @@
 #include <iostream>
 #include <string_view>
 
+namespace apps::nyctl {
+
 namespace {
 
 constexpr std::string_view kEcho = "echo ";
@@ -37,3 +39,5 @@ ExitStatus runShell(Session& session, const Output& output) {
     }
     return worst;
 }
+
+}  // namespace apps::nyctl

@@ -3,6 +3,10 @@
 
 #include "apps/nyctl/Commands.h"
 
+namespace apps::nyctl {
+
 // Runs until the end of the input or the line "exit". Empty lines and lines that begin with # are
 // passed over. Returns the outcome of the last command that was not exitYes, or exitYes.
 ExitStatus runShell(Session& session, const Output& output);
+
+}  // namespace apps::nyctl

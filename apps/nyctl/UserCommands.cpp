@@ -3,6 +3,8 @@
 #include "apps/nyctl/WatchCommand.h"
 #include "NyServer/records/NySeMessage.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 NySeMessage messageOf(const std::string& text) {
@@ -90,3 +92,5 @@ const std::vector<Command> kUserCommands = {
     {"watch", "Register, and show each notification as it comes", "watch --count 3 --timeout 60",
      &defineWatch},
 };
+
+}  // namespace apps::nyctl

@@ -4,6 +4,8 @@
 #include "apps/nyctl/Notice.h"
 #include "apps/nyctl/WatchWindow.h"
 
+namespace apps::nyctl {
+
 namespace {
 
 // How often the server is looked for and the time is looked at, in milliseconds.
@@ -56,3 +58,5 @@ void Watch::show(NySe::ActionType action, CMemFile& payload) {
     const Notice notice = readNotice(action, payload);
     m_context.output.next({notice.line}, notice.record);
 }
+
+}  // namespace apps::nyctl

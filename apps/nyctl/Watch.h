@@ -6,6 +6,8 @@
 
 #include "apps/nyctl/CommandTools.h"
 
+namespace apps::nyctl {
+
 struct WatchLimits {
     unsigned long count = 0;                // notifications; 0: any number
     std::chrono::duration<double> time{0};  // 0: as long as it takes
@@ -36,3 +38,5 @@ class Watch {
     Clock::time_point m_end;
     unsigned long m_seen = 0;
 };
+
+}  // namespace apps::nyctl

@@ -2,6 +2,8 @@
 
 #include "apps/nyctl/Watch.h"
 
+namespace apps::nyctl {
+
 Run defineWatch(CLI::App& command) {
     constexpr double kLongest = 1e6;
     auto count = std::make_shared<unsigned long>(0);
@@ -23,3 +25,5 @@ Run defineWatch(CLI::App& command) {
         return Watch(context, limits).run();
     };
 }
+
+}  // namespace apps::nyctl

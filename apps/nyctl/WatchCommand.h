@@ -3,4 +3,8 @@
 
 #include "apps/nyctl/CommandTools.h"
 
+namespace apps::nyctl {
+
 Run defineWatch(CLI::App& command);
+
+}  // namespace apps::nyctl

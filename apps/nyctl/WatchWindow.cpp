@@ -6,6 +6,8 @@
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerNotification.h"
 
+namespace apps::nyctl {
+
 WatchWindow::WatchWindow(NyServerApp& listener, Show show)
     : m_listener(listener), m_show(std::move(show)) {
     if (!CreateEx(0, AfxRegisterWndClass(0), L"nyctl", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr))
@@ -36,3 +38,5 @@ bool dispatchNextMessage() {
     ::DispatchMessageW(&message);
     return true;
 }
+
+}  // namespace apps::nyctl

@@ -8,6 +8,8 @@
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/listener/NyServerApp.h"
 
+namespace apps::nyctl {
+
 // It is the listener's window as long as it lives; the listener must live longer. It belongs to the
 // thread that makes it and gets its messages when that thread dispatches them.
 class WatchWindow : public CWnd {
@@ -30,3 +32,5 @@ class WatchWindow : public CWnd {
 
 // Dispatches one message of this thread. False when none is waiting.
 bool dispatchNextMessage();
+
+}  // namespace apps::nyctl

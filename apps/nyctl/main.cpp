@@ -4,6 +4,7 @@
 #include "apps/common/CommandLine.h"
 #include "apps/nyctl/Shell.h"
 
+namespace apps::nyctl {
 namespace {
 
 int run() {
@@ -41,12 +42,13 @@ int run() {
 }
 
 }  // namespace
+}  // namespace apps::nyctl
 
 int main() {
     try {
-        return run();
+        return apps::nyctl::run();
     } catch (const std::exception& error) {
-        Output::complain(error.what());
-        return exitNoAnswer;
+        apps::nyctl::Output::complain(error.what());
+        return apps::nyctl::exitNoAnswer;
     }
 }

@@ -7,6 +7,9 @@
 
 #include "apps/nyctl/Commands.h"
 
+using namespace apps;
+using namespace apps::nyctl;
+
 class NyctlRun {
   public:
     // On the session's connection, as in the shell.

@@ -4,6 +4,8 @@
 
 #include "tests/socket/Peers.h"
 
+using namespace apps;
+
 namespace {
 
 class SelfConnect : public ::testing::Test {

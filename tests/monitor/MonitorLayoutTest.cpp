@@ -2,6 +2,8 @@
 #include "apps/monitor/Layout.h"
 #include "tests/monitor/MonitorTest.h"
 
+using namespace apps::monitor;
+
 namespace {
 
 constexpr int kControls[] = {ID_LOCK,         ID_UNLOCK, ID_OPEN,    ID_CLOSE,

@@ -7,6 +7,8 @@
 #include "apps/monitor/ServerRows.h"
 #include "apps/monitor/Words.h"
 
+using namespace apps::monitor;
+
 namespace {
 
 using ::testing::ElementsAre;

@@ -3,6 +3,8 @@
 #include "NyServer/framing/NySeReply.h"
 #include "tests/monitor/MonitorTest.h"
 
+using namespace apps::monitor;
+
 namespace {
 
 class MonitorRequests : public MonitorTest {
@@ -120,7 +122,7 @@ class MonitorSending : public MonitorRequests {
     void SetUp() override {
         MonitorRequests::SetUp();
         m_account = {"127.0.0.1:" + std::to_string(server->port()), "carl"};
-        m_window = std::make_unique<WatchWindow>(
+        m_window = std::make_unique<apps::nyctl::WatchWindow>(
             m_session.listener(), [this](NySe::ActionType action, CMemFile& payload) {
                 const std::unique_ptr<CObject> sent(
                     NySe::readReplyObject(payload, RUNTIME_CLASS(NySeMessage)));
@@ -142,7 +144,7 @@ class MonitorSending : public MonitorRequests {
   private:
     Account m_account;
     Session m_session{m_account};
-    std::unique_ptr<WatchWindow> m_window;
+    std::unique_ptr<apps::nyctl::WatchWindow> m_window;
     std::string m_received;
 };
 

@@ -23,6 +23,9 @@
 #include "tests/socket/Peers.h"
 #include "tests/support/Gate.h"
 
+using namespace apps;
+using namespace apps::monitor;
+
 using Texts = std::vector<std::string>;
 
 constexpr std::chrono::seconds kLong{30};
