@@ -17,7 +17,6 @@
 
 #include <atomic>
 
-#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSServer.h"
 
@@ -128,7 +127,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     friend class NyServerNotification;
 
     HWND appWindow();
-    void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
+    bool post(unsigned int message, DWORD size, void* address);
     void resetPostMsgCount();
     void consumeEmptyMessage();
 

@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "NyServer/base/UniqueHandle.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/listener/PostMessageLimit.h"
@@ -39,24 +40,22 @@ void NyServerApp::postMessageToMainFrame(unsigned int message, CMemFile& file) {
     UniqueGlobalBlock block(::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size));
     if (!block) return;
     void* const address = moveInto(block.get(), file, size);
-    post(message, size, address, std::move(block));
+    // From its address the window can free the block; an empty one has none.
+    if (post(message, size, address) && address) static_cast<void>(block.release());
 }
 
 // The window may have gone since it was looked at: without a handle the system would post to this
 // thread's own queue, where nobody consumes. Under the lock from posting to counting: a window that
 // consumes the message at once would count it down before it was counted up, and the count would
 // never again come back to 0.
-void NyServerApp::post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block) {
+bool NyServerApp::post(unsigned int message, DWORD size, void* address) {
     const ThreadListLock lock(*this);
     const HWND window = appWindow();
-    if (!window) return;
-    // From its address the window can free the block; an empty one has none.
-    if (address)
-        static_cast<void>(block.release());
-    else
-        ++m_emptyMsgCount;
+    if (!window) return false;
+    if (!address) ++m_emptyMsgCount;
     ::PostMessageW(window, message, size, reinterpret_cast<LPARAM>(address));
     increasePostMsgCount();
+    return true;
 }
 
 void NyServerApp::increasePostMsgCount() {
