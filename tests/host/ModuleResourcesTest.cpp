@@ -1,5 +1,5 @@
-// The module's resources beside those of other modules; this program loads the module, and has texts
-// with the module's numbers.
+// The module's resources beside those of other modules; this program loads the module, and has
+// texts with the module's numbers.
 #include "NyServer/host/ModuleResources.h"
 
 #include <gtest/gtest.h>
