@@ -14,7 +14,7 @@ target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warni
 
 if(WIN32)
   # The socket layer is IPv4 and dotted text throughout: the older calls are meant.
-  target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE _WINSOCK_DEPRECATED_NO_WARNINGS)
+  target_compile_definitions(ny_options INTERFACE _WINSOCK_DEPRECATED_NO_WARNINGS)
 endif()
 
 if(NY_SANITIZE)
