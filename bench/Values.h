@@ -113,7 +113,7 @@ inline Request plainRequest() {
 }
 
 inline CString textOf(const std::u16string& text) {
-    return CString(text.c_str(), static_cast<int>(text.size()));
+    return CString(reinterpret_cast<LPCTSTR>(text.c_str()), static_cast<int>(text.size()));
 }
 
 inline void fill(NySeLockArray& table, size_t count) {

@@ -14,10 +14,22 @@ target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warni
 
 if(WIN32)
   # The socket layer is IPv4 and dotted text throughout: the older calls are meant.
-  target_compile_definitions(ny_options INTERFACE UNICODE _UNICODE _WINSOCK_DEPRECATED_NO_WARNINGS)
+  target_compile_definitions(ny_options INTERFACE _WINSOCK_DEPRECATED_NO_WARNINGS)
 endif()
 
 if(NY_SANITIZE)
   add_compile_options(-fsanitize=${NY_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${NY_SANITIZE})
+endif()
+
+# clang-tidy reads each source before it is compiled. clang has the Windows target; the compiler of the build has the
+# headers for it.
+if(NY_TIDY)
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include
+    OUTPUT_VARIABLE include OUTPUT_STRIP_TRAILING_WHITESPACE)
+  set(CMAKE_CXX_CLANG_TIDY clang-tidy --quiet --extra-arg-before=--target=x86_64-w64-mingw32
+    --extra-arg=-Wno-unknown-warning-option --extra-arg=-nostdlibinc)
+  foreach(folder ${include}/c++ ${include}/c++/x86_64-w64-mingw32 /usr/x86_64-w64-mingw32/include)
+    list(APPEND CMAKE_CXX_CLANG_TIDY --extra-arg=-isystem${folder})
+  endforeach()
 endif()

@@ -7,78 +7,6 @@
 #   tools    the dissector
 include(CMakePackageConfigHelpers)
 
-# A header is public when it declares an exported name, when a public header includes it, and when its name is the class
-# library's own.
-set(ny_public_headers
-  ExceptionBoundary.h
-  NyServerApi.h
-  base/UniqueHandle.h
-  base/WindowsPrelude.h
-  base/mfc/AfxCopy.h
-  base/mfc/AfxFetchEarly.h
-  base/mfc/AfxObjectNumbers.h
-  base/mfc/AfxObjectWriter.h
-  base/mfc/AfxShortText.h
-  base/mfc/AfxText.h
-  base/mfc/CArchive.h
-  base/mfc/CArchiveWritten.h
-  base/mfc/CException.h
-  base/mfc/CFile.h
-  base/mfc/CMemFile.h
-  base/mfc/CObject.h
-  base/mfc/CString.h
-  base/mfc/CWnd.h
-  base/mfc/afx.h
-  base/mfc/afxarray.h
-  base/mfc/afxcoll.h
-  base/mfc/afxdllx.h
-  base/mfc/afxplatform.h
-  base/mfc/afxtempl.h
-  base/mfc/afxwin.h
-  base/qo/QoArray2.h
-  base/qo/QoArraySerial2.h
-  base/qo/QoObject2.h
-  base/qo/QoSort.h
-  base/qo/QoUi.h
-  base/qo/QoUiLoadString.h
-  base/qo/QoUiSwitchResource.h
-  base/qo/QoWaitCursor.h
-  base/support/NyBaseApi.h
-  base/support/SmallBlocks.h
-  client/NySeClientApp.h
-  framing/NySeActions.h
-  framing/NySeMemFile.h
-  framing/NySeNotification.h
-  framing/NySeReply.h
-  host/NyFctIpUtil.h
-  host/NyServerModule.h
-  listener/NyServerApp.h
-  listener/NyServerNotification.h
-  listener/NyServerThreadApp.h
-  online/NyFctWebService.h
-  records/NySeConnection.h
-  records/NySeConnectionArray.h
-  records/NySeLock.h
-  records/NySeLockArray.h
-  records/NySeMessage.h
-  records/NySeRecord.h
-  records/NySeRecordStore.h
-  records/NySeSessionLock.h
-  records/NySeSessionLockPtrArray.h
-  records/NySeTable.h
-  records/NySeUser.h
-  records/NySeUserPtrArray.h
-  records/QoArraySimple.h
-  socket/CUT_DataSource.h
-  socket/CUT_File.h
-  socket/CUT_FileDataSource.h
-  socket/CUT_WSClient.h
-  socket/CUT_WSServer.h
-  socket/CUT_WSThread.h
-  socket/HostLookUps.h
-  socket/SocketCodes.h
-  socket/SocketErrorText.h)
-
 set(ny_programs nycentral nyctl nymonitor)
 
 # Debug information names the folders of the machine that it was made on.
@@ -88,10 +16,7 @@ install(TARGETS NyServerDll NyBaseDll EXPORT NyServerTargets RUNTIME DESTINATION
 install(TARGETS ${ny_programs} RUNTIME DESTINATION bin)
 install(FILES ${NY_RUNTIME_DLLS} DESTINATION bin)
 
-foreach(header ${ny_public_headers})
-  cmake_path(GET header PARENT_PATH folder)
-  install(FILES NyServer/${header} DESTINATION include/NyServer/${folder})
-endforeach()
+install(TARGETS nyserver_headers nybase_headers FILE_SET HEADERS DESTINATION include)
 
 # What a user of the library has to know of its build. The class library's names are a matter of NyBaseDll, so that they
 # can be left away together with it.

@@ -40,7 +40,7 @@ free_row() {
 # the outcome, the seconds, and the command's last line when that begins with "= ". A failure also prints what the output says of it and
 # how to repeat the step, and adds the name to build/logs/failed-steps.
 step() {
-  local name=$1 start=$SECONDS log=$logs/$1.log
+  local name=$1 start=$SECONDS log=$logs/$1.log command=${*:2}
   shift
   printf 'start   %-22s         tail -f build/logs/%s.log\n' "$name" "$name"
   if "$@" > "$log" 2>&1 < /dev/null; then
@@ -49,7 +49,7 @@ step() {
   fi
   echo "$name" >> "$logs/failed-steps"
   printf 'FAILED  %-22s %4d s\n%s\n        repeat it:  %s\n        all output: %s\n' "$name" $((SECONDS - start)) \
-    "$(telling_lines "$log" | cut -c 1-200 | sed 's/^/        | /')" "$(as_command "$@")" "build/logs/$name.log"
+    "$(telling_lines "$log" | cut -c 1-200 | sed 's/^/        | /')" "${command#with_count "$name" }" "build/logs/$name.log"
   return 1
 }
 
@@ -61,36 +61,5 @@ telling_lines() {
     tail -n +1 "$1" | head -n -8 | grep -E -m 15 'error[: ]|FAILED|Failure$|ERROR: |Timeout' || true
     echo ...
     tail -n 8 "$1"
-  fi
-}
-
-# as_command WORD...: what to type at a prompt for a step's command.
-as_command() {
-  case $1 in
-    configure) echo "cmake --preset $2" ;;
-    build) echo "cmake --build --preset ${*:2}" ;;
-    run_ctest) echo "ctest --preset $2 --rerun-failed" ;;
-    *) echo "$*" ;;
-  esac
-}
-
-# configure PRESET: makes build/PRESET unless it is there; later changes of the build files are noticed by ninja.
-configure() {
-  if [ -e "build/$1/build.ninja" ] && [ ! CMakePresets.json -nt "build/$1/build.ninja" ]; then
-    echo "= skipped: configured before"
-  else
-    cmake --preset "$1"
-  fi
-}
-
-# build PRESET [NINJA_ARGUMENT...]: builds at a low priority, since tests of another preset may be running meanwhile.
-build() {
-  local preset=$1
-  shift
-  nice -n 10 cmake --build --preset "$preset" "$@" || return 1
-  if grep -q '^ninja: no work to do' "$log"; then
-    echo "= skipped: nothing changed"
-  else
-    echo "= $(grep -c '^\[[0-9]*/[0-9]*\]' "$log") build steps"
   fi
 }

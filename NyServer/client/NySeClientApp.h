@@ -122,8 +122,6 @@ class NYSERVER_API NySeClientApp {
     CString getEventListFromEventViewer(int value);
 
   private:
-    friend struct NySeClientAppAccess;  // the tests' way to the transport
-
     int sendBinary(const void* data, int length);
     int receiveBinary(char* buffer, int length, int timeout);
     bool sendMemFile(NySeMemFile& message);

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "NyServer/records/NySeRecordStore.h"
+#include "NyServer/records/detail/NySeRecordStore.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
 class NySeUser;

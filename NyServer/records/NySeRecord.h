@@ -9,7 +9,7 @@
 
 #include "NyServer/ExceptionBoundary.h"
 #include "NyServer/NyServerApi.h"
-#include "NyServer/records/NySeTable.h"
+#include "NyServer/records/detail/NySeTable.h"
 
 namespace NySe {
 

@@ -1,8 +1,8 @@
 // NySeSessionLock: one grant of a lock to one user session.
 #pragma once
 
+#include "NyServer/records/detail/NySeRecordStore.h"
 #include "NyServer/records/NySeRecord.h"
-#include "NyServer/records/NySeRecordStore.h"
 
 // Which session holds the lock and under which share mode. One object may be used by one thread at
 // a time.

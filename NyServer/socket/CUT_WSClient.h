@@ -5,7 +5,7 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
-#include "NyServer/socket/HostLookUps.h"
+#include "NyServer/socket/detail/HostLookUps.h"
 #include "NyServer/socket/SocketCodes.h"
 
 // One stream or datagram socket that connects out or is handed an accepted connection and, for

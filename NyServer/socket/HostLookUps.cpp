@@ -1,7 +1,7 @@
 // Included first: <afx.h> must precede the Windows headers.
 #include "NyServer/ExceptionBoundary.h"
 
-#include "NyServer/socket/HostLookUps.h"
+#include "NyServer/socket/detail/HostLookUps.h"
 
 namespace {
 

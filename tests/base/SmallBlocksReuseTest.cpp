@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "NyServer/base/support/SmallBlocks.h"
+#include "NyServer/base/support/detail/SmallBlocks.h"
 
 namespace {
 

@@ -29,17 +29,56 @@ class CountingTransport : public CUT_WSClient {
 
 }  // namespace
 
+// The arguments of an explicit instantiation may name private members: that of Exposed defines the
+// function that its tag declares.
+template <class Tag, auto Member>
+struct Exposed {
+    friend constexpr auto memberOf(Tag) { return Member; }
+};
+#define EXPOSE(member)                               \
+    struct Of_##member {                             \
+        friend constexpr auto memberOf(Of_##member); \
+    };                                               \
+    template struct Exposed<Of_##member, &NySeClientApp::member>
+
+EXPOSE(sendMemFile);
+EXPOSE(receiveMemfile);
+EXPOSE(receiveString);
+EXPOSE(transfertObject);
+EXPOSE(m_socket);
+
+bool NySeClientAppAccess::sendMemFile(NySeClientApp& client, NySeMemFile& message) {
+    return (client.*memberOf(Of_sendMemFile()))(message);
+}
+
+bool NySeClientAppAccess::receiveMemfile(NySeClientApp& client, CMemFile& into) {
+    return (client.*memberOf(Of_receiveMemfile()))(into);
+}
+
+bool NySeClientAppAccess::receiveString(NySeClientApp& client, CString& into) {
+    return (client.*memberOf(Of_receiveString()))(into);
+}
+
+void NySeClientAppAccess::transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
+    memberOf(Of_transfertObject())(from, to);
+}
+
+const CUT_WSClient& NySeClientAppAccess::transport(const NySeClientApp& client) {
+    return *(client.*memberOf(Of_m_socket()));
+}
+
 SOCKET NySeClientAppAccess::socket(const NySeClientApp& client) {
-    return client.m_socket->GetSocket();
+    return transport(client).GetSocket();
 }
 
 void NySeClientAppAccess::setTransport(NySeClientApp& client, CUT_WSClient* transport) {
-    delete client.m_socket;
-    client.m_socket = transport;
+    CUT_WSClient*& own = client.*memberOf(Of_m_socket());
+    delete own;
+    own = transport;
 }
 
 void NySeClientAppAccess::closeConnection(NySeClientApp& client) {
-    client.m_socket->CloseConnection();
+    (client.*memberOf(Of_m_socket()))->CloseConnection();
 }
 
 std::string wire(std::string_view hexText) {

@@ -15,19 +15,11 @@
 
 // Reaches the private transport.
 struct NySeClientAppAccess {
-    static bool sendMemFile(NySeClientApp& client, NySeMemFile& message) {
-        return client.sendMemFile(message);
-    }
-    static bool receiveMemfile(NySeClientApp& client, CMemFile& into) {
-        return client.receiveMemfile(into);
-    }
-    static bool receiveString(NySeClientApp& client, CString& into) {
-        return client.receiveString(into);
-    }
-    static void transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
-        NySeClientApp::transfertObject(from, to);
-    }
-    static const CUT_WSClient& transport(const NySeClientApp& client) { return *client.m_socket; }
+    static bool sendMemFile(NySeClientApp& client, NySeMemFile& message);
+    static bool receiveMemfile(NySeClientApp& client, CMemFile& into);
+    static bool receiveString(NySeClientApp& client, CString& into);
+    static void transfertObject(QoArraySerial2& from, QoArraySerial2& to);
+    static const CUT_WSClient& transport(const NySeClientApp& client);
     static SOCKET socket(const NySeClientApp& client);
     // The client takes `transport` over, in place of the one it has.
     static void setTransport(NySeClientApp& client, CUT_WSClient* transport);

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown, and the options that the documents
-# name are the programs'. A document's sessions are typed into one shell each. Where a document says port 42015, a free
+# sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown. A document's sessions are typed into one shell each. Where a document says port 42015, a free
 # one is taken; times, ports, numbers of sessions and the names of this machine are masked.
 set -eu
 programs=$(dirname "$1")
@@ -109,51 +108,31 @@ type_session() {
   type_command "$command"
 }
 
-# check_usage FILE: each option behind a program is one of its own, or of the command that is named with it.
-check_usage() {
-  local line program= option
-  while IFS= read -r line; do
-    [[ $line == ' '* ]] || program=${line%% *}
-    [ -e "$work/help.$program" ] || in_wine "$program" --help > "$work/help.$program" 2>&1
-    for option in $(grep -oE -- '--[a-z][a-z-]*' <<< "$line"); do
-      grep -qE -- "(^| )$option\b" "$work/help.$program" || fail "$where: $program has no $option"
-    done
-  done < "$1"
-}
-
 expected=$work/expected
 said=$work/said
 sessions=0
 
-# test_document DOCUMENT: in a shell of its own, with a folder and a server of its own. Prints the number of its sessions.
+# test_document DOCUMENT: in a shell of its own, with a folder and a server of its own.
 test_document() {
-  local count=0 background='' backgrounds=0 told=0 jobs=() text way
+  local background='' backgrounds=0 told=0 jobs=() line
   port=
   mkdir -p "$work/home"
-  rm -rf "${work:?}/blocks"
-  mkdir "$work/blocks"
-  tools/doc-blocks "$1" "$work/blocks" || fail "$1 has a block that cannot be taken out"
   cd "$work/home"
-  for text in $(find "$work/blocks" -name '*.text' | sort -V); do
-    where=$(cat "${text%.text}.where")
-    way=$(cat "${text%.text}.mark")
-    case $way in
-      run) type_session "$text" ;;
-      usage) check_usage "$text" ;;
-      *) continue ;;
-    esac
-    count=$((count + 1))
-  done
+  while read -r line; do
+    where=$1:$line
+    sed -n "$((line + 2)),\$p" "$root/$1" | sed '/^```$/,$d' > "$work/session"
+    type_session "$work/session"
+    sessions=$((sessions + 1))
+  done < <(grep -n '^<!-- test: run -->$' "$root/$1" | cut -d : -f 1)
   if [ -n "$central" ]; then
     nyctl shutdown > /dev/null 2>&1
     expect_stopped
   fi
-  sessions=$((sessions + count))
   cd "$root"
 }
 
 for document in README.md docs/*.md examples/*/README.md; do
-  grep -qE '^<!-- test: (run|usage) -->$' "$document" && test_document "$document"
+  grep -q '^<!-- test: run -->$' "$document" && test_document "$document"
 done
 
 # Every command has an example.

@@ -1,5 +1,5 @@
-// The module's resources beside those of other modules; this program and the module are linked, and
-// the program has texts with the module's numbers.
+// The module's resources beside those of other modules; this program loads the module, and has
+// texts with the module's numbers.
 #include "NyServer/host/ModuleResources.h"
 
 #include <gtest/gtest.h>
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "NyServer/host/NyServerModule.h"
 #include "tests/support/CStringPrinter.h"
+#include "tests/support/LoadedLibrary.h"
 #include "tests/support/SlotOrder.h"
 
 // After the Windows headers, which it needs.
@@ -16,9 +16,10 @@
 
 namespace {
 
+const LoadedLibrary module(L"NyServerDll.dll");
+
 class ModuleResources : public testing::Test {
   protected:
-    ModuleResources() { NySe::initDll(); }  // also keeps the module linked
     ~ModuleResources() override { AfxSetResourceHandle(nullptr); }
 
     static CString searchedText(UINT id) {

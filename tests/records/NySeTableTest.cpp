@@ -1,5 +1,5 @@
 // What tables do when their record base loads whatever the archive holds.
-#include "NyServer/records/NySeTable.h"
+#include "NyServer/records/detail/NySeTable.h"
 
 #include <gtest/gtest.h>
 

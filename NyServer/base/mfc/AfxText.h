@@ -4,6 +4,6 @@
 #include <string>
 
 #include "afxplatform.h"
-#include "NyServer/base/support/SmallBlocks.h"
+#include "NyServer/base/support/detail/SmallBlocks.h"
 
 using AfxText = std::basic_string<WCHAR, std::char_traits<WCHAR>, SmallBlockAllocator<WCHAR>>;

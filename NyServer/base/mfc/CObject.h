@@ -5,7 +5,7 @@
 #include <new>
 
 #include "afxplatform.h"
-#include "NyServer/base/support/SmallBlocks.h"
+#include "NyServer/base/support/detail/SmallBlocks.h"
 
 class CArchive;
 class CDumpContext;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "CArchive.h"
-#include "NyServer/base/support/SmallBlocks.h"
+#include "NyServer/base/support/detail/SmallBlocks.h"
 
 #include <utility>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "NyServer/base/support/SmallBlocks.h"
+#include "NyServer/base/support/detail/SmallBlocks.h"
 
 #include <atomic>
 #include <cstdlib>
