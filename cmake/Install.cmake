@@ -12,6 +12,7 @@ include(CMakePackageConfigHelpers)
 set(ny_public_headers
   ExceptionBoundary.h
   NyServerApi.h
+  ThreadAnnotations.h
   base/UniqueHandle.h
   base/WindowsPrelude.h
   base/mfc/AfxCopy.h
@@ -75,7 +76,6 @@ set(ny_public_headers
   socket/CUT_WSClient.h
   socket/CUT_WSServer.h
   socket/CUT_WSThread.h
-  socket/HostLookUps.h
   socket/SocketCodes.h
   socket/SocketErrorText.h)
 

@@ -20,6 +20,7 @@
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSServer.h"
+#include "NyServer/ThreadAnnotations.h"
 
 // The host gives it a window and a port, then calls Start.
 //
@@ -108,7 +109,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
 
     // Pauses all present workers or lets them go on. REQUIRES: a ThreadListLock, which only derived
     // listeners can take; so it is for them.
-    void stopThread(bool pause);
+    void stopThread(bool pause) NY_REQUIRES(this);
 
   protected:
     // A NyServerThreadApp; null when there is no memory.
@@ -118,7 +119,7 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
 
     // The number of waiting messages above which the workers are paused. Read from the system until
     // a value above 0 was found. REQUIRES: a ThreadListLock.
-    long getPostMessageLimit();
+    long getPostMessageLimit() NY_REQUIRES(this);
 
     // Raises the shut-down flag, stops accepting and waits as the destructor does. Afterwards no
     // virtual function of the listener is called by a thread of its own.
@@ -129,16 +130,15 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
 
     HWND appWindow();
     void post(unsigned int message, DWORD size, void* address, UniqueGlobalBlock block);
-    void resetPostMsgCount();
+    void resetPostMsgCount() NY_REQUIRES(this);
     void consumeEmptyMessage();
 
     // Changed under the ThreadListLock, read with or without.
     std::atomic<CWnd*> m_appWnd = nullptr;
     unsigned short m_portNumber = 0;
     int m_sessionNumber = 0;
-    // Used under the ThreadListLock.
-    int m_postMsgCount = 0;
-    long m_postMsgLimit = -1;
-    int m_emptyMsgCount = 0;  // of the posted messages those without a block
+    int m_postMsgCount NY_GUARDED_BY(this) = 0;
+    long m_postMsgLimit NY_GUARDED_BY(this) = -1;
+    int m_emptyMsgCount NY_GUARDED_BY(this) = 0;  // of the posted messages those without a block
     std::atomic<unsigned int> m_longestBody = 64 * 1024 * 1024;
 };

@@ -71,7 +71,6 @@ void NyServerApp::decreasePostMsgCount() {
     if (m_postMsgCount < 1) resetPostMsgCount();
 }
 
-// REQUIRES: a ThreadListLock.
 void NyServerApp::resetPostMsgCount() {
     m_postMsgCount = 0;
     m_emptyMsgCount = 0;

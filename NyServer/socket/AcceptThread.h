@@ -38,7 +38,7 @@ class CUT_WSServer::AcceptThread {
 
   private:
     static void runThread(void* accepting);
-    bool isCurrent() const {
+    bool isCurrent() const NY_REQUIRES(*m_rundown) {
         return !m_rundown->isDestroyed() && m_server.m_acceptThread.get() == this;
     }
     bool mayAccept(SOCKET& listener);

@@ -1,5 +1,6 @@
 #include "NyServer/socket/CUT_WSClient.h"
 
+#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCalls.h"
 
 CUT_WSClient::CUT_WSClient() {

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <functional>
+#include <memory>
 
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
-#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCodes.h"
+
+class HostLookUps;
 
 // One stream or datagram socket that connects out or is handed an accepted connection and, for
 // those who listen with a client object, one listening socket.
@@ -264,7 +265,9 @@ class NYSERVER_API CUT_WSClient {
     int startConnect(long timeOut);
     int finishConnect(long timeOut);
     void dropSocket();
-    int startLookUp(const std::function<HANDLE()>& request);
+    bool provideLookUps();
+    template <class Request>
+    int startLookUp(const Request& request);
     void endLookUps();
     bool dropAnnouncement();
     void dropNotificationWindow();
@@ -276,5 +279,5 @@ class NYSERVER_API CUT_WSClient {
     bool mayGoOn(int status);
     bool notify(UINT message, WPARAM wParam, LPARAM lParam);
 
-    HostLookUps m_lookUps;
+    std::unique_ptr<HostLookUps> m_lookUps;  // null before InitAsync
 };

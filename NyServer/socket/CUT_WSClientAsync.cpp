@@ -1,10 +1,11 @@
 // Events and look-ups announced through a hidden window.
-#include <functional>
-#include <mutex>
+#include <new>
 #include <vector>
 
 #include "NyServer/ExceptionBoundary.h"
+#include "NyServer/Mutex.h"
 #include "NyServer/socket/CUT_WSClient.h"
+#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCalls.h"
 
 namespace {
@@ -41,7 +42,7 @@ class WindowClasses {
     // False when the class cannot be registered or there is no memory.
     bool provide(HINSTANCE instance) {
         return NySe::zeroIfOutOfMemory([&] {
-            const std::lock_guard lock(m_lock);
+            const NySe::MutexLock lock(m_mutex);
             if (isClassRegistered(instance)) return true;
             m_instances.reserve(m_instances.size() + 1);
             registerClass(instance);
@@ -61,8 +62,8 @@ class WindowClasses {
         ::RegisterClassW(&windowClass);
     }
 
-    std::mutex m_lock;
-    std::vector<HINSTANCE> m_instances;
+    NySe::Mutex m_mutex;
+    std::vector<HINSTANCE> m_instances NY_GUARDED_BY(m_mutex);
 };
 
 WindowClasses windowClasses;
@@ -70,7 +71,7 @@ WindowClasses windowClasses;
 }  // namespace
 
 int CUT_WSClient::InitAsync(HINSTANCE instance) {
-    if (!windowClasses.provide(instance)) return OnError(UTE_ERROR);
+    if (!windowClasses.provide(instance) || !provideLookUps()) return OnError(UTE_ERROR);
     endLookUps();
     dropNotificationWindow();
     m_notificationWindow =
@@ -80,12 +81,19 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
     return OnError(UTE_SUCCESS);
 }
 
+// False when there is no memory.
+bool CUT_WSClient::provideLookUps() {
+    if (!m_lookUps) m_lookUps.reset(new (std::nothrow) HostLookUps);
+    return m_lookUps != nullptr;
+}
+
 // The object must not go before the system has written its last byte into it. The wait is bounded
 // because an announcement may never be seen, for example when the window's thread has ended.
 void CUT_WSClient::endLookUps() {
-    m_lookUps.cancel();
+    if (!m_lookUps) return;
+    m_lookUps->cancel();
     const ULONGLONG deadline = ::GetTickCount64() + kLongestLookUp;
-    while (m_lookUps.arePending() && ::GetTickCount64() < deadline) {
+    while (m_lookUps->arePending() && ::GetTickCount64() < deadline) {
         if (!dropAnnouncement()) ::Sleep(1);
     }
 }
@@ -100,7 +108,7 @@ bool CUT_WSClient::dropAnnouncement() {
         found.hwnd != m_notificationWindow)
         return false;
     ::PeekMessageW(&found, m_notificationWindow, kNameFound, kAddressFound, kTake);
-    m_lookUps.finish(reinterpret_cast<HANDLE>(found.wParam));
+    m_lookUps->finish(reinterpret_cast<HANDLE>(found.wParam));
     return true;
 }
 
@@ -124,8 +132,9 @@ int CUT_WSClient::SetAsyncNotify(long events) {
 }
 
 // Without a window nobody would learn when the system has written the result.
-int CUT_WSClient::startLookUp(const std::function<HANDLE()>& request) {
-    const bool isStarted = m_notificationWindow && m_lookUps.start(request);
+template <class Request>
+int CUT_WSClient::startLookUp(const Request& request) {
+    const bool isStarted = m_notificationWindow && m_lookUps->start(request);
     return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
 }
 
@@ -162,11 +171,11 @@ bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
             OnAsyncNotify(event, error);
             return true;
         case kNameFound:
-            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
+            m_lookUps->finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetNameNotify(error);
             return true;
         case kAddressFound:
-            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
+            m_lookUps->finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetAddressNotify(error);
             return true;
         default:

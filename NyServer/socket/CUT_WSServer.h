@@ -6,6 +6,7 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
+#include "NyServer/ThreadAnnotations.h"
 
 class CUT_WSThread;
 class RundownProtection;
@@ -30,7 +31,7 @@ class RundownProtection;
 // The base destructor stops accepting and does not wait for handlers that still run.
 //
 // The order of the virtual functions is part of the binary interface.
-class NYSERVER_API CUT_WSServer {
+class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
   public:
     CUT_WSServer();
     virtual ~CUT_WSServer();
@@ -125,10 +126,10 @@ class NYSERVER_API CUT_WSServer {
     };
 
     // Holds the lock of the list and of the connection count. The owner may lock again.
-    class NYSERVER_API ThreadListLock {
+    class NYSERVER_API NY_SCOPED_LOCK ThreadListLock {
       public:
-        explicit ThreadListLock(CUT_WSServer& server);
-        ~ThreadListLock();
+        explicit ThreadListLock(CUT_WSServer& server) NY_ACQUIRES(server);
+        ~ThreadListLock() NY_RELEASES();
         ThreadListLock(const ThreadListLock&) = delete;
         ThreadListLock& operator=(const ThreadListLock&) = delete;
 
@@ -138,7 +139,9 @@ class NYSERVER_API CUT_WSServer {
 
     // The newest worker's entry, or null. REQUIRES: a ThreadListLock for as long as the entries are
     // used.
-    NYSERVER_INLINE const ThreadListEntry* ThreadListFirst() const { return m_threadList; }
+    NYSERVER_INLINE const ThreadListEntry* ThreadListFirst() const NY_REQUIRES(this) {
+        return m_threadList;
+    }
 
     // Puts a worker in front. 1, or 0 when there is no memory for it.
     int ThreadListAdd(CUT_WSThread* worker, DWORD threadId, SOCKET socket);
@@ -186,7 +189,7 @@ class NYSERVER_API CUT_WSServer {
     WSADATA m_winsockData{};
     sockaddr_in m_serverAddress{};
     std::atomic<SOCKET> m_listenSocket = INVALID_SOCKET;
-    ThreadListEntry* m_threadList = nullptr;
+    ThreadListEntry* m_threadList NY_GUARDED_BY(this) = nullptr;
     std::atomic<uintptr_t> m_acceptThreadHandle = kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;

@@ -17,7 +17,7 @@ bool isReallyCancelled(HANDLE request) {
 // The lock is held over the request: an announcement that comes at once waits until it is known.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
     return NySe::zeroIfOutOfMemory([&] {
-        const std::lock_guard lock(m_lock);
+        const NySe::MutexLock lock(m_mutex);
         m_requests.reserve(m_requests.size() + 1);
         const HANDLE started = request();
         if (started) m_requests.push_back(started);
@@ -26,16 +26,16 @@ bool HostLookUps::start(const std::function<HANDLE()>& request) {
 }
 
 void HostLookUps::finish(HANDLE request) {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     std::erase(m_requests, request);
 }
 
 void HostLookUps::cancel() {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     std::erase_if(m_requests, isReallyCancelled);
 }
 
 bool HostLookUps::arePending() const {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     return !m_requests.empty();
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <vector>
 
 #include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/Mutex.h"
 
 // The asynchronous host look-ups of one object whose results the system may still write. A look-up
 // may be announced on another thread, even before its request has been returned to the thread that
@@ -26,6 +26,6 @@ class HostLookUps {
     bool arePending() const;
 
   private:
-    mutable std::mutex m_lock;
-    std::vector<HANDLE> m_requests;
+    mutable NySe::Mutex m_mutex;
+    std::vector<HANDLE> m_requests NY_GUARDED_BY(m_mutex);
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "NyServer/base/UniqueHandle.h"
+#include "NyServer/ThreadAnnotations.h"
 
 // Run-down protection of a server: knows which threads are inside its code, and lets no more in
 // while it is being destroyed. The server and all its threads share one object; it is what a thread
@@ -10,7 +11,7 @@
 // created or released, and not while the worker's handler runs. The accepting thread is inside
 // while OnCanAccept runs; its other steps touch the server under the lock. Every function may be
 // called by any thread.
-class RundownProtection {
+class NY_LOCK_TYPE("run-down protection") RundownProtection {
   public:
     enum class State {
         Open,
@@ -29,12 +30,13 @@ class RundownProtection {
 
     // A mutex of the kernel, because the thread that waits for it or holds it may be ended by force
     // and the lock must stay usable. The owner may lock again.
-    class Lock {
+    class NY_SCOPED_LOCK Lock {
       public:
-        explicit Lock(const RundownProtection& rundown) : m_mutex(rundown.m_mutex.get()) {
+        explicit Lock(const RundownProtection& rundown) NY_ACQUIRES(rundown)
+            : m_mutex(rundown.m_mutex.get()) {
             ::WaitForSingleObject(m_mutex, INFINITE);
         }
-        ~Lock() { ::ReleaseMutex(m_mutex); }
+        ~Lock() NY_RELEASES() { ::ReleaseMutex(m_mutex); }
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
@@ -75,18 +77,18 @@ class RundownProtection {
     // inside.
     void markDestroyed();
 
-    // REQUIRES: locked by the calling thread, for as long as the answer is relied upon.
-    bool isDestroyed() const { return m_state == State::Destroyed; }
+    // The answer holds as long as the lock is held.
+    bool isDestroyed() const NY_REQUIRES(this) { return m_state == State::Destroyed; }
 
   private:
     enum class Threads { Attached, All };
 
-    void enter(Entry& entry, bool isAcceptor);
+    void enter(Entry& entry, bool isAcceptor) NY_REQUIRES(this);
     bool hasOthersInside(Threads threads) const;
     void waitForOthers(Threads threads) const;
 
     UniqueKernelHandle m_mutex;
-    State m_state = State::Open;
-    int m_attached = 0;
-    Entry* m_entries = nullptr;
+    State m_state NY_GUARDED_BY(this) = State::Open;
+    int m_attached NY_GUARDED_BY(this) = 0;
+    Entry* m_entries NY_GUARDED_BY(this) = nullptr;
 };

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "apps/common/Session.h"
 #include "apps/monitor/Backlog.h"
+#include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
@@ -28,7 +28,7 @@ class MonitorSession : public Session {
     }
 };
 
-// The window.s reference to the listener that posts to it. The listener is created and
+// The window's reference to the listener that posts to it. The listener is created and
 // destroyed by another thread. Any thread may call these functions.
 class ListenerReference {
   public:
@@ -37,21 +37,21 @@ class ListenerReference {
     // Calls `action` with the listener, which is not destroyed meanwhile; with null after reset.
     template <class Action>
     void use(Action action) {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         action(m_listener);
     }
 
     // REQUIRES: called before the listener is destroyed. It posts nothing more, and is not used any
     // more.
     void reset() {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         if (m_listener != nullptr) m_listener->setAppWnd(nullptr);
         m_listener = nullptr;
     }
 
   private:
-    std::mutex m_mutex;
-    MonitorListener* m_listener;
+    NySe::Mutex m_mutex;
+    MonitorListener* m_listener NY_GUARDED_BY(m_mutex);
 };
 
 }  // namespace apps::monitor

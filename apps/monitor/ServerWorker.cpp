@@ -24,20 +24,24 @@ ServerWorker::~ServerWorker() {
 }
 
 void ServerWorker::start() {
-    m_hasEnded = false;
+    {
+        const NySe::MutexLock lock(m_mutex);
+        m_hasEnded = false;
+    }
     m_thread = std::thread([this] { run(); });
 }
 
 bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
-    Lock lock(m_mutex);
+    NySe::MutexLock lock(m_mutex);
     m_isStopping = true;
     if (m_link) m_link->reset();
     m_changed.notify_all();
-    return m_changed.wait_for(lock, timeOut, [this] { return m_hasEnded; });
+    return m_changed.wait_for(lock.standard(), timeOut,
+                              [this]() NY_REQUIRES(m_mutex) { return m_hasEnded; });
 }
 
 bool ServerWorker::request(Request request) {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     if (!m_isServing) return false;
     m_requests.push_back(std::move(request));
     m_changed.notify_all();
@@ -45,18 +49,18 @@ bool ServerWorker::request(Request request) {
 }
 
 void ServerWorker::refresh() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_isRefreshWanted = true;
     m_changed.notify_all();
 }
 
 void ServerWorker::setServing(bool isServing) {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_isServing = isServing;
 }
 
 bool ServerWorker::isStopping() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     return m_isStopping;
 }
 
@@ -71,7 +75,7 @@ void ServerWorker::run() {
         });
         if (!isLeft) std::this_thread::sleep_for(kRound);
     }
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_hasEnded = true;
     m_changed.notify_all();
 }
@@ -90,14 +94,14 @@ void ServerWorker::enter() {
     MonitorListener& listener = m_session.monitorListener();
     const auto link = std::make_shared<ListenerReference>(listener);
     m_queue.post([this, link] { m_view.setListener(link); });
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_link = link;
     if (!m_isStopping) listener.setAppWnd(&m_window);
 }
 
 void ServerWorker::leave() {
     {
-        const Lock lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         if (m_link) m_link->reset();
         m_link.reset();
     }
@@ -131,9 +135,10 @@ std::wstring ServerWorker::serveOne() {
 }
 
 std::optional<Request> ServerWorker::takeRequest() {
-    Lock lock(m_mutex);
-    m_changed.wait_for(lock, kRound,
-                       [this] { return m_isStopping || m_isRefreshWanted || !m_requests.empty(); });
+    NySe::MutexLock lock(m_mutex);
+    m_changed.wait_for(lock.standard(), kRound, [this]() NY_REQUIRES(m_mutex) {
+        return m_isStopping || m_isRefreshWanted || !m_requests.empty();
+    });
     if (m_isStopping || m_requests.empty()) return std::nullopt;
     Request request = std::move(m_requests.front());
     m_requests.pop_front();
@@ -141,7 +146,7 @@ std::optional<Request> ServerWorker::takeRequest() {
 }
 
 bool ServerWorker::takeRefresh() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     return std::exchange(m_isRefreshWanted, false);
 }
 
@@ -182,8 +187,9 @@ void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
     takeRefresh();  // earlier ones; one that comes once the wait is told ends it
     tellState({false, words::waiting(reason, delay)});
-    Lock lock(m_mutex);
-    m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
+    NySe::MutexLock lock(m_mutex);
+    m_changed.wait_for(lock.standard(), delay,
+                       [this]() NY_REQUIRES(m_mutex) { return m_isStopping || m_isRefreshWanted; });
 }
 
 std::wstring ServerWorker::whyUnanswered() {
@@ -193,7 +199,7 @@ std::wstring ServerWorker::whyUnanswered() {
 void ServerWorker::dropRequests() {
     std::deque<Request> requests;
     {
-        const Lock lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         requests.swap(m_requests);
     }
     for (const Request& request : requests) tellOutcome(request, words::notConnected());

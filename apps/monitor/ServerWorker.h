@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -15,6 +14,7 @@
 #include "apps/monitor/ReconnectDelay.h"
 #include "apps/monitor/Requests.h"
 #include "apps/monitor/WindowQueue.h"
+#include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
@@ -45,8 +45,6 @@ class ServerWorker {
     void refresh();
 
   private:
-    using Lock = std::unique_lock<std::mutex>;
-
     void run();
     // Each returns why it is over; empty when the worker is to stop.
     std::wstring runConnection();
@@ -78,14 +76,14 @@ class ServerWorker {
     MonitorSession m_session{m_account};
     ReconnectDelay m_delay;
 
-    std::mutex m_mutex;
-    std::shared_ptr<ListenerReference> m_link;
+    NySe::Mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<Request> m_requests;
-    bool m_isServing = false;  // requests are made
-    bool m_isRefreshWanted = false;
-    bool m_isStopping = false;
-    bool m_hasEnded = true;
+    std::shared_ptr<ListenerReference> m_link NY_GUARDED_BY(m_mutex);
+    std::deque<Request> m_requests NY_GUARDED_BY(m_mutex);
+    bool m_isServing NY_GUARDED_BY(m_mutex) = false;  // requests are made
+    bool m_isRefreshWanted NY_GUARDED_BY(m_mutex) = false;
+    bool m_isStopping NY_GUARDED_BY(m_mutex) = false;
+    bool m_hasEnded NY_GUARDED_BY(m_mutex) = true;
     std::thread m_thread;
 };
 

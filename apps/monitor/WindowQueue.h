@@ -3,9 +3,9 @@
 
 #include <deque>
 #include <functional>
-#include <mutex>
 
 #include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
@@ -27,8 +27,8 @@ class WindowQueue {
 
   private:
     HWND m_window = nullptr;
-    std::mutex m_mutex;
-    std::deque<Call> m_calls;
+    NySe::Mutex m_mutex;
+    std::deque<Call> m_calls NY_GUARDED_BY(m_mutex);
 };
 
 }  // namespace apps::monitor
