@@ -76,8 +76,7 @@ set(ny_public_headers
   socket/CUT_WSClient.h
   socket/CUT_WSServer.h
   socket/CUT_WSThread.h
-  socket/SocketCodes.h
-  socket/SocketErrorText.h)
+  socket/SocketCodes.h)
 
 set(ny_programs nycentral nyctl nymonitor)
 
