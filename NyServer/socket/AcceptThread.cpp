@@ -27,7 +27,7 @@ bool isOutOfResources(int error) {
     return error == WSAEMFILE || error == WSAENOBUFS;
 }
 
-// Whether a connection broke before it was accepted.
+// Returns whether a connection broke before it was accepted.
 bool isAbortedConnection(int error) {
     return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENOTCONN;
 }
@@ -77,7 +77,7 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
     return true;
 }
 
-// False when the thread is to end.
+// Returns false to end the thread.
 bool CUT_WSServer::AcceptThread::serveNext(SOCKET listener) {
     sockaddr_in peer{};
     int length = sizeof peer;
@@ -91,8 +91,8 @@ bool CUT_WSServer::AcceptThread::serveNext(SOCKET listener) {
     return true;
 }
 
-// Whether the listening socket is sound although accept has failed. Pauses as often as it takes to
-// be no busy loop, whatever the stack reports again and again.
+// Returns whether the listening socket is usable although accept failed. Pauses often enough to
+// avoid a busy loop, whatever errors the system repeats.
 bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
     if (!isOutOfResources(error) && !isAbortedConnection(error)) return false;
     if (isOutOfResources(error) || ++m_abortedConnections % kAbortedWithoutPause == 0)
@@ -100,9 +100,9 @@ bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
     return true;
 }
 
-// A stop is requested before the listening socket is closed. Whatever is accepted without such a
-// request is therefore ours, and not of a foreign socket that got the closed one's handle; a
-// connection of that one is at worst closed, since the lock cannot be held while accept waits.
+// A stop is requested before the listening socket is closed. So a connection that is accepted
+// without such a request is ours, and not that of an unrelated socket that got the same handle. A
+// connection of the latter is closed at worst, because the lock cannot be held during accept.
 bool CUT_WSServer::AcceptThread::keepsAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     const bool isOurs = isCurrent();
@@ -112,8 +112,8 @@ bool CUT_WSServer::AcceptThread::keepsAccepted() {
     return false;
 }
 
-// Under the lock because it may allocate, and nobody may be ended by force who holds the heap's own
-// lock.
+// Under the lock because it may allocate, and no thread may be terminated that holds the lock of
+// the heap.
 std::string CUT_WSServer::AcceptThread::addressText(const sockaddr_in& peer) {
     const RundownProtection::Lock lock(*m_rundown);
     return socketcalls::dottedText(peer);

@@ -1,4 +1,4 @@
-// Events and look-ups announced through a hidden window.
+// Asynchronous notification of socket events and host look-ups, by messages of a hidden window.
 #include <new>
 #include <vector>
 
@@ -12,9 +12,9 @@ namespace {
 
 constexpr const wchar_t* kWindowClass = L"CUT_WSClient";
 
-// Longer than a resolver tries; in ms.
+// Longer than a resolver tries, in ms.
 constexpr ULONGLONG kLongestLookUp = 60000;
-// For a thread that dispatches messages; in ms.
+// How long a thread may take to dispatch the message that unbinds the object, in ms.
 constexpr UINT kLongestUnbinding = 1000;
 
 constexpr int kObjectSlot = 0;
@@ -31,15 +31,15 @@ bool isClassRegistered(HINSTANCE instance) {
     return ::GetClassInfoW(instance, kWindowClass, &found) != FALSE;
 }
 
-// The window classes that were registered here. Their procedure is unloaded with this module, so
-// that they go with it too.
+// The window classes that are registered here. They are unregistered with this module, because it
+// contains their window procedure.
 class WindowClasses {
   public:
     ~WindowClasses() {
         for (const HINSTANCE instance : m_instances) ::UnregisterClassW(kWindowClass, instance);
     }
 
-    // False when the class cannot be registered or there is no memory.
+    // Returns false if the class cannot be registered or out of memory.
     bool provide(HINSTANCE instance) {
         return NySe::zeroIfOutOfMemory([&] {
             const NySe::MutexLock lock(m_mutex);
@@ -81,14 +81,15 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
     return OnError(UTE_SUCCESS);
 }
 
-// False when there is no memory.
+// Returns false if out of memory.
 bool CUT_WSClient::provideLookUps() {
     if (!m_lookUps) m_lookUps.reset(new (std::nothrow) HostLookUps);
     return m_lookUps != nullptr;
 }
 
-// The object must not go before the system has written its last byte into it. The wait is bounded
-// because an announcement may never be seen, for example when the window's thread has ended.
+// The object must not be destroyed before the system has written its last byte into it. The wait is
+// bounded because an announcement may never be dispatched, for example if the window's thread has
+// ended.
 void CUT_WSClient::endLookUps() {
     if (!m_lookUps) return;
     m_lookUps->cancel();
@@ -98,8 +99,8 @@ void CUT_WSClient::endLookUps() {
     }
 }
 
-// False when there is none, or when the window is another thread's, which dispatches it. WM_QUIT is
-// found whatever is asked for and stays where it is.
+// Returns false if there is none, or if another thread owns the window and dispatches it.
+// PeekMessage returns WM_QUIT whatever the filter is, and leaves it in the queue.
 bool CUT_WSClient::dropAnnouncement() {
     MSG found{};
     constexpr UINT kLook = PM_NOREMOVE | PM_QS_POSTMESSAGE;
@@ -114,8 +115,9 @@ bool CUT_WSClient::dropAnnouncement() {
 
 void CUT_WSClient::dropNotificationWindow() {
     if (!m_notificationWindow) return;
-    // Only the window's own thread can destroy it; from any other it must at least not find a dead
-    // object. Sent, so that a thread that is dispatching to the object has left it.
+    // Only the window's own thread can destroy it; on any other thread it must at least not find a
+    // destroyed object. Sent, so that a thread that is dispatching to the object has returned from
+    // it.
     if (!::SendMessageTimeoutW(m_notificationWindow, kBindObject, 0, 0, SMTO_NORMAL,
                                kLongestUnbinding, nullptr))
         ::SetWindowLongPtrW(m_notificationWindow, kObjectSlot, 0);
@@ -131,7 +133,7 @@ int CUT_WSClient::SetAsyncNotify(long events) {
     return OnError(UTE_SUCCESS);
 }
 
-// Without a window nobody would learn when the system has written the result.
+// Without a window nothing would report that the system has written the result.
 template <class Request>
 int CUT_WSClient::startLookUp(const Request& request) {
     const bool isStarted = m_notificationWindow && m_lookUps->start(request);
@@ -161,8 +163,8 @@ void CUT_WSClient::OnAsyncGetNameNotify(int) {}
 
 void CUT_WSClient::OnAsyncGetAddressNotify(int) {}
 
-// False: not a message of the notification window. Nothing of the object is touched after a hook:
-// the hook may have destroyed it.
+// Returns false for other messages. Nothing of the object is used after a hook, which may destroy
+// it.
 bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
     const int event = LOWORD(lParam);
     const int error = HIWORD(lParam);
@@ -189,7 +191,7 @@ LRESULT CALLBACK CUT_WSClient::WndProc(HWND window, UINT message, WPARAM wParam,
         return 1;
     }
     auto* client = reinterpret_cast<CUT_WSClient*>(::GetWindowLongPtrW(window, kObjectSlot));
-    // An override that throws has taken the message: the dispatcher cannot be unwound through.
+    // An exception must not pass through the dispatcher; the message counts as handled.
     const auto notify = [&] { return client->notify(message, wParam, lParam); };
     if (client && NySe::resultOr(true, notify)) return 0;
     return ::DefWindowProcW(window, message, wParam, lParam);

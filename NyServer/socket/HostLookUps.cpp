@@ -5,8 +5,8 @@
 
 namespace {
 
-// A request that has been cancelled cannot be cancelled again. Some systems report success without
-// cancelling anything, and do so each time.
+// A request cannot be cancelled twice. Some systems report success each time without cancelling
+// anything.
 bool isReallyCancelled(HANDLE request) {
     if (::WSACancelAsyncRequest(request) != 0) return true;
     return ::WSACancelAsyncRequest(request) != 0;
@@ -14,7 +14,7 @@ bool isReallyCancelled(HANDLE request) {
 
 }  // namespace
 
-// The lock is held over the request: an announcement that comes at once waits until it is known.
+// Held during the request, so that an announcement that comes at once waits until it is recorded.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
     return NySe::zeroIfOutOfMemory([&] {
         const NySe::MutexLock lock(m_mutex);

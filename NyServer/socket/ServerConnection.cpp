@@ -25,7 +25,7 @@ void ServerConnection::runThread(void* connection) {
     const bool isAttached = rundown->tryAttach(self->m_entry);
     if (isAttached) self->serve();
     delete self;
-    // Only now that the socket is closed is there nothing left of the connection.
+    // After the socket is closed, so that nothing of the connection is left.
     if (isAttached) rundown->detach();
 }
 
@@ -50,7 +50,7 @@ void ServerConnection::introduce(CUT_WSThread& worker) {
     m_accepted.server->ThreadListAdd(&worker, ::GetCurrentThreadId(), worker.m_socket);
 }
 
-// What a handler throws ends its connection and nothing else.
+// An exception of a handler ends its connection only.
 void ServerConnection::runHandler(CUT_WSThread& worker) {
     worker.SetReceiveTimeOut(socketcalls::kTimeOut);
     worker.SetSendTimeOut(socketcalls::kTimeOut);

@@ -6,7 +6,7 @@
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
-// One accepted connection of a CUT_WSServer: what the accepting thread hands to the thread that
+// An accepted connection of a CUT_WSServer, passed from the accepting thread to the thread that
 // serves it.
 class ServerConnection {
   public:
@@ -19,8 +19,8 @@ class ServerConnection {
         std::shared_ptr<RundownProtection> rundown;
     };
 
-    // Starts the connection's thread, which owns everything from then on. When there is no thread
-    // to be had the connection is closed.
+    // Starts the connection's thread, which takes ownership of `accepted`. If no thread can be
+    // created, the connection is closed.
     static void start(Accepted accepted);
 
   private:
