@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -271,9 +272,7 @@ class NYSERVER_API CUT_WSClient {
     int startConnect(long timeOut);
     int finishConnect(long timeOut);
     void dropSocket();
-    bool provideLookUps();
-    template <class Request>
-    int startLookUp(const Request& request);
+    int startLookUp(const std::function<HANDLE()>& request);
     void endLookUps();
     bool dropAnnouncement();
     void dropNotificationWindow();

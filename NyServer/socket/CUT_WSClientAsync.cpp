@@ -71,7 +71,8 @@ WindowClasses windowClasses;
 }  // namespace
 
 int CUT_WSClient::InitAsync(HINSTANCE instance) {
-    if (!windowClasses.provide(instance) || !provideLookUps()) return OnError(UTE_ERROR);
+    if (!m_lookUps) m_lookUps.reset(new (std::nothrow) HostLookUps);
+    if (!m_lookUps || !windowClasses.provide(instance)) return OnError(UTE_ERROR);
     endLookUps();
     dropNotificationWindow();
     m_notificationWindow =
@@ -79,12 +80,6 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
     if (!m_notificationWindow) return UTE_ERROR;
     ::SendMessageW(m_notificationWindow, kBindObject, 0, reinterpret_cast<LPARAM>(this));
     return OnError(UTE_SUCCESS);
-}
-
-// Returns false if out of memory.
-bool CUT_WSClient::provideLookUps() {
-    if (!m_lookUps) m_lookUps.reset(new (std::nothrow) HostLookUps);
-    return m_lookUps != nullptr;
 }
 
 // The object must not be destroyed before the system has written its last byte into it. The wait is
@@ -134,8 +129,7 @@ int CUT_WSClient::SetAsyncNotify(long events) {
 }
 
 // Without a window nothing would report that the system has written the result.
-template <class Request>
-int CUT_WSClient::startLookUp(const Request& request) {
+int CUT_WSClient::startLookUp(const std::function<HANDLE()>& request) {
     const bool isStarted = m_notificationWindow && m_lookUps->start(request);
     return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
 }
