@@ -34,21 +34,21 @@ class CUT_WSServer::AcceptThread {
     // ignored: the thread then ends by itself, because the listening socket is closed. REQUIRES:
     // the caller holds the RundownProtection::Lock, and the thread has not removed itself from the
     // server.
-    void endByForce(uintptr_t startedThread, DWORD milliseconds);
+    void terminate(uintptr_t startedThread, DWORD milliseconds);
 
   private:
-    static void runThread(void* accepting);
+    static void threadMain(void* accepting);
     bool isCurrent() const NY_REQUIRES(*m_rundown) {
         return !m_rundown->isDestroyed() && m_server.m_acceptThread.get() == this;
     }
     bool mayAccept(SOCKET& listener);
-    bool serveNext(SOCKET listener);
+    bool acceptNext(SOCKET listener);
     bool mayAcceptAgain(int error);
     bool keepsAccepted();
     std::string addressText(const sockaddr_in& peer);
     bool isAllowed(const sockaddr_in& peer);
-    void handOver(SOCKET listener, const sockaddr_in& peer);
-    void dropAccepted();
+    void startConnection(SOCKET listener, const sockaddr_in& peer);
+    void closeAccepted();
 
     CUT_WSServer& m_server;
     std::shared_ptr<RundownProtection> m_rundown;

@@ -17,10 +17,10 @@
 
 namespace {
 
-constexpr int kHighestMaximum = 32000;
-constexpr ULONGLONG kLongestStop = 30000;  // ms
-constexpr ULONGLONG kForcing = 1000;       // of that, ms reserved for terminating the thread
-constexpr DWORD kGrace = 500;              // ms
+constexpr int kLargestMaximum = 32000;
+constexpr ULONGLONG kStopTimeOut = 30000;     // ms
+constexpr ULONGLONG kTerminationTime = 1000;  // of that, ms reserved for terminating the thread
+constexpr DWORD kEndByItselfTime = 500;       // ms
 constexpr ULONGLONG kNever = std::numeric_limits<ULONGLONG>::max();
 
 DWORD leftUntil(ULONGLONG deadline) {
@@ -86,8 +86,8 @@ int CUT_WSServer::StopAccept() {
     if (m_accepting == 1) {
         m_accepting = 0;
         m_stopRequested = 1;
-        const ULONGLONG deadline = ::GetTickCount64() + kLongestStop;
-        if (WakeAcceptThread(deadline - kForcing) == UTE_SUCCESS)
+        const ULONGLONG deadline = ::GetTickCount64() + kStopTimeOut;
+        if (WakeAcceptThread(deadline - kTerminationTime) == UTE_SUCCESS)
             m_acceptThread->waitForEnd(leftUntil(deadline));
         else
             EndAcceptThread(deadline);
@@ -105,10 +105,10 @@ int CUT_WSServer::StopAccept() {
 // that is a thread inside OnCanAccept.
 void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
-    if (!m_acceptThread->waitForEnd(std::min(kGrace, leftUntil(deadline)))) {
+    if (!m_acceptThread->waitForEnd(std::min(kEndByItselfTime, leftUntil(deadline)))) {
         const RundownProtection::Lock lock(*m_rundown);
         if (m_acceptThreadHandle != kNoThread)
-            m_acceptThread->endByForce(m_acceptThreadHandle, leftUntil(deadline));
+            m_acceptThread->terminate(m_acceptThreadHandle, leftUntil(deadline));
     }
     m_acceptThreadHandle = kNoThread;
 }
@@ -125,7 +125,7 @@ int CUT_WSServer::WakeAcceptThread(ULONGLONG deadline) {
 }
 
 int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
-                                  const std::function<bool()>& isPointless) {
+                                  const std::function<bool()>& isCancelled) {
     const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
     if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
     auto report = [&](bool succeeded) {
@@ -133,9 +133,9 @@ int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGL
         return succeeded;
     };
     const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
-    const auto isOver = [&] { return ::GetTickCount64() >= deadline || isPointless(); };
+    const auto isOver = [&] { return ::GetTickCount64() >= deadline || isCancelled(); };
     const auto result = socketcalls::connectUntil(socket, peer, isOver);
-    if (result == socketcalls::Readiness::pending && isPointless()) {
+    if (result == socketcalls::Readiness::pending && isCancelled()) {
         ::closesocket(socket);
         return OnError(UTE_SUCCESS);
     }
@@ -147,7 +147,7 @@ int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGL
 }
 
 int CUT_WSServer::SetMaxConnections(int n) {
-    if (n < 1 || n > kHighestMaximum) return -1;
+    if (n < 1 || n > kLargestMaximum) return -1;
     m_maxConnections.store(n, std::memory_order_relaxed);
     return n;
 }

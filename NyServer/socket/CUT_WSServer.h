@@ -189,7 +189,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     bool StartAcceptThread();
     int WakeAcceptThread(ULONGLONG deadline);
     int ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
-                        const std::function<bool()>& isPointless);
+                        const std::function<bool()>& isCancelled);
     void EndAcceptThread(ULONGLONG deadline);
     void CloseListenSocket();
     int FreeThreadList();

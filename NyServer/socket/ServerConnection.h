@@ -27,12 +27,12 @@ class ServerConnection {
     explicit ServerConnection(Accepted accepted) : m_accepted(std::move(accepted)) {}
     ~ServerConnection();
 
-    static void runThread(void* connection);
+    static void threadMain(void* connection);
     void serve();
-    CUT_WSThread* makeWorker();
-    void introduce(CUT_WSThread& worker);
+    CUT_WSThread* createWorker();
+    void initialize(CUT_WSThread& worker);
     void runHandler(CUT_WSThread& worker);
-    void dismiss(CUT_WSThread* worker);
+    void removeAndDestroy(CUT_WSThread* worker);
     void release(CUT_WSThread* worker);
 
     Accepted m_accepted;
