@@ -34,7 +34,7 @@ void ServerWorker::start() {
 bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
     NySe::MutexLock lock(m_mutex);
     m_isStopping = true;
-    if (m_link) m_link->reset();
+    if (m_listener) m_listener->reset();
     m_changed.notify_all();
     return m_changed.wait_for(lock.standard(), timeOut,
                               [this]() NY_REQUIRES(m_mutex) { return m_hasEnded; });
@@ -69,7 +69,7 @@ void ServerWorker::run() {
         std::wstring reason;
         const bool isOver = NySe::succeeds([&] { reason = runConnection(); });
         const bool isLeft = NySe::succeeds([&] {
-            leave();
+            endSession();
             if (!isOver) reason = words::noMemory();  // what else throws ends in the library
             if (!reason.empty()) awaitNextAttempt(reason);
         });
@@ -81,41 +81,41 @@ void ServerWorker::run() {
 }
 
 std::wstring ServerWorker::runConnection() {
-    tellState({false, words::connecting(m_account)});
+    reportState({false, words::connecting(m_account)});
     if (!m_session.open()) return words::noConnection(m_account);
-    enter();
+    attachListener();
     if (!m_session.listen())
         return m_session.client().isAlive() ? words::noPort() : whyUnanswered();
     return serve();
 }
 
 // The window is the listener's before it listens, so that nothing is missed from then on.
-void ServerWorker::enter() {
+void ServerWorker::attachListener() {
     MonitorListener& listener = m_session.monitorListener();
-    const auto link = std::make_shared<ListenerReference>(listener);
-    m_queue.post([this, link] { m_view.setListener(link); });
+    const auto reference = std::make_shared<ListenerReference>(listener);
+    m_queue.post([this, reference] { m_view.setListener(reference); });
     const NySe::MutexLock lock(m_mutex);
-    m_link = link;
+    m_listener = reference;
     if (!m_isStopping) listener.setAppWnd(&m_window);
 }
 
-void ServerWorker::leave() {
+void ServerWorker::endSession() {
     {
         const NySe::MutexLock lock(m_mutex);
-        if (m_link) m_link->reset();
-        m_link.reset();
+        if (m_listener) m_listener->reset();
+        m_listener.reset();
     }
     m_session.close();
     setServing(false);
     dropRequests();
-    tellActivity({});
+    reportActivity({});
 }
 
 std::wstring ServerWorker::serve() {
     if (!readTables()) return whyUnanswered();
     m_delay.reset();
     setServing(true);
-    tellConnected();
+    reportConnected();
     std::wstring reason;
     while (!isStopping() && reason.empty()) reason = serveOne();
     return reason;
@@ -153,13 +153,13 @@ bool ServerWorker::takeRefresh() {
 // What the request has changed is seen in the tables, and reading them tells whether the server
 // still answers. Not so after an answer that has not come: it may yet come, in place of the tables.
 bool ServerWorker::perform(const Request& request) {
-    tellActivity(request.event + L' ' + request.what);
+    reportActivity(request.event + L' ' + request.what);
     const auto start = std::chrono::steady_clock::now();
     const std::wstring outcome = request.run(m_session.client(), m_account);
     const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
     const bool isAnswered = isInTime && readTables();
-    tellOutcome(request, isAnswered ? outcome : L"no answer");
-    if (isAnswered) tellConnected();
+    reportOutcome(request, isAnswered ? outcome : L"no answer");
+    if (isAnswered) reportConnected();
     return isAnswered;
 }
 
@@ -167,7 +167,7 @@ bool ServerWorker::perform(const Request& request) {
 // other tables may well be empty; so the server is asked for a sign of life in the end.
 bool ServerWorker::readTables() {
     takeRefresh();
-    tellActivity(L"lists");
+    reportActivity(L"lists");
     NySeClientApp& client = m_session.client();
     NySeUserPtrArray users;
     client.getAllUser(users);
@@ -177,7 +177,7 @@ bool ServerWorker::readTables() {
     client.getConnection(connections);
     client.getLock(locks);
     if (!client.isAlive()) return false;
-    tellActivity({});
+    reportActivity({});
     m_queue.post([this, rows = ServerRows{userRows(users), connectionRows(connections),
                                           lockRows(locks, users)}] { m_view.showRows(rows); });
     return true;
@@ -186,7 +186,7 @@ bool ServerWorker::readTables() {
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
     takeRefresh();  // earlier ones; one that comes once the wait is told ends it
-    tellState({false, words::waiting(reason, delay)});
+    reportState({false, words::waiting(reason, delay)});
     NySe::MutexLock lock(m_mutex);
     m_changed.wait_for(lock.standard(), delay,
                        [this]() NY_REQUIRES(m_mutex) { return m_isStopping || m_isRefreshWanted; });
@@ -202,23 +202,23 @@ void ServerWorker::dropRequests() {
         const NySe::MutexLock lock(m_mutex);
         requests.swap(m_requests);
     }
-    for (const Request& request : requests) tellOutcome(request, words::notConnected());
+    for (const Request& request : requests) reportOutcome(request, words::notConnected());
 }
 
-void ServerWorker::tellConnected() {
+void ServerWorker::reportConnected() {
     const NySeUser& user = m_session.user();
-    tellState({true, words::connected(m_account, user), user.getSessionNumber()});
+    reportState({true, words::connected(m_account, user), user.getSessionNumber()});
 }
 
-void ServerWorker::tellState(const ConnectionState& state) {
+void ServerWorker::reportState(const ConnectionState& state) {
     m_queue.post([this, state] { m_view.showState(state); });
 }
 
-void ServerWorker::tellActivity(const std::wstring& what) {
+void ServerWorker::reportActivity(const std::wstring& what) {
     m_queue.post([this, what] { m_view.showActivity(what); });
 }
 
-void ServerWorker::tellOutcome(const Request& request, const std::wstring& outcome) {
+void ServerWorker::reportOutcome(const Request& request, const std::wstring& outcome) {
     m_queue.post([this, event = request.event, content = request.what + L": " + outcome] {
         m_view.addLog(event, content);
     });

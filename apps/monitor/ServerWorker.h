@@ -50,8 +50,8 @@ class ServerWorker {
     std::wstring runConnection();
     std::wstring serve();
     std::wstring serveOne();
-    void enter();
-    void leave();
+    void attachListener();
+    void endSession();
     void awaitNextAttempt(const std::wstring& reason);
 
     void setServing(bool isServing);
@@ -64,10 +64,10 @@ class ServerWorker {
 
     std::wstring whyUnanswered();
     void dropRequests();
-    void tellConnected();
-    void tellState(const ConnectionState& state);
-    void tellActivity(const std::wstring& what);
-    void tellOutcome(const Request& request, const std::wstring& outcome);
+    void reportConnected();
+    void reportState(const ConnectionState& state);
+    void reportActivity(const std::wstring& what);
+    void reportOutcome(const Request& request, const std::wstring& outcome);
 
     Account m_account;
     CWnd& m_window;
@@ -78,7 +78,7 @@ class ServerWorker {
 
     NySe::Mutex m_mutex;
     std::condition_variable m_changed;
-    std::shared_ptr<ListenerReference> m_link NY_GUARDED_BY(m_mutex);
+    std::shared_ptr<ListenerReference> m_listener NY_GUARDED_BY(m_mutex);
     std::deque<Request> m_requests NY_GUARDED_BY(m_mutex);
     bool m_isServing NY_GUARDED_BY(m_mutex) = false;  // requests are made
     bool m_isRefreshWanted NY_GUARDED_BY(m_mutex) = false;
