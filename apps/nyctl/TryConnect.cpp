@@ -1,4 +1,4 @@
-#include "apps/nyctl/ConnectTry.h"
+#include "apps/nyctl/TryConnect.h"
 
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/socket/TimedConnect.h"
