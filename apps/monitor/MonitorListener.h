@@ -1,4 +1,4 @@
-// The window's listener, and how the window gets at it while the connection to the server may end.
+// The listener of the window, and a reference to it that stays valid after the connection ends.
 #pragma once
 
 #include <memory>
@@ -10,13 +10,13 @@
 
 namespace apps::monitor {
 
-// Also reports the backlog of its window. Threads: as NyServerApp; backlog may be called by any.
+// A listener that reports the backlog of its window. Any thread may call backlog.
 class MonitorListener : public NyServerApp {
   public:
     Backlog backlog();
 };
 
-// A session that listens so.
+// A session whose listener is a MonitorListener.
 class MonitorSession : public Session {
   public:
     using Session::Session;
@@ -34,15 +34,16 @@ class ListenerReference {
   public:
     explicit ListenerReference(MonitorListener& listener) : m_listener(&listener) {}
 
-    // Calls `action` with the listener, which is not destroyed meanwhile; with null after reset.
+    // Calls `action` with the listener, or with null after reset. The listener exists during the
+    // call.
     template <class Action>
     void use(Action action) {
         const NySe::MutexLock lock(m_mutex);
         action(m_listener);
     }
 
-    // REQUIRES: called before the listener is destroyed. It posts nothing more, and is not used any
-    // more.
+    // Clears the window of the listener and the reference. REQUIRES: called before the listener is
+    // destroyed.
     void reset() {
         const NySe::MutexLock lock(m_mutex);
         if (m_listener != nullptr) m_listener->setAppWnd(nullptr);

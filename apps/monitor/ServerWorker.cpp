@@ -9,11 +9,11 @@ namespace apps::monitor {
 
 namespace {
 
-// How often the connection is looked at when there is nothing to do.
+// How often the connection is checked while there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
-// A failure does not say whether the server refused or was silent; the time does: the client waits
-// for 15 s, which may end a little early by another clock.
+// A failure does not show whether the server refused or did not answer. The time does: the client
+// waits for 15 s, which may end a little earlier on another clock.
 constexpr std::chrono::seconds kAnswerTime{14};
 
 }  // namespace
@@ -70,7 +70,7 @@ void ServerWorker::run() {
         const bool isOver = NySe::succeeds([&] { reason = runConnection(); });
         const bool isLeft = NySe::succeeds([&] {
             endSession();
-            if (!isOver) reason = words::noMemory();  // what else throws ends in the library
+            if (!isOver) reason = words::noMemory();  // other exceptions end in the library
             if (!reason.empty()) awaitNextAttempt(reason);
         });
         if (!isLeft) std::this_thread::sleep_for(kRound);
@@ -89,7 +89,7 @@ std::wstring ServerWorker::runConnection() {
     return serve();
 }
 
-// The window is the listener's before it listens, so that nothing is missed from then on.
+// Set before it listens, so that no notification is missed.
 void ServerWorker::attachListener() {
     MonitorListener& listener = m_session.monitorListener();
     const auto reference = std::make_shared<ListenerReference>(listener);
@@ -150,8 +150,8 @@ bool ServerWorker::takeRefresh() {
     return std::exchange(m_isRefreshWanted, false);
 }
 
-// What the request has changed is seen in the tables, and reading them tells whether the server
-// still answers. Not so after an answer that has not come: it may yet come, in place of the tables.
+// The request's effect appears in the tables, and reading them shows whether the server still
+// answers. They are not read after a missing answer, which may still arrive in their place.
 bool ServerWorker::perform(const Request& request) {
     reportActivity(request.event + L' ' + request.what);
     const auto start = std::chrono::steady_clock::now();
@@ -163,8 +163,8 @@ bool ServerWorker::perform(const Request& request) {
     return isAnswered;
 }
 
-// First come the users: this program is one of them, so that an empty table means no answer. The
-// other tables may well be empty; so the server is asked for a sign of life in the end.
+// The users first: this program is one of them, so an empty table means that there was no answer.
+// The other tables may be empty, so a probe follows them.
 bool ServerWorker::readTables() {
     takeRefresh();
     reportActivity(L"lists");
@@ -185,7 +185,7 @@ bool ServerWorker::readTables() {
 
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
-    takeRefresh();  // earlier ones; one that comes once the wait is told ends it
+    takeRefresh();  // earlier requests; a later one ends the wait
     reportState({false, words::waiting(reason, delay)});
     NySe::MutexLock lock(m_mutex);
     m_changed.wait_for(lock.standard(), delay,

@@ -6,7 +6,7 @@ namespace apps::monitor {
 
 namespace {
 
-// A window that has fallen far behind takes no message for a while.
+// A message queue that is full accepts no message for a while.
 constexpr DWORD kPause = 10;  // ms
 
 bool isFull() {
