@@ -8,6 +8,8 @@ if(MSVC)
   set(warnings /W4 /WX /wd4251 /wd4275 /permissive- /Zc:__cplusplus /EHsc /utf-8)
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND warnings -Wduplicated-cond -Wlogical-op -Wsuggest-override)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  list(APPEND warnings -Wthread-safety)  # see NyServer/ThreadAnnotations.h
 endif()
 # Not for resources: their compiler takes other options.
 target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warnings}>")

@@ -43,4 +43,6 @@ using UniqueKernelHandle = UniqueHandle<HANDLE, ::CloseHandle>;
 // Memory from GlobalAlloc.
 using UniqueGlobalBlock = UniqueHandle<HGLOBAL, ::GlobalFree>;
 
+using UniqueRegistryKey = UniqueHandle<HKEY, ::RegCloseKey>;
+
 using UniqueSocket = UniqueHandle<SOCKET, ::closesocket, INVALID_SOCKET>;

@@ -4,7 +4,7 @@
 
 namespace {
 
-// Adapters may come between two questions; not for ever.
+// Adapters may be added between two calls; the number of calls is bounded.
 constexpr int kMostQuestions = 8;
 
 size_t adaptersIn(ULONG bytes) {

@@ -1,4 +1,4 @@
-// What identifies this machine, from the pieces that the system gives. Internal to the module.
+// The identity of this machine. Internal to the module.
 #pragma once
 
 #include <afx.h>
@@ -13,28 +13,28 @@
 
 namespace machineidentity {
 
-// As many adapters as nearly every machine has.
+// Enough adapters for nearly every machine.
 inline constexpr size_t kUsualAdapterCount = 16;
 
-// How the system is asked for its adapters: GetAdaptersInfo, or what behaves like it.
+// GetAdaptersInfo, or a replacement of it in tests.
 using AdapterQuestion = std::function<DWORD(IP_ADAPTER_INFO* buffer, ULONG* size)>;
 
-// The system's adapters, chained from the first element; all zeros when there are none. The memory
-// asked for at first is that of `expectedCount` adapters, and grows when it does not do.
-// REQUIRES: expectedCount >= 1.
+// Returns the system's adapters, linked from the first element; all zero if there are none. The
+// first buffer has room for `expectedCount` adapters and grows if necessary. REQUIRES:
+// expectedCount >= 1.
 std::vector<IP_ADAPTER_INFO> readAdapters(size_t expectedCount = kUsualAdapterCount,
                                           const AdapterQuestion& ask = &::GetAdaptersInfo);
 
-// The hardware address of the first adapter in the chain that carries `ipAddress`, in pairs of
-// lower-case hex digits with `separator` between them. When none carries it, that of the last
-// adapter; empty when that has none, and for a null chain.
+// Returns the hardware address of the first adapter in the list that has `ipAddress`, as pairs of
+// lower-case hex digits with `separator` between them. If none has it, returns that of the last
+// adapter, empty if it has none. Empty for a null list.
 CString hardwareAddress(const IP_ADAPTER_INFO* first, const CString& ipAddress, LPCWSTR separator);
 
-// The serial number of a volume ("C") in lower-case hex without leading zeros; "0" when there is no
-// such volume.
+// Returns the serial number of a volume ("C") in lower-case hex without leading zeros; "0" if there
+// is no such volume.
 CString volumeSerial(LPCWSTR drive);
 
-// hardwareAddress with separator "-", or the volume's serial number where that is empty.
+// Returns hardwareAddress with separator "-", or the serial number of the volume if that is empty.
 CString identityOf(const IP_ADAPTER_INFO* first, const CString& ipAddress, LPCWSTR drive);
 
 }  // namespace machineidentity

@@ -17,6 +17,6 @@ int moduleentry::onEvent(AFX_EXTENSION_MODULE& state, HINSTANCE instance, DWORD 
 }
 
 bool moduleentry::link(AFX_EXTENSION_MODULE& state) {
-    // The chain's, until the module goes.
+    // The chain owns it until the module is unloaded.
     return NySe::zeroIfOutOfMemory([&state] { return new CDynLinkLibrary(state); }) != nullptr;
 }

@@ -1,4 +1,4 @@
-// What an extension module does when it comes and goes. Internal to the module.
+// Attaching and detaching of an extension module. Internal to the module.
 #pragma once
 
 #include <afxdllx.h>
@@ -7,12 +7,12 @@
 
 namespace moduleentry {
 
-// The module entry: 1, or 0 when the process attaches and the module cannot join the chain. Then
-// the loader refuses the module.
+// The entry point of the module. Returns 1; 0 if the process attaches and the module cannot be
+// linked to the chain. Then the loader refuses the module.
 int onEvent(AFX_EXTENSION_MODULE& state, HINSTANCE instance, DWORD reason);
 
-// Links the module into the chain once more; AfxTermExtensionModule takes it out. False when no
-// memory is left.
+// Links the module to the chain once more; AfxTermExtensionModule removes it. Returns false if out
+// of memory.
 bool link(AFX_EXTENSION_MODULE& state);
 
 }  // namespace moduleentry

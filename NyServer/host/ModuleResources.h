@@ -9,21 +9,21 @@
 
 namespace moduleresources {
 
-// The module that holds the resources of NyServerDll; null when it is not loaded, which is not
-// remembered. May be called from any thread.
+// Returns the module that has the resources of NyServerDll; null if it is not loaded. Null is not
+// cached. Any thread may call it.
 HINSTANCE handle();
 
-// A text of the module's string table (NyServer/host/resource.h); empty when there is none with
-// that identifier. May be called from any thread.
+// Returns a text of the module's string table (NyServer/host/resource.h); empty if there is none
+// with that identifier. Any thread may call it.
 CString loadString(UINT id);
 
 }  // namespace moduleresources
 
-// While it lives, resource look-ups go to this module first; see QoUiSwitchResource.
+// While it exists, resources are searched in this module first; see QoUiSwitchResource.
 class NyServerDllSwitchResource : public QoUiSwitchResource {
   public:
     NyServerDllSwitchResource();
-    // Goes to this module again, after somebody else has switched.
+    // Switches to this module again, after somebody else has switched.
     virtual void setModuleResourceHandle();
 };
 

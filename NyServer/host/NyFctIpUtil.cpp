@@ -5,7 +5,7 @@
 
 namespace {
 
-// One start of Windows Sockets; what did not start is not cleaned up.
+// One start of Windows Sockets, cleaned up if it succeeded.
 class WinsockStart {
   public:
     WinsockStart() {
@@ -33,16 +33,16 @@ CString firstAddressOf(const char* hostName) {
     return CString(::inet_ntoa(address));
 }
 
-// A host name as the look-ups take it.
+// A host name in the form that look-ups take.
 struct HostName {
     static constexpr int kSize = 256;  // bytes, with the terminator
 
-    // False when it does not fit.
+    // Returns false if it does not fit.
     bool convert(const CString& name) {
         return ::WideCharToMultiByte(CP_ACP, 0, name, -1, text, kSize, nullptr, nullptr) != 0;
     }
 
-    // Without effect while nobody has started Windows Sockets.
+    // No effect while Windows Sockets are not started.
     void takeLocal() { ::gethostname(text, kSize); }
 
     char text[kSize] = "";
@@ -86,13 +86,13 @@ CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
 }
 
 CString NyFctIpUtil::getStrMachineID() {
-    // Asked for the sake of the question, which name services see; the answer is not used.
+    // The result is not used; the query itself is visible to name services and must be made.
     NySe::resultOr(CString(), [] { return addressOf(computerName()); });
     CString identity = NySe::resultOr(CString(), [] {
         const auto adapters = machineidentity::readAdapters();
         return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
     });
-    // With too little memory for the adapters there may be enough for this.
+    // This needs less memory than the adapters do.
     if (identity.IsEmpty())
         identity = NySe::resultOr(CString(), [] { return machineidentity::volumeSerial(L"C"); });
     return identity;

@@ -1,28 +1,27 @@
-// Who this machine is on the network.
+// The network addresses and the identity of this machine.
 #pragma once
 
 #include <afx.h>
 
 #include "NyServer/NyServerApi.h"
 
-// May be called from any thread; each call starts and cleans up Windows Sockets for itself. No call
-// reports an error or throws: text that is not known, or for which no memory is left, is empty. A
-// look-up may block for as long as the name service takes.
+// Any thread may call these functions. Each starts and cleans up Windows Sockets itself. None
+// throws or reports an error: the result is empty if it is unknown or out of memory. A look-up may
+// block for as long as the name service takes.
 namespace NyFctIpUtil {
 
-// The first IPv4 address of the local host name in dotted decimals; empty when it is not known.
+// Returns the first IPv4 address of the local host name as dotted text; empty if unknown.
 NYSERVER_API CString _getIpAddress();
 
-// The first IPv4 address of the named host in dotted decimals; empty when the name does not resolve
-// or takes more than 255 bytes in the active ANSI code page. "localhost" in any case stands for the
-// local host's own name, which is known only while the process has started Windows Sockets
-// elsewhere.
+// Returns the first IPv4 address of the named host as dotted text. Empty if the name does not
+// resolve or is longer than 255 bytes in the active ANSI code page. "localhost", in any case, means
+// the local host name, which is known only while the process has started Windows Sockets elsewhere.
 NYSERVER_API CString _getIpAddressFromHostName(const CString& hostName);
 
-// What tells this machine from others: the hardware address of the network adapter that carries
-// _getIpAddress(), in pairs of lower-case hex digits joined by "-"; of the last adapter when none
-// does; and the serial number of the system volume in lower-case hex when there is no such address.
-// "0" when that is unknown too. The serial number, or empty text, when memory runs out.
+// Returns an identifier of this machine: the hardware address of the network adapter that has
+// _getIpAddress(), as pairs of lower-case hex digits joined by "-"; of the last adapter if none has
+// it. Without a hardware address, returns the serial number of the system volume in lower-case hex,
+// "0" if that is unknown too. Returns the serial number or an empty text if out of memory.
 NYSERVER_API CString getStrMachineID();
 
 }  // namespace NyFctIpUtil

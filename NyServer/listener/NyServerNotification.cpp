@@ -7,8 +7,8 @@
 
 namespace {
 
-// Any program can post the message with any address. Posted blocks are moveable; a handle that is
-// the address itself is that of fixed memory, and so of anything that lives on the heap.
+// Any program can post the message with any address. Posted blocks are moveable; a handle that
+// equals the address is that of fixed memory, and so of any heap block.
 HGLOBAL postedBlockAt(void* address) {
     const HGLOBAL block = ::GlobalHandle(address);
     return block == address ? nullptr : block;

@@ -30,7 +30,7 @@ void NyServerThreadApp::setPaused(bool isPaused) {
     if (!isPaused) ::SetEvent(m_released.get());
 }
 
-// The idle rounds are those since the last check of the peer, whatever messages came between.
+// Idle rounds are counted from the last check of the peer, not from the last message.
 void NyServerThreadApp::OnConnect() {
     int idleRounds = 0;
     do {
@@ -52,14 +52,15 @@ bool NyServerThreadApp::awaitMessage() {
     return !isPaused() || awaitRelease();
 }
 
-// With data there, the wait for the socket takes no time; the round then lasts as long as this one.
+// If data is available, waiting for the socket takes no time; then this wait is the length of a
+// round.
 bool NyServerThreadApp::awaitRelease() {
     const DWORD result = ::WaitForSingleObject(m_released.get(), kRoundMilliseconds);
-    if (result == WAIT_FAILED) ::Sleep(kRoundMilliseconds);  // there was no handle for the event
+    if (result == WAIT_FAILED) ::Sleep(kRoundMilliseconds);  // the event could not be created
     return !isPaused();
 }
 
-// An action of which fewer bytes come is taken with what came.
+// An action that arrives incomplete is handled with the bytes that arrived.
 NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
     int action = 0;
     const int received = collect(action, 0, kActionTimeOut);
@@ -70,8 +71,8 @@ NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
     return isTaken ? Round::served : Round::refused;
 }
 
-// TCP may end a segment anywhere, so that a header comes in pieces. `firstTimeOut`, in seconds, is
-// that of the first receive; `timeOut`, in milliseconds, is for all of them.
+// A header may arrive in pieces. `firstTimeOut`, in seconds, applies to the first receive;
+// `timeOut`, in milliseconds, to all of them together.
 int NyServerThreadApp::collect(int& value, int firstTimeOut, int timeOut) {
     const ULONGLONG deadline = ::GetTickCount64() + static_cast<ULONGLONG>(timeOut);
     return NySe::collect(value, [&](char* buffer, int count) {
@@ -80,14 +81,14 @@ int NyServerThreadApp::collect(int& value, int firstTimeOut, int timeOut) {
     });
 }
 
-// What has come already is taken after the deadline too.
+// Data that has arrived is received after the deadline, too.
 bool NyServerThreadApp::awaitRest(ULONGLONG deadline) {
     const ULONGLONG now = ::GetTickCount64();
     const long left = now < deadline ? static_cast<long>(deadline - now) : 0;
     return WaitForReceive(left / 1000, left % 1000 * 1000) == UTE_SUCCESS;
 }
 
-// False when the connection is to end.
+// Returns false to end the connection.
 bool NyServerThreadApp::handleMessage() try {
     CMemFile body(kGrowBytes);
     if (!receiveBody(body)) return false;
@@ -101,8 +102,8 @@ bool NyServerThreadApp::handleMessage() try {
     return true;
 }
 
-// False when it is longer than the server takes; otherwise it does not matter whether all of it
-// came: the message is handled with what did.
+// Returns false if the body is too long. An incomplete body is not a failure: the message is
+// handled with the bytes that arrived.
 bool NyServerThreadApp::receiveBody(CMemFile& body) {
     int length = 0;
     if (collect(length, NySe::kScalarTimeOut, kLengthTimeOut) < int{sizeof length}) return true;

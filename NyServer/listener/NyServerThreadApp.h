@@ -10,29 +10,29 @@
 
 class NyServerApp;
 
-// The worker that serves one connection of a NyServerApp: answers the central server's probe and
-// hands on its notifications.
+// The worker that serves one connection of a NyServerApp: it answers the probes of the central
+// server and passes its notifications on.
 //
-// Threads: as CUT_WSThread; only the pause may be used by any thread, as long as the worker is in
-// its server's list. Ownership: the server outlives its workers.
+// Threads: as CUT_WSThread. Any thread may use setPaused and isPaused while the worker is in the
+// list of its server. Ownership: the server outlives its workers.
 class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
   public:
-    // Sets the priority of the calling thread to normal.
+    // Sets the priority of the calling thread to normal. `server` is not owned.
     explicit NyServerThreadApp(NyServerApp* server);
 
-    // Serves the peer until it is gone, announces a body longer than the server's longest, or the
-    // server's shut-down flag is raised. The bytes of the action may come within 1 s, those of the
-    // length within 15 s. A message that comes incomplete is handled with what came of it.
-    // CFileException and CArchiveException end the handling of one message; another exception, as
-    // when memory runs out, leaves the handler and so ends the connection.
+    // Serves the peer until it disconnects, announces a body that is too long, or the server's
+    // shut-down flag is set. The bytes of the action must arrive within 1 s, those of the length
+    // within 15 s. An incomplete message is handled with the bytes that arrived. CFileException and
+    // CArchiveException end the handling of one message. Other exceptions, as when out of memory,
+    // leave the function and so end the connection.
     void OnConnect() override;
 
-    // A paused worker finishes the message that it has begun to read and begins no other. It
-    // resumes at once. REQUIRES: no other call at the same time.
+    // A paused worker completes the message that it has started to read and starts no other.
+    // REQUIRES: not called by two threads at the same time.
     void setPaused(bool isPaused);
     NYSERVER_INLINE bool isPaused() const { return m_isPaused.load(std::memory_order_relaxed); }
 
-    // The action of the message being handled, else -1.
+    // Returns the action of the message that is being handled, else -1.
     NYSERVER_INLINE int getCurrentAction() const { return m_currentAction; }
 
   private:

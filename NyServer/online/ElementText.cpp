@@ -2,7 +2,7 @@
 
 namespace {
 
-// The index behind `opening`, or -1.
+// Returns the index after `opening`, or -1.
 int contentStart(const CString& text, const CString& opening) {
     const int position = text.Find(opening);
     return position < 0 ? -1 : position + opening.GetLength();

@@ -1,10 +1,10 @@
-// The text of one element, cut out of an XML-like answer. Portable. Not exported.
+// Reads one element of an XML-like response. Portable. Not exported.
 #pragma once
 
 #include <afx.h>
 
-// What stands between the first opening tag of `tag` and the closing tag that follows it; empty
-// when either is missing. An opening tag without attributes is looked for first, wherever it
-// stands; of one with attributes, these and its closing bracket belong to the text. Elements of the
-// same name inside are not told apart.
+// Returns what is between the first opening tag of `tag` and the closing tag that follows it; empty
+// if either is missing. An opening tag without attributes is preferred, wherever it is. With
+// attributes, these and the closing bracket are part of the result. Nested elements of the same
+// name are not recognised.
 CString elementText(const CString& text, const CString& tag);

@@ -1,12 +1,9 @@
 #include "NyServer/online/ServiceAddress.h"
 
-CString serviceAddress(NyFctWebService::ServerUrlType type, const CString& customUrl) {
-    switch (type) {
-        case NyFctWebService::serverUrlTest:
-            return testAddress();
-        case NyFctWebService::serverUrlCustom:
-            return customUrl;
-        default:
-            return productionAddress();
-    }
+CString productionAddress() {
+    return _T(NY_SERVICE_PRODUCTION_URL);
+}
+
+CString testAddress() {
+    return _T(NY_SERVICE_TEST_URL);
 }

@@ -5,7 +5,6 @@
 #include <QoWaitCursor.h>
 #include <vector>
 
-#include "NyServer/online/InternetHandle.h"
 #include "NyServer/online/ServiceAddress.h"
 
 namespace {
@@ -19,7 +18,7 @@ UniqueInternetHandle openUrl(const UniqueInternetHandle& session, const CString&
     return UniqueInternetHandle(::InternetOpenUrlW(session.get(), url, nullptr, 0, flags, 0));
 }
 
-// One read of what has arrived, on purpose: answers are short.
+// Reads once on purpose: responses are short.
 Outcome readAvailable(const UniqueInternetHandle& url, CString& text) {
     DWORD available = 0;
     if (!::InternetQueryDataAvailable(url.get(), &available, 0, 0)) return Outcome::failed;
@@ -31,7 +30,7 @@ Outcome readAvailable(const UniqueInternetHandle& url, CString& text) {
     return Outcome::done;
 }
 
-// Past the configured proxy, on a session that ends with it.
+// Bypasses the configured proxy. The session ends with the page.
 Outcome readPage(const CString& address, CString& text) {
     const UniqueInternetHandle session(
         ::InternetOpenW(kAgent, INTERNET_OPEN_TYPE_DIRECT, nullptr, nullptr, 0));
@@ -41,7 +40,7 @@ Outcome readPage(const CString& address, CString& text) {
 }
 
 void showReadError() {
-    // A text that fills the room may come without a terminator.
+    // A text that fills the buffer may have no terminator.
     wchar_t response[kResponseCharacters + 1] = L"";
     DWORD error = 0;
     DWORD length = kResponseCharacters;

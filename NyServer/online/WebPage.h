@@ -1,7 +1,15 @@
-// A page of the service, fetched with WinINet. Not exported.
+// A page of the web service, fetched with WinINet. Not exported.
 #pragma once
 
 #include <afx.h>
+
+#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/WindowsPrelude.h"
+// After windows.h.
+#include <wininet.h>
+
+// Sessions and opened addresses.
+using UniqueInternetHandle = UniqueHandle<HINTERNET, ::InternetCloseHandle>;
 
 struct WebPage {
     CString url;
@@ -13,6 +21,7 @@ enum class FetchMode {
     download       // the page's text, if the production service can be opened
 };
 
-// Shows the wait cursor meanwhile. True on success; then a download has added what it brought to
-// `text`. False on every failure, with `text` as it was. Throws std::bad_alloc.
+// Fetches a page and shows the wait cursor. On success returns true, and a download has appended
+// the page's text to `text`. On failure returns false with `text` not changed. Throws
+// std::bad_alloc.
 bool fetchPage(const WebPage& page, FetchMode mode, CString& text);

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr DWORD kPause = 20;  // ms
+constexpr DWORD kRetryPause = 20;  // ms
 constexpr unsigned kAbortedWithoutPause = 64;
 
 HANDLE asHandle(uintptr_t thread) {
@@ -27,7 +27,7 @@ bool isOutOfResources(int error) {
     return error == WSAEMFILE || error == WSAENOBUFS;
 }
 
-// Whether a connection broke before it was accepted.
+// Returns whether a connection broke before it was accepted.
 bool isAbortedConnection(int error) {
     return error == WSAECONNRESET || error == WSAECONNABORTED || error == WSAENOTCONN;
 }
@@ -36,7 +36,7 @@ bool isAbortedConnection(int error) {
 
 uintptr_t CUT_WSServer::AcceptThread::start(const std::shared_ptr<AcceptThread>& accepting) {
     accepting->m_self = accepting;
-    const uintptr_t thread = ::_beginthread(runThread, 0, accepting.get());
+    const uintptr_t thread = ::_beginthread(threadMain, 0, accepting.get());
     if (thread == kNoThread)
         accepting->m_self.reset();
     else
@@ -48,18 +48,18 @@ bool CUT_WSServer::AcceptThread::waitForEnd(DWORD milliseconds) const {
     return ::WaitForSingleObject(m_thread.get(), milliseconds) == WAIT_OBJECT_0;
 }
 
-void CUT_WSServer::AcceptThread::endByForce(uintptr_t startedThread, DWORD milliseconds) {
+void CUT_WSServer::AcceptThread::terminate(uintptr_t startedThread, DWORD milliseconds) {
     if (!::TerminateThread(asHandle(startedThread), 1) || !waitForEnd(milliseconds)) return;
     const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
     m_rundown->leave(m_entry);
-    dropAccepted();
+    closeAccepted();
     m_self.reset();
 }
 
-void CUT_WSServer::AcceptThread::runThread(void* accepting) {
+void CUT_WSServer::AcceptThread::threadMain(void* accepting) {
     auto* self = static_cast<AcceptThread*>(accepting);
     SOCKET listener = INVALID_SOCKET;
-    while (self->mayAccept(listener) && self->serveNext(listener)) {
+    while (self->mayAccept(listener) && self->acceptNext(listener)) {
     }
     const std::shared_ptr<AcceptThread> last = std::move(self->m_self);
 }
@@ -77,43 +77,43 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
     return true;
 }
 
-// False when the thread is to end.
-bool CUT_WSServer::AcceptThread::serveNext(SOCKET listener) {
+// Returns false to end the thread.
+bool CUT_WSServer::AcceptThread::acceptNext(SOCKET listener) {
     sockaddr_in peer{};
     int length = sizeof peer;
     m_accepted.reset(::accept(listener, reinterpret_cast<sockaddr*>(&peer), &length));
     if (!m_accepted && mayAcceptAgain(::WSAGetLastError())) return true;
     if (!keepsAccepted()) return false;
     if (isAllowed(peer))
-        handOver(listener, peer);
+        startConnection(listener, peer);
     else
-        dropAccepted();
+        closeAccepted();
     return true;
 }
 
-// Whether the listening socket is sound although accept has failed. Pauses as often as it takes to
-// be no busy loop, whatever the stack reports again and again.
+// Returns whether the listening socket is usable although accept failed. Pauses often enough to
+// avoid a busy loop, whatever errors the system repeats.
 bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
     if (!isOutOfResources(error) && !isAbortedConnection(error)) return false;
     if (isOutOfResources(error) || ++m_abortedConnections % kAbortedWithoutPause == 0)
-        ::Sleep(kPause);
+        ::Sleep(kRetryPause);
     return true;
 }
 
-// A stop is requested before the listening socket is closed. Whatever is accepted without such a
-// request is therefore ours, and not of a foreign socket that got the closed one's handle; a
-// connection of that one is at worst closed, since the lock cannot be held while accept waits.
+// A stop is requested before the listening socket is closed. So a connection that is accepted
+// without such a request is ours, and not that of an unrelated socket that got the same handle. A
+// connection of the latter is closed at worst, because the lock cannot be held during accept.
 bool CUT_WSServer::AcceptThread::keepsAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     const bool isOurs = isCurrent();
     if (m_accepted && isOurs && m_server.m_stopRequested != 1) return true;
-    dropAccepted();
+    closeAccepted();
     if (isOurs) m_server.m_acceptThreadHandle = kNoThread;
     return false;
 }
 
-// Under the lock because it may allocate, and nobody may be ended by force who holds the heap's own
-// lock.
+// Under the lock because it may allocate, and no thread may be terminated that holds the lock of
+// the heap.
 std::string CUT_WSServer::AcceptThread::addressText(const sockaddr_in& peer) {
     const RundownProtection::Lock lock(*m_rundown);
     return socketcalls::dottedText(peer);
@@ -128,15 +128,15 @@ bool CUT_WSServer::AcceptThread::isAllowed(const sockaddr_in& peer) {
     return isAllowed;
 }
 
-void CUT_WSServer::AcceptThread::handOver(SOCKET listener, const sockaddr_in& peer) {
+void CUT_WSServer::AcceptThread::startConnection(SOCKET listener, const sockaddr_in& peer) {
     const RundownProtection::Lock lock(*m_rundown);
-    if (!isCurrent()) return dropAccepted();
+    if (!isCurrent()) return closeAccepted();
     const bool isTooMany = m_server.GetMaxConnections() <= m_server.m_connectionCount;
     ServerConnection::start(
         {std::move(m_accepted), listener, peer, isTooMany, &m_server, m_rundown});
 }
 
-void CUT_WSServer::AcceptThread::dropAccepted() {
+void CUT_WSServer::AcceptThread::closeAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     if (m_accepted) socketcalls::closeSocket(m_accepted.release());
 }

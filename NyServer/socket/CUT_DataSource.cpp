@@ -15,7 +15,7 @@ std::string upperCased(std::string text) {
     return text;
 }
 
-// The part of the source that Find looks at. It is searched as text: a zero byte ends it early.
+// The part of the source that Find searches, as text: a zero byte ends it early.
 class SearchWindow {
   public:
     SearchWindow(CUT_DataSource& source, const char* text, bool caseSensitive)
@@ -28,7 +28,7 @@ class SearchWindow {
         return m_source.Seek(position, FILE_BEGIN) != -1;
     }
 
-    // False when the source has no more bytes here than the text has.
+    // Returns false if the source has no more bytes here than the text has.
     bool fill() {
         m_held = m_source.Read(m_bytes, kWindow);
         if (m_held <= textLength()) return false;
@@ -37,13 +37,13 @@ class SearchWindow {
         return true;
     }
 
-    // The position of the text in the source, or -1.
+    // Returns the position of the text in the source, or -1.
     long match() const {
         const char* found = std::strstr(m_bytes, m_text.c_str());
         return found ? m_position + static_cast<long>(found - m_bytes) : -1;
     }
 
-    // Windows overlap by the text's length, so that a match across the seam is found.
+    // Windows overlap by the length of the text, so that a match across their boundary is found.
     long nextPosition() const { return m_position + m_held - textLength(); }
 
   private:

@@ -2,57 +2,58 @@
 
 #include "NyServer/NyServerApi.h"
 
-// How a data source is opened. Hosts pass the numbers: do not change them. Any int is a value, so
-// that other numbers can be refused.
+// How a data source is opened. Hosts pass the numbers: do not change them. The underlying type is
+// given so that other numbers can be refused.
 enum OpenMsgType : int {
     OM_READ = 0,    // an existing store, for reading
     OM_WRITE = 1,   // created or emptied, for reading and writing
-    OM_APPEND = 2,  // opened or created, for reading and writing; every write goes to the end
+    OM_APPEND = 2,  // opened or created, for reading and writing; each write appends
 };
 
-// A store of bytes that socket transfers read from or write to, and that can be searched. The
+// A store of bytes that socket transfers read from and write to, and that can be searched. The
 // library has one implementation, CUT_FileDataSource; hosts may derive their own.
 //
-// One thread at a time uses an object: nothing in it is locked. A transfer borrows the source for
-// the length of the call, opens it and closes it; the caller keeps owning it.
+// Threads: one thread at a time may use an object; nothing in it is locked. Ownership: the caller
+// owns the source. A transfer opens it, uses it during the call only, and closes it.
 //
-// The order of the virtual functions is part of the binary interface.
+// The order of the virtual functions is part of the binary interface: do not change it.
 class NYSERVER_API CUT_DataSource {
   public:
     virtual ~CUT_DataSource();
 
-    // A new data source of the same kind on the same store, which the caller deletes; null if it
-    // cannot be made.
+    // Returns a new data source of the same class on the same store, which the caller deletes; null
+    // on failure.
     virtual CUT_DataSource* Clone() = 0;
 
-    // 0 on success, -1 on failure.
+    // Returns 0, or -1 on failure.
     virtual int Open(OpenMsgType type) = 0;
 
-    // Always 0.
+    // Always returns 0.
     virtual int Close() = 0;
 
-    // Stores the next line with its end and a terminator in `line`, which has room for `maxLen`
-    // bytes. The length of the text stored: 0 at the end of the store, -1 for a null `line`.
+    // Stores the next line, with its line end and a terminator, in `line`, which has `maxLen`
+    // bytes. Returns the length of the stored text; 0 at the end of the store; -1 if `line` is
+    // null.
     virtual int ReadLine(char* line, unsigned int maxLen) = 0;
 
-    // Writes the text and, unless it has one, a line end. The bytes of the text written, or -1 for
-    // a null `line`.
+    // Writes the text and, unless it ends with one, a line end. Returns the number of bytes of the
+    // text written, or -1 if `line` is null.
     virtual int WriteLine(const char* line) = 0;
 
-    // The bytes read (0 at the end of the store), or -1 on failure.
+    // Returns the number of bytes read (0 at the end of the store), or -1 on failure.
     virtual int Read(char* buffer, unsigned int count) = 0;
 
-    // The bytes written, or -1 on failure.
+    // Returns the number of bytes written, or -1 on failure.
     virtual int Write(const char* buffer, unsigned int count) = 0;
 
-    // Moves to `offset` bytes from `origin`: FILE_BEGIN (0), FILE_CURRENT (1) or FILE_END (2). The
-    // new position from the beginning, or -1 on failure.
+    // Moves to `offset` bytes from `origin`: FILE_BEGIN (0), FILE_CURRENT (1) or FILE_END (2).
+    // Returns the new position from the beginning, or -1 on failure.
     virtual long Seek(long offset, int origin) = 0;
 
-    // The position of the first occurrence of `text` at or behind `start`, or -1: not found, `text`
-    // null, empty or 4096 bytes or longer, or a failed seek or read. `caseSensitive` 0 compares
-    // without regard to case. A `maxSearch` above 0 ends the search once it has gone further than
-    // that many bytes from `start`; one that is above 0 and shorter than `text` fails. The source
-    // must be open; its position afterwards is unspecified.
+    // Returns the position of the first occurrence of `text` at or after `start`. Returns -1 if
+    // there is none, `text` is null, empty or longer than 4095 bytes, or a seek or read fails.
+    // `caseSensitive` 0 ignores case. With `maxSearch` above 0 the search ends once it is more than
+    // that many bytes past `start`, and a `maxSearch` shorter than `text` finds nothing. The
+    // position afterwards is unspecified. REQUIRES: the source is open.
     virtual long Find(const char* text, long start, int caseSensitive, long maxSearch);
 };

@@ -18,7 +18,7 @@ std::wstring withoutOuterSpaces(std::wstring_view path) {
 
 CUT_File::CUT_File() = default;
 
-// Not through the slot: what a derived class adds to Close is gone by now.
+// Not a virtual call: the derived class is already destroyed.
 CUT_File::~CUT_File() {
     CUT_File::Close();
 }

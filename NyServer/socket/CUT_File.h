@@ -3,10 +3,10 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 
-// A file handle with an append mode. One thread at a time uses an object: nothing in it is locked.
-// It owns its handle.
+// A file handle with an append mode. Owns the handle. One thread at a time may use an object;
+// nothing in it is locked.
 //
-// The order of the virtual functions is part of the binary interface.
+// The order of the virtual functions is part of the binary interface: do not change it.
 class NYSERVER_API CUT_File {
   public:
     CUT_File();
@@ -14,26 +14,27 @@ class NYSERVER_API CUT_File {
     CUT_File(const CUT_File&) = delete;
     CUT_File& operator=(const CUT_File&) = delete;
 
-    // Closes what is open and opens `path`, spaces in front and behind left out, with the access
-    // and the disposition of CreateFileW; others may read the file meanwhile. `append` other than 0
-    // makes every write go to the end. 0 on success; -1 on failure or for a null path, and the file
-    // is closed then.
+    // Closes the open file and opens `path`, without leading and trailing spaces, with the access
+    // and the disposition of CreateFileW; others may read the file at the same time. If `append` is
+    // not 0, each write appends. Returns 0; on failure, or if `path` is null, returns -1 with the
+    // file closed.
     virtual int Open(const wchar_t* path, DWORD access, DWORD disposition, int append);
 
-    // Always 0; closing a closed file does nothing.
+    // Always returns 0. Has no effect on a closed file.
     virtual int Close();
 
-    // The bytes read (0 at the end of the file), or -1 when closed or on failure.
+    // Returns the number of bytes read (0 at the end of the file), or -1 if closed or on failure.
     virtual int Read(void* buffer, DWORD count);
 
-    // The bytes written, or -1 when closed or on failure.
+    // Returns the number of bytes written, or -1 if closed or on failure.
     virtual int Write(const void* buffer, DWORD count);
 
-    // `origin` is FILE_BEGIN, FILE_CURRENT or FILE_END. The new position, or -1 when closed or on
-    // failure.
+    // `origin` is FILE_BEGIN, FILE_CURRENT or FILE_END. Returns the new position, or -1 if closed
+    // or on failure.
     virtual long Seek(long offset, DWORD origin);
 
-    // The bytes in the file, or -1 when closed. Sizes of 2 GiB and above do not fit the result.
+    // Returns the size of the file in bytes, or -1 if closed. Sizes of 2 GiB and above do not fit
+    // the result.
     virtual long GetSize();
 
   private:

@@ -20,7 +20,7 @@ CUT_FileDataSource::CUT_FileDataSource(const wchar_t* path, int bufferSize)
     : m_buffer(new (std::nothrow) char[static_cast<size_t>(std::max(bufferSize, 1))]),
       m_bufferSize(std::max(bufferSize, 1)) {
     m_path[0] = L'\0';
-    // A shortened path would name another file.
+    // A truncated path would name another file.
     if (path && std::wcslen(path) < std::size(m_path)) std::wcscpy(m_path, path);
 }
 
@@ -90,7 +90,7 @@ long CUT_FileDataSource::Seek(long offset, int origin) {
     return m_file.Seek(offset, static_cast<DWORD>(origin));
 }
 
-// The carriage return of the first line end among the buffered bytes, or null.
+// Returns the carriage return of the first buffered line end, or null.
 char* CUT_FileDataSource::FindLineEnd() const {
     m_buffer[m_held] = '\0';
     return std::strstr(m_buffer.get(), kLineEnd);

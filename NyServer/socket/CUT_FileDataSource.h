@@ -5,38 +5,38 @@
 #include "NyServer/socket/CUT_DataSource.h"
 #include "NyServer/socket/CUT_File.h"
 
-// A file as a data source, with a read-ahead buffer for reading lines. Lines end in carriage return
-// and line feed.
+// A file as a data source, with a read-ahead buffer for lines. Lines end in "\r\n".
 //
-// One thread at a time uses an object: nothing in it is locked. It owns its file handle and its
-// buffer.
+// Owns its file handle and its buffer. One thread at a time may use an object; nothing in it is
+// locked.
 class NYSERVER_API CUT_FileDataSource : public CUT_DataSource {
   public:
-    // `path` may be null; a null path, or one of 260 characters or more, leaves a source that
-    // cannot be opened. `bufferSize` in bytes bounds the longest line that ReadLine can find the
-    // end of; socket transfers use 4096.
+    // `bufferSize`, in bytes, limits the length of a line that ReadLine returns in one piece;
+    // socket transfers use 4096. If `path` is null or longer than 259 characters, the source cannot
+    // be opened.
     CUT_FileDataSource(const wchar_t* path, int bufferSize);
     ~CUT_FileDataSource() override;
 
     CUT_DataSource* Clone() override;
     int Open(OpenMsgType type) override;
 
-    // What was read ahead stays in the buffer.
+    // Keeps the content of the read-ahead buffer.
     int Close() override;
 
-    // Reads text: a zero byte in the file ends the text early. A line that does not fit `maxLen` -
-    // 3 bytes or the buffer comes in pieces without line end.
+    // A zero byte in the file ends the text early. A line that does not fit the buffer or `maxLen`
+    // - 3 bytes is returned in pieces without a line end.
     int ReadLine(char* line, unsigned int maxLen) override;
     int WriteLine(const char* line) override;
 
-    // Drops what was read ahead and reads straight from the file. -1 for a null `buffer` too.
+    // Discards the read-ahead buffer and reads directly from the file. Returns -1 if `buffer` is
+    // null, too.
     int Read(char* buffer, unsigned int count) override;
 
-    // -1 for a null `buffer` too.
+    // Returns -1 if `buffer` is null, too.
     int Write(const char* buffer, unsigned int count) override;
 
-    // A move relative to FILE_CURRENT counts from the first byte that ReadLine has not yet handed
-    // out. Drops what was read ahead.
+    // Discards the read-ahead buffer. FILE_CURRENT is the first byte that ReadLine has not returned
+    // yet.
     long Seek(long offset, int origin) override;
 
   private:

@@ -1,5 +1,6 @@
 #include "NyServer/socket/CUT_WSClient.h"
 
+#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCalls.h"
 
 CUT_WSClient::CUT_WSClient() {
@@ -73,7 +74,7 @@ int CUT_WSClient::GetSocketOption(int option, void* value) {
 }
 
 int CUT_WSClient::SetSocketOption(int option, void* value) {
-    // Callers pass an 8-byte value, whatever the option needs.
+    // Callers pass an 8-byte value for every option.
     return ::setsockopt(m_socket, SOL_SOCKET, option, static_cast<const char*>(value), 8);
 }
 

@@ -1,19 +1,20 @@
-// Events and look-ups announced through a hidden window.
-#include <functional>
-#include <mutex>
+// Asynchronous notification of socket events and host look-ups, by messages of a hidden window.
+#include <new>
 #include <vector>
 
 #include "NyServer/ExceptionBoundary.h"
+#include "NyServer/Mutex.h"
 #include "NyServer/socket/CUT_WSClient.h"
+#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCalls.h"
 
 namespace {
 
 constexpr const wchar_t* kWindowClass = L"CUT_WSClient";
 
-// Longer than a resolver tries; in ms.
+// Longer than a resolver tries, in ms.
 constexpr ULONGLONG kLongestLookUp = 60000;
-// For a thread that dispatches messages; in ms.
+// How long a thread may take to dispatch the message that unbinds the object, in ms.
 constexpr UINT kLongestUnbinding = 1000;
 
 constexpr int kObjectSlot = 0;
@@ -30,18 +31,18 @@ bool isClassRegistered(HINSTANCE instance) {
     return ::GetClassInfoW(instance, kWindowClass, &found) != FALSE;
 }
 
-// The window classes that were registered here. Their procedure is unloaded with this module, so
-// that they go with it too.
+// The window classes that are registered here. They are unregistered with this module, because it
+// contains their window procedure.
 class WindowClasses {
   public:
     ~WindowClasses() {
         for (const HINSTANCE instance : m_instances) ::UnregisterClassW(kWindowClass, instance);
     }
 
-    // False when the class cannot be registered or there is no memory.
+    // Returns false if the class cannot be registered or out of memory.
     bool provide(HINSTANCE instance) {
         return NySe::zeroIfOutOfMemory([&] {
-            const std::lock_guard lock(m_lock);
+            const NySe::MutexLock lock(m_mutex);
             if (isClassRegistered(instance)) return true;
             m_instances.reserve(m_instances.size() + 1);
             registerClass(instance);
@@ -61,8 +62,8 @@ class WindowClasses {
         ::RegisterClassW(&windowClass);
     }
 
-    std::mutex m_lock;
-    std::vector<HINSTANCE> m_instances;
+    NySe::Mutex m_mutex;
+    std::vector<HINSTANCE> m_instances NY_GUARDED_BY(m_mutex);
 };
 
 WindowClasses windowClasses;
@@ -70,7 +71,8 @@ WindowClasses windowClasses;
 }  // namespace
 
 int CUT_WSClient::InitAsync(HINSTANCE instance) {
-    if (!windowClasses.provide(instance)) return OnError(UTE_ERROR);
+    if (!m_lookUps) m_lookUps.reset(new (std::nothrow) HostLookUps);
+    if (!m_lookUps || !windowClasses.provide(instance)) return OnError(UTE_ERROR);
     endLookUps();
     dropNotificationWindow();
     m_notificationWindow =
@@ -80,18 +82,20 @@ int CUT_WSClient::InitAsync(HINSTANCE instance) {
     return OnError(UTE_SUCCESS);
 }
 
-// The object must not go before the system has written its last byte into it. The wait is bounded
-// because an announcement may never be seen, for example when the window's thread has ended.
+// The object must not be destroyed before the system has written its last byte into it. The wait is
+// bounded because an announcement may never be dispatched, for example if the window's thread has
+// ended.
 void CUT_WSClient::endLookUps() {
-    m_lookUps.cancel();
+    if (!m_lookUps) return;
+    m_lookUps->cancel();
     const ULONGLONG deadline = ::GetTickCount64() + kLongestLookUp;
-    while (m_lookUps.arePending() && ::GetTickCount64() < deadline) {
+    while (m_lookUps->arePending() && ::GetTickCount64() < deadline) {
         if (!dropAnnouncement()) ::Sleep(1);
     }
 }
 
-// False when there is none, or when the window is another thread's, which dispatches it. WM_QUIT is
-// found whatever is asked for and stays where it is.
+// Returns false if there is none, or if another thread owns the window and dispatches it.
+// PeekMessage returns WM_QUIT whatever the filter is, and leaves it in the queue.
 bool CUT_WSClient::dropAnnouncement() {
     MSG found{};
     constexpr UINT kLook = PM_NOREMOVE | PM_QS_POSTMESSAGE;
@@ -100,14 +104,15 @@ bool CUT_WSClient::dropAnnouncement() {
         found.hwnd != m_notificationWindow)
         return false;
     ::PeekMessageW(&found, m_notificationWindow, kNameFound, kAddressFound, kTake);
-    m_lookUps.finish(reinterpret_cast<HANDLE>(found.wParam));
+    m_lookUps->finish(reinterpret_cast<HANDLE>(found.wParam));
     return true;
 }
 
 void CUT_WSClient::dropNotificationWindow() {
     if (!m_notificationWindow) return;
-    // Only the window's own thread can destroy it; from any other it must at least not find a dead
-    // object. Sent, so that a thread that is dispatching to the object has left it.
+    // Only the window's own thread can destroy it; on any other thread it must at least not find a
+    // destroyed object. Sent, so that a thread that is dispatching to the object has returned from
+    // it.
     if (!::SendMessageTimeoutW(m_notificationWindow, kBindObject, 0, 0, SMTO_NORMAL,
                                kLongestUnbinding, nullptr))
         ::SetWindowLongPtrW(m_notificationWindow, kObjectSlot, 0);
@@ -123,9 +128,9 @@ int CUT_WSClient::SetAsyncNotify(long events) {
     return OnError(UTE_SUCCESS);
 }
 
-// Without a window nobody would learn when the system has written the result.
+// Without a window nothing would report that the system has written the result.
 int CUT_WSClient::startLookUp(const std::function<HANDLE()>& request) {
-    const bool isStarted = m_notificationWindow && m_lookUps.start(request);
+    const bool isStarted = m_notificationWindow && m_lookUps->start(request);
     return OnError(isStarted ? UTE_SUCCESS : UTE_ERROR);
 }
 
@@ -152,8 +157,8 @@ void CUT_WSClient::OnAsyncGetNameNotify(int) {}
 
 void CUT_WSClient::OnAsyncGetAddressNotify(int) {}
 
-// False: not a message of the notification window. Nothing of the object is touched after a hook:
-// the hook may have destroyed it.
+// Returns false for other messages. Nothing of the object is used after a hook, which may destroy
+// it.
 bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
     const int event = LOWORD(lParam);
     const int error = HIWORD(lParam);
@@ -162,11 +167,11 @@ bool CUT_WSClient::notify(UINT message, WPARAM wParam, LPARAM lParam) {
             OnAsyncNotify(event, error);
             return true;
         case kNameFound:
-            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
+            m_lookUps->finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetNameNotify(error);
             return true;
         case kAddressFound:
-            m_lookUps.finish(reinterpret_cast<HANDLE>(wParam));
+            m_lookUps->finish(reinterpret_cast<HANDLE>(wParam));
             OnAsyncGetAddressNotify(error);
             return true;
         default:
@@ -180,7 +185,7 @@ LRESULT CALLBACK CUT_WSClient::WndProc(HWND window, UINT message, WPARAM wParam,
         return 1;
     }
     auto* client = reinterpret_cast<CUT_WSClient*>(::GetWindowLongPtrW(window, kObjectSlot));
-    // An override that throws has taken the message: the dispatcher cannot be unwound through.
+    // An exception must not pass through the dispatcher; the message counts as handled.
     const auto notify = [&] { return client->notify(message, wParam, lParam); };
     if (client && NySe::resultOr(true, notify)) return 0;
     return ::DefWindowProcW(window, message, wParam, lParam);

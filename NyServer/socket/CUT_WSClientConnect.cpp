@@ -1,6 +1,49 @@
-// Making, testing and closing the connection.
+// Host names, and sockets from their creation to their close.
+#include <cstring>
+
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCalls.h"
+#include "NyServer/socket/TimedConnect.h"
+
+int CUT_WSClient::IsIPAddress(const char* text) {
+    return ::inet_addr(text) != INADDR_NONE;
+}
+
+int CUT_WSClient::GetAddressFromName(const char* name, char* address, int maxLen) {
+    const hostent* host = ::gethostbyname(socketcalls::hostPart(name));
+    const char* text = host ? socketcalls::firstAddress(*host) : nullptr;
+    return copyLookedUp(text, address, maxLen);
+}
+
+int CUT_WSClient::GetNameFromAddress(const char* address, char* name, int maxLen) {
+    const unsigned long value = ::inet_addr(address);
+    const hostent* host =
+        ::gethostbyaddr(reinterpret_cast<const char*>(&value), sizeof value, AF_INET);
+    return copyLookedUp(host ? host->h_name : nullptr, name, maxLen);
+}
+
+// Copies the text that a look-up found, null if none, and returns the result of the look-up.
+int CUT_WSClient::copyLookedUp(const char* text, char* target, int maxLen) {
+    if (!text) return OnError(UTE_NAME_LOOKUP_FAILED);
+    const std::size_t size = std::strlen(text) + 1;
+    if (maxLen < 0 || size > static_cast<std::size_t>(maxLen)) return OnError(UTE_BUFFER_TOO_SHORT);
+    std::memcpy(target, text, size);
+    return OnError(UTE_SUCCESS);
+}
+
+int CUT_WSClient::GetHostAddress(char* address, int maxLen, int useSocket) {
+    if (useSocket == 0) {
+        char name[256];
+        if (::gethostname(name, sizeof name) == 0 &&
+            GetAddressFromName(name, address, maxLen) == UTE_SUCCESS) {
+            return OnError(UTE_SUCCESS);
+        }
+    }
+    if (m_socket == INVALID_SOCKET) return OnError(UTE_ERROR);
+    socketcalls::copyText(socketcalls::dottedText(socketcalls::localAddress(m_socket)), address,
+                          maxLen);
+    return OnError(UTE_SUCCESS);
+}
 
 int CUT_WSClient::CreateSocket(SOCKET& s, int family, int type, int protocol) {
     s = ::socket(family, type, protocol);
@@ -24,15 +67,15 @@ int CUT_WSClient::Connect(unsigned int port, const char* address, long timeOut, 
     return OnError(startConnect(timeOut));
 }
 
-// From the connect call on: the result of Connect.
+// Connects the socket and returns the result of Connect.
 int CUT_WSClient::startConnect(long timeOut) {
-    const auto* address = reinterpret_cast<const sockaddr*>(&m_remoteAddress);
-    if (::connect(m_socket, address, sizeof m_remoteAddress) == 0) {
-        // The mode stays as it is and the ports are left alone: callers rely on both.
+    const auto result = socketcalls::startConnect(m_socket, m_remoteAddress);
+    if (result == socketcalls::Readiness::ready) {
+        // Callers rely on the mode and the ports not being changed.
         applyTimeOuts();
         return UTE_SUCCESS;
     }
-    if (::WSAGetLastError() != WSAEWOULDBLOCK) {
+    if (result == socketcalls::Readiness::failed) {
         dropSocket();
         return UTE_SOCK_CONNECT_FAILED;
     }
@@ -62,11 +105,10 @@ int CUT_WSClient::ConnectBound(unsigned int localPort, unsigned int remotePort, 
         return OnError(UTE_SOCK_CREATE_FAILED);
     const sockaddr_in local =
         socketcalls::makeAddress(family, localPort, ::inet_addr(localAddress));
-    // On failure the socket stays: closing it is up to the caller.
+    // On failure the socket stays open until the caller closes it.
     if (!socketcalls::bindTo(m_socket, local)) return OnError(UTE_SOCK_BIND_FAILED);
     m_remoteAddress = socketcalls::makeAddress(family, remotePort, ::inet_addr(remoteAddress));
-    if (::connect(m_socket, reinterpret_cast<const sockaddr*>(&m_remoteAddress),
-                  sizeof m_remoteAddress) != 0) {
+    if (socketcalls::startConnect(m_socket, m_remoteAddress) != socketcalls::Readiness::ready) {
         return OnError(UTE_SOCK_CONNECT_FAILED);
     }
     fillPorts(remotePort);
@@ -117,4 +159,57 @@ void CUT_WSClient::fillPorts(unsigned int remotePort) {
 
 void CUT_WSClient::setAddressText(const char* text) {
     socketcalls::copyText(text, m_address, sizeof m_address);
+}
+
+int CUT_WSClient::WaitForConnect(unsigned short port, int queueSize, short family,
+                                 unsigned long address) {
+    if (m_listenSocket != INVALID_SOCKET) return OnError(UTE_SOCK_ALREADY_OPEN);
+    m_listenAddress = socketcalls::makeAddress(family, port, address);
+    if (CreateSocket(m_listenSocket, family, SOCK_STREAM, m_protocol) == UTE_ERROR) {
+        return OnError(UTE_SOCK_CREATE_FAILED);
+    }
+    if (!socketcalls::bindTo(m_listenSocket, m_listenAddress)) return OnError(UTE_SOCK_BIND_FAILED);
+    if (::listen(m_listenSocket, queueSize) != 0) return OnError(UTE_SOCK_LISTEN_ERROR);
+    applyTimeOuts();
+    m_acceptPort = socketcalls::localPort(m_listenSocket);
+    return OnError(UTE_SUCCESS);
+}
+
+int CUT_WSClient::WaitForAccept(long seconds) {
+    const bool isReady = socketcalls::isReadable(m_listenSocket, seconds, 0);
+    return OnError(isReady ? UTE_SUCCESS : UTE_ERROR);
+}
+
+int CUT_WSClient::AcceptConnection() {
+    if (m_socket != INVALID_SOCKET) {
+        const bool isClean = socketcalls::closeSocket(m_socket, m_socketType == SOCK_STREAM);
+        m_socket = INVALID_SOCKET;
+        if (!isClean) return OnError(UTE_ERROR);
+    }
+    int length = sizeof m_remoteAddress;
+    m_socket = ::accept(m_listenSocket, reinterpret_cast<sockaddr*>(&m_remoteAddress), &length);
+    if (m_socket == INVALID_SOCKET) return OnError(UTE_ERROR);
+    setAddressText(socketcalls::dottedText(m_remoteAddress));
+    fillPorts(::ntohs(m_remoteAddress.sin_port));
+    applyTimeOuts();
+    return OnError(UTE_SUCCESS);
+}
+
+int CUT_WSClient::CreateUDPSocket(unsigned int localPort, unsigned int remotePort,
+                                  char* remoteAddress, char* localAddress) {
+    if (m_socket != INVALID_SOCKET) return OnError(UTE_SOCK_ALREADY_OPEN);
+    setAddressText(remoteAddress);
+    m_family = AF_INET;
+    m_socketType = SOCK_DGRAM;
+    if (CreateSocket(m_socket, m_family, m_socketType, 0) == UTE_ERROR) {
+        return OnError(UTE_SOCK_CREATE_FAILED);
+    }
+    const unsigned long own = localAddress ? ::inet_addr(localAddress) : INADDR_ANY;
+    if (!socketcalls::bindTo(m_socket, socketcalls::makeAddress(m_family, localPort, own))) {
+        dropSocket();
+        return OnError(UTE_SOCK_BIND_FAILED);
+    }
+    fillPorts(remotePort);
+    applyTimeOuts();
+    return OnError(UTE_SUCCESS);
 }

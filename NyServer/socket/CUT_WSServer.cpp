@@ -5,42 +5,27 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
+#include <new>
+#include <utility>
 
 #include "NyServer/socket/AcceptThread.h"
+#include "NyServer/socket/CUT_WSThread.h"
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/SocketCodes.h"
-#include "NyServer/socket/SocketErrorText.h"
+#include "NyServer/socket/TimedConnect.h"
 
 namespace {
 
-constexpr int kHighestMaximum = 32000;
-constexpr ULONGLONG kLongestStop = 30000;  // ms
-constexpr ULONGLONG kForcing = 1000;       // of that, ms kept for ending the thread by force
-constexpr DWORD kGrace = 500;              // ms
-constexpr long kConnectTick = 20000;       // microseconds
+constexpr int kLargestMaximum = 32000;
+constexpr ULONGLONG kStopTimeOut = 30000;     // ms
+constexpr ULONGLONG kTerminationTime = 1000;  // of that, ms reserved for terminating the thread
+constexpr DWORD kEndByItselfTime = 500;       // ms
 constexpr ULONGLONG kNever = std::numeric_limits<ULONGLONG>::max();
 
 DWORD leftUntil(ULONGLONG deadline) {
     const ULONGLONG now = ::GetTickCount64();
     return now < deadline ? static_cast<DWORD>(deadline - now) : 0;
-}
-
-// Whether the connect succeeded by the deadline; nothing once it goes unanswered and is pointless.
-std::optional<bool> connectUnless(const std::function<bool()>& isPointless, ULONGLONG deadline,
-                                  SOCKET socket, const sockaddr_in& peer) {
-    socketcalls::setBlockingMode(socket, 1);
-    const int result = ::connect(socket, reinterpret_cast<const sockaddr*>(&peer), sizeof peer);
-    if (result == 0 || ::WSAGetLastError() != WSAEWOULDBLOCK) return result == 0;
-    for (;;) {
-        fd_set done{1, {socket}};
-        fd_set failed{1, {socket}};
-        timeval tick{0, kConnectTick};
-        if (::select(0, nullptr, &done, &failed, &tick) != 0) return failed.fd_count == 0;
-        if (isPointless()) return std::nullopt;
-        if (::GetTickCount64() >= deadline) return false;
-    }
 }
 
 }  // namespace
@@ -83,7 +68,7 @@ int CUT_WSServer::StartAccept() {
     return OnError(StartAcceptThread() ? UTE_SUCCESS : UTE_ERROR);
 }
 
-// The thread waits for the lock and so finds everything noted about it, however short its life is.
+// The new thread waits for the lock, so it finds the members set, however soon it ends.
 bool CUT_WSServer::StartAcceptThread() {
     const RundownProtection::Lock lock(*m_rundown);
     m_stopRequested = 0;
@@ -101,8 +86,8 @@ int CUT_WSServer::StopAccept() {
     if (m_accepting == 1) {
         m_accepting = 0;
         m_stopRequested = 1;
-        const ULONGLONG deadline = ::GetTickCount64() + kLongestStop;
-        if (WakeAcceptThread(deadline - kForcing) == UTE_SUCCESS)
+        const ULONGLONG deadline = ::GetTickCount64() + kStopTimeOut;
+        if (WakeAcceptThread(deadline - kTerminationTime) == UTE_SUCCESS)
             m_acceptThread->waitForEnd(leftUntil(deadline));
         else
             EndAcceptThread(deadline);
@@ -115,15 +100,15 @@ int CUT_WSServer::StopAccept() {
     return 0;
 }
 
-// A thread that is ended by force takes what it has locked with it, the heap or the loader among
-// them. It is therefore given the chance to end by itself first, which a failing accept makes it
-// do; what then remains is one in OnCanAccept.
+// A terminated thread never releases the locks that it holds, such as those of the heap or the
+// loader. So it first gets time to end by itself, which a failing accept causes. What is left after
+// that is a thread inside OnCanAccept.
 void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
-    if (!m_acceptThread->waitForEnd(std::min(kGrace, leftUntil(deadline)))) {
+    if (!m_acceptThread->waitForEnd(std::min(kEndByItselfTime, leftUntil(deadline)))) {
         const RundownProtection::Lock lock(*m_rundown);
         if (m_acceptThreadHandle != kNoThread)
-            m_acceptThread->endByForce(m_acceptThreadHandle, leftUntil(deadline));
+            m_acceptThread->terminate(m_acceptThreadHandle, leftUntil(deadline));
     }
     m_acceptThreadHandle = kNoThread;
 }
@@ -132,15 +117,15 @@ int CUT_WSServer::TempConnect(unsigned int port, char* address) {
     return ConnectAndClose(port, address, kNever, [] { return false; });
 }
 
-// A full listen queue may leave the connect unanswered until the deadline; when the accepting
-// thread has left by itself meanwhile there is nobody to wake.
+// A full listen queue may leave the connect without an answer until the deadline. If the accepting
+// thread has ended by itself meanwhile, there is none to wake.
 int CUT_WSServer::WakeAcceptThread(ULONGLONG deadline) {
     return ConnectAndClose(GetPort(), "127.0.0.1", deadline,
                            [this] { return m_acceptThreadHandle == kNoThread; });
 }
 
 int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
-                                  const std::function<bool()>& isPointless) {
+                                  const std::function<bool()>& isCancelled) {
     const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
     if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
     auto report = [&](bool succeeded) {
@@ -148,19 +133,21 @@ int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGL
         return succeeded;
     };
     const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
-    const auto connected = connectUnless(isPointless, deadline, socket, peer);
-    if (!connected) {
+    const auto isOver = [&] { return ::GetTickCount64() >= deadline || isCancelled(); };
+    const auto result = socketcalls::connectUntil(socket, peer, isOver);
+    if (result == socketcalls::Readiness::pending && isCancelled()) {
         ::closesocket(socket);
         return OnError(UTE_SUCCESS);
     }
-    report(*connected);
+    const bool isConnected = result == socketcalls::Readiness::ready;
+    report(isConnected);
     report(::shutdown(socket, SD_BOTH) == 0);
     report(::closesocket(socket) == 0);
-    return OnError(*connected ? UTE_SUCCESS : UTE_SOCK_CONNECT_FAILED);
+    return OnError(isConnected ? UTE_SUCCESS : UTE_SOCK_CONNECT_FAILED);
 }
 
 int CUT_WSServer::SetMaxConnections(int n) {
-    if (n < 1 || n > kHighestMaximum) return -1;
+    if (n < 1 || n > kLargestMaximum) return -1;
     m_maxConnections.store(n, std::memory_order_relaxed);
     return n;
 }
@@ -206,4 +193,83 @@ void CUT_WSServer::CloseDoor() {
 void CUT_WSServer::CloseListenSocket() {
     const SOCKET socket = m_listenSocket.exchange(INVALID_SOCKET);
     if (socket != INVALID_SOCKET) socketcalls::closeSocket(socket);
+}
+
+CUT_WSServer::ThreadListLock::ThreadListLock(CUT_WSServer& server)
+    : m_section(server.m_threadListLock) {
+    ::EnterCriticalSection(&m_section);
+}
+
+CUT_WSServer::ThreadListLock::~ThreadListLock() {
+    ::LeaveCriticalSection(&m_section);
+}
+
+int CUT_WSServer::ThreadListAdd(CUT_WSThread* worker, DWORD threadId, SOCKET socket) {
+    const ThreadListLock lock(*this);
+    auto* entry =
+        new (std::nothrow) ThreadListEntry{worker, threadId, socket, nullptr, m_threadList};
+    if (!entry) return 0;
+    if (m_threadList) m_threadList->previous = entry;
+    m_threadList = entry;
+    ++m_connectionCount;
+    return 1;
+}
+
+int CUT_WSServer::ThreadListRemove(DWORD threadId) {
+    const ThreadListLock lock(*this);
+    ThreadListEntry* entry = m_threadList;
+    while (entry && entry->threadId != threadId) entry = entry->next;
+    if (!entry) return 1;
+    (entry->previous ? entry->previous->next : m_threadList) = entry->next;
+    if (entry->next) entry->next->previous = entry->previous;
+    delete entry;
+    --m_connectionCount;
+    return 1;
+}
+
+int CUT_WSServer::ThreadListGetLength() {
+    return ThreadListForEach([](ThreadListEntry&) {});
+}
+
+int CUT_WSServer::ThreadListKill() {
+    const ThreadListLock lock(*this);
+    ThreadListForEach([](ThreadListEntry& entry) {
+        ::WSACancelBlockingCall();
+        entry.worker->m_abort.store(1, std::memory_order_relaxed);
+        entry.worker->OnError(UTE_SUCCESS);
+    });
+    return FreeThreadList();
+}
+
+// The identifiers are passed as handles on purpose; no handle is opened.
+int CUT_WSServer::ThreadListSuspend() {
+    return ThreadListForEach(
+        [](ThreadListEntry& entry) { ::SuspendThread(UlongToHandle(entry.threadId)); });
+}
+
+int CUT_WSServer::ThreadListResume() {
+    return ThreadListForEach(
+        [](ThreadListEntry& entry) { ::ResumeThread(UlongToHandle(entry.threadId)); });
+}
+
+template <class Action>
+int CUT_WSServer::ThreadListForEach(Action action) {
+    const ThreadListLock lock(*this);
+    int length = 0;
+    for (ThreadListEntry* entry = m_threadList; entry; entry = entry->next) {
+        action(*entry);
+        ++length;
+    }
+    return length;
+}
+
+int CUT_WSServer::FreeThreadList() {
+    const ThreadListLock lock(*this);
+    int length = 0;
+    while (m_threadList) {
+        delete std::exchange(m_threadList, m_threadList->next);
+        ++length;
+    }
+    m_connectionCount = 0;
+    return length;
 }

@@ -13,8 +13,8 @@
 
 namespace {
 
-// The index of a carriage return among the bytes that a line feed follows, or -1. The last byte is
-// decided by what lies behind it, unless `room`, which must hold both, ends there.
+// Returns the index of a carriage return that a line feed follows, or -1. For the last byte, the
+// byte after it is read, unless that is outside `room`.
 int findLineEnd(const char* bytes, int length, int room) {
     for (int i = 0; i < length && i + 1 < room; ++i)
         if (bytes[i] == '\r' && bytes[i + 1] == '\n') return i;
@@ -124,8 +124,7 @@ void CUT_WSThread::OnConnect() {
 
 void CUT_WSThread::OnMaxConnect() {
     char buffer[256];
-    // The length is 0, and therefore nothing is sent: the peer of a refused connection is not
-    // answered.
+    // The length is 0 on purpose: the peer of a refused connection gets no answer.
     if (Receive(buffer, sizeof buffer, 0) > 0)
         Send("Too Many Connections, Please Try Later.", 0, 0);
 }

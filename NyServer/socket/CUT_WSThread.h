@@ -8,19 +8,21 @@
 
 class CUT_WSServer;
 
-// The worker that serves one accepted connection of a CUT_WSServer. A derived worker overrides
-// OnConnect; when that returns the connection is over.
+// The worker that serves one accepted connection of a CUT_WSServer. A derived class overrides
+// OnConnect; the connection ends when OnConnect returns.
 //
-// Threads: the worker is made, run and disposed of on its connection's own thread, and only that
-// thread may use it. ThreadListKill and ThreadListSuspend reach it from other threads: they set the
-// abort flag and call OnError(0).
+// Threads: the worker is created, used and destroyed on its connection's thread, and no other
+// thread may use it, except that the server's ThreadListKill and ThreadListSuspend set the abort
+// flag and call OnError(0), or suspend the thread.
 //
-// Ownership: the server's CreateInstance makes the worker and its ReleaseInstance takes it back.
-// The socket belongs to the server, which closes it once the worker is released; the worker never
-// does. The owner pointer is borrowed: see CUT_WSServer for how a server makes sure that it
-// outlives the workers that use it.
+// Ownership: the server's CreateInstance creates the worker and its ReleaseInstance destroys it.
+// The socket belongs to the server, which closes it after ReleaseInstance. The owner pointer is not
+// owned: CUT_WSServer describes how a server makes sure that it outlives the workers that use it.
 //
-// The order of the virtual functions is part of the binary interface.
+// The order of the virtual functions is part of the binary interface: do not change it.
+//
+// Functions that are said to return a result code return one of SocketCodes.h, passed through
+// OnError. A `timeOut` is in seconds; 0 or less waits without a limit.
 class NYSERVER_API CUT_WSThread {
   public:
     CUT_WSThread();
@@ -28,82 +30,83 @@ class NYSERVER_API CUT_WSThread {
     CUT_WSThread(const CUT_WSThread&) = delete;
     CUT_WSThread& operator=(const CUT_WSThread&) = delete;
 
-    // One send. A `len` below 0 takes the length of the text; 0 sends nothing. The bytes sent, or
-    // -1.
+    // Calls send once. A `len` below 0 means the length of the text; 0 sends nothing. Returns the
+    // number of bytes sent, or -1 on failure.
     virtual int Send(const char* data, int len, int flags);
 
-    // Sends the whole source in pieces of 255 bytes and closes it. `bytesSent` holds the bytes of
-    // all pieces given to Send. Through OnError: 0 (also when SendFileStatus stopped it), 4 a send
-    // failed, 15 no socket, 79 the source refused to open.
+    // Opens `source`, sends all of it in pieces of 255 bytes and closes it. `bytesSent` receives
+    // the number of bytes passed to successful sends, also on failure. Returns UTE_SUCCESS (also
+    // when SendFileStatus stopped the transfer), UTE_WORKER_SEND_FAILED, UTE_SOCK_NOT_OPEN or
+    // UTE_DS_OPEN_FAILED.
     virtual int Send(CUT_DataSource& source, long& bytesSent);
 
-    // Sends the data in pieces of `lineLen` bytes, each followed by "\r\n"; a zero byte ends its
-    // piece early. A `len` below 1 takes the length of the text. The bytes sent, line ends
-    // included; the result of the Send that gave less than 1, which ends it; 0 when there is
-    // nothing to send or `lineLen` is below 1. The data is as before when the call returns.
+    // Sends the data in pieces of `lineLen` bytes, each followed by "\r\n". A zero byte ends its
+    // piece early. A `len` below 1 means the length of the text. Returns the number of bytes sent,
+    // with the line ends. A Send that returns less than 1 stops the transfer, and its result is
+    // returned. Returns 0 if there is nothing to send, `lineLen` is below 1, or out of memory.
+    // `data` is not changed.
     virtual int SendAsLine(char* data, int len, int lineLen);
 
-    // Send(CUT_DataSource&, long&) of the file.
+    // Send(CUT_DataSource&, long&) with the file at `path`.
     virtual int SendFile(const wchar_t* path, long& bytesSent);
 
-    // One receive; a `timeOut` above 0 waits at most so many seconds for it. The bytes received, 0
-    // when the peer has closed or nothing came in time, or -1.
+    // Waits for data and calls recv once. Returns the number of bytes received; 0 if the peer has
+    // closed or nothing came in time; -1 on failure.
     virtual int Receive(char* buffer, int len, int timeOut);
 
-    // Writes what comes to the target until the peer closes, in pieces of at most 256 bytes, each
-    // waited for at most `timeOut` seconds if that is above 0; closes the target. `bytesReceived`
-    // holds the bytes written. Through OnError: 0, 15 no socket, 20 time-out, 21 a receive failed,
-    // 26 `type` is neither write nor append (the target is not touched), 79 the target refused to
-    // open, 81 it wrote too little, 90 ReceiveFileStatus stopped it.
+    // Opens `target`, writes what arrives to it in pieces of at most 256 bytes until the peer
+    // closes, and closes it. `timeOut` applies to each piece. `bytesReceived` receives the number
+    // of bytes written, also on failure. Returns UTE_SUCCESS, UTE_SOCK_NOT_OPEN, UTE_SOCK_TIMEOUT,
+    // UTE_SOCK_RECEIVE_ERROR, UTE_INVALID_OPEN_TYPE (neither write nor append; the target is not
+    // used), UTE_DS_OPEN_FAILED, UTE_DS_WRITE_FAILED or UTE_ABORTED (ReceiveFileStatus returned 0).
     virtual int Receive(CUT_DataSource& target, long& bytesReceived, OpenMsgType type, int timeOut);
 
-    // Receive(CUT_DataSource&, long&, OpenMsgType, int) into the file.
+    // Receive(CUT_DataSource&, long&, OpenMsgType, int) with the file at `path`.
     virtual int ReceiveToFile(const wchar_t* path, OpenMsgType type, long& bytesReceived,
                               int timeOut);
 
-    // Receives up to and including a carriage return and line feed that come together, at most
-    // `maxLen` - 1 bytes, and puts a terminator behind. Waits at most `timeOut` seconds for each
-    // part if that is above 0. The bytes stored, also when time, peer or abort flag ended it early;
-    // nothing behind the line end is consumed. The two bytes of a line end that arrive in different
-    // parts are not recognised; a carriage return at the end of a part is taken by the byte that
-    // `buffer` held behind it.
+    // Receives up to and including "\r\n", but at most `maxLen` - 1 bytes, and appends a
+    // terminator. `timeOut` applies to each part. Returns the number of bytes stored, which may
+    // lack the line end after a time-out, a close by the peer, an error, or when the abort flag is
+    // set. Nothing after the line end is consumed. A line end whose two bytes arrive in different
+    // parts is not recognised. A carriage return that ends a part is completed by the byte that
+    // `buffer` held after it.
     virtual int ReceiveLine(char* buffer, int maxLen, int timeOut);
 
-    // The connection's handler: serves the peer until it returns. The base reads one line, answers
-    // it with a fixed text and returns.
+    // Handles the connection, until it returns. The base reads one line, answers with a fixed text
+    // and returns.
     virtual void OnConnect();
 
-    // The handler of a connection above the server's maximum. The base reads once and sends
-    // nothing.
+    // Handles a connection above the server's maximum. The base reads once and sends nothing.
     virtual void OnMaxConnect();
 
-    // Does nothing; keeps its place among the virtual functions.
+    // Does nothing. Keeps its slot among the virtual functions.
     virtual void OnReserved();
 
-    // Told the bytes so far during a transfer; 0 stops it. The base returns 1.
+    // Called after each piece of a transfer. Returning 0 stops the transfer. The base returns 1.
     virtual int ReceiveFileStatus(long bytesSoFar);
     virtual int SendFileStatus(long bytesSoFar);
 
-    // Every result code passes through here; the base returns `code`.
+    // Receives each result code; its own result is what the caller gets. The base returns `code`.
     virtual int OnError(int code);
 
-    // 1 while the peer still holds the connection, else 0. The socket is blocking afterwards,
-    // except when it is dead.
+    // Returns 1 while the peer keeps the connection open, else 0. Leaves the socket blocking,
+    // except if the connection is broken.
     int IsConnected();
 
-    // 1 when at least one byte can be read without waiting, else 0.
+    // Returns 1 if at least one byte can be read without waiting, else 0.
     int IsDataWaiting();
 
-    // Drops what has come, through Receive in pieces of 256 bytes. Always 0.
+    // Reads and discards what has arrived, through Receive. Always returns UTE_SUCCESS.
     int ClearReceiveBuffer();
 
-    // Through OnError: 0 when the socket is readable within the time, else 1.
+    // Returns UTE_SUCCESS if the socket becomes readable within the time, else UTE_ERROR.
     int WaitForReceive(long seconds, long microseconds);
 
-    // 1 is non-blocking, 0 blocking; stored if the socket took it.
+    // 1 is non-blocking, 0 blocking. The value is stored only if the socket accepted it.
     void SetBlockingMode(int mode);
 
-    // Milliseconds; stored if the socket took them.
+    // In milliseconds. The value is stored only if the socket accepted it.
     void SetReceiveTimeOut(long milliseconds);
     void SetSendTimeOut(long milliseconds);
 

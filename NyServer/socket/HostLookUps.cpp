@@ -1,12 +1,12 @@
 // Included first: <afx.h> must precede the Windows headers.
 #include "NyServer/ExceptionBoundary.h"
 
-#include "NyServer/socket/detail/HostLookUps.h"
+#include "NyServer/socket/HostLookUps.h"
 
 namespace {
 
-// A request that has been cancelled cannot be cancelled again. Some systems report success without
-// cancelling anything, and do so each time.
+// A request cannot be cancelled twice. Some systems report success each time without cancelling
+// anything.
 bool isReallyCancelled(HANDLE request) {
     if (::WSACancelAsyncRequest(request) != 0) return true;
     return ::WSACancelAsyncRequest(request) != 0;
@@ -14,10 +14,10 @@ bool isReallyCancelled(HANDLE request) {
 
 }  // namespace
 
-// The lock is held over the request: an announcement that comes at once waits until it is known.
+// Held during the request, so that an announcement that comes at once waits until it is recorded.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
     return NySe::zeroIfOutOfMemory([&] {
-        const std::lock_guard lock(m_lock);
+        const NySe::MutexLock lock(m_mutex);
         m_requests.reserve(m_requests.size() + 1);
         const HANDLE started = request();
         if (started) m_requests.push_back(started);
@@ -26,16 +26,16 @@ bool HostLookUps::start(const std::function<HANDLE()>& request) {
 }
 
 void HostLookUps::finish(HANDLE request) {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     std::erase(m_requests, request);
 }
 
 void HostLookUps::cancel() {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     std::erase_if(m_requests, isReallyCancelled);
 }
 
 bool HostLookUps::arePending() const {
-    const std::lock_guard lock(m_lock);
+    const NySe::MutexLock lock(m_mutex);
     return !m_requests.empty();
 }

@@ -60,8 +60,7 @@ void RundownProtection::markDestroyed() {
         const Lock lock(*this);
         m_state = State::Destroyed;
     }
-    // OnCanAccept is not waited for: the accepting thread touches nothing of the server
-    // afterwards.
+    // Not for OnCanAccept: the accepting thread does not use the server after it.
     waitForOthers(Threads::Attached);
 }
 

@@ -1,16 +1,17 @@
 #pragma once
 
 #include "NyServer/base/UniqueHandle.h"
+#include "NyServer/ThreadAnnotations.h"
 
-// Run-down protection of a server: knows which threads are inside its code, and lets no more in
-// while it is being destroyed. The server and all its threads share one object; it is what a thread
-// may still touch after the server is destroyed.
+// Run-down protection of a server: tracks which threads are inside the server's code, and admits no
+// more while the server is being destroyed. The server and its threads share one object, which
+// outlives the server.
 //
-// A connection's thread is attached from tryAttach to detach. It is inside while it has the worker
-// created or released, and not while the worker's handler runs. The accepting thread is inside
-// while OnCanAccept runs; its other steps touch the server under the lock. Every function may be
-// called by any thread.
-class RundownProtection {
+// The thread of a connection is attached from tryAttach to detach. It is inside while the worker is
+// created or released, but not while the worker's handler runs. The accepting thread is inside
+// while OnCanAccept runs; in its other steps it holds the lock. Any thread may call these
+// functions.
+class NY_LOCK_TYPE("run-down protection") RundownProtection {
   public:
     enum class State {
         Open,
@@ -18,8 +19,7 @@ class RundownProtection {
         Destroyed,  // the server is not touched at all
     };
 
-    // A thread's stay inside. Owned by the thread, and known to the protection from entering to
-    // leaving.
+    // Represents a thread that is inside. Owned by the thread; linked from entering to leaving.
     class Entry {
         friend class RundownProtection;
         bool m_isAcceptor = false;
@@ -27,14 +27,15 @@ class RundownProtection {
         Entry* m_next = nullptr;
     };
 
-    // A mutex of the kernel, because the thread that waits for it or holds it may be ended by force
-    // and the lock must stay usable. The owner may lock again.
-    class Lock {
+    // Holds the lock. The lock is a kernel mutex, because a thread that waits for it or holds it
+    // may be terminated and the lock must stay usable. A thread may lock it recursively.
+    class NY_SCOPED_LOCK Lock {
       public:
-        explicit Lock(const RundownProtection& rundown) : m_mutex(rundown.m_mutex.get()) {
+        explicit Lock(const RundownProtection& rundown) NY_ACQUIRES(rundown)
+            : m_mutex(rundown.m_mutex.get()) {
             ::WaitForSingleObject(m_mutex, INFINITE);
         }
-        ~Lock() { ::ReleaseMutex(m_mutex); }
+        ~Lock() NY_RELEASES() { ::ReleaseMutex(m_mutex); }
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
@@ -42,30 +43,31 @@ class RundownProtection {
         HANDLE m_mutex;
     };
 
-    // Throws std::bad_alloc when no mutex can be created.
+    // Throws std::bad_alloc if the mutex cannot be created.
     RundownProtection();
 
-    // Attaches a connection's thread and enters, to create its worker. False, and nothing changed,
-    // unless the state is Open.
+    // Attaches the thread of a connection and enters it, to create the worker. Returns false and
+    // changes nothing unless the state is Open.
     [[nodiscard]] bool tryAttach(Entry& entry);
 
-    // An attached thread enters again. Returns the state; nothing is entered when it is Destroyed.
+    // Enters an attached thread again. Returns the state; if it is Destroyed, the thread is not
+    // entered.
     [[nodiscard]] State reenter(Entry& entry);
 
-    // The accepting thread enters, to call OnCanAccept. False unless the state is Open.
+    // Enters the accepting thread, to call OnCanAccept. Returns false unless the state is Open.
     [[nodiscard]] bool tryEnter(Entry& entry);
 
-    // Without effect when nothing was entered.
+    // No effect if the entry is not entered.
     void leave(Entry& entry);
 
     // REQUIRES: the calling thread is attached.
     void detach();
 
-    // Closes if no thread is attached and none but the calling one is inside, in one step. False,
-    // and nothing changed, otherwise.
+    // If no thread is attached and none but the calling one is inside, closes and returns true, as
+    // one step. Otherwise returns false and changes nothing.
     [[nodiscard]] bool closeIfIdle();
 
-    // Does not wait.
+    // Closes without waiting.
     void close();
 
     // Waits until no thread but the calling one is inside.
@@ -75,18 +77,18 @@ class RundownProtection {
     // inside.
     void markDestroyed();
 
-    // REQUIRES: locked by the calling thread, for as long as the answer is relied upon.
-    bool isDestroyed() const { return m_state == State::Destroyed; }
+    // The answer holds as long as the lock is held.
+    bool isDestroyed() const NY_REQUIRES(this) { return m_state == State::Destroyed; }
 
   private:
     enum class Threads { Attached, All };
 
-    void enter(Entry& entry, bool isAcceptor);
+    void enter(Entry& entry, bool isAcceptor) NY_REQUIRES(this);
     bool hasOthersInside(Threads threads) const;
     void waitForOthers(Threads threads) const;
 
     UniqueKernelHandle m_mutex;
-    State m_state = State::Open;
-    int m_attached = 0;
-    Entry* m_entries = nullptr;
+    State m_state NY_GUARDED_BY(this) = State::Open;
+    int m_attached NY_GUARDED_BY(this) = 0;
+    Entry* m_entries NY_GUARDED_BY(this) = nullptr;
 };

@@ -11,7 +11,7 @@
 
 void ServerConnection::start(Accepted accepted) {
     auto* connection = new (std::nothrow) ServerConnection(std::move(accepted));
-    if (connection && ::_beginthread(runThread, 0, connection) == static_cast<uintptr_t>(-1))
+    if (connection && ::_beginthread(threadMain, 0, connection) == static_cast<uintptr_t>(-1))
         delete connection;
 }
 
@@ -19,30 +19,30 @@ ServerConnection::~ServerConnection() {
     socketcalls::closeSocket(m_accepted.socket.release());
 }
 
-void ServerConnection::runThread(void* connection) {
+void ServerConnection::threadMain(void* connection) {
     auto* self = static_cast<ServerConnection*>(connection);
     const std::shared_ptr<RundownProtection> rundown = self->m_accepted.rundown;
     const bool isAttached = rundown->tryAttach(self->m_entry);
     if (isAttached) self->serve();
     delete self;
-    // Only now that the socket is closed is there nothing left of the connection.
+    // After the socket is closed, so that nothing of the connection is left.
     if (isAttached) rundown->detach();
 }
 
 void ServerConnection::serve() {
-    CUT_WSThread* worker = makeWorker();
-    if (worker) introduce(*worker);
+    CUT_WSThread* worker = createWorker();
+    if (worker) initialize(*worker);
     m_accepted.rundown->leave(m_entry);
     if (!worker) return;
     runHandler(*worker);
-    dismiss(worker);
+    removeAndDestroy(worker);
 }
 
-CUT_WSThread* ServerConnection::makeWorker() {
+CUT_WSThread* ServerConnection::createWorker() {
     return NySe::resultOr(nullptr, [this] { return m_accepted.server->CreateInstance(); });
 }
 
-void ServerConnection::introduce(CUT_WSThread& worker) {
+void ServerConnection::initialize(CUT_WSThread& worker) {
     worker.m_socket = m_accepted.socket.get();
     worker.m_listenSocket = m_accepted.listenSocket;
     worker.m_peerAddress = m_accepted.peer;
@@ -50,14 +50,14 @@ void ServerConnection::introduce(CUT_WSThread& worker) {
     m_accepted.server->ThreadListAdd(&worker, ::GetCurrentThreadId(), worker.m_socket);
 }
 
-// What a handler throws ends its connection and nothing else.
+// An exception of a handler ends its connection only.
 void ServerConnection::runHandler(CUT_WSThread& worker) {
     worker.SetReceiveTimeOut(socketcalls::kTimeOut);
     worker.SetSendTimeOut(socketcalls::kTimeOut);
     NySe::succeeds([&] { m_accepted.isTooMany ? worker.OnMaxConnect() : worker.OnConnect(); });
 }
 
-void ServerConnection::dismiss(CUT_WSThread* worker) {
+void ServerConnection::removeAndDestroy(CUT_WSThread* worker) {
     const RundownProtection::State state = m_accepted.rundown->reenter(m_entry);
     if (state != RundownProtection::State::Destroyed)
         m_accepted.server->ThreadListRemove(::GetCurrentThreadId());

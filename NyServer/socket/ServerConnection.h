@@ -6,7 +6,7 @@
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
-// One accepted connection of a CUT_WSServer: what the accepting thread hands to the thread that
+// An accepted connection of a CUT_WSServer, passed from the accepting thread to the thread that
 // serves it.
 class ServerConnection {
   public:
@@ -19,20 +19,20 @@ class ServerConnection {
         std::shared_ptr<RundownProtection> rundown;
     };
 
-    // Starts the connection's thread, which owns everything from then on. When there is no thread
-    // to be had the connection is closed.
+    // Starts the connection's thread, which takes ownership of `accepted`. If no thread can be
+    // created, the connection is closed.
     static void start(Accepted accepted);
 
   private:
     explicit ServerConnection(Accepted accepted) : m_accepted(std::move(accepted)) {}
     ~ServerConnection();
 
-    static void runThread(void* connection);
+    static void threadMain(void* connection);
     void serve();
-    CUT_WSThread* makeWorker();
-    void introduce(CUT_WSThread& worker);
+    CUT_WSThread* createWorker();
+    void initialize(CUT_WSThread& worker);
     void runHandler(CUT_WSThread& worker);
-    void dismiss(CUT_WSThread* worker);
+    void removeAndDestroy(CUT_WSThread* worker);
     void release(CUT_WSThread* worker);
 
     Accepted m_accepted;

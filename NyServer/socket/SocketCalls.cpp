@@ -24,7 +24,7 @@ int selectReadable(SOCKET socket, long seconds, long microseconds) {
     return ::select(0, &set, nullptr, nullptr, &timeOut);
 }
 
-// The result that ends the receive, or nothing to go on.
+// Returns the result that ends the transfer, or nothing to continue.
 std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& steps, long maxBytes,
                                 long& total) {
     if (!steps.wait()) return UTE_SOCK_TIMEOUT;

@@ -1,6 +1,5 @@
-// The socket calls that the client, the server and its workers have in common. They work on a plain
-// SOCKET that the caller owns; INVALID_SOCKET is allowed everywhere and fails as the stack has it.
-// Not exported.
+// Socket calls shared by the client, the server and its workers. The caller owns the SOCKET.
+// INVALID_SOCKET is allowed and fails as the system has it. Not exported.
 #pragma once
 
 #include <functional>
@@ -13,107 +12,107 @@
 
 namespace socketcalls {
 
-// For sending and for receiving, unless the host sets another; in ms.
+// The time-out of sending and of receiving unless the host sets another, in ms.
 constexpr long kTimeOut = 30000;
 
-// For files that are sent or received; in bytes.
+// The buffer size for files that are sent or received, in bytes.
 constexpr int kFileBuffer = 4096;
 
-// WSAStartup for version 2.0; `data` receives what the stack says about itself. Whoever gets true
-// owes the stack one WSACleanup.
+// Calls WSAStartup for version 2.0; `data` receives its result. Each call that returns true must be
+// balanced by one WSACleanup.
 bool startWinsock(WSADATA& data);
 
 sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddress);
 
-// False if the stack refused.
+// Returns false on failure.
 bool bindTo(SOCKET socket, const sockaddr_in& address);
 
-// The address of the socket's own end; all zero if the stack cannot say.
+// Returns the local address of the socket; all zero on failure.
 sockaddr_in localAddress(SOCKET socket);
 
-// Its port in host order.
+// Returns the port of localAddress in host order.
 int localPort(SOCKET socket);
 
-// The address in dotted text; "" if the stack cannot say. The text lives until the thread's next
-// call.
+// Returns the address as dotted text; "" on failure. Valid until the thread's next call.
 const char* dottedText(const sockaddr_in& address);
 
-// The first address of a look-up in dotted text, or null if there is none; lives as dottedText.
+// Returns the first address of a look-up as dotted text, or null if there is none. Valid as in
+// dottedText.
 const char* firstAddress(const hostent& host);
 
-// The text behind the last '@' that is not the first character: a user and host pair stands for
-// its host.
+// Returns what follows the last '@' of "user@host", or all of `name`. An '@' that is the first
+// character does not count.
 const char* hostPart(const char* name);
 
 // Copies at most `size` - 1 characters and a terminator; nothing if `size` is below 1.
 void copyText(const char* text, char* target, int size);
 
-// Whether select reports exactly this socket within {seconds, microseconds}.
+// Return whether select reports the socket within the time.
 bool isReadable(SOCKET socket, long seconds, long microseconds);
 bool isWritable(SOCKET socket, long seconds, long microseconds);
 
-// Whether at least one byte can be read without waiting.
+// Returns whether at least one byte can be read without waiting.
 bool isDataWaiting(SOCKET socket);
 
-// Closes the socket, after SD_BOTH if `shutDown`; both calls are made in any case. False if either
-// failed.
+// Closes the socket, after a shutdown of both directions if `shutDown`. The socket is closed even
+// if the shutdown fails. Returns false if either call failed.
 bool closeSocket(SOCKET socket, bool shutDown = true);
 
-// Sets SO_RCVTIMEO or SO_SNDTIMEO. The result of setsockopt: 0 or SOCKET_ERROR.
+// Sets SO_RCVTIMEO or SO_SNDTIMEO. Returns 0 or SOCKET_ERROR.
 int setTimeOut(SOCKET socket, int option, int milliseconds);
 
-// Mode 1 is non-blocking, 0 blocking. False if the stack refused.
+// Mode 1 is non-blocking, 0 blocking. Returns false on failure.
 bool setBlockingMode(SOCKET socket, int mode);
 
-// Whether the error number of a failed select says that there is no socket to ask about.
+// Returns whether the error number of a failed select means that the handle is no socket.
 bool isNoSocket(int error);
 
 // What the error number of a failed peek says about the connection.
 enum class PeekError {
-    dead,        // broken; the mode of the socket is left alone
+    dead,        // broken; the mode of the socket is not changed
     reset,       // by the peer
-    inProgress,  // another call is under way: taken for connected
+    inProgress,  // another call is in progress: counts as connected
     wouldBlock,  // nothing to read
-    other,       // nothing about the connection
+    other,       // unrelated to the connection
 };
 PeekError classifyPeekError(int error);
 
-// Whether the peer still holds the connection, found by peeking one byte in non-blocking mode.
-// `setMode` is called with 1 and then 0. The socket ends blocking, except when the error of the
-// peek says that the connection is dead: then it stays non-blocking.
+// Returns whether the peer keeps the connection open, found by peeking at one byte in non-blocking
+// mode. Calls `setMode` with 1 and then 0. The socket is blocking afterwards, except if the error
+// of the peek means that the connection is broken: then it stays non-blocking.
 bool isConnected(SOCKET socket, const std::function<void(int)>& setMode);
 
-// One recv, after `wait` if there is a time-out (in seconds; 0 or less: no wait). The count, 0 when
-// the peer has closed or the wait gave non-zero, -1 on an error.
+// Calls recv once, after `wait` if `timeOut` (in seconds) is above 0. Returns the number of bytes
+// received; 0 if the peer has closed or `wait` returned non-zero; -1 on failure.
 int receiveWithin(SOCKET socket, char* buffer, int length, int timeOut,
                   const std::function<int()>& wait);
 
-// Adds to a count of bytes so that it wraps around when a transfer is longer than its type can say:
-// a count that overflows otherwise has no defined value.
+// Adds to a count of bytes, with wrap-around: a signed overflow would be undefined.
 template <class Count>
 constexpr void addWrapping(Count& total, int count) {
     using Unsigned = std::make_unsigned_t<Count>;
     total = static_cast<Count>(static_cast<Unsigned>(total) + static_cast<Unsigned>(count));
 }
 
-// Takes one piece of a data source. Nothing: go on; otherwise the result that ends the transfer.
+// Sends one piece of a data source. Returns the result of the transfer to end it, else nothing.
 using SendPiece = std::function<std::optional<int>(const char* data, int length)>;
 
-// Reads the whole source in pieces of at most 255 bytes and gives each to `sendPiece`. The source
-// is closed at the end. UTE_SUCCESS, UTE_DS_OPEN_FAILED, or what `sendPiece` ended with.
+// Opens the source, reads all of it in pieces of at most 255 bytes, passes each to `sendPiece`, and
+// closes it. Returns UTE_SUCCESS, UTE_DS_OPEN_FAILED, or what `sendPiece` returned.
 int sendFromSource(CUT_DataSource& source, const SendPiece& sendPiece);
 
-// What a receive into a data source asks of its socket object, so that overrides take part.
+// The operations of a receive into a data source. The socket object supplies them, so that
+// overrides of its virtual functions take effect.
 struct ReceiveSteps {
-    std::function<bool()> wait;  // false: nothing came within the time-out
+    std::function<bool()> wait;  // false: timed out
     std::function<int(char* buffer, int length)> receive;
     std::function<bool(long bytesSoFar)> mayGoOn;
 };
 
-// Writes what arrives, in pieces of at most 256 bytes, until the peer closes or, with `maxBytes`
-// above 0, until that many bytes have come. `total` grows by each piece (addWrapping). The source
-// is closed at the end if it was opened. UTE_SUCCESS, UTE_INVALID_OPEN_TYPE (source untouched),
-// UTE_DS_OPEN_FAILED, UTE_SOCK_TIMEOUT, UTE_SOCK_RECEIVE_ERROR, UTE_DS_WRITE_FAILED or UTE_ABORTED.
+// Opens `target`, writes what arrives in pieces of at most 256 bytes, and closes it. Ends when the
+// peer closes or, with `maxBytes` above 0, after that many bytes. Adds each piece to `total`
+// (addWrapping). Returns UTE_SUCCESS, UTE_INVALID_OPEN_TYPE (target not used), UTE_DS_OPEN_FAILED,
+// UTE_SOCK_TIMEOUT, UTE_SOCK_RECEIVE_ERROR, UTE_DS_WRITE_FAILED or UTE_ABORTED.
 int receiveIntoSource(CUT_DataSource& target, OpenMsgType type, const ReceiveSteps& steps,
                       long maxBytes, long& total);
 

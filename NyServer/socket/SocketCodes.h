@@ -1,7 +1,9 @@
-// The result codes of the socket layer: number, name and meaning, once. Hosts compare against the
-// numbers: do not change them, and never give an old number a new meaning.
+// The result codes of the socket layer, each with its number, name and meaning, and the texts of
+// socket errors. Hosts compare with the numbers: do not change them, and never give a number a new
+// meaning.
 #pragma once
 
+#include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/NyServerApi.h"
 
 // Expands its argument as X(name, number, text) for each code.
@@ -39,3 +41,8 @@ extern NYSERVER_API const int NY_UTE_SUCCESS;
 extern NYSERVER_API const int NY_UTE_ERROR;
 extern NYSERVER_API const int NY_UTE_SOCK_BIND_FAILED;
 }
+
+// Returns the English text of the socket's pending error (SO_ERROR), not of the calling thread's
+// last error. If it cannot be read, returns the text of that failure. The text is static. `code`,
+// unless null, receives the error number that the text describes.
+NYSERVER_API const wchar_t* SocketErrorText(const SOCKET* socket, int* code);

@@ -1,5 +1,4 @@
-// The texts of socket errors. They are fixed and never translated; that some lack a full stop is
-// part of them.
+// The texts of socket errors. Do not change or translate them; some have no full stop.
 #pragma once
 
 #include <span>
@@ -65,7 +64,7 @@ inline constexpr SocketErrorRow kPendingErrorTexts[] = {
     {WSANO_DATA, L"Valid name, no data record of requested type."},
 };
 
-// Texts of why the pending error could not be asked for.
+// Texts of a getsockopt call that failed.
 inline constexpr SocketErrorRow kQueryErrorTexts[] = {
     {WSAEINVAL, L"GetSockOpt error: WSAEINVAL"},
     {WSAEINPROGRESS, L"GetSockOpt error: WSAEINPROGRESS"},

@@ -4,9 +4,7 @@
 
 #include "apps/central/FrameReader.h"
 #include "apps/central/Requests.h"
-#include "apps/common/WaitWritable.h"
-
-using namespace apps;
+#include "NyServer/socket/TimedConnect.h"
 
 namespace {
 
@@ -18,6 +16,7 @@ constexpr int kIdleStepsBetweenChecks = 50;
 
 // A client that takes no byte of its answer for so many steps of 100 ms is given up.
 constexpr int kAnswerPatienceSteps = 300;
+constexpr long kAnswerStep = 100'000;  // microseconds
 
 }  // namespace
 
@@ -108,7 +107,8 @@ bool CentralWorker::sendInSteps(const std::string& bytes) {
             continue;
         }
         if (::WSAGetLastError() != WSAEWOULDBLOCK || mustEnd()) break;
-        if (waitWritable(m_socket) != Readiness::ready) ++stepsInVain;
+        if (socketcalls::waitWritable(m_socket, kAnswerStep) != socketcalls::Readiness::ready)
+            ++stepsInVain;
     }
     return sent == bytes.size();
 }

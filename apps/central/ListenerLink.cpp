@@ -3,19 +3,17 @@
 #include <algorithm>
 #include <array>
 
-#include "apps/common/SelfConnect.h"
-#include "apps/common/WaitWritable.h"
+#include "NyServer/socket/TimedConnect.h"
 
-using namespace apps;
+using namespace socketcalls;
 
 namespace {
 
 constexpr DWORD kPauseBetweenConnectsMs = 200;
+constexpr long kSendStep = 100'000;  // microseconds
 
 UniqueSocket makeSocket() {
     UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-    u_long nonBlocking = 1;
-    ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
     const BOOL on = TRUE;
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on),
                  sizeof on);
@@ -40,11 +38,8 @@ bool ListenerLink::open(const Patience& patience) {
 
 bool ListenerLink::connectOnce(const Patience& patience) {
     UniqueSocket socket = makeSocket();
-    const auto* address = reinterpret_cast<const sockaddr*>(&m_address);
-    if (::connect(socket.get(), address, sizeof m_address) != 0 && !isWouldBlock()) return false;
-    Readiness readiness = Readiness::notYet;
-    while (readiness == Readiness::notYet && !patience.isOver())
-        readiness = waitWritable(socket.get());
+    const Readiness readiness =
+        connectUntil(socket.get(), m_address, [&patience] { return patience.isOver(); });
     if (readiness != Readiness::ready || isConnectedToItself(socket.get())) return false;
     m_socket = std::move(socket);
     m_heard.clear();
@@ -89,7 +84,7 @@ ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& 
         }
         if (!isWouldBlock()) return Outcome::lost;
         if (patience.isOver()) return Outcome::tooSlow;
-        if (waitWritable(m_socket.get()) == Readiness::failed) return Outcome::lost;
+        if (waitWritable(m_socket.get(), kSendStep) == Readiness::failed) return Outcome::lost;
     }
     return Outcome::done;
 }

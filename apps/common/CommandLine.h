@@ -1,4 +1,4 @@
-// What the programs' command lines have in common.
+// The parts of the command line that the programs share.
 #pragma once
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace apps {
 
-// The options that say who talks to which server.
+// Add the options for the account.
 inline CLI::Option* addServerOption(CLI::App& app, Account& account) {
     return app.add_option("--server", account.server, "HOST:PORT of the central server")
         ->check([](const std::string& server) {
@@ -23,8 +23,8 @@ inline CLI::Option* addUserOption(CLI::App& app, Account& account) {
         ->capture_default_str();
 }
 
-// Takes the arguments with which this program was started. Throws CLI::ParseError, of which
-// CLI::CallForHelp is one.
+// Parses the arguments of this program. Throws CLI::ParseError; CLI::CallForHelp is derived from
+// it.
 inline void parseCommandLine(CLI::App& app) {
     std::vector<std::string> arguments = commandLineArguments();
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them

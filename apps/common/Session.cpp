@@ -55,7 +55,7 @@ bool Session::registerUser() {
     return m_registered;
 }
 
-// The server gives up a port at which nobody listens; then only another one starts afresh.
+// The server releases a port at which nobody listens; after that, only another port is valid.
 int Session::firstPort() {
     if (m_registered) return m_client.getAnotherPort();
     return registerUser() ? m_user.getPort() : 0;

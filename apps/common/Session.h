@@ -1,4 +1,4 @@
-// Session: a user's connection to a central server.
+// Session: the connection of a user to a central server.
 #pragma once
 
 #include <memory>
@@ -15,45 +15,45 @@ struct ServerAddress {
     int port = 0;
 };
 
-// HOST:PORT taken apart; nothing when `server` is something else.
+// Parses HOST:PORT. Returns nothing if `server` has another form.
 std::optional<ServerAddress> parseServer(const std::string& server);
 
-// The name under which the user is logged in on this machine, in UTF-8.
+// Returns the login name of the user in UTF-8.
 std::string loginName();
 
-// Who talks to which server.
+// A user and a server.
 struct Account {
     std::string server = "127.0.0.1:42015";  // HOST:PORT
     std::string user;                        // who registers, in UTF-8
 };
 
-// Connects when that is first needed and says good-bye at its end. Used by one thread.
+// Connects at first use and disconnects when it is destroyed. Used by one thread.
 class Session {
   public:
-    // The account is read when the connection is opened; it must outlive the session.
+    // The account is read when the connection is opened and must outlive the session.
     explicit Session(const Account& account) : m_account(account) {}
     virtual ~Session() { close(); }
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // True when there is a connection on which the schema has been agreed.
+    // Connects and agrees on the schema, unless that was done. Returns whether both succeeded.
     bool open();
-    // The first half of open: true when there is a connection. Nothing is agreed on it yet.
+    // Connects only, unless that was done. Returns whether there is a connection.
     bool connect();
-    // Ends the connection; the next open makes a new one. For use after a missed answer: one that
-    // comes late would be taken for the next request's.
+    // Disconnects; the next open connects again. Call it after a missing answer: an answer that
+    // arrives late would be taken for that of the next request.
     void close();
-    // Enters the user at the server, once. False when there is no connection or the server gave no
-    // port.
+    // Registers the user, unless that was done. Returns false if there is no connection or the
+    // server assigned no port.
     bool registerUser();
-    // The user's listener, which does not listen before listen. It goes with the connection, not
-    // earlier: the server takes a user whose listener has gone for one who has gone.
+    // Returns the user's listener, which listens after listen. It is destroyed with the connection,
+    // not before: the server considers a user gone whose listener is gone.
     NyServerApp& listener();
-    // Registers the user and listens, unless that was done: at the port that the server gives, or
-    // at another one that it gives when that is taken on this machine. False when there is no
-    // connection or the server gave no port that is free.
+    // Registers the user and listens, unless that was done, at the port that the server assigns. If
+    // that port is in use on this machine, requests another one. Returns false if there is no
+    // connection or the server has no other port.
     bool listen();
-    // The same for a user who has just been registered, from the port on that came with it.
+    // The same for a user that was just registered, starting with the assigned `port`.
     bool listenFrom(LONG port);
 
     NySeClientApp& client() { return m_client; }
@@ -61,7 +61,7 @@ class Session {
     const std::string& server() const { return m_account.server; }
 
   protected:
-    // The listener of each new connection.
+    // Creates the listener of a connection.
     virtual std::unique_ptr<NyServerApp> makeListener() const;
 
   private:

@@ -19,8 +19,8 @@ BOOL WINAPI onControl(DWORD) {
 
 }  // namespace
 
-// Never closed: the system calls onControl on a thread of its own, which may still run when the
-// handler has been taken away.
+// Never closed: the system calls onControl on a thread of its own, which may still run after the
+// handler is removed.
 HANDLE StopRequest::event() {
     static const HANDLE made = makeEvent();
     return made;

@@ -1,21 +1,22 @@
-// StopRequest: Ctrl+C, and whatever else the console ends a program with, as an event to wait for.
+// StopRequest: Ctrl+C and the other events by which the console ends a program, as a kernel event.
 #pragma once
 
 #include "NyServer/base/WindowsPrelude.h"
 
 namespace apps {
 
-// While one lives, such a request sets the event and does not end the program. One lives at a time.
+// While an object exists, such a request sets the event and does not end the program. At most one
+// object exists at a time.
 class StopRequest {
   public:
-    // No request has been made. Throws std::runtime_error when the system makes no event.
+    // Resets the event. Throws std::runtime_error if the event cannot be created.
     StopRequest();
     ~StopRequest();
     StopRequest(const StopRequest&) = delete;
     StopRequest& operator=(const StopRequest&) = delete;
 
-    // The program's one event, for waiting. Any thread may use it at any time; it throws as the
-    // constructor does, and not once that has been through.
+    // Returns the event, for waiting. Any thread may call it at any time. Throws as the constructor
+    // does, but not after a constructor has succeeded.
     static HANDLE event();
     static bool isMade() { return ::WaitForSingleObject(event(), 0) == WAIT_OBJECT_0; }
     // Requests the stop from inside the program.

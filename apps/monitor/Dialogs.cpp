@@ -3,6 +3,7 @@
 #include <afxwin.h>
 
 #include "apps/monitor/resource.h"
+#include "NyServer/ExceptionBoundary.h"
 
 namespace apps::monitor {
 
@@ -37,16 +38,19 @@ class Dialog {
     HWND m_dialog = nullptr;
 
   private:
-    static INT_PTR CALLBACK onMessage(HWND dialog, UINT message, WPARAM wParam,
-                                      LPARAM lParam) noexcept {
-        try {
-            if (message == WM_INITDIALOG) return start(dialog, lParam);
-            if (message == WM_COMMAND)
-                reinterpret_cast<Dialog*>(::GetWindowLongPtrW(dialog, DWLP_USER))
-                    ->onCommand(LOWORD(wParam), HIWORD(wParam));
-        } catch (...) {
-            ::EndDialog(dialog, IDCANCEL);  // it must not travel through the system's code
-        }
+    static INT_PTR CALLBACK onMessage(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+        INT_PTR result = FALSE;
+        // No exception may pass through the dispatcher: the dialog is cancelled instead.
+        if (!NySe::succeeds([&] { result = handle(dialog, message, wParam, lParam); }))
+            ::EndDialog(dialog, IDCANCEL);
+        return result;
+    }
+
+    static INT_PTR handle(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_INITDIALOG) return start(dialog, lParam);
+        if (message == WM_COMMAND)
+            reinterpret_cast<Dialog*>(::GetWindowLongPtrW(dialog, DWLP_USER))
+                ->onCommand(LOWORD(wParam), HIWORD(wParam));
         return FALSE;
     }
 

@@ -1,22 +1,22 @@
-// The window's listener, and how the window gets at it while the connection to the server may end.
+// The listener of the window, and a reference to it that stays valid after the connection ends.
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "apps/common/Session.h"
 #include "apps/monitor/Backlog.h"
+#include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
-// Also reports the backlog of its window. Threads: as NyServerApp; backlog may be called by any.
+// A listener that reports the backlog of its window. Any thread may call backlog.
 class MonitorListener : public NyServerApp {
   public:
     Backlog backlog();
 };
 
-// A session that listens so.
+// A session whose listener is a MonitorListener.
 class MonitorSession : public Session {
   public:
     using Session::Session;
@@ -28,30 +28,31 @@ class MonitorSession : public Session {
     }
 };
 
-// The window.s reference to the listener that posts to it. The listener is created and
+// The window's reference to the listener that posts to it. The listener is created and
 // destroyed by another thread. Any thread may call these functions.
 class ListenerReference {
   public:
     explicit ListenerReference(MonitorListener& listener) : m_listener(&listener) {}
 
-    // Calls `action` with the listener, which is not destroyed meanwhile; with null after reset.
+    // Calls `action` with the listener, or with null after reset. The listener exists during the
+    // call.
     template <class Action>
     void use(Action action) {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         action(m_listener);
     }
 
-    // REQUIRES: called before the listener is destroyed. It posts nothing more, and is not used any
-    // more.
+    // Clears the window of the listener and the reference. REQUIRES: called before the listener is
+    // destroyed.
     void reset() {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         if (m_listener != nullptr) m_listener->setAppWnd(nullptr);
         m_listener = nullptr;
     }
 
   private:
-    std::mutex m_mutex;
-    MonitorListener* m_listener;
+    NySe::Mutex m_mutex;
+    MonitorListener* m_listener NY_GUARDED_BY(m_mutex);
 };
 
 }  // namespace apps::monitor

@@ -1,4 +1,4 @@
-// MonitorView: what the worker tells the window.
+// MonitorView: what the worker reports to the window.
 #pragma once
 
 #include <memory>
@@ -16,15 +16,15 @@ struct ConnectionState {
     LONG session = 0;  // this user's, when connected
 };
 
-// Every function is called by the window's thread.
+// All functions are called on the thread of the window.
 class MonitorView {
   public:
     virtual void showState(const ConnectionState& state) = 0;
     virtual void showRows(const ServerRows& rows) = 0;
-    // What the worker is waiting for; empty: for something to do.
+    // The activity that the worker waits for; empty if it is idle.
     virtual void showActivity(const std::wstring& what) = 0;
     virtual void addLog(const std::wstring& event, const std::wstring& content) = 0;
-    // What is posted from here on comes from this listener.
+    // Notifications that are posted from now on come from this listener.
     virtual void setListener(const std::shared_ptr<ListenerReference>& listener) = 0;
 
   protected:

@@ -9,11 +9,11 @@ namespace apps::monitor {
 
 namespace {
 
-// How often the connection is looked at when there is nothing to do.
+// How often the connection is checked while there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
-// A failure does not say whether the server refused or was silent; the time does: the client waits
-// for 15 s, which may end a little early by another clock.
+// A failure does not show whether the server refused or did not answer. The time does: the client
+// waits for 15 s, which may end a little earlier on another clock.
 constexpr std::chrono::seconds kAnswerTime{14};
 
 }  // namespace
@@ -24,20 +24,24 @@ ServerWorker::~ServerWorker() {
 }
 
 void ServerWorker::start() {
-    m_hasEnded = false;
+    {
+        const NySe::MutexLock lock(m_mutex);
+        m_hasEnded = false;
+    }
     m_thread = std::thread([this] { run(); });
 }
 
 bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
-    Lock lock(m_mutex);
+    NySe::MutexLock lock(m_mutex);
     m_isStopping = true;
-    if (m_link) m_link->reset();
+    if (m_listener) m_listener->reset();
     m_changed.notify_all();
-    return m_changed.wait_for(lock, timeOut, [this] { return m_hasEnded; });
+    return m_changed.wait_for(lock.standard(), timeOut,
+                              [this]() NY_REQUIRES(m_mutex) { return m_hasEnded; });
 }
 
 bool ServerWorker::request(Request request) {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     if (!m_isServing) return false;
     m_requests.push_back(std::move(request));
     m_changed.notify_all();
@@ -45,18 +49,18 @@ bool ServerWorker::request(Request request) {
 }
 
 void ServerWorker::refresh() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_isRefreshWanted = true;
     m_changed.notify_all();
 }
 
 void ServerWorker::setServing(bool isServing) {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_isServing = isServing;
 }
 
 bool ServerWorker::isStopping() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     return m_isStopping;
 }
 
@@ -65,53 +69,53 @@ void ServerWorker::run() {
         std::wstring reason;
         const bool isOver = NySe::succeeds([&] { reason = runConnection(); });
         const bool isLeft = NySe::succeeds([&] {
-            leave();
-            if (!isOver) reason = words::noMemory();  // what else throws ends in the library
+            endSession();
+            if (!isOver) reason = words::noMemory();  // other exceptions end in the library
             if (!reason.empty()) awaitNextAttempt(reason);
         });
         if (!isLeft) std::this_thread::sleep_for(kRound);
     }
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     m_hasEnded = true;
     m_changed.notify_all();
 }
 
 std::wstring ServerWorker::runConnection() {
-    tellState({false, words::connecting(m_account)});
+    reportState({false, words::connecting(m_account)});
     if (!m_session.open()) return words::noConnection(m_account);
-    enter();
+    attachListener();
     if (!m_session.listen())
         return m_session.client().isAlive() ? words::noPort() : whyUnanswered();
     return serve();
 }
 
-// The window is the listener's before it listens, so that nothing is missed from then on.
-void ServerWorker::enter() {
+// Set before it listens, so that no notification is missed.
+void ServerWorker::attachListener() {
     MonitorListener& listener = m_session.monitorListener();
-    const auto link = std::make_shared<ListenerReference>(listener);
-    m_queue.post([this, link] { m_view.setListener(link); });
-    const Lock lock(m_mutex);
-    m_link = link;
+    const auto reference = std::make_shared<ListenerReference>(listener);
+    m_queue.post([this, reference] { m_view.setListener(reference); });
+    const NySe::MutexLock lock(m_mutex);
+    m_listener = reference;
     if (!m_isStopping) listener.setAppWnd(&m_window);
 }
 
-void ServerWorker::leave() {
+void ServerWorker::endSession() {
     {
-        const Lock lock(m_mutex);
-        if (m_link) m_link->reset();
-        m_link.reset();
+        const NySe::MutexLock lock(m_mutex);
+        if (m_listener) m_listener->reset();
+        m_listener.reset();
     }
     m_session.close();
     setServing(false);
     dropRequests();
-    tellActivity({});
+    reportActivity({});
 }
 
 std::wstring ServerWorker::serve() {
     if (!readTables()) return whyUnanswered();
     m_delay.reset();
     setServing(true);
-    tellConnected();
+    reportConnected();
     std::wstring reason;
     while (!isStopping() && reason.empty()) reason = serveOne();
     return reason;
@@ -131,9 +135,10 @@ std::wstring ServerWorker::serveOne() {
 }
 
 std::optional<Request> ServerWorker::takeRequest() {
-    Lock lock(m_mutex);
-    m_changed.wait_for(lock, kRound,
-                       [this] { return m_isStopping || m_isRefreshWanted || !m_requests.empty(); });
+    NySe::MutexLock lock(m_mutex);
+    m_changed.wait_for(lock.standard(), kRound, [this]() NY_REQUIRES(m_mutex) {
+        return m_isStopping || m_isRefreshWanted || !m_requests.empty();
+    });
     if (m_isStopping || m_requests.empty()) return std::nullopt;
     Request request = std::move(m_requests.front());
     m_requests.pop_front();
@@ -141,28 +146,28 @@ std::optional<Request> ServerWorker::takeRequest() {
 }
 
 bool ServerWorker::takeRefresh() {
-    const Lock lock(m_mutex);
+    const NySe::MutexLock lock(m_mutex);
     return std::exchange(m_isRefreshWanted, false);
 }
 
-// What the request has changed is seen in the tables, and reading them tells whether the server
-// still answers. Not so after an answer that has not come: it may yet come, in place of the tables.
+// The request's effect appears in the tables, and reading them shows whether the server still
+// answers. They are not read after a missing answer, which may still arrive in their place.
 bool ServerWorker::perform(const Request& request) {
-    tellActivity(request.event + L' ' + request.what);
+    reportActivity(request.event + L' ' + request.what);
     const auto start = std::chrono::steady_clock::now();
     const std::wstring outcome = request.run(m_session.client(), m_account);
     const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
     const bool isAnswered = isInTime && readTables();
-    tellOutcome(request, isAnswered ? outcome : L"no answer");
-    if (isAnswered) tellConnected();
+    reportOutcome(request, isAnswered ? outcome : L"no answer");
+    if (isAnswered) reportConnected();
     return isAnswered;
 }
 
-// First come the users: this program is one of them, so that an empty table means no answer. The
-// other tables may well be empty; so the server is asked for a sign of life in the end.
+// The users first: this program is one of them, so an empty table means that there was no answer.
+// The other tables may be empty, so a probe follows them.
 bool ServerWorker::readTables() {
     takeRefresh();
-    tellActivity(L"lists");
+    reportActivity(L"lists");
     NySeClientApp& client = m_session.client();
     NySeUserPtrArray users;
     client.getAllUser(users);
@@ -172,7 +177,7 @@ bool ServerWorker::readTables() {
     client.getConnection(connections);
     client.getLock(locks);
     if (!client.isAlive()) return false;
-    tellActivity({});
+    reportActivity({});
     m_queue.post([this, rows = ServerRows{userRows(users), connectionRows(connections),
                                           lockRows(locks, users)}] { m_view.showRows(rows); });
     return true;
@@ -180,10 +185,11 @@ bool ServerWorker::readTables() {
 
 void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
     const ReconnectDelay::Duration delay = m_delay.next();
-    takeRefresh();  // earlier ones; one that comes once the wait is told ends it
-    tellState({false, words::waiting(reason, delay)});
-    Lock lock(m_mutex);
-    m_changed.wait_for(lock, delay, [this] { return m_isStopping || m_isRefreshWanted; });
+    takeRefresh();  // earlier requests; a later one ends the wait
+    reportState({false, words::waiting(reason, delay)});
+    NySe::MutexLock lock(m_mutex);
+    m_changed.wait_for(lock.standard(), delay,
+                       [this]() NY_REQUIRES(m_mutex) { return m_isStopping || m_isRefreshWanted; });
 }
 
 std::wstring ServerWorker::whyUnanswered() {
@@ -193,26 +199,26 @@ std::wstring ServerWorker::whyUnanswered() {
 void ServerWorker::dropRequests() {
     std::deque<Request> requests;
     {
-        const Lock lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         requests.swap(m_requests);
     }
-    for (const Request& request : requests) tellOutcome(request, words::notConnected());
+    for (const Request& request : requests) reportOutcome(request, words::notConnected());
 }
 
-void ServerWorker::tellConnected() {
+void ServerWorker::reportConnected() {
     const NySeUser& user = m_session.user();
-    tellState({true, words::connected(m_account, user), user.getSessionNumber()});
+    reportState({true, words::connected(m_account, user), user.getSessionNumber()});
 }
 
-void ServerWorker::tellState(const ConnectionState& state) {
+void ServerWorker::reportState(const ConnectionState& state) {
     m_queue.post([this, state] { m_view.showState(state); });
 }
 
-void ServerWorker::tellActivity(const std::wstring& what) {
+void ServerWorker::reportActivity(const std::wstring& what) {
     m_queue.post([this, what] { m_view.showActivity(what); });
 }
 
-void ServerWorker::tellOutcome(const Request& request, const std::wstring& outcome) {
+void ServerWorker::reportOutcome(const Request& request, const std::wstring& outcome) {
     m_queue.post([this, event = request.event, content = request.what + L": " + outcome] {
         m_view.addLog(event, content);
     });

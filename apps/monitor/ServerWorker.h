@@ -1,4 +1,4 @@
-// ServerWorker: all talk with the server, on a thread of its own.
+// ServerWorker: the communication with the server, on a thread of its own.
 #pragma once
 
 #include <afxwin.h>
@@ -6,7 +6,6 @@
 #include <condition_variable>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -15,50 +14,49 @@
 #include "apps/monitor/ReconnectDelay.h"
 #include "apps/monitor/Requests.h"
 #include "apps/monitor/WindowQueue.h"
+#include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
-// Connects, registers, listens for the window, and makes requests one after the other. When the
-// connection ends it connects again, after a delay that grows. What it finds it tells the view
-// through the queue.
+// Connects, registers, listens for the window, and sends requests one after the other. Reconnects
+// after the connection ends, with an increasing delay. Reports to the view through the queue.
 //
-// Threads: the window's thread makes, starts and stops it and asks; no call waits for the server
-// but the destructor. The window, the queue and the view must outlive it.
+// Threads: the window's thread creates, starts, stops and calls it. No call waits for the server
+// except the destructor. The window, the queue and the view must outlive it.
 class ServerWorker {
   public:
     ServerWorker(Account account, CWnd& window, WindowQueue& queue, MonitorView& view)
         : m_account(std::move(account)), m_window(window), m_queue(queue), m_view(view) {}
-    // Waits until the thread has ended, which may take as long as an answer may.
+    // Waits until the thread has ended, for as long as the server may take to answer.
     ~ServerWorker();
     ServerWorker(const ServerWorker&) = delete;
     ServerWorker& operator=(const ServerWorker&) = delete;
 
     void start();
-    // Asks it to end and waits so long for that. False when it still waits for the server. From the
-    // return on nothing more is posted by a listener.
+    // Requests the end and waits for it. Returns false if the thread did not end in time because it
+    // waits for the server. After the return the listener posts nothing.
     bool stop(std::chrono::milliseconds timeOut);
 
-    // The request is made after those asked for earlier, and not when the connection ends before.
-    // False, and it is not made, when there is no connection.
+    // Queues a request. It is dropped if the connection ends before it is sent. Returns false if
+    // there is no connection.
     bool request(Request request);
-    // Reads the tables soon; connects at once when there is no connection.
+    // Requests that the tables are read soon, or a reconnect at once if there is no connection.
     void refresh();
 
   private:
-    using Lock = std::unique_lock<std::mutex>;
-
     void run();
-    // Each returns why it is over; empty when the worker is to stop.
+    // Each returns why it ended; empty if the worker is to stop.
     std::wstring runConnection();
     std::wstring serve();
     std::wstring serveOne();
-    void enter();
-    void leave();
+    void attachListener();
+    void endSession();
     void awaitNextAttempt(const std::wstring& reason);
 
     void setServing(bool isServing);
     bool isStopping();
-    // Waits a moment for something to do; null also when it is only the tables that are wanted.
+    // Waits for something to do, at most 200 ms. Returns nothing if there is no request, or the
+    // tables are to be read.
     std::optional<Request> takeRequest();
     bool takeRefresh();
     bool perform(const Request& request);
@@ -66,10 +64,10 @@ class ServerWorker {
 
     std::wstring whyUnanswered();
     void dropRequests();
-    void tellConnected();
-    void tellState(const ConnectionState& state);
-    void tellActivity(const std::wstring& what);
-    void tellOutcome(const Request& request, const std::wstring& outcome);
+    void reportConnected();
+    void reportState(const ConnectionState& state);
+    void reportActivity(const std::wstring& what);
+    void reportOutcome(const Request& request, const std::wstring& outcome);
 
     Account m_account;
     CWnd& m_window;
@@ -78,14 +76,14 @@ class ServerWorker {
     MonitorSession m_session{m_account};
     ReconnectDelay m_delay;
 
-    std::mutex m_mutex;
-    std::shared_ptr<ListenerReference> m_link;
+    NySe::Mutex m_mutex;
     std::condition_variable m_changed;
-    std::deque<Request> m_requests;
-    bool m_isServing = false;  // requests are made
-    bool m_isRefreshWanted = false;
-    bool m_isStopping = false;
-    bool m_hasEnded = true;
+    std::shared_ptr<ListenerReference> m_listener NY_GUARDED_BY(m_mutex);
+    std::deque<Request> m_requests NY_GUARDED_BY(m_mutex);
+    bool m_isServing NY_GUARDED_BY(m_mutex) = false;  // requests are made
+    bool m_isRefreshWanted NY_GUARDED_BY(m_mutex) = false;
+    bool m_isStopping NY_GUARDED_BY(m_mutex) = false;
+    bool m_hasEnded NY_GUARDED_BY(m_mutex) = true;
     std::thread m_thread;
 };
 

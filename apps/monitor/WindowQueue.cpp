@@ -6,7 +6,7 @@ namespace apps::monitor {
 
 namespace {
 
-// A window that has fallen far behind takes no message for a while.
+// A message queue that is full accepts no message for a while.
 constexpr DWORD kPause = 10;  // ms
 
 bool isFull() {
@@ -17,7 +17,7 @@ bool isFull() {
 
 void WindowQueue::post(Call call) {
     {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         m_calls.push_back(std::move(call));
     }
     while (!::PostMessageW(m_window, kMessage, 0, 0) && isFull()) ::Sleep(kPause);
@@ -26,7 +26,7 @@ void WindowQueue::post(Call call) {
 void WindowQueue::runNext() {
     Call call;
     {
-        const std::lock_guard lock(m_mutex);
+        const NySe::MutexLock lock(m_mutex);
         if (m_calls.empty()) return;  // any program can post the message
         call = std::move(m_calls.front());
         m_calls.pop_front();

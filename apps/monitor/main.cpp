@@ -2,9 +2,9 @@
 #include <afxwin.h>
 
 #include <cstdio>
-#include <exception>
 
 #include "apps/common/CommandLine.h"
+#include "apps/common/RunProgram.h"
 #include "apps/monitor/Monitor.h"
 
 namespace apps::monitor {
@@ -51,10 +51,8 @@ int run() {
 }  // namespace apps::monitor
 
 int main() {
-    try {
-        return apps::monitor::run();
-    } catch (const std::exception& error) {
-        apps::monitor::say(std::string("nymonitor: ") + error.what() + "\n");
-        return 1;
-    }
+    const auto complain = [](const char* reason) {
+        apps::monitor::say(std::string("nymonitor: ") + reason + "\n");
+    };
+    return apps::runProgram(apps::monitor::run, complain, 1);
 }

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "apps/nyctl/ConnectTry.h"
+#include "apps/nyctl/TryConnect.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCodes.h"
 

@@ -1,7 +1,6 @@
 // nyctl: the central server and the online service from the command line.
-#include <exception>
-
 #include "apps/common/CommandLine.h"
+#include "apps/common/RunProgram.h"
 #include "apps/nyctl/Shell.h"
 
 namespace apps::nyctl {
@@ -45,10 +44,6 @@ int run() {
 }  // namespace apps::nyctl
 
 int main() {
-    try {
-        return apps::nyctl::run();
-    } catch (const std::exception& error) {
-        apps::nyctl::Output::complain(error.what());
-        return apps::nyctl::exitNoAnswer;
-    }
+    using namespace apps::nyctl;
+    return apps::runProgram(run, Output::complain, exitNoAnswer);
 }

@@ -1,10 +1,10 @@
-#include "apps/common/SelfConnect.h"
+#include "NyServer/socket/TimedConnect.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/socket/Peers.h"
 
-using namespace apps;
+using socketcalls::isConnectedToItself;
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "NyServer/online/InternetHandle.h"
+#include "NyServer/online/WebPage.h"
 
 struct OpenInternetHandle {
     HINTERNET handle;

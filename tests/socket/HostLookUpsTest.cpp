@@ -1,4 +1,4 @@
-#include "NyServer/socket/detail/HostLookUps.h"
+#include "NyServer/socket/HostLookUps.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
-#include "NyServer/socket/SocketErrorText.h"
-
 #include <gtest/gtest.h>
 
+#include "NyServer/socket/SocketCodes.h"
 #include "NyServer/socket/SocketErrorTable.h"
 #include "tests/socket/LocalConnection.h"
 

@@ -1,9 +1,10 @@
 #include "../afxwin.h"
 
 #include <atomic>
-#include <mutex>
 #include <set>
 #include <utility>
+
+#include "NyServer/Mutex.h"
 
 IMPLEMENT_DYNAMIC(CWnd, CObject)
 
@@ -186,11 +187,11 @@ ATOM registerClass(LPCWSTR name, UINT classStyle, HCURSOR cursor, HBRUSH backgro
 }  // namespace
 
 LPCTSTR AFXAPI AfxRegisterWndClass(UINT classStyle, HCURSOR cursor, HBRUSH background, HICON icon) {
-    static std::mutex mutex;
-    static std::set<std::wstring> names;
+    static NySe::Mutex mutex;
+    static std::set<std::wstring> names NY_GUARDED_BY(mutex);
     CString name;
     name.Format(L"Afx:%x:%p:%p:%p", classStyle, cursor, background, icon);
-    const std::lock_guard lock(mutex);
+    const NySe::MutexLock lock(mutex);
     const auto [place, isNew] = names.emplace(name.GetString());
     if (isNew && registerClass(place->c_str(), classStyle, cursor, background, icon) == 0) {
         names.erase(place);

@@ -1,10 +1,11 @@
-#include "apps/nyctl/ConnectTry.h"
+#include "apps/nyctl/TryConnect.h"
 
-#include "apps/common/SelfConnect.h"
-#include "apps/common/WaitWritable.h"
-#include "NyServer/socket/SocketCalls.h"
+#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/socket/TimedConnect.h"
 
 namespace apps::nyctl {
+
+using namespace socketcalls;
 
 namespace {
 
@@ -33,15 +34,12 @@ ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::sec
     const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
     u_long nonBlocking = 1;
     ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
-    const sockaddr_in to = addressOf(address, port);
-    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&to), sizeof to) != 0 &&
-        ::WSAGetLastError() != WSAEWOULDBLOCK)
+    if (startConnect(socket.get(), addressOf(address, port)) == Readiness::failed)
         return outcomeOf(::WSAGetLastError());
     const auto end = std::chrono::steady_clock::now() + timeOut;
-    Readiness readiness = Readiness::notYet;
-    while (readiness == Readiness::notYet && std::chrono::steady_clock::now() < end)
-        readiness = waitWritable(socket.get());
-    if (readiness == Readiness::notYet) return ConnectOutcome::silent;
+    const Readiness readiness =
+        awaitConnect(socket.get(), [end] { return std::chrono::steady_clock::now() >= end; });
+    if (readiness == Readiness::pending) return ConnectOutcome::silent;
     if (const int error = pendingError(socket.get())) return outcomeOf(error);
     return readiness == Readiness::ready && !isConnectedToItself(socket.get())
                ? ConnectOutcome::connected

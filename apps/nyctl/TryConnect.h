@@ -1,4 +1,4 @@
-// Whether anybody takes connections at an address.
+// A connect that reports why it fails.
 #pragma once
 
 #include <chrono>
@@ -8,8 +8,8 @@ namespace apps::nyctl {
 
 enum class ConnectOutcome { connected, refused, unreachable, silent };
 
-// Connects to `port` of the dotted address and closes again. silent: nothing came back within
-// `timeOut`. REQUIRES: Winsock is started.
+// Connects to `port` of the dotted address and disconnects. Returns silent if there was no answer
+// within `timeOut`. REQUIRES: Winsock is started.
 ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds timeOut);
 
 }  // namespace apps::nyctl
