@@ -1,5 +1,6 @@
 #include "NyServer/listener/NyServerThreadApp.h"
 
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/framing/NySeNotification.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/host/NyServerModule.h"
@@ -88,17 +89,14 @@ bool NyServerThreadApp::awaitRest(ULONGLONG deadline) {
 }
 
 // False when the connection is to end.
-bool NyServerThreadApp::handleMessage() try {
-    CMemFile body(kGrowBytes);
-    if (!receiveBody(body)) return false;
-    dispatch(body);
-    return true;
-} catch (CFileException* error) {
-    error->Delete();
-    return true;
-} catch (CArchiveException* error) {
-    error->Delete();
-    return true;
+bool NyServerThreadApp::handleMessage() {
+    bool isTaken = true;
+    NySe::dropArchiveErrors([&] {
+        CMemFile body(kGrowBytes);
+        isTaken = receiveBody(body);
+        if (isTaken) dispatch(body);
+    });
+    return isTaken;
 }
 
 // False when it is longer than the server takes; otherwise it does not matter whether all of it
