@@ -65,6 +65,7 @@ set(ny_public_headers
   records/NySeRecordStore.h
   records/NySeSessionLock.h
   records/NySeSessionLockPtrArray.h
+  records/NySeShareMode.h
   records/NySeTable.h
   records/NySeUser.h
   records/NySeUserPtrArray.h

@@ -9,6 +9,7 @@
 #include "NyServer/NyServerApi.h"
 #include "NyServer/records/NySeConnectionArray.h"
 #include "NyServer/records/NySeLockArray.h"
+#include "NyServer/records/NySeShareMode.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 
 class CUT_WSClient;
@@ -64,8 +65,8 @@ class NYSERVER_API NySeClientApp {
     // read.
     double getVersion();
 
-    // Asks for the lock of that name under a share mode (bits: NySeLock::seekShareMode). True when
-    // it was granted; false when it was refused and on failure.
+    // Asks for the lock of that name under a share mode (bits of NySe::ShareMode). True when it
+    // was granted; false when it was refused and on failure.
     bool lock(const CString& name, unsigned mode);
     // Releases the lock. True when the message went out in full; the server does not say what it
     // released.

@@ -1,9 +1,9 @@
 #include "apps/monitor/Requests.h"
 
-#include "apps/common/ShareMode.h"
 #include "apps/common/Utf8.h"
 #include "apps/monitor/Words.h"
 #include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::monitor {
 
@@ -31,7 +31,7 @@ void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message)
 }  // namespace
 
 Request lockRequest(const std::wstring& name, unsigned mode) {
-    return {L"Lock", name + L" (" + wide(shareModeWords(mode)) + L')',
+    return {L"Lock", name + L" (" + wide(NySe::shareModeWords(mode)) + L')',
             [name, mode](NySeClientApp& client, Account&) {
                 return client.lock(toCString(name), mode) ? L"granted" : L"refused";
             }};

@@ -54,6 +54,9 @@ ExitStatus ifAnswered(Context& context, ExitStatus status);
 // Enters the user unless that was done; exitYes, exitNo when refused, exitNoAnswer.
 ExitStatus ensureRegistered(Context& context);
 
+// In hex, as "0x18".
+std::string shareModeDigits(unsigned mode);
+
 Record describe(const NySeUser& user);
 Record describe(const NySeConnection& connection);
 void printUsers(Context& context, const NySeUserPtrArray& users);
