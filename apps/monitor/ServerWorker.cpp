@@ -31,15 +31,15 @@ void ServerWorker::start() {
 bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
     Lock lock(m_mutex);
     m_isStopping = true;
-    if (m_link) m_link->reset();
+    if (m_listener) m_listener->reset();
     m_changed.notify_all();
     return m_changed.wait_for(lock, timeOut, [this] { return m_hasEnded; });
 }
 
-bool ServerWorker::request(Request request) {
+bool ServerWorker::post(Task task) {
     const Lock lock(m_mutex);
     if (!m_isServing) return false;
-    m_requests.push_back(std::move(request));
+    m_tasks.push_back(std::move(task));
     m_changed.notify_all();
     return true;
 }
@@ -91,19 +91,19 @@ void ServerWorker::enter() {
     const auto link = std::make_shared<ListenerReference>(listener);
     m_queue.post([this, link] { m_view.setListener(link); });
     const Lock lock(m_mutex);
-    m_link = link;
+    m_listener = link;
     if (!m_isStopping) listener.setAppWnd(&m_window);
 }
 
 void ServerWorker::leave() {
     {
         const Lock lock(m_mutex);
-        if (m_link) m_link->reset();
-        m_link.reset();
+        if (m_listener) m_listener->reset();
+        m_listener.reset();
     }
     m_session.close();
     setServing(false);
-    dropRequests();
+    dropTasks();
     tellActivity({});
 }
 
@@ -118,10 +118,10 @@ std::wstring ServerWorker::serve() {
 }
 
 std::wstring ServerWorker::serveOne() {
-    const std::optional<Request> request = takeRequest();
+    const std::optional<Task> task = takeTask();
     bool isAnswered = true;
-    if (request) {
-        isAnswered = perform(*request);
+    if (task) {
+        isAnswered = perform(*task);
     } else if (takeRefresh()) {
         isAnswered = readTables();
     } else if (!m_session.client().IsConnected()) {
@@ -130,14 +130,14 @@ std::wstring ServerWorker::serveOne() {
     return isAnswered ? std::wstring() : whyUnanswered();
 }
 
-std::optional<Request> ServerWorker::takeRequest() {
+std::optional<Task> ServerWorker::takeTask() {
     Lock lock(m_mutex);
     m_changed.wait_for(lock, kRound,
-                       [this] { return m_isStopping || m_isRefreshWanted || !m_requests.empty(); });
-    if (m_isStopping || m_requests.empty()) return std::nullopt;
-    Request request = std::move(m_requests.front());
-    m_requests.pop_front();
-    return request;
+                       [this] { return m_isStopping || m_isRefreshWanted || !m_tasks.empty(); });
+    if (m_isStopping || m_tasks.empty()) return std::nullopt;
+    Task task = std::move(m_tasks.front());
+    m_tasks.pop_front();
+    return task;
 }
 
 bool ServerWorker::takeRefresh() {
@@ -145,15 +145,15 @@ bool ServerWorker::takeRefresh() {
     return std::exchange(m_isRefreshWanted, false);
 }
 
-// What the request has changed is seen in the tables, and reading them tells whether the server
+// What the task has changed is seen in the tables, and reading them tells whether the server
 // still answers. Not so after an answer that has not come: it may yet come, in place of the tables.
-bool ServerWorker::perform(const Request& request) {
-    tellActivity(request.event + L' ' + request.what);
+bool ServerWorker::perform(const Task& task) {
+    tellActivity(task.event + L' ' + task.what);
     const auto start = std::chrono::steady_clock::now();
-    const std::wstring outcome = request.run(m_session.client(), m_account);
+    const std::wstring outcome = task.run(m_session.client(), m_account);
     const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
     const bool isAnswered = isInTime && readTables();
-    tellOutcome(request, isAnswered ? outcome : L"no answer");
+    tellOutcome(task, isAnswered ? outcome : L"no answer");
     if (isAnswered) tellConnected();
     return isAnswered;
 }
@@ -190,13 +190,13 @@ std::wstring ServerWorker::whyUnanswered() {
     return m_session.client().IsConnected() ? words::noAnswer() : words::goneAway();
 }
 
-void ServerWorker::dropRequests() {
-    std::deque<Request> requests;
+void ServerWorker::dropTasks() {
+    std::deque<Task> tasks;
     {
         const Lock lock(m_mutex);
-        requests.swap(m_requests);
+        tasks.swap(m_tasks);
     }
-    for (const Request& request : requests) tellOutcome(request, words::notConnected());
+    for (const Task& task : tasks) tellOutcome(task, words::notConnected());
 }
 
 void ServerWorker::tellConnected() {
@@ -212,8 +212,8 @@ void ServerWorker::tellActivity(const std::wstring& what) {
     m_queue.post([this, what] { m_view.showActivity(what); });
 }
 
-void ServerWorker::tellOutcome(const Request& request, const std::wstring& outcome) {
-    m_queue.post([this, event = request.event, content = request.what + L": " + outcome] {
+void ServerWorker::tellOutcome(const Task& task, const std::wstring& outcome) {
+    m_queue.post([this, event = task.event, content = task.what + L": " + outcome] {
         m_view.addLog(event, content);
     });
 }

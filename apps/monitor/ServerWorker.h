@@ -13,13 +13,13 @@
 #include "apps/monitor/MonitorListener.h"
 #include "apps/monitor/MonitorView.h"
 #include "apps/monitor/ReconnectDelay.h"
-#include "apps/monitor/Requests.h"
+#include "apps/monitor/Tasks.h"
 #include "apps/monitor/WindowQueue.h"
 
 namespace apps::monitor {
 
-// Connects, registers, listens for the window, and makes requests one after the other. When the
-// connection ends it connects again, after a delay that grows. What it finds it tells the view
+// Connects, registers, listens for the window, and runs the user's tasks one after the other. When
+// the connection ends it connects again, after a delay that grows. What it finds it tells the view
 // through the queue.
 //
 // Threads: the window's thread makes, starts and stops it and asks; no call waits for the server
@@ -38,9 +38,9 @@ class ServerWorker {
     // return on nothing more is posted by a listener.
     bool stop(std::chrono::milliseconds timeOut);
 
-    // The request is made after those asked for earlier, and not when the connection ends before.
-    // False, and it is not made, when there is no connection.
-    bool request(Request request);
+    // The task is run after those posted earlier, and not when the connection ends before. False,
+    // and it is not run, when there is no connection.
+    bool post(Task task);
     // Reads the tables soon; connects at once when there is no connection.
     void refresh();
 
@@ -59,17 +59,17 @@ class ServerWorker {
     void setServing(bool isServing);
     bool isStopping();
     // Waits a moment for something to do; null also when it is only the tables that are wanted.
-    std::optional<Request> takeRequest();
+    std::optional<Task> takeTask();
     bool takeRefresh();
-    bool perform(const Request& request);
+    bool perform(const Task& task);
     bool readTables();
 
     std::wstring whyUnanswered();
-    void dropRequests();
+    void dropTasks();
     void tellConnected();
     void tellState(const ConnectionState& state);
     void tellActivity(const std::wstring& what);
-    void tellOutcome(const Request& request, const std::wstring& outcome);
+    void tellOutcome(const Task& task, const std::wstring& outcome);
 
     Account m_account;
     CWnd& m_window;
@@ -79,10 +79,10 @@ class ServerWorker {
     ReconnectDelay m_delay;
 
     std::mutex m_mutex;
-    std::shared_ptr<ListenerReference> m_link;
+    std::shared_ptr<ListenerReference> m_listener;
     std::condition_variable m_changed;
-    std::deque<Request> m_requests;
-    bool m_isServing = false;  // requests are made
+    std::deque<Task> m_tasks;
+    bool m_isServing = false;  // tasks are run
     bool m_isRefreshWanted = false;
     bool m_isStopping = false;
     bool m_hasEnded = true;
