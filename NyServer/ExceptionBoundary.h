@@ -1,5 +1,5 @@
 // Turns exceptions into results: all of them where none may leave (exported functions, thread and
-// window procedures), out of memory alone where the caller handles the others.
+// window procedures), those of archives or out of memory alone where the caller handles the others.
 #pragma once
 
 // Before the Windows headers, as the class library requires.
@@ -30,6 +30,18 @@ bool succeeds(Action action) {
         action();
         return true;
     });
+}
+
+// Runs `action`, which a CFileException or a CArchiveException ends early. Other exceptions pass.
+template <class Action>
+void dropArchiveErrors(Action action) {
+    try {
+        action();
+    } catch (CFileException* error) {
+        error->Delete();
+    } catch (CArchiveException* error) {
+        error->Delete();
+    }
 }
 
 // What `action` returns; null, false or 0 when it runs out of memory, which the language reports by

@@ -13,11 +13,12 @@
 #include <string>
 
 #include "bench/Measure.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace {
 
-constexpr unsigned int kExclusive = 0x18;
-constexpr unsigned int kReading = 0x01;
+constexpr unsigned int kExclusive = NySe::exclude1 | NySe::exclude2;
+constexpr unsigned int kReading = NySe::access1;
 
 // A table whose last lock excludes everybody else.
 class LockTable {

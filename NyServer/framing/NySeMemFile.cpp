@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/records/NySeUser.h"
 
 namespace {
@@ -18,18 +19,6 @@ UINT versionable(UINT schema) {
     return schema | VERSIONABLE_SCHEMA;
 }
 
-// A message leaves without what cannot be archived; other exceptions pass.
-template <class Archive>
-void dropArchiveErrors(Archive archive) {
-    try {
-        archive();
-    } catch (CFileException* error) {
-        error->Delete();
-    } catch (CArchiveException* error) {
-        error->Delete();
-    }
-}
-
 }  // namespace
 
 NySeMemFile::NySeMemFile() : CMemFile(kGrowBytes) {}
@@ -41,7 +30,7 @@ NySeMemFile::~NySeMemFile() noexcept {
 // An archive gives its unread bytes back to the file, which throws when the file was changed under
 // it; neither a destructor nor the end of reading may.
 void NySeMemFile::closeArchive() {
-    if (m_archive) dropArchiveErrors([this] { m_archive->Close(); });
+    if (m_archive) NySe::dropArchiveErrors([this] { m_archive->Close(); });
     m_archive.reset();
 }
 
@@ -105,14 +94,14 @@ void NySeMemFile::writeString(const CString& text) {
 }
 
 void NySeMemFile::writeObject(const CObject& object) {
-    if (isWriting()) dropArchiveErrors([&] { m_archive->WriteObject(&object); });
+    if (isWriting()) NySe::dropArchiveErrors([&] { m_archive->WriteObject(&object); });
 }
 
 void NySeMemFile::writeObject(const NySeUser& user) {
     if (!isWriting()) return;
     // An archive of its own knows no class yet, so the description is always a full one.
     CMemFile scratch(kGrowBytes);
-    dropArchiveErrors([&] {
+    NySe::dropArchiveErrors([&] {
         CArchive archive(&scratch, CArchive::store);
         archive.SetObjectSchema(versionable(static_cast<UINT>(user.getSchema())));
         archive.WriteObject(&user);

@@ -1,5 +1,6 @@
 #include "NyServer/listener/NyServerThreadApp.h"
 
+#include "NyServer/ExceptionBoundary.h"
 #include "NyServer/framing/NySeNotification.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/host/NyServerModule.h"
@@ -89,17 +90,14 @@ bool NyServerThreadApp::awaitRest(ULONGLONG deadline) {
 }
 
 // Returns false to end the connection.
-bool NyServerThreadApp::handleMessage() try {
-    CMemFile body(kGrowBytes);
-    if (!receiveBody(body)) return false;
-    dispatch(body);
-    return true;
-} catch (CFileException* error) {
-    error->Delete();
-    return true;
-} catch (CArchiveException* error) {
-    error->Delete();
-    return true;
+bool NyServerThreadApp::handleMessage() {
+    bool isTaken = true;
+    NySe::dropArchiveErrors([&] {
+        CMemFile body(kGrowBytes);
+        isTaken = receiveBody(body);
+        if (isTaken) dispatch(body);
+    });
+    return isTaken;
 }
 
 // Returns false if the body is too long. An incomplete body is not a failure: the message is

@@ -1,12 +1,12 @@
 #include "NyServer/records/NySeLock.h"
 
+#include "NyServer/records/NySeShareMode.h"
 #include "NyServer/records/NySeUser.h"
 
 namespace {
 
-// Bits of a share mode. They travel and are stored: do not change them.
-constexpr unsigned int kAsksForAccess = 0x01 | 0x02;
-constexpr unsigned int kExcludesNewcomers = 0x08 | 0x10;
+constexpr unsigned int kAsksForAccess = NySe::access1 | NySe::access2;
+constexpr unsigned int kExcludesNewcomers = NySe::exclude1 | NySe::exclude2;
 
 }  // namespace
 

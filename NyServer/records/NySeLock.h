@@ -23,10 +23,10 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSERVER_INLINE NySeSessionLockPtrArray& getHolders() { return m_holders; }
     NYSERVER_INLINE const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
 
-    // Whether `mode` may be granted beside the present holders: not when it asks for access (bit
-    // 0x01 or 0x02) and a holder excludes newcomers (bit 0x08 or 0x10). The newcomer's own
-    // excluding bits are not held against the holders, and a session's earlier grant counts like
-    // anybody's.
+    // Whether `mode` (NySe::ShareMode) may be granted beside the present holders: not when it asks
+    // for access (access1 or access2) and a holder excludes others (exclude1 or exclude2). The
+    // excluding bits of `mode` itself are not compared with the holders, and an earlier grant of
+    // the same session counts like any other.
     bool seekShareMode(unsigned int mode) const;
 
     // Drops every grant of that user's session; there may be none.

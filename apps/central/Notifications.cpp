@@ -16,7 +16,7 @@ NotificationBytes makeNotification(Notification number, const CObject& object) {
 
 NotificationBytes makeNotification(Notification number, const std::string& object) {
     NySeMemFile message;
-    message.startWriteAction(static_cast<NySe::ActionType>(number), NySe::schema2015);
+    message.startWriteAction(number, NySe::schema2015);
     message.getArchive()->Write(object.data(), static_cast<int>(object.size()));
     message.stopWriting();
     return bytesOf(message);

@@ -5,8 +5,7 @@
 //   4       4      body length N, signed
 //   8       N      one object in class-tagged form
 //
-// All integers are little-endian. docs/central-server.md says who gets which and when. The numbers
-// are the protocol: do not change one.
+// All integers are little-endian. docs/central-server.md says who gets which and when.
 #pragma once
 
 #include <memory>
@@ -16,17 +15,9 @@
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/framing/NySeMemFile.h"
 
-enum Notification : int {
-    notifyLockGranted = 50,
-    notifyLockReleased = 51,
-    notifyConnectionOpened = 52,
-    notifyConnectionClosed = 53,
-    notifyUserJoined = 54,
-    notifyUserLeft = 55,
-    notifyConnectionData = 56,
-    notifyUserData = 57,
-    notifyDataForAll = 58,
-};
+// The number of one, notifyLockGranted and so on.
+using Notification = NySe::ActionType;
+using enum NySe::ActionType;
 
 // One notification's bytes, which all its receivers share.
 using NotificationBytes = std::shared_ptr<const std::string>;

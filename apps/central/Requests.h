@@ -1,6 +1,7 @@
-// The requests of a central server's clients. Each has a handler; the table of them is in
-// Requests.cpp.
+// The requests of a central server's clients: a row of its family's table each.
 #pragma once
+
+#include <vector>
 
 #include "apps/central/CentralServer.h"
 #include "apps/central/Reply.h"
@@ -33,34 +34,30 @@ bool readPayload(CMemFile& payload, Values&... values) {
 // What the payload holds behind the values that were read.
 std::string restOf(CMemFile& payload);
 
-// The handlers. False when the payload makes no sense.
+// Answers for a payload that makes no sense.
+inline void nothing(Reply&) {}
+inline void zeroByte(Reply& reply) {
+    reply.scalar<BYTE>(0);
+}
+inline void minusOne(Reply& reply) {
+    reply.scalar<LONG>(-1);
+}
+inline void emptyMessage(Reply& reply) {
+    reply.message({});
+}
 
-bool isAlive(const Request& request);
-bool initializeSchema(const Request& request);
-bool getVersion(const Request& request);
+// One row a request.
+struct Row {
+    NySe::ActionType action;
+    bool (*handler)(const Request& request);  // false when the payload makes no sense
+    void (*failure)(Reply& reply);            // answers then
+};
 
-bool getLock(const Request& request);
-bool lock(const Request& request);
-bool unLock(const Request& request);
-bool isLockBy(const Request& request);
-
-bool getConnection(const Request& request);
-bool openConnection(const Request& request);
-bool closeConnection(const Request& request);
-bool isOpenConnectionBy(const Request& request);
-bool sendConnectionData(const Request& request);
-
-bool getAllUser(const Request& request);
-bool getPortClient(const Request& request);
-bool getAnotherPort(const Request& request);
-bool updateUserName(const Request& request);
-bool sendUserData(const Request& request);
-bool sendAllUserData(const Request& request);
-
-bool shutDownServer(const Request& request);
-bool getCurrentTime(const Request& request);
-bool verifyCoherancy(const Request& request);
-bool getMachineIdentifiant(const Request& request);
-bool getEventListFromEventViewer(const Request& request);
+// The families, each in a source of its own.
+extern const std::vector<Row> kSessionRequests;
+extern const std::vector<Row> kLockRequests;
+extern const std::vector<Row> kConnectionRequests;
+extern const std::vector<Row> kUserRequests;
+extern const std::vector<Row> kServerRequests;
 
 }  // namespace requests

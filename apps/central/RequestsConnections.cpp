@@ -1,25 +1,29 @@
 #include "apps/central/Requests.h"
 
-bool requests::getConnection(const Request& request) {
+namespace requests {
+
+namespace {
+
+bool getConnection(const Request& request) {
     request.reply.message(request.server.tables().connections());
     return true;
 }
 
-bool requests::openConnection(const Request& request) {
+bool openConnection(const Request& request) {
     CString name;
     if (!readPayload(request.payload, name)) return false;
     request.reply.scalar(request.server.tables().openConnection(request.session, name));
     return true;
 }
 
-bool requests::closeConnection(const Request& request) {
+bool closeConnection(const Request& request) {
     LONG id = 0;
     if (!readPayload(request.payload, id)) return false;
     request.server.tables().closeConnection(request.session, id);
     return true;
 }
 
-bool requests::isOpenConnectionBy(const Request& request) {
+bool isOpenConnectionBy(const Request& request) {
     LONG id = 0;
     if (!readPayload(request.payload, id)) return false;
     request.reply.message(request.server.tables().connectionOpeners(id));
@@ -27,7 +31,7 @@ bool requests::isOpenConnectionBy(const Request& request) {
 }
 
 // The second number is between the applications; only the object goes on.
-bool requests::sendConnectionData(const Request& request) {
+bool sendConnectionData(const Request& request) {
     LONG id = 0;
     LONG second = 0;
     if (!readPayload(request.payload, id, second)) return false;
@@ -36,3 +40,15 @@ bool requests::sendConnectionData(const Request& request) {
     request.server.tables().sendToOpeners(request.session, id, object);
     return true;
 }
+
+}  // namespace
+
+const std::vector<Row> kConnectionRequests = {
+    {NySe::actionGetConnection, &getConnection, &nothing},
+    {NySe::actionOpenConnection, &openConnection, &minusOne},
+    {NySe::actionCloseConnection, &closeConnection, &nothing},
+    {NySe::actionIsOpenConnectionBy, &isOpenConnectionBy, &emptyMessage},
+    {NySe::actionSendConnectionData, &sendConnectionData, &nothing},
+};
+
+}  // namespace requests

@@ -1,11 +1,15 @@
 #include "apps/central/Requests.h"
 
-bool requests::getLock(const Request& request) {
+namespace requests {
+
+namespace {
+
+bool getLock(const Request& request) {
     request.reply.message(request.server.tables().locks());
     return true;
 }
 
-bool requests::lock(const Request& request) {
+bool lock(const Request& request) {
     CString name;
     unsigned int mode = 0;
     if (!readPayload(request.payload, name, mode)) return false;
@@ -14,14 +18,14 @@ bool requests::lock(const Request& request) {
     return true;
 }
 
-bool requests::unLock(const Request& request) {
+bool unLock(const Request& request) {
     CString name;
     if (!readPayload(request.payload, name)) return false;
     request.server.tables().unlock(request.session, name);
     return true;
 }
 
-bool requests::isLockBy(const Request& request) {
+bool isLockBy(const Request& request) {
     CString name;
     LONG zero = 0;
     if (!readPayload(request.payload, name, zero)) return false;
@@ -30,3 +34,14 @@ bool requests::isLockBy(const Request& request) {
     if (holders) request.reply.message(*holders);
     return true;
 }
+
+}  // namespace
+
+const std::vector<Row> kLockRequests = {
+    {NySe::actionGetLock, &getLock, &nothing},
+    {NySe::actionLock, &lock, &zeroByte},
+    {NySe::actionUnLock, &unLock, &nothing},
+    {NySe::actionIsLockBy, &isLockBy, &zeroByte},
+};
+
+}  // namespace requests

@@ -6,7 +6,11 @@
 
 using namespace apps;
 
-bool requests::shutDownServer(const Request& request) {
+namespace requests {
+
+namespace {
+
+bool shutDownServer(const Request& request) {
     request.server.events().add("session " + std::to_string(request.session) +
                                 " shuts the server down");
     request.server.requestShutDown();
@@ -14,25 +18,37 @@ bool requests::shutDownServer(const Request& request) {
 }
 
 // Seconds since 1970 in the 32 bits of the wire.
-bool requests::getCurrentTime(const Request& request) {
+bool getCurrentTime(const Request& request) {
     request.reply.scalar(static_cast<LONG>(std::time(nullptr)));
     return true;
 }
 
-bool requests::verifyCoherancy(const Request& request) {
+bool verifyCoherancy(const Request& request) {
     for (const std::string& fault : request.server.tables().faults())
         request.server.events().warn("incoherent: " + fault);
     return true;
 }
 
-bool requests::getMachineIdentifiant(const Request& request) {
+bool getMachineIdentifiant(const Request& request) {
     request.reply.text(NyFctIpUtil::getStrMachineID());
     return true;
 }
 
-bool requests::getEventListFromEventViewer(const Request& request) {
+bool getEventListFromEventViewer(const Request& request) {
     LONG count = 0;
     if (!readPayload(request.payload, count)) return false;
     request.reply.text(fromUtf8(request.server.events().newest(count)));
     return true;
 }
+
+}  // namespace
+
+const std::vector<Row> kServerRequests = {
+    {NySe::actionShutDownServer, &shutDownServer, &nothing},
+    {NySe::actionGetCurrentTime, &getCurrentTime, &nothing},
+    {NySe::actionVerifyCoherancy, &verifyCoherancy, &nothing},
+    {NySe::actionGetMachineIdentifiant, &getMachineIdentifiant, &nothing},
+    {NySe::actionGetEventListFromEventViewer, &getEventListFromEventViewer, &emptyMessage},
+};
+
+}  // namespace requests

@@ -6,20 +6,20 @@
 
 using namespace apps;
 
+namespace requests {
+
 namespace {
 
 void note(const Request& request, const std::string& what, const CString& name) {
     request.server.events().add("session " + std::to_string(request.session) + what + toUtf8(name));
 }
 
-}  // namespace
-
-bool requests::getAllUser(const Request& request) {
+bool getAllUser(const Request& request) {
     request.reply.message(archived(request.server.tables().users()));
     return true;
 }
 
-bool requests::getPortClient(const Request& request) {
+bool getPortClient(const Request& request) {
     const std::unique_ptr<NySeUser> user = readUser(request.payload);
     if (user == nullptr) return false;
     const auto completed = request.server.tables().registerUser(*user, request.session);
@@ -29,12 +29,12 @@ bool requests::getPortClient(const Request& request) {
     return true;
 }
 
-bool requests::getAnotherPort(const Request& request) {
+bool getAnotherPort(const Request& request) {
     request.reply.scalar(request.server.tables().anotherPort(request.session));
     return true;
 }
 
-bool requests::updateUserName(const Request& request) {
+bool updateUserName(const Request& request) {
     CString name;
     if (!readPayload(request.payload, name)) return false;
     const bool renamed = request.server.tables().renameUser(request.session, name);
@@ -43,7 +43,7 @@ bool requests::updateUserName(const Request& request) {
     return true;
 }
 
-bool requests::sendUserData(const Request& request) {
+bool sendUserData(const Request& request) {
     const std::unique_ptr<NySeUser> receiver = readUser(request.payload);
     if (receiver == nullptr) return false;
     const std::string object = restOf(request.payload);
@@ -52,9 +52,22 @@ bool requests::sendUserData(const Request& request) {
     return true;
 }
 
-bool requests::sendAllUserData(const Request& request) {
+bool sendAllUserData(const Request& request) {
     const std::string object = restOf(request.payload);
     if (object.empty()) return false;
     request.server.tables().sendToAll(request.session, object);
     return true;
 }
+
+}  // namespace
+
+const std::vector<Row> kUserRequests = {
+    {NySe::actionGetAllUser, &getAllUser, &nothing},
+    {NySe::actionGetPortClient, &getPortClient, &emptyMessage},
+    {NySe::actionGetAnotherPort, &getAnotherPort, &nothing},
+    {NySe::actionUpdateUserName, &updateUserName, &zeroByte},
+    {NySe::actionSendUserData, &sendUserData, &nothing},
+    {NySe::actionSendAllUserData, &sendAllUserData, &nothing},
+};
+
+}  // namespace requests

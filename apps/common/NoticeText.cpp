@@ -1,13 +1,12 @@
 #include "apps/common/NoticeText.h"
 
-#include <array>
 #include <cstdio>
 
-#include "apps/common/ShareMode.h"
 #include "apps/common/Utf8.h"
 #include "NyServer/records/NySeConnection.h"
 #include "NyServer/records/NySeLock.h"
 #include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeShareMode.h"
 #include "NyServer/records/NySeUser.h"
 
 namespace apps {
@@ -20,7 +19,7 @@ std::string number(LONG value) {
 
 std::string textOf(const NySeSessionLock& holder) {
     return "session " + number(holder.getSessionNumber()) + " (" +
-           shareModeWords(holder.getLockState()) + ')';
+           NySe::shareModeWords(holder.getLockState()) + ')';
 }
 
 std::string textOf(const NySeLock& lock) {
@@ -53,23 +52,6 @@ std::string textIf(const CObject& object) {
 }
 
 }  // namespace
-
-// The words of docs/central-server.md.
-const char* noticeWords(NySe::ActionType action) {
-    static constexpr std::array kWords = {"a lock was granted",
-                                          "a lock was released",
-                                          "a connection was opened",
-                                          "a connection was closed",
-                                          "a user joined or registered again",
-                                          "a user left",
-                                          "connection data",
-                                          "user data",
-                                          "data for all"};
-    static_assert(kWords.size() ==
-                  NySe::actionLastNotification - NySe::actionFirstNotification + 1);
-    const auto index = static_cast<size_t>(action - NySe::actionFirstNotification);
-    return index < kWords.size() ? kWords[index] : "unknown";
-}
 
 std::string noticeContent(const CObject* object) {
     if (object == nullptr) return "no object";

@@ -5,12 +5,7 @@
 
 #include <string>
 
-#include "NyServer/framing/NySeActions.h"
-
 namespace apps {
-
-// What notification `action` tells, as "a lock was granted"; "unknown" when it is none.
-const char* noticeWords(NySe::ActionType action);
 
 // The object that came with a notification in UTF-8: its class and what is in it, as
 // "NySeConnection: Server=c, id 1, opens 1"; the class alone for one that is no record of a central

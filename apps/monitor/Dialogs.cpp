@@ -4,6 +4,7 @@
 
 #include "apps/monitor/resource.h"
 #include "NyServer/ExceptionBoundary.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::monitor {
 
@@ -92,10 +93,12 @@ class TextDialog : public Dialog {
 
 struct ModeBox {
     int id;
-    unsigned bit;
+    NySe::ShareMode bit;
 };
-constexpr ModeBox kModeBoxes[] = {
-    {IDC_ACCESS1, 0x01}, {IDC_ACCESS2, 0x02}, {IDC_EXCLUDE1, 0x08}, {IDC_EXCLUDE2, 0x10}};
+constexpr ModeBox kModeBoxes[] = {{IDC_ACCESS1, NySe::access1},
+                                  {IDC_ACCESS2, NySe::access2},
+                                  {IDC_EXCLUDE1, NySe::exclude1},
+                                  {IDC_EXCLUDE2, NySe::exclude2}};
 
 class LockDialog : public Dialog {
   public:
@@ -144,7 +147,8 @@ class MessageDialog : public Dialog {
 }  // namespace
 
 std::optional<LockInput> askLock(HWND owner, const std::wstring& name) {
-    constexpr unsigned kAlone = 0x1B;  // both kinds of access for oneself, none for others
+    using namespace NySe;
+    constexpr unsigned kAlone = access1 | access2 | exclude1 | exclude2;
     LockDialog dialog({name, kAlone});
     if (!dialog.ask(IDD_LOCK, owner)) return std::nullopt;
     return dialog.answer();

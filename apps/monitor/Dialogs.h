@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "apps/monitor/Requests.h"
+#include "apps/monitor/Tasks.h"
 
 namespace apps::monitor {
 

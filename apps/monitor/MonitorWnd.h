@@ -72,7 +72,7 @@ class MonitorWnd : public CWnd, private MonitorView {
 
     void onCommand(int id, int event);
     void onFilterChanged();
-    void ask(const Request& request);
+    void ask(const Task& task);
     void lock();
     void unlock();
     void open();

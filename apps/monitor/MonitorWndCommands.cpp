@@ -59,26 +59,25 @@ void MonitorWnd::find() {
     ::SendMessageW(control(IDC_FILTER), EM_SETSEL, 0, -1);
 }
 
-void MonitorWnd::ask(const Request& request) {
-    if (!m_worker.request(request))
-        addLog(request.event, request.what + L": " + words::notConnected());
+void MonitorWnd::ask(const Task& task) {
+    if (!m_worker.post(task)) addLog(task.event, task.what + L": " + words::notConnected());
 }
 
 void MonitorWnd::lock() {
     if (const auto input = askLock(m_hWnd, keyOf(locks().chosen())))
-        ask(lockRequest(input->name, input->mode));
+        ask(lockTask(input->name, input->mode));
 }
 
 void MonitorWnd::unlock() {
     if (const auto name = askText(m_hWnd, {L"Unlock", L"&Name:", keyOf(locks().chosen())}))
-        ask(unlockRequest(*name));
+        ask(unlockTask(*name));
 }
 
 void MonitorWnd::open() {
     const Row* const chosen = connections().chosen();
     const std::wstring text = chosen != nullptr ? chosen->cells[1] : std::wstring();
     if (const auto connection = askText(m_hWnd, {L"Open connection", L"&Connection string:", text}))
-        ask(openRequest(*connection));
+        ask(openTask(*connection));
 }
 
 void MonitorWnd::close() {
@@ -86,19 +85,19 @@ void MonitorWnd::close() {
         m_hWnd, {L"Close connection", L"&Id or connection string:", keyOf(connections().chosen())});
     if (!text) return;
     if (const Row* const connection = findConnection(*text))
-        ask(closeRequest(connection->cells[1], std::stol(connection->key)));
+        ask(closeTask(connection->cells[1], std::stol(connection->key)));
     else
         addLog(L"Close", *text + L": there is no such connection");
 }
 
 void MonitorWnd::send() {
     if (const auto input = askMessage(m_hWnd, receivers()))
-        ask(sendRequest(input->receiver, input->text));
+        ask(sendTask(input->receiver, input->text));
 }
 
 void MonitorWnd::rename() {
     if (const auto name = askText(m_hWnd, {L"Rename", L"&Your new name:", {}}))
-        ask(renameRequest(*name));
+        ask(renameTask(*name));
 }
 
 // Also those that the filter hides, but not this user.

@@ -23,10 +23,6 @@ constexpr UINT kUpdateDelay = 100;  // ms
 
 constexpr int kRequestIds[] = {ID_LOCK, ID_UNLOCK, ID_OPEN, ID_CLOSE, ID_SEND, ID_RENAME};
 
-bool changesTables(NySe::ActionType action) {
-    return action < NySe::actionFirstNotification + 6;
-}
-
 }  // namespace
 
 // The listener that posted it may have gone meanwhile; then nobody counts.
@@ -53,9 +49,10 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
     if (action == NySe::noAction) return;  // any program can post the message
     const std::unique_ptr<CObject> object(
         NySe::readReplyObject(notification.getMemFile(), nullptr));
-    addLog(std::to_wstring(action) + L' ' + wide(std::string(noticeWords(action))),
+    const NySe::NotificationKind kind = NySe::notificationKind(action);
+    addLog(std::to_wstring(action) + L' ' + wide(std::string(kind.words)),
            wide(noticeContent(object.get())));
-    m_areTablesBehind = m_areTablesBehind || changesTables(action);
+    m_areTablesBehind = m_areTablesBehind || kind.changesTables;
 }
 
 bool MonitorWnd::watchBacklog(const Backlog& backlog) {

@@ -1,7 +1,7 @@
 #include "apps/monitor/ServerRows.h"
 
-#include "apps/common/ShareMode.h"
 #include "apps/monitor/Words.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::monitor {
 
@@ -20,7 +20,7 @@ Row lockRow(const NySeLock& lock, const NySeUserPtrArray& users) {
     for (INT_PTR i = 0; i < holders.GetSize(); ++i) {
         const wchar_t* const comma = i > 0 ? L", " : L"";
         names += comma + holderName(*holders[i], users);
-        modes += comma + wide(shareModeWords(holders[i]->getLockState()));
+        modes += comma + wide(NySe::shareModeWords(holders[i]->getLockState()));
     }
     const std::wstring name = wide(lock.getStrLockName());
     return {name, {name, names, modes}};

@@ -40,10 +40,10 @@ bool ServerWorker::stop(std::chrono::milliseconds timeOut) {
                               [this]() NY_REQUIRES(m_mutex) { return m_hasEnded; });
 }
 
-bool ServerWorker::request(Request request) {
+bool ServerWorker::post(Task task) {
     const NySe::MutexLock lock(m_mutex);
     if (!m_isServing) return false;
-    m_requests.push_back(std::move(request));
+    m_tasks.push_back(std::move(task));
     m_changed.notify_all();
     return true;
 }
@@ -107,7 +107,7 @@ void ServerWorker::endSession() {
     }
     m_session.close();
     setServing(false);
-    dropRequests();
+    dropTasks();
     reportActivity({});
 }
 
@@ -122,10 +122,10 @@ std::wstring ServerWorker::serve() {
 }
 
 std::wstring ServerWorker::serveOne() {
-    const std::optional<Request> request = takeRequest();
+    const std::optional<Task> task = takeTask();
     bool isAnswered = true;
-    if (request) {
-        isAnswered = perform(*request);
+    if (task) {
+        isAnswered = perform(*task);
     } else if (takeRefresh()) {
         isAnswered = readTables();
     } else if (!m_session.client().IsConnected()) {
@@ -134,15 +134,15 @@ std::wstring ServerWorker::serveOne() {
     return isAnswered ? std::wstring() : whyUnanswered();
 }
 
-std::optional<Request> ServerWorker::takeRequest() {
+std::optional<Task> ServerWorker::takeTask() {
     NySe::MutexLock lock(m_mutex);
     m_changed.wait_for(lock.standard(), kRound, [this]() NY_REQUIRES(m_mutex) {
-        return m_isStopping || m_isRefreshWanted || !m_requests.empty();
+        return m_isStopping || m_isRefreshWanted || !m_tasks.empty();
     });
-    if (m_isStopping || m_requests.empty()) return std::nullopt;
-    Request request = std::move(m_requests.front());
-    m_requests.pop_front();
-    return request;
+    if (m_isStopping || m_tasks.empty()) return std::nullopt;
+    Task task = std::move(m_tasks.front());
+    m_tasks.pop_front();
+    return task;
 }
 
 bool ServerWorker::takeRefresh() {
@@ -150,15 +150,15 @@ bool ServerWorker::takeRefresh() {
     return std::exchange(m_isRefreshWanted, false);
 }
 
-// The request's effect appears in the tables, and reading them shows whether the server still
+// The task's effect appears in the tables, and reading them shows whether the server still
 // answers. They are not read after a missing answer, which may still arrive in their place.
-bool ServerWorker::perform(const Request& request) {
-    reportActivity(request.event + L' ' + request.what);
+bool ServerWorker::perform(const Task& task) {
+    reportActivity(task.event + L' ' + task.what);
     const auto start = std::chrono::steady_clock::now();
-    const std::wstring outcome = request.run(m_session.client(), m_account);
+    const std::wstring outcome = task.run(m_session.client(), m_account);
     const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
     const bool isAnswered = isInTime && readTables();
-    reportOutcome(request, isAnswered ? outcome : L"no answer");
+    reportOutcome(task, isAnswered ? outcome : L"no answer");
     if (isAnswered) reportConnected();
     return isAnswered;
 }
@@ -196,13 +196,13 @@ std::wstring ServerWorker::whyUnanswered() {
     return m_session.client().IsConnected() ? words::noAnswer() : words::goneAway();
 }
 
-void ServerWorker::dropRequests() {
-    std::deque<Request> requests;
+void ServerWorker::dropTasks() {
+    std::deque<Task> tasks;
     {
         const NySe::MutexLock lock(m_mutex);
-        requests.swap(m_requests);
+        tasks.swap(m_tasks);
     }
-    for (const Request& request : requests) reportOutcome(request, words::notConnected());
+    for (const Task& task : tasks) reportOutcome(task, words::notConnected());
 }
 
 void ServerWorker::reportConnected() {
@@ -218,8 +218,8 @@ void ServerWorker::reportActivity(const std::wstring& what) {
     m_queue.post([this, what] { m_view.showActivity(what); });
 }
 
-void ServerWorker::reportOutcome(const Request& request, const std::wstring& outcome) {
-    m_queue.post([this, event = request.event, content = request.what + L": " + outcome] {
+void ServerWorker::reportOutcome(const Task& task, const std::wstring& outcome) {
+    m_queue.post([this, event = task.event, content = task.what + L": " + outcome] {
         m_view.addLog(event, content);
     });
 }

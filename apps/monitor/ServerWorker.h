@@ -12,13 +12,13 @@
 #include "apps/monitor/MonitorListener.h"
 #include "apps/monitor/MonitorView.h"
 #include "apps/monitor/ReconnectDelay.h"
-#include "apps/monitor/Requests.h"
+#include "apps/monitor/Tasks.h"
 #include "apps/monitor/WindowQueue.h"
 #include "NyServer/Mutex.h"
 
 namespace apps::monitor {
 
-// Connects, registers, listens for the window, and sends requests one after the other. Reconnects
+// Connects, registers, listens for the window, and runs the user's tasks one after the other. Reconnects
 // after the connection ends, with an increasing delay. Reports to the view through the queue.
 //
 // Threads: the window's thread creates, starts, stops and calls it. No call waits for the server
@@ -37,9 +37,9 @@ class ServerWorker {
     // waits for the server. After the return the listener posts nothing.
     bool stop(std::chrono::milliseconds timeOut);
 
-    // Queues a request. It is dropped if the connection ends before it is sent. Returns false if
+    // Queues a task. It is dropped if the connection ends before it is run. Returns false if
     // there is no connection.
-    bool request(Request request);
+    bool post(Task task);
     // Requests that the tables are read soon, or a reconnect at once if there is no connection.
     void refresh();
 
@@ -55,19 +55,19 @@ class ServerWorker {
 
     void setServing(bool isServing);
     bool isStopping();
-    // Waits for something to do, at most 200 ms. Returns nothing if there is no request, or the
+    // Waits for something to do, at most 200 ms. Returns nothing if there is no task, or the
     // tables are to be read.
-    std::optional<Request> takeRequest();
+    std::optional<Task> takeTask();
     bool takeRefresh();
-    bool perform(const Request& request);
+    bool perform(const Task& task);
     bool readTables();
 
     std::wstring whyUnanswered();
-    void dropRequests();
+    void dropTasks();
     void reportConnected();
     void reportState(const ConnectionState& state);
     void reportActivity(const std::wstring& what);
-    void reportOutcome(const Request& request, const std::wstring& outcome);
+    void reportOutcome(const Task& task, const std::wstring& outcome);
 
     Account m_account;
     CWnd& m_window;
@@ -79,8 +79,8 @@ class ServerWorker {
     NySe::Mutex m_mutex;
     std::condition_variable m_changed;
     std::shared_ptr<ListenerReference> m_listener NY_GUARDED_BY(m_mutex);
-    std::deque<Request> m_requests NY_GUARDED_BY(m_mutex);
-    bool m_isServing NY_GUARDED_BY(m_mutex) = false;  // requests are made
+    std::deque<Task> m_tasks NY_GUARDED_BY(m_mutex);
+    bool m_isServing NY_GUARDED_BY(m_mutex) = false;  // tasks are run
     bool m_isRefreshWanted NY_GUARDED_BY(m_mutex) = false;
     bool m_isStopping NY_GUARDED_BY(m_mutex) = false;
     bool m_hasEnded NY_GUARDED_BY(m_mutex) = true;

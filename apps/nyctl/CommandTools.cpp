@@ -1,5 +1,7 @@
 #include "apps/nyctl/CommandTools.h"
 
+#include <cstdio>
+
 namespace apps::nyctl {
 
 ExitStatus noAnswer(Context& context) {
@@ -14,6 +16,12 @@ ExitStatus ifAnswered(Context& context, ExitStatus status) {
 
 ExitStatus ensureRegistered(Context& context) {
     return context.session.registerUser() ? exitYes : ifAnswered(context, exitNo);
+}
+
+std::string shareModeDigits(unsigned mode) {
+    char digits[16];
+    std::snprintf(digits, sizeof digits, "0x%02X", mode);
+    return digits;
 }
 
 Record describe(const NySeUser& user) {

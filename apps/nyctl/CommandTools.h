@@ -45,20 +45,23 @@ std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char*
     return value;
 }
 
-// Says so and ends the connection.
+// Reports it and closes the connection. Returns exitNoAnswer.
 ExitStatus noAnswer(Context& context);
 
-// For calls that do not tell a failure: `status` when the server still answers, else exitNoAnswer.
+// For calls that do not report a failure: `status` when the server still answers, else noAnswer.
 ExitStatus ifAnswered(Context& context, ExitStatus status);
 
-// Enters the user unless that was done; exitYes, exitNo when refused, exitNoAnswer.
+// Registers the user unless that was done. Returns exitYes, exitNo when refused, exitNoAnswer.
 ExitStatus ensureRegistered(Context& context);
+
+// In hex, as "0x18".
+std::string shareModeDigits(unsigned mode);
 
 Record describe(const NySeUser& user);
 Record describe(const NySeConnection& connection);
 void printUsers(Context& context, const NySeUserPtrArray& users);
 
-// The server's user of that name, copied into `user`. False when there is none.
+// Copies the server's user of that name into `user`. False when there is none.
 bool findUser(Context& context, const std::string& name, NySeUser& user);
 
 }  // namespace apps::nyctl

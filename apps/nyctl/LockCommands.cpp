@@ -1,19 +1,26 @@
 // The commands about locks.
-#include "apps/common/ShareMode.h"
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/records/NySeLockArray.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::nyctl {
 
 namespace {
 
+// As "Share mode: 0x01 access1, 0x02 access2".
+std::string shareModeHelp() {
+    std::string help = "Share mode:";
+    for (const auto& [bit, word] : NySe::kShareModeBits) {
+        help +=
+            (bit == NySe::kShareModeBits[0].bit ? " " : ", ") + shareModeDigits(bit) + ' ' + word;
+    }
+    return help;
+}
+
 Run defineLock(CLI::App& command) {
     auto name = argument<std::string>(command, "NAME", "The lock's name");
-    auto mode = std::make_shared<unsigned>(0x18);
-    command
-        .add_option("--mode", *mode,
-                    "Share mode: 0x01 access1, 0x02 access2, 0x08 exclude1, 0x10 exclude2")
-        ->default_str("0x18");
+    auto mode = std::make_shared<unsigned>(NySe::exclude1 | NySe::exclude2);
+    command.add_option("--mode", *mode, shareModeHelp())->default_str(shareModeDigits(*mode));
     return [name, mode](Context& context) {
         if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
         const bool granted = context.client().lock(fromUtf8(*name), *mode);
@@ -22,7 +29,7 @@ Run defineLock(CLI::App& command) {
         context.output.record({{"lock", *name},
                                {"granted", granted},
                                {"mode", shareModeDigits(*mode)},
-                               {"words", shareModeWords(*mode)}});
+                               {"words", NySe::shareModeWords(*mode)}});
         return status;
     };
 }
@@ -53,7 +60,7 @@ Record describe(const NySeLock& lock, const NySeSessionLock& holder,
             {"session", holder.getSessionNumber()},
             {"user", user != nullptr ? toUtf8(user->getStrUserName()) : std::string()},
             {"mode", shareModeDigits(holder.getLockState())},
-            {"words", shareModeWords(holder.getLockState())}};
+            {"words", NySe::shareModeWords(holder.getLockState())}};
 }
 
 Run defineLocks(CLI::App&) {

@@ -5,10 +5,10 @@
 #include <memory>
 
 #include "apps/common/NoticeText.h"
-#include "apps/common/ShareMode.h"
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::nyctl {
 
@@ -19,7 +19,7 @@ using nyctl::describe;  // of users and connections
 Record describe(const NySeSessionLock& holder) {
     return {{"session", holder.getSessionNumber()},
             {"mode", shareModeDigits(holder.getLockState())},
-            {"words", shareModeWords(holder.getLockState())}};
+            {"words", NySe::shareModeWords(holder.getLockState())}};
 }
 
 Record describe(const NySeLock& lock) {
@@ -69,11 +69,12 @@ Notice readNotice(NySe::ActionType action, CMemFile& payload) {
     const ULONGLONG size = payload.GetLength();
     const std::unique_ptr<CObject> object(NySe::readReplyObject(payload, nullptr));
     const Kind* const kind = object ? findKind(*object) : nullptr;
-    return {timeOfDay(utc) + "  " + std::to_string(action) + ' ' + noticeWords(action) + "  " +
+    const char* const words = NySe::notificationKind(action).words;
+    return {timeOfDay(utc) + "  " + std::to_string(action) + ' ' + words + "  " +
                 noticeContent(object.get()) + "  (" + std::to_string(size) + " bytes)",
             {{"time", isoTime(utc)},
              {"action", static_cast<int>(action)},
-             {"words", noticeWords(action)},
+             {"words", words},
              {"class", object ? Record(object->GetRuntimeClass()->m_lpszClassName) : Record()},
              {"object", kind != nullptr ? kind->fields(*object) : Record()},
              {"size", size}}};

@@ -56,7 +56,7 @@ Run defineVerify(CLI::App&) {
 }
 
 Run defineEvents(CLI::App& command) {
-    return [count = argument<int>(command, "N", "How many at the most")](Context& context) {
+    return [count = argument<int>(command, "N", "How many events at most")](Context& context) {
         const std::string events = toUtf8(context.client().getEventListFromEventViewer(*count));
         const ExitStatus status = events.empty() ? ifAnswered(context, exitYes) : exitYes;
         if (status == exitYes) context.output.lines("event", Output::split(events));
@@ -66,7 +66,7 @@ Run defineEvents(CLI::App& command) {
 
 Run defineShutdown(CLI::App&) {
     return [](Context& context) {
-        // Afterwards nobody is there to ask.
+        // After the request the server does not answer any more.
         const ExitStatus status = ifAnswered(context, exitYes);
         if (status == exitYes) context.client().shutDownServer();
         return status;

@@ -50,8 +50,8 @@ Run defineRename(CLI::App& command) {
 }
 
 Run defineSendUser(CLI::App& command) {
-    return [name = argument<std::string>(command, "USER", "The name of who gets it"),
-            text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+    return [name = argument<std::string>(command, "USER", "The receiver's name"),
+            text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeUser user;
         if (!findUser(context, *name, user)) return ifAnswered(context, exitNo);
         NySeMessage message = messageOf(*text);
@@ -61,7 +61,7 @@ Run defineSendUser(CLI::App& command) {
 }
 
 Run defineSendAll(CLI::App& command) {
-    return [text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+    return [text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeMessage message = messageOf(*text);
         context.client().sendAllUserData(message);
         return ifAnswered(context, exitYes);
@@ -69,9 +69,9 @@ Run defineSendAll(CLI::App& command) {
 }
 
 Run defineSendConnection(CLI::App& command) {
-    return [id = argument<int>(command, "ID", "The connection whose users get it"),
-            number = argument<int>(command, "N", "A number that goes with it"),
-            text = argument<std::string>(command, "TEXT", "What is sent")](Context& context) {
+    return [id = argument<int>(command, "ID", "The connection whose users receive it"),
+            number = argument<int>(command, "N", "A number for the application"),
+            text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeMessage message = messageOf(*text);
         context.client().sendConnectionData(*id, *number, message);
         return ifAnswered(context, exitYes);
@@ -81,7 +81,7 @@ Run defineSendConnection(CLI::App& command) {
 }  // namespace
 
 const std::vector<Command> kUserCommands = {
-    {"register", "Enter the user at the server and show what it gave", "register", &defineRegister},
+    {"register", "Register the user and show its record", "register", &defineRegister},
     {"users", "The users that the server knows", "users", &defineUsers},
     {"port", "Another port for the user's listener", "port", &definePort},
     {"rename", "Give the user another name", "rename Anna", &defineRename},

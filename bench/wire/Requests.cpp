@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr unsigned kMode = 0x01;
+constexpr unsigned kMode = NySe::access1;
 
 std::string requestBytes(NySe::ActionType action, const CString* name = nullptr,
                          const LONG* mode = nullptr) {

@@ -24,7 +24,8 @@
 namespace {
 
 const CString kLockName = _T("part/1");
-constexpr unsigned kAlone = 0x1B;  // both kinds of access for us (0x03), none for others (0x18)
+// Both kinds of access for us, none for others.
+constexpr unsigned kAlone = NySe::access1 | NySe::access2 | NySe::exclude1 | NySe::exclude2;
 
 // A line of UTF-8, which whoever reads along sees at once.
 void say(const CString& line) {
@@ -49,13 +50,13 @@ std::unique_ptr<Record> recordOf(NyServerNotification& notification) {
 }
 
 CString describe(NyServerNotification& notification) {
-    const int number = notification.getActionType();
+    const NySe::ActionType number = notification.getActionType();
     CString text;
     text.Format(_T("notification %d"), number);
-    if (number == 50 || number == 51) {  // granted, released
+    if (number == NySe::notifyLockGranted || number == NySe::notifyLockReleased) {
         if (const auto lock = recordOf<NySeLock>(notification))
             text += _T(": lock ") + lock->getStrLockName();
-    } else if (number == 54 || number == 55) {  // joined, left
+    } else if (number == NySe::notifyUserJoined || number == NySe::notifyUserLeft) {
         if (const auto user = recordOf<NySeUser>(notification))
             text += _T(": user ") + user->getStrUserName();
     }

@@ -1,4 +1,5 @@
 // With what status nyctl's commands end when the server does not do what it should.
+#include "apps/nyctl/CommandTools.h"
 #include "tests/apps/ListenerPorts.h"
 #include "tests/apps/NyctlRun.h"
 #include "tests/client/ClientTest.h"
@@ -232,16 +233,15 @@ TEST_F(Nyctl, OpenIsNoWhenALivingServerRefuses) {
 }
 
 TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
-    for (const char* line : {"ping",     "register",      "users",      "port",
-                             "rename a", "send-user a b", "send-all a", "send-connection 1 2 a",
-                             "lock a",   "unlock a",      "holders a",  "locks",
-                             "open a",   "close 1",       "openers 1",  "connections",
-                             "time",     "machine",       "info",       "verify",
-                             "events 1", "shutdown",      "watch"}) {
-        serve({});
-        EXPECT_EQ(exitNoAnswer, run(line)) << line;
-        EXPECT_EQ("", m_run.printed()) << line;
-        EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_run.complaint()) << line;
+    for (const auto* family :
+         {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
+        for (const Command& command : *family) {
+            SCOPED_TRACE(command.example);
+            serve({});
+            EXPECT_EQ(exitNoAnswer, run(command.example));
+            EXPECT_EQ("", m_run.printed());
+            EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_run.complaint());
+        }
     }
 }
 

@@ -62,8 +62,8 @@ expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
 # All in one shell, since a start takes its time.
-commands="ping register users port rename send-connection send-user send-all watch lock unlock holders locks open close \
-  openers connections time machine info verify events shutdown doctor"
+expect 0 'Subcommands:' --help
+commands=$(sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' <<< "$said" | grep -vx shell)
 for command in $commands; do echo "$command --help"; done > "$work/lines"
 expect 0 '' shell < "$work/lines"
 for command in $commands; do

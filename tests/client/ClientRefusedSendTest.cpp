@@ -1,5 +1,5 @@
 // A request that cannot be sent while the connection can still be read.
-#include "tests/client/AnsweredCalls.h"
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 
 namespace {

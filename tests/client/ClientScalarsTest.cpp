@@ -1,47 +1,8 @@
 // The requests that one number answers.
-#include <functional>
-
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
-
-struct Answer {
-    std::string reply;
-    LONG result;
-};
-
-struct ScalarRequest {
-    const char* name;
-    LONG failure;
-    std::vector<Answer> answers;
-    std::function<LONG(NySeClientApp&)> call;
-};
-
-std::vector<Answer> numbersAsTheyAre() {
-    std::vector<Answer> answers;
-    for (const LONG number : {1L, 0L, -1L, 40125L, LONG_MAX, LONG_MIN}) {
-        answers.push_back({wireOf(number), number});
-    }
-    return answers;
-}
-
-// A byte says yes when it is not zero.
-std::vector<Answer> yesOrNo() {
-    return {{wire("01"), true}, {wire("00"), false}, {wire("02"), true}, {wire("FF"), true}};
-}
-
-const ScalarRequest kScalarRequests[] = {
-    {"lock", false, yesOrNo(),
-     [](NySeClientApp& client) { return client.lock(_T("part/42"), 0x18); }},
-    {"openConnection", -1, numbersAsTheyAre(),
-     [](NySeClientApp& client) { return client.openConnection(_T("Server=a;Db=b")); }},
-    {"getAnotherPort", -1, numbersAsTheyAre(),
-     [](NySeClientApp& client) { return client.getAnotherPort(); }},
-    {"updateUserName", false, yesOrNo(),
-     [](NySeClientApp& client) { return client.updateUserName(_T("Anna")); }},
-    {"getCurrentTime", 0, numbersAsTheyAre(),
-     [](NySeClientApp& client) { return client.getCurrentTime(); }},
-};
 
 class ClientScalars : public ClientTest, public ::testing::WithParamInterface<ScalarRequest> {
   protected:
@@ -49,14 +10,15 @@ class ClientScalars : public ClientTest, public ::testing::WithParamInterface<Sc
     LONG call() { return GetParam().call(client); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientScalars, ::testing::ValuesIn(kScalarRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientScalars, ::testing::ValuesIn(scalarRequests()),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientScalars, AreWhatTheServerSays) {
     std::vector<Step> steps;
-    for (const Answer& answer : GetParam().answers) steps.push_back({request(), {answer.reply}});
+    for (const ScalarAnswer& answer : GetParam().answers)
+        steps.push_back({request(), {answer.reply}});
     serve(steps);
-    for (const Answer& answer : GetParam().answers) {
+    for (const ScalarAnswer& answer : GetParam().answers) {
         EXPECT_EQ(answer.result, call()) << shown(answer.reply);
     }
     expectRequestsSent();

@@ -1,52 +1,10 @@
 // The requests that a table answers.
-#include <functional>
-
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
 
-struct TableRequest {
-    const char* name;
-    const char* reply;        // the golden reply, of two records
-    std::string beforeReply;  // what the server sends first
-    std::shared_ptr<QoArraySerial2> (*makeTable)();
-    QoObject2* (*makeRecord)();
-    std::function<void(NySeClientApp&, QoArraySerial2&)> call;
-};
-
 constexpr INT_PTR kRecordsInReply = 2;
-
-template <class Table, class Record>
-TableRequest tableRequest(const char* name, const char* reply,
-                          std::function<void(NySeClientApp&, Table&)> call,
-                          const std::string& beforeReply = "") {
-    return {name,
-            reply,
-            beforeReply,
-            [] { return std::shared_ptr<QoArraySerial2>(new Table); },
-            []() -> QoObject2* { return new Record; },
-            [call](NySeClientApp& client, QoArraySerial2& table) {
-                call(client, static_cast<Table&>(table));
-            }};
-}
-
-const TableRequest kTableRequests[] = {
-    tableRequest<NySeLockArray, NySeLock>("getLock", "reply-locks", &NySeClientApp::getLock),
-    tableRequest<NySeUserPtrArray, NySeUser>(
-        "isLockBy", "reply-users",
-        [](NySeClientApp& client, NySeUserPtrArray& users) {
-            client.isLockBy(_T("part/42"), users);
-        },
-        "\x01"),
-    tableRequest<NySeConnectionArray, NySeConnection>("getConnection", "reply-connections",
-                                                      &NySeClientApp::getConnection),
-    tableRequest<NySeUserPtrArray, NySeUser>("isOpenConnectionBy", "reply-users",
-                                             [](NySeClientApp& client, NySeUserPtrArray& users) {
-                                                 client.isOpenConnectionBy(3, users);
-                                             }),
-    tableRequest<NySeUserPtrArray, NySeUser>("getAllUser", "reply-users",
-                                             &NySeClientApp::getAllUser),
-};
 
 class ClientTables : public ClientTest, public ::testing::WithParamInterface<TableRequest> {
   protected:
@@ -57,7 +15,7 @@ class ClientTables : public ClientTest, public ::testing::WithParamInterface<Tab
     const std::shared_ptr<QoArraySerial2> table = GetParam().makeTable();
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientTables, ::testing::ValuesIn(kTableRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientTables, ::testing::ValuesIn(tableRequests()),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientTables, AppendsWhatTheServerSends) {

@@ -1,22 +1,11 @@
 // The requests that a text answers.
 #include <climits>
-#include <functional>
 
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 #include "tests/support/CStringPrinter.h"
 
 namespace {
-
-struct TextRequest {
-    const char* name;
-    std::function<CString(NySeClientApp&)> call;
-};
-
-const TextRequest kTextRequests[] = {
-    {"getMachineIdentifiant", &NySeClientApp::getMachineIdentifiant},
-    {"getEventListFromEventViewer",
-     [](NySeClientApp& client) { return client.getEventListFromEventViewer(25); }},
-};
 
 class ClientTexts : public ClientTest, public ::testing::WithParamInterface<TextRequest> {
   protected:
@@ -27,7 +16,7 @@ class ClientTexts : public ClientTest, public ::testing::WithParamInterface<Text
     const CString goodText = _T("00-1a-2b-3c-4d-5e");
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientTexts, ::testing::ValuesIn(kTextRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientTexts, ::testing::ValuesIn(textRequests()),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientTexts, AreWhatTheServerWrites) {

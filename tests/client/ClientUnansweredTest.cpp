@@ -1,44 +1,10 @@
 // The requests that nothing answers.
-#include <functional>
+#include <set>
 
-#include "NyServer/records/NySeMessage.h"
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
-
-struct UnansweredRequest {
-    const char* name;
-    std::function<void(NySeClientApp&)> call;
-};
-
-NySeMessage savedMessage() {
-    NySeMessage message;
-    message.setStrMessage(_T("saved"));
-    return message;
-}
-
-const UnansweredRequest kUnansweredRequests[] = {
-    {"unLock", [](NySeClientApp& client) { client.unLock(_T("part/42")); }},
-    {"closeConnection", [](NySeClientApp& client) { client.closeConnection(3); }},
-    {"sendConnectionData",
-     [](NySeClientApp& client) {
-         NySeMessage message = savedMessage();
-         client.sendConnectionData(1, 2, message);
-     }},
-    {"sendUserData",
-     [](NySeClientApp& client) {
-         NySeUser user = goldenUser();
-         NySeMessage message = savedMessage();
-         client.sendUserData(user, message);
-     }},
-    {"sendAllUserData",
-     [](NySeClientApp& client) {
-         NySeMessage message = savedMessage();
-         client.sendAllUserData(message);
-     }},
-    {"shutDownServer", &NySeClientApp::shutDownServer},
-    {"verifyCoherancy", &NySeClientApp::verifyCoherancy},
-};
 
 class ClientUnanswered : public ClientTest,
                          public ::testing::WithParamInterface<UnansweredRequest> {
@@ -47,7 +13,7 @@ class ClientUnanswered : public ClientTest,
     void call() { GetParam().call(client); }
 };
 
-INSTANTIATE_TEST_SUITE_P(Request, ClientUnanswered, ::testing::ValuesIn(kUnansweredRequests),
+INSTANTIATE_TEST_SUITE_P(Request, ClientUnanswered, ::testing::ValuesIn(unansweredRequests()),
                          [](const auto& test) { return std::string(test.param.name); });
 
 TEST_P(ClientUnanswered, SendAndTakeNothing) {
@@ -64,6 +30,15 @@ TEST_P(ClientUnanswered, ReturnQuietlyWhenTheServerIsGone) {
     char byte;
     EXPECT_EQ(0, ::recv(NySeClientAppAccess::socket(client), &byte, 1, 0));
     for (int i = 0; i < 3; ++i) call();
+}
+
+TEST(ClientRequests, LeaveNoneOut) {
+    std::set<std::string> listed{"disconnect"};
+    for (const AnsweredCall& call : answeredCalls()) listed.insert(call.name);
+    for (const UnansweredRequest& request : unansweredRequests()) listed.insert(request.name);
+    std::set<std::string> all;
+    for (const NySe::RequestKind& request : NySe::kRequests) all.insert(request.name);
+    EXPECT_EQ(all, listed);
 }
 
 }  // namespace

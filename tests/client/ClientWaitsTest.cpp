@@ -2,7 +2,7 @@
 #include <chrono>
 #include <future>
 
-#include "tests/client/AnsweredCalls.h"
+#include "tests/client/ClientRequests.h"
 #include "tests/client/ClientTest.h"
 
 namespace {

@@ -1,53 +1,46 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <iterator>
+
 #include "NyServer/framing/NySeActions.h"
+#include "tests/support/Golden.h"
 
 namespace {
 
-struct Code {
-    int number;
-    NySe::ActionType action;
-};
+int codeOf(const Golden& request) {
+    int code = 0;
+    std::memcpy(&code, request.bytes.data(), sizeof code);
+    return code;
+}
 
-TEST(ActionCodes, KeepTheirNumbers) {
-    const Code codes[] = {{-1, NySe::noAction},
-                          {1, NySe::actionIsAlive},
-                          {2, NySe::actionGetConnection},
-                          {3, NySe::actionOpenConnection},
-                          {4, NySe::actionCloseConnection},
-                          {6, NySe::actionIsOpenConnectionBy},
-                          {10, NySe::actionGetLock},
-                          {11, NySe::actionLock},
-                          {12, NySe::actionUnLock},
-                          {13, NySe::actionIsLockBy},
-                          {50, NySe::actionNotification50},
-                          {51, NySe::actionNotification51},
-                          {52, NySe::actionNotification52},
-                          {53, NySe::actionNotification53},
-                          {54, NySe::actionNotification54},
-                          {55, NySe::actionNotification55},
-                          {56, NySe::actionNotification56},
-                          {57, NySe::actionNotification57},
-                          {58, NySe::actionNotification58},
-                          {50, NySe::actionFirstNotification},
-                          {58, NySe::actionLastNotification},
-                          {70, NySe::actionGetAllUser},
-                          {71, NySe::actionGetAnotherPort},
-                          {72, NySe::actionSendConnectionData},
-                          {73, NySe::actionSendUserData},
-                          {74, NySe::actionSendAllUserData},
-                          {75, NySe::actionUpdateUserName},
-                          {77, NySe::actionShutDownServer},
-                          {84, NySe::actionGetCurrentTime},
-                          {89, NySe::actionVerifyCoherancy},
-                          {90, NySe::actionGetMachineIdentifiant},
-                          {95, NySe::actionGetEventListFromEventViewer},
-                          {96, NySe::actionGetPortClient},
-                          {97, NySe::actionInitializeSchema},
-                          {106, NySe::actionGetVersion},
-                          {666, NySe::actionDisconnect},
-                          {701, NySe::lastSendableAction}};
-    for (const Code& code : codes) EXPECT_EQ(code.number, code.action);
+TEST(ActionCodes, OfRequestsAreThoseOfTheGoldenBytes) {
+    for (const NySe::RequestKind& request : NySe::kRequests)
+        EXPECT_EQ(codeOf(golden(std::string("request-") + request.name)), request.action);
+    EXPECT_EQ(goldenNamed("request-").size(), std::size(NySe::kRequests));
+}
+
+TEST(ActionCodes, OfNotificationsAre50To58) {
+    EXPECT_EQ(50, NySe::actionFirstNotification);
+    EXPECT_EQ(58, NySe::actionLastNotification);
+    int number = 50;
+    for (const NySe::NotificationKind& kind : NySe::kNotifications) {
+        EXPECT_EQ(number < 56, kind.changesTables) << number;
+        EXPECT_EQ(number++, kind.action);
+    }
+    EXPECT_EQ(59, number);
+}
+
+TEST(ActionCodes, OfNoMessageAndTheLastThatIsSentKeepTheirNumbers) {
+    EXPECT_EQ(-1, NySe::noAction);
+    EXPECT_EQ(701, NySe::lastSendableAction);
+}
+
+TEST(ActionCodes, ThatAreNoNotificationHaveNoWords) {
+    for (const int action : {-1, 1, 49, 59}) {
+        EXPECT_STREQ("unknown", NySe::notificationKind(action).words);
+        EXPECT_FALSE(NySe::notificationKind(action).changesTables);
+    }
 }
 
 TEST(ActionCodes, TravelInFourBytesAsSchemasDo) {

@@ -1,12 +1,15 @@
-// The document shows the bytes that the library writes.
+// The documents show the bytes that the library writes, and the numbers and words of its tables.
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iomanip>
 #include <map>
+#include <regex>
 #include <sstream>
 
 #include "NyServer/base/mfc/CArchiveObjects.h"
 #include "NyServer/framing/NySeReply.h"
+#include "NyServer/records/NySeShareMode.h"
 #include "tests/support/Golden.h"
 
 namespace {
@@ -24,6 +27,13 @@ void addLine(const std::string& line, Dump& dump) {
     std::getline(columns, bytes, '|');
     if (std::stoul(offset, nullptr, 16) != dump.bytes.size()) dump.hasRightOffsets = false;
     dump.bytes = dump.bytes + fromHex(bytes);
+}
+
+std::string readDocument(const std::string& name) {
+    std::ifstream file(NY_TEST_DATA "/../../docs/" + name);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
 }
 
 class WireFormatDocument : public ::testing::Test {
@@ -60,12 +70,12 @@ TEST_F(WireFormatDocument, ShowsTheBytesThatAreWritten) {
 }
 
 TEST_F(WireFormatDocument, NamesEveryRequestByItsCode) {
-    for (const Golden& vector : goldenNamed("request-")) {
-        const int code = vector.bytes[0] | vector.bytes[1] << 8;
-        const std::string row =
-            "\n| " + std::to_string(code) + " | `" + vector.name.substr(8) + "`";
-        EXPECT_TRUE(says(row)) << row;
-    }
+    for (const NySe::RequestKind& request : NySe::kRequests)
+        EXPECT_TRUE(says("\n| " + std::to_string(request.action) + " | `" + request.name + "` | "))
+            << request.name;
+    const std::regex row("\n\\| [0-9]+ \\| `");
+    EXPECT_EQ(std::distance(std::sregex_iterator(m_text.begin(), m_text.end(), row), {}),
+              std::ssize(NySe::kRequests));
 }
 
 TEST_F(WireFormatDocument, StatesTheBoundsOfReaders) {
@@ -75,6 +85,29 @@ TEST_F(WireFormatDocument, StatesTheBoundsOfReaders) {
     numbers << "| 0x" << std::hex << std::uppercase << kLastNumber << "; only those";
     EXPECT_TRUE(says(numbers.str())) << numbers.str();
     EXPECT_TRUE(says("in steps of " + std::to_string(NySe::kReceiveStep / 1024) + " KiB"));
+}
+
+TEST(CentralServerDocument, TellsOfEveryNotification) {
+    const std::string document = readDocument("central-server.md");
+    for (const NySe::NotificationKind& kind : NySe::kNotifications) {
+        const size_t row = document.find("\n| " + std::to_string(kind.action) + " | " + kind.words);
+        ASSERT_NE(std::string::npos, row) << kind.words;
+        const std::string line = document.substr(row + 1, document.find('\n', row + 1) - row);
+        const std::string object = kind.object != nullptr
+                                       ? std::string("| the `") + kind.object + '`'
+                                       : "| the bytes as they were sent |";
+        EXPECT_NE(std::string::npos, line.find(object)) << line;
+    }
+}
+
+TEST(NyctlDocument, ExplainsEveryBitOfAShareMode) {
+    const std::string document = readDocument("nyctl.md");
+    for (const NySe::ShareModeBit& bit : NySe::kShareModeBits) {
+        std::ostringstream row;
+        row << "\n| 0x" << std::hex << std::setw(2) << std::setfill('0') << bit.bit << ", "
+            << bit.word << " |";
+        EXPECT_NE(std::string::npos, document.find(row.str())) << row.str();
+    }
 }
 
 }  // namespace

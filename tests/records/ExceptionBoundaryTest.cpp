@@ -40,6 +40,25 @@ TEST(OutOfMemory, OtherExceptionsPass) {
               }));
 }
 
+TEST(ArchiveErrors, EndWhatIsDone) {
+    bool isDone = false;
+    NySe::dropArchiveErrors([&] {
+        AfxThrowArchiveException(CArchiveException::badIndex);
+        isDone = true;
+    });
+    NySe::dropArchiveErrors([&] {
+        AfxThrowFileException(CFileException::endOfFile);
+        isDone = true;
+    });
+    EXPECT_FALSE(isDone);
+}
+
+TEST(ArchiveErrors, OtherExceptionsPass) {
+    EXPECT_FALSE(NySe::succeeds([] { NySe::dropArchiveErrors([] { throw 8; }); }));
+    EXPECT_FALSE(
+        NySe::succeeds([] { NySe::dropArchiveErrors([] { AfxThrowMemoryException(); }); }));
+}
+
 TEST(OutOfMemory, GivesNoClone) {
     EXPECT_EQ(nullptr, NySe::cloneRecord(Uncopied()));
 }

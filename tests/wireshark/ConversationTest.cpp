@@ -3,13 +3,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
+
+#include "NyServer/records/NySeShareMode.h"
 #include "tests/wireshark/Talk.h"
 #include "tests/wireshark/Wire.h"
 
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
 
 // Every request with the reply that it gets.
 std::vector<Said> wholeSession() {
@@ -82,12 +89,84 @@ TEST(WiresharkConversation, NamesEveryRequestAndWhatItIsAnswered) {
             "shutDownServer", "disconnect"));
 }
 
-TEST(WiresharkConversation, LeavesNoGoldenRequestOut) {
-    EXPECT_EQ(goldenNamed("request-").size(), [] {
-        size_t requests = 0;
-        for (const Said& said : wholeSession()) requests += said.asks ? 1 : 0;
-        return requests;
-    }());
+// A reply of the kind that the document says.
+Bytes replyOf(const std::string& kind) {
+    const std::pair<const char*, const char*> messages[] = {
+        {"message: string", "reply-string"},
+        {"message: `NySeUser`", "reply-user"},
+        {"message: `NySeUserPtrArray`", "reply-users"},
+        {"message: `NySeLockArray`", "reply-locks"},
+        {"message: `NySeConnectionArray`", "reply-connections"}};
+    Bytes reply;
+    if (kind.starts_with("u8")) reply = wireOf<BYTE>(1);
+    if (kind.starts_with("i32")) reply = kAlive;
+    if (kind.starts_with("f64")) reply = wireOf(1.5);
+    for (const auto& [words, name] : messages)
+        if (kind.ends_with(words)) reply = reply + golden(name).bytes;
+    return reply;
+}
+
+// The last column of the request's row in docs/wire-format.md.
+std::string replyInDocument(const NySe::RequestKind& request) {
+    std::ifstream document(NY_TEST_DATA "/../../docs/wire-format.md");
+    const std::string start = "| " + std::to_string(request.action) + " | `" + request.name + "` |";
+    for (std::string line; std::getline(document, line);) {
+        if (!line.starts_with(start)) continue;
+        const size_t column = line.rfind('|', line.rfind('|') - 1) + 2;
+        return line.substr(column, line.rfind('|') - 1 - column);
+    }
+    return "";
+}
+
+std::vector<Said> everyRequest() {
+    std::vector<Said> said;
+    for (const NySe::RequestKind& request : NySe::kRequests) {
+        said.push_back(asks(goldenRequest(request.name)));
+        const Bytes reply = replyOf(replyInDocument(request));
+        if (!reply.empty()) said.push_back(answers(reply));
+    }
+    return said;
+}
+
+const Talk documented(everyRequest());
+
+TEST(WiresharkConversation, ReadsEveryRequestAndTheReplyThatTheDocumentSays) {
+    size_t at = 0;
+    for (const NySe::RequestKind& request : NySe::kRequests) {
+        const std::string kind = replyInDocument(request);
+        EXPECT_NE("", kind) << request.name;
+        EXPECT_EQ(request.name, documented.line(at).substr(0, documented.line(at).find(' ')));
+        EXPECT_FALSE(documented[at++].has("_ws.expert.message")) << request.name;
+        if (replyOf(kind).empty()) continue;
+        EXPECT_THAT(documented.line(at), StartsWith(std::string(request.name) + ": "));
+        EXPECT_THAT(documented.line(at), Not(HasSubstr("nothing")));
+        EXPECT_FALSE(documented[at++].has("_ws.expert.message")) << request.name;
+    }
+    EXPECT_EQ(at, documented.lines().size());
+}
+
+Bytes lockUnder(unsigned mode) {
+    Bytes bytes = goldenRequest("lock");
+    bytes.resize(bytes.size() - sizeof(DWORD));
+    return bytes + wireOf<DWORD>(mode);
+}
+
+std::vector<Said> lockUnderEachBit() {
+    std::vector<Said> said;
+    for (const NySe::ShareModeBit& bit : NySe::kShareModeBits)
+        said.push_back(asks(lockUnder(bit.bit)));
+    return said;
+}
+
+const Talk shareModes(lockUnderEachBit());
+
+TEST(WiresharkConversation, ShowsEachBitOfAShareMode) {
+    for (size_t i = 0; i < std::size(NySe::kShareModeBits); ++i) {
+        for (const NySe::ShareModeBit& bit : NySe::kShareModeBits) {
+            const bool isSet = bit.bit == NySe::kShareModeBits[i].bit;
+            EXPECT_EQ(isSet ? "1" : "0", shareModes[i][std::string("lock.mode.") + bit.word]);
+        }
+    }
 }
 
 TEST(WiresharkConversation, ShowsActionLengthAndArguments) {
@@ -273,17 +352,18 @@ TEST(WiresharkNotifications, AreFoundBetweenProbesAndTheirAnswers) {
 
 std::vector<Said> eachNotification() {
     std::vector<Said> said;
-    for (LONG number = 50; number <= 58; ++number)
-        said.push_back(asks(request(number, golden("user-plain-object").bytes)));
+    for (const NySe::NotificationKind& kind : NySe::kNotifications)
+        said.push_back(asks(request(kind.action, golden("user-plain-object").bytes)));
     return said;
 }
-const Talk allNine(eachNotification(), Talk::On::anyPort);
+const Talk everyNotification(eachNotification(), Talk::On::anyPort);
 
-TEST(WiresharkNotifications, HaveNineNumbers) {
-    ASSERT_EQ(9u, allNine.messages().size());
-    for (size_t i = 0; i < 9; ++i) {
-        EXPECT_EQ(std::to_string(50 + i), allNine[i]["action"]);
-        EXPECT_EQ("Anna", allNine[i]["user.name"]);
+TEST(WiresharkNotifications, HaveTheirNumbers) {
+    ASSERT_EQ(std::size(NySe::kNotifications), everyNotification.messages().size());
+    for (size_t i = 0; i < std::size(NySe::kNotifications); ++i) {
+        EXPECT_EQ(std::to_string(NySe::kNotifications[i].action), everyNotification[i]["action"]);
+        EXPECT_TRUE(everyNotification[i].has("notification"));
+        EXPECT_EQ("Anna", everyNotification[i]["user.name"]);
     }
 }
 

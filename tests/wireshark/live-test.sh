@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# live-test.sh NYCENTRAL NYCTL: every command of the client against the central server, captured on loopback and decoded.
+# live-test.sh NYCENTRAL NYCTL: a session of the client with the central server, captured on loopback and decoded.
 # What the dissector finds is what the programs said. Ends with 77 when this user may not capture.
 set -eu
 nycentral=$1

@@ -1,23 +1,9 @@
--- What display filters know: the fields, and the remarks that mark what is odd or wrong.
+-- What display filters know: the fields, and the remarks that mark what is odd or wrong. The field of the action is in
+-- messages.lua, with the names of the actions.
 local M = {}
-
-local actions = {
-    [1] = "isAlive", [2] = "getConnection", [3] = "openConnection", [4] = "closeConnection", [6] = "isOpenConnectionBy",
-    [10] = "getLock", [11] = "lock", [12] = "unLock", [13] = "isLockBy",
-    [50] = "notification 50", [51] = "notification 51", [52] = "notification 52", [53] = "notification 53",
-    [54] = "notification 54", [55] = "notification 55", [56] = "notification 56", [57] = "notification 57",
-    [58] = "notification 58",
-    [70] = "getAllUser", [71] = "getAnotherPort", [72] = "sendConnectionData", [73] = "sendUserData",
-    [74] = "sendAllUserData", [75] = "updateUserName", [77] = "shutDownServer",
-    [84] = "getCurrentTime", [89] = "verifyCoherancy", [90] = "getMachineIdentifiant",
-    [95] = "getEventListFromEventViewer", [96] = "getPortClient", [97] = "initializeSchema",
-    [106] = "getVersion", [666] = "disconnect",
-}
-M.action_names = actions
 
 M.fields = {
     -- Frames
-    action = ProtoField.int32("nyserver.action", "Action", base.DEC, actions),
     length = ProtoField.int32("nyserver.length", "Payload length"),
     payload = ProtoField.none("nyserver.payload", "Payload"),
     request = ProtoField.bool("nyserver.request", "Request"),

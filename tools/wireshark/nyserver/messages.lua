@@ -1,6 +1,6 @@
--- What each action asks with and is answered by.
+-- What each action asks with and is answered by. A row has:
 --
--- A row has:
+--   name       of the client's call
 --   payload    reads the arguments; returns a few words about them
 --   least      payloads are at least so many bytes long
 --   most       and at most so many; any number unless given
@@ -74,13 +74,27 @@ local function text(archive)
 end
 
 local M = {
-    [1] = { most = 0, scalar = 4, answer = alive },
-    [2] = { most = 0, message = object_of "NySeConnectionArray" },
-    [3] = { payload = string_of(f.connection_name), least = 1, starts = kWideString, scalar = 4, answer = number },
-    [4] = { payload = long_of(f.connection_id), least = 4, most = 4 },
-    [6] = { payload = long_of(f.connection_id), least = 4, most = 4, message = object_of "NySeUserPtrArray" },
-    [10] = { most = 0, message = object_of "NySeLockArray" },
+    [1] = { name = "isAlive", most = 0, scalar = 4, answer = alive },
+    [2] = { name = "getConnection", most = 0, message = object_of "NySeConnectionArray" },
+    [3] = {
+        name = "openConnection",
+        payload = string_of(f.connection_name),
+        least = 1,
+        starts = kWideString,
+        scalar = 4,
+        answer = number,
+    },
+    [4] = { name = "closeConnection", payload = long_of(f.connection_id), least = 4, most = 4 },
+    [6] = {
+        name = "isOpenConnectionBy",
+        payload = long_of(f.connection_id),
+        least = 4,
+        most = 4,
+        message = object_of "NySeUserPtrArray",
+    },
+    [10] = { name = "getLock", most = 0, message = object_of "NySeLockArray" },
     [11] = {
+        name = "lock",
         payload = function(archive)
             return string.format('"%s" 0x%02X', archive:string(f.lock_name), archive:mode())
         end,
@@ -89,8 +103,9 @@ local M = {
         scalar = 1,
         answer = yes_or_no("granted", "refused"),
     },
-    [12] = { payload = string_of(f.lock_name), least = 1, starts = kWideString },
+    [12] = { name = "unLock", payload = string_of(f.lock_name), least = 1, starts = kWideString },
     [13] = {
+        name = "isLockBy",
         payload = function(archive)
             local name = archive:string(f.lock_name)
             archive:long(f.zero)
@@ -102,9 +117,10 @@ local M = {
         answer = yes_or_no("held", "not held"),
         message = object_of "NySeUserPtrArray",
     },
-    [70] = { most = 0, message = object_of "NySeUserPtrArray" },
-    [71] = { most = 0, scalar = 4, answer = number },
+    [70] = { name = "getAllUser", most = 0, message = object_of "NySeUserPtrArray" },
+    [71] = { name = "getAnotherPort", most = 0, scalar = 4, answer = number },
     [72] = {
+        name = "sendConnectionData",
         payload = function(archive)
             local first, second = archive:long(f.first), archive:long(f.second)
             return string.format("%d %d %s", first, second, any_object(archive))
@@ -112,6 +128,7 @@ local M = {
         least = 8,
     },
     [73] = {
+        name = "sendUserData",
         payload = function(archive)
             local name = records.user_by_its_own_schema(archive)
             return string.format("to %s %s", name or "nobody", any_object(archive))
@@ -119,45 +136,58 @@ local M = {
         least = 2,
         starts = kNewClass,
     },
-    [74] = { payload = any_object, least = 2, starts = kNewClass },
+    [74] = { name = "sendAllUserData", payload = any_object, least = 2, starts = kNewClass },
     [75] = {
+        name = "updateUserName",
         payload = string_of(f.user_name),
         least = 1,
         starts = kWideString,
         scalar = 1,
         answer = yes_or_no("done", "refused"),
     },
-    [77] = { most = 0 },
-    [84] = { most = 0, scalar = 4, answer = seconds },
-    [89] = { most = 0 },
-    [90] = { most = 0, message = text },
-    [95] = { payload = long_of(f.event_count), least = 4, most = 4, message = text },
+    [77] = { name = "shutDownServer", most = 0 },
+    [84] = { name = "getCurrentTime", most = 0, scalar = 4, answer = seconds },
+    [89] = { name = "verifyCoherancy", most = 0 },
+    [90] = { name = "getMachineIdentifiant", most = 0, message = text },
+    [95] = {
+        name = "getEventListFromEventViewer",
+        payload = long_of(f.event_count),
+        least = 4,
+        most = 4,
+        message = text,
+    },
     [96] = {
+        name = "getPortClient",
         payload = records.user_by_its_own_schema,
         least = 2,
         starts = kNewClass,
         message = object_of "NySeUser",
     },
-    [97] = { payload = long_of(f.schema), least = 4, most = 4, scalar = 4, answer = number },
+    [97] = { name = "initializeSchema", payload = long_of(f.schema), least = 4, most = 4, scalar = 4, answer = number },
     [106] = {
+        name = "getVersion",
         bare = true,
         scalar = 8,
         answer = function(archive)
             return tostring(archive:double(f.version))
         end,
     },
-    [666] = { bare = true },
+    [666] = { name = "disconnect", bare = true },
 }
 
 for action = 50, 58 do
-    M[action] = { payload = any_object, notification = true, starts = kNewClass }
+    local name = "notification " .. action
+    M[action] = { name = name, payload = any_object, notification = true, starts = kNewClass }
 end
+
+local names = {}
 for action, row in pairs(M) do
-    row.name = known.action_names[action]
+    names[action] = row.name
     row.payload = row.payload or function() end
     row.least = row.least or 0
     row.most = row.most or math.huge
 end
+f.action = ProtoField.int32("nyserver.action", "Action", base.DEC, names)
 
 -- What an action means that nobody knows.
 M.unknown = {

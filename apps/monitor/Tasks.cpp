@@ -1,9 +1,9 @@
-#include "apps/monitor/Requests.h"
+#include "apps/monitor/Tasks.h"
 
-#include "apps/common/ShareMode.h"
 #include "apps/common/Utf8.h"
 #include "apps/monitor/Words.h"
 #include "NyServer/records/NySeMessage.h"
+#include "NyServer/records/NySeShareMode.h"
 
 namespace apps::monitor {
 
@@ -30,35 +30,35 @@ void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message)
 
 }  // namespace
 
-Request lockRequest(const std::wstring& name, unsigned mode) {
-    return {L"Lock", name + L" (" + wide(shareModeWords(mode)) + L')',
+Task lockTask(const std::wstring& name, unsigned mode) {
+    return {L"Lock", name + L" (" + wide(NySe::shareModeWords(mode)) + L')',
             [name, mode](NySeClientApp& client, Account&) {
                 return client.lock(toCString(name), mode) ? L"granted" : L"refused";
             }};
 }
 
-Request unlockRequest(const std::wstring& name) {
+Task unlockTask(const std::wstring& name) {
     return {L"Unlock", name, [name](NySeClientApp& client, Account&) {
                 client.unLock(toCString(name));
                 return kSent;
             }};
 }
 
-Request openRequest(const std::wstring& connection) {
+Task openTask(const std::wstring& connection) {
     return {L"Open", connection, [connection](NySeClientApp& client, Account&) {
                 const long id = client.openConnection(toCString(connection));
                 return id < 0 ? L"refused" : L"opened, id " + std::to_wstring(id);
             }};
 }
 
-Request closeRequest(const std::wstring& connection, LONG id) {
+Task closeTask(const std::wstring& connection, LONG id) {
     return {L"Close", connection, [id](NySeClientApp& client, Account&) {
                 client.closeConnection(id);
                 return kSent;
             }};
 }
 
-Request sendRequest(const Receiver& receiver, const std::wstring& text) {
+Task sendTask(const Receiver& receiver, const std::wstring& text) {
     return {L"Send", L"to " + receiver.name, [receiver, text](NySeClientApp& client, Account&) {
                 NySeMessage message;
                 message.setStrMessage(toCString(text));
@@ -67,7 +67,7 @@ Request sendRequest(const Receiver& receiver, const std::wstring& text) {
             }};
 }
 
-Request renameRequest(const std::wstring& name) {
+Task renameTask(const std::wstring& name) {
     return {L"Rename", name, [name](NySeClientApp& client, Account& account) {
                 if (!client.updateUserName(toCString(name))) return L"refused";
                 account.user = toUtf8(toCString(name));
