@@ -16,7 +16,7 @@ class Uncopied : public NySeMessage {
 };
 
 TEST(ResultOr, GivesWhatTheActionReturns) {
-    EXPECT_EQ(NySe::resultOr(CString(), [] { return CString(L"answer"); }), L"answer");
+    EXPECT_EQ(NySe::resultOr(CString(), [] { return CString(_T("answer")); }), _T("answer"));
     EXPECT_TRUE(NySe::succeeds([] {}));
 }
 
