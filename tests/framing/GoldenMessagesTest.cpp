@@ -19,7 +19,7 @@ using NySe::ActionType;
 using NySe::schema2015;
 
 NySeUser anna() {
-    return Sample<NySeUser>::make();
+    return makeSample<NySeUser>();
 }
 
 NySeUser bob() {
@@ -34,7 +34,7 @@ const CString kConnection = _T("Server=a;Db=b");
 const CString kLock = _T("part/42");
 
 NySeMessage saved() {
-    return Sample<NySeMessage>::make();
+    return makeSample<NySeMessage>();
 }
 
 using Write = std::function<void(NySeMemFile&)>;

@@ -13,12 +13,12 @@ namespace {
 template <class Table>
 class TablePattern : public ::testing::Test {
   protected:
-    using Record = typename TableSample<Table>::Record;
+    using Record = std::remove_pointer_t<decltype(std::declval<const Table>().GetAt(0))>;
 
-    static Record* makeFirst() { return Sample<Record>::make().clone(); }
+    static Record* makeFirst() { return makeSample<Record>().clone(); }
     static Record* makeSecond() {
         Record* record = makeFirst();
-        Sample<Record>::putBehind(*record);
+        putBehind(*record);
         return record;
     }
     static void fill(Table& table) {
@@ -33,24 +33,6 @@ class TablePattern : public ::testing::Test {
 using Tables =
     ::testing::Types<NySeUserPtrArray, NySeConnectionArray, NySeSessionLockPtrArray, NySeLockArray>;
 TYPED_TEST_SUITE(TablePattern, Tables);
-
-TYPED_TEST(TablePattern, KnowsItsName) {
-    EXPECT_STREQ(TableSample<TypeParam>::kName, TypeParam::desc());
-    EXPECT_EQ(TableSample<TypeParam>::description(), TypeParam::GetThisClass());
-    EXPECT_EQ(TableSample<TypeParam>::description(), TypeParam().GetRuntimeClass());
-}
-
-TYPED_TEST(TablePattern, IsMadeByNameUnderAVersionableSchema) {
-    const CRuntimeClass* description = CRuntimeClass::FromName(TableSample<TypeParam>::kName);
-    ASSERT_EQ(TypeParam::GetThisClass(), description);
-    EXPECT_EQ(0x800007DFu, description->m_wSchema);
-    EXPECT_EQ(RUNTIME_CLASS(QoArraySerial2), description->m_pfnGetBaseClass());
-    EXPECT_EQ(static_cast<int>(sizeof(TypeParam)), description->m_nObjectSize);
-    const std::unique_ptr<CObject> made(description->CreateObject());
-    EXPECT_TRUE(made->IsKindOf(TypeParam::GetThisClass()));
-    const std::unique_ptr<CObject> alsoMade(TypeParam::CreateObject());
-    EXPECT_TRUE(alsoMade->IsKindOf(TypeParam::GetThisClass()));
-}
 
 TYPED_TEST(TablePattern, OwnsItsRecordsUnlessToldOtherwise) {
     EXPECT_TRUE(TypeParam().getDeleteObject());
