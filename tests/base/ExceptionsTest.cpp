@@ -25,7 +25,8 @@ TEST(Exceptions, AreCaughtByTheirTypeAgainAndAgain) {
 }
 
 TEST(Exceptions, AreCaughtByTheirBases) {
-    for (const auto thrower : {AfxThrowMemoryException, AfxThrowNotSupportedException, AfxThrowInvalidArgException}) {
+    for (const auto thrower :
+         {AfxThrowMemoryException, AfxThrowNotSupportedException, AfxThrowInvalidArgException}) {
         EXPECT_TRUE(throwsA<CSimpleException>(thrower));
         EXPECT_TRUE(throwsA<CException>(thrower));
     }

@@ -177,9 +177,9 @@ TEST_F(QoArraySerial2Test, RefusesReferencesBeyondASmallMultipleOfTheBytes) {
     EXPECT_GE(references, 16);
     EXPECT_LE(references, 100);
     // The more is there, the more of it may be repeated.
-    EXPECT_EQ(-1, load(fromHex("0008" + kCounted) +
-                       repeated(fromHex("0180 09000000 01000000"), 1023) +
-                       repeated(fromHex("0200"), 1024)));
+    EXPECT_EQ(-1,
+              load(fromHex("0008" + kCounted) + repeated(fromHex("0180 09000000 01000000"), 1023) +
+                   repeated(fromHex("0200"), 1024)));
 }
 
 TEST_F(QoArraySerial2Test, RefusesARecordThatTheArchiveGaveSomebodyElse) {

@@ -6,11 +6,10 @@ namespace {
 
 // Those of requests are in their golden bytes.
 TEST(ActionCodes, KeepTheirNumbers) {
-    const int notifications[] = {NySe::actionNotification50, NySe::actionNotification51,
-                                 NySe::actionNotification52, NySe::actionNotification53,
-                                 NySe::actionNotification54, NySe::actionNotification55,
-                                 NySe::actionNotification56, NySe::actionNotification57,
-                                 NySe::actionNotification58};
+    const int notifications[] = {
+        NySe::actionNotification50, NySe::actionNotification51, NySe::actionNotification52,
+        NySe::actionNotification53, NySe::actionNotification54, NySe::actionNotification55,
+        NySe::actionNotification56, NySe::actionNotification57, NySe::actionNotification58};
     for (int number = NySe::actionFirstNotification; const int action : notifications) {
         EXPECT_EQ(number++, action);
     }

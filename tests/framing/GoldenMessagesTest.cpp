@@ -80,8 +80,7 @@ const std::map<std::string, Request>& requests() {
         {"getCurrentTime", {NySe::actionGetCurrentTime}},
         {"verifyCoherancy", {NySe::actionVerifyCoherancy}},
         {"getMachineIdentifiant", {NySe::actionGetMachineIdentifiant}},
-        {"getEventListFromEventViewer",
-         {NySe::actionGetEventListFromEventViewer, integer(25)}},
+        {"getEventListFromEventViewer", {NySe::actionGetEventListFromEventViewer, integer(25)}},
         {"getPortClient", {NySe::actionGetPortClient, object(anna())}},
         {"initializeSchema", {NySe::actionInitializeSchema, integer(2015)}},
     };

@@ -93,7 +93,8 @@ CString text(const char* characters) {
 // letter case but is none: @ and `, [ and {, and the same beyond ASCII; and with a zero character.
 std::vector<CString> awkwardTexts() {
     const CString zero(static_cast<WCHAR>(0), 1);
-    std::vector<CString> ends = {zero + text("x"), zero + text("yz"), zero + text("tail that is long")};
+    std::vector<CString> ends = {zero + text("x"), zero + text("yz"),
+                                 zero + text("tail that is long")};
     for (const int accent : {0xC4, 0xE4, 0x100, 0x120}) {
         ends.push_back(CString(static_cast<WCHAR>(accent)));
     }

@@ -27,7 +27,6 @@ struct CRuntimeClass {
     CObject*(PASCAL* m_pfnCreateObject)();
     CRuntimeClass*(PASCAL* m_pfnGetBaseClass)();
     CRuntimeClass* m_pNextClass;
-
 };
 
 class CObject {
@@ -146,7 +145,6 @@ class CStringT {
 
     void Format(LPCWSTR pszFormat, ...);
     void Format(UINT nFormatID, ...);
-
 };
 typedef CStringT<wchar_t> CString;
 
