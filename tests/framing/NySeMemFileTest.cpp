@@ -5,9 +5,39 @@
 #include <memory>
 
 #include "NyServer/records/NySeUser.h"
-#include "tests/framing/FailingRecord.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/Thrown.h"
+
+enum class Failure { archive, file, memory };
+
+// Writes one integer, 7, and throws.
+static void fail(CArchive& ar, Failure failure) {
+    ar << 7;
+    if (failure == Failure::archive) AfxThrowArchiveException(CArchiveException::genericException);
+    if (failure == Failure::file) AfxThrowFileException(CFileException::diskFull);
+    AfxThrowMemoryException();
+}
+
+// A record and a user that cannot be archived.
+class FailingRecord : public CObject {
+    DECLARE_SERIAL(FailingRecord)
+  public:
+    explicit FailingRecord(Failure failure = Failure::archive) : m_failure(failure) {}
+    void Serialize(CArchive& ar) override { fail(ar, m_failure); }
+
+  private:
+    Failure m_failure;
+};
+IMPLEMENT_SERIAL(FailingRecord, CObject, 1)
+
+class FailingUser : public NySeUser {
+  public:
+    explicit FailingUser(Failure failure) : m_failure(failure) {}
+    void Serialize(CArchive& ar) override { fail(ar, m_failure); }
+
+  private:
+    Failure m_failure;
+};
 
 namespace {
 
