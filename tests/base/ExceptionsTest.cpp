@@ -7,34 +7,41 @@
 
 namespace {
 
-// Every one of these is thrown inside the base module and caught here by its type.
+// Each of these is thrown inside the base module and caught here by its type.
 
-TEST(Exceptions, AreCaughtByTheirType) {
-    EXPECT_TRUE(throwsA<CMemoryException>([] { AfxThrowMemoryException(); }));
-    EXPECT_TRUE(throwsA<CNotSupportedException>([] { AfxThrowNotSupportedException(); }));
-    EXPECT_TRUE(throwsA<CInvalidArgException>([] { AfxThrowInvalidArgException(); }));
-    EXPECT_TRUE(throwsA<CArchiveException>([] { AfxThrowArchiveException(0); }));
-    EXPECT_TRUE(throwsA<CFileException>([] { AfxThrowFileException(0); }));
+void throwArchive() {
+    AfxThrowArchiveException(CArchiveException::badSchema, _T("name"));
+}
+void throwFile() {
+    AfxThrowFileException(CFileException::diskFull, 112, _T("name"));
+}
+
+TEST(Exceptions, AreCaughtByTheirTypeAgainAndAgain) {
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(throwsA<CMemoryException>(AfxThrowMemoryException));
+    EXPECT_TRUE(throwsA<CNotSupportedException>(AfxThrowNotSupportedException));
+    EXPECT_TRUE(throwsA<CInvalidArgException>(AfxThrowInvalidArgException));
+    EXPECT_TRUE(throwsA<CArchiveException>(throwArchive));
+    EXPECT_TRUE(throwsA<CFileException>(throwFile));
 }
 
 TEST(Exceptions, AreCaughtByTheirBases) {
-    EXPECT_TRUE(throwsA<CSimpleException>([] { AfxThrowMemoryException(); }));
-    EXPECT_TRUE(throwsA<CSimpleException>([] { AfxThrowNotSupportedException(); }));
-    EXPECT_TRUE(throwsA<CSimpleException>([] { AfxThrowInvalidArgException(); }));
-    EXPECT_TRUE(throwsA<CException>([] { AfxThrowArchiveException(0); }));
-    EXPECT_TRUE(throwsA<CException>([] { AfxThrowFileException(0); }));
+    for (const auto thrower :
+         {AfxThrowMemoryException, AfxThrowNotSupportedException, AfxThrowInvalidArgException}) {
+        EXPECT_TRUE(throwsA<CSimpleException>(thrower));
+        EXPECT_TRUE(throwsA<CException>(thrower));
+    }
+    EXPECT_TRUE(throwsA<CException>(throwArchive));
+    EXPECT_TRUE(throwsA<CException>(throwFile));
 }
 
 TEST(Exceptions, AreNotCaughtByAnotherType) {
-    const auto nested = [] { throwsA<CFileException>([] { AfxThrowArchiveException(0); }); };
-    EXPECT_TRUE(throwsA<CArchiveException>(nested));
-    const auto simple = [] { throwsA<CSimpleException>([] { AfxThrowFileException(0); }); };
-    EXPECT_TRUE(throwsA<CFileException>(simple));
+    EXPECT_TRUE(throwsA<CArchiveException>([] { throwsA<CFileException>(throwArchive); }));
+    EXPECT_TRUE(throwsA<CFileException>([] { throwsA<CSimpleException>(throwFile); }));
 }
 
 TEST(Exceptions, KnowTheirClassWhenCaughtByABase) {
     try {
-        AfxThrowArchiveException(CArchiveException::badIndex);
+        throwArchive();
     } catch (CException* thrown) {
         EXPECT_TRUE(thrown->IsKindOf(RUNTIME_CLASS(CArchiveException)));
         EXPECT_TRUE(thrown->IsKindOf(RUNTIME_CLASS(CException)));
@@ -45,25 +52,16 @@ TEST(Exceptions, KnowTheirClassWhenCaughtByABase) {
     }
 }
 
-TEST(Exceptions, MemoryExceptionsCanBeThrownAgainAndAgain) {
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_TRUE(throwsA<CMemoryException>([] { AfxThrowMemoryException(); }));
-    }
-}
-
-TEST(Exceptions, ArchiveExceptionsCarryCauseAndName) {
+TEST(Exceptions, CarryCauseErrorAndName) {
     try {
-        AfxThrowArchiveException(CArchiveException::badSchema, _T("name"));
+        throwArchive();
     } catch (CArchiveException* thrown) {
         EXPECT_EQ(thrown->m_cause, CArchiveException::badSchema);
         EXPECT_EQ(thrown->m_strFileName, _T("name"));
         thrown->Delete();
     }
-}
-
-TEST(Exceptions, FileExceptionsCarryCauseErrorAndName) {
     try {
-        AfxThrowFileException(CFileException::diskFull, 112, _T("name"));
+        throwFile();
     } catch (CFileException* thrown) {
         EXPECT_EQ(thrown->m_cause, CFileException::diskFull);
         EXPECT_EQ(thrown->m_lOsError, 112);
@@ -82,31 +80,19 @@ TEST(Exceptions, CarryNothingByDefault) {
     EXPECT_EQ(file.m_strFileName, _T(""));
 }
 
-TEST(Exceptions, ArchiveCausesKeepTheirNumbers) {
-    const int causes[] = {CArchiveException::none,      CArchiveException::genericException,
-                          CArchiveException::readOnly,  CArchiveException::endOfFile,
-                          CArchiveException::writeOnly, CArchiveException::badIndex,
-                          CArchiveException::badClass,  CArchiveException::badSchema};
-    for (int i = 0; i < 8; ++i) EXPECT_EQ(causes[i], i);
+void expectCountedFromZero(std::initializer_list<int> causes) {
+    for (int i = 0; const int cause : causes) EXPECT_EQ(cause, i++);
 }
 
-TEST(Exceptions, FileCausesKeepTheirNumbers) {
-    const int causes[] = {CFileException::none,
-                          CFileException::genericException,
-                          CFileException::fileNotFound,
-                          CFileException::badPath,
-                          CFileException::tooManyOpenFiles,
-                          CFileException::accessDenied,
-                          CFileException::invalidFile,
-                          CFileException::removeCurrentDir,
-                          CFileException::directoryFull,
-                          CFileException::badSeek,
-                          CFileException::hardIO,
-                          CFileException::sharingViolation,
-                          CFileException::lockViolation,
-                          CFileException::diskFull,
-                          CFileException::endOfFile};
-    for (int i = 0; i < 15; ++i) EXPECT_EQ(causes[i], i);
+TEST(Exceptions, CausesKeepTheirNumbers) {
+    using A = CArchiveException;
+    expectCountedFromZero({A::none, A::genericException, A::readOnly, A::endOfFile, A::writeOnly,
+                           A::badIndex, A::badClass, A::badSchema});
+    using F = CFileException;
+    expectCountedFromZero({F::none, F::genericException, F::fileNotFound, F::badPath,
+                           F::tooManyOpenFiles, F::accessDenied, F::invalidFile,
+                           F::removeCurrentDir, F::directoryFull, F::badSeek, F::hardIO,
+                           F::sharingViolation, F::lockViolation, F::diskFull, F::endOfFile});
 }
 
 }  // namespace

@@ -9,14 +9,7 @@
 
 namespace {
 
-void write(CMemFile& file, const char* text) {
-    file.Write(text, static_cast<UINT>(std::strlen(text)));
-}
-
-std::string textOf(CMemFile& file) {
-    const Bytes bytes = contentsOf(file);
-    return std::string(bytes.begin(), bytes.end());
-}
+using namespace std::string_literals;
 
 // Counts and steers the memory operations.
 class WatchedFile : public CMemFile {
@@ -48,131 +41,129 @@ class WatchedFile : public CMemFile {
     }
 };
 
-BYTE* newBlock(const char* text) {
-    const size_t length = std::strlen(text);
-    BYTE* block = static_cast<BYTE*>(std::malloc(length));
-    std::memcpy(block, text, length);
-    return block;
-}
+// A file with a step of 16 bytes, and four bytes that it may be made of.
+class MemFile : public testing::Test {
+  protected:
+    WatchedFile m_file{16};
+    BYTE m_bytes[4] = {'a', 'b', 'c', 'd'};
+    void* m_start = nullptr;
+    void* m_max = nullptr;
 
-TEST(MemFile, IsEmptyAtFirst) {
-    CMemFile file;
+    void write(const char* text) { m_file.Write(text, static_cast<UINT>(std::strlen(text))); }
+    ULONGLONG seek(LONGLONG offset, UINT from = CFile::begin) { return m_file.Seek(offset, from); }
+    UINT offered(UINT command, UINT count) {
+        return m_file.GetBufferPtr(command, count, &m_start, &m_max);
+    }
+    std::string read(UINT count) {
+        std::string buffer(count, '-');
+        buffer.resize(m_file.Read(buffer.data(), count));
+        return buffer;
+    }
+    void expect(const std::string& content, ULONGLONG position) {
+        const Bytes bytes = contentsOf(m_file);
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), content);
+        EXPECT_EQ(m_file.GetLength(), content.size());
+        EXPECT_EQ(m_file.GetPosition(), position);
+    }
+    template <class Action>
+    void expectNoMemory(Action action) {
+        EXPECT_TRUE(throwsA<CMemoryException>(action));
+    }
+};
+
+TEST_F(MemFile, IsEmptyAtFirst) {
     BYTE byte = 7;
-    EXPECT_EQ(file.GetLength(), 0u);
-    EXPECT_EQ(file.GetPosition(), 0u);
-    EXPECT_EQ(file.Read(&byte, 1), 0u);
+    EXPECT_EQ(m_file.Read(&byte, 1), 0u);
     EXPECT_EQ(byte, 7);
-    EXPECT_EQ(file.Detach(), nullptr);
+    expect("", 0);
+    EXPECT_EQ(m_file.Detach(), nullptr);
 }
 
-TEST(MemFile, ReadsWhatWasWritten) {
-    CMemFile file;
-    write(file, "hello ");
-    write(file, "world");
-    EXPECT_EQ(file.GetPosition(), 11u);
-    EXPECT_EQ(file.GetLength(), 11u);
-    EXPECT_EQ(textOf(file), "hello world");
+TEST_F(MemFile, HoldsWhatWasWrittenAndOverwritten) {
+    write("hello ");
+    write("world");
+    expect("hello world", 11);
+    seek(2);
+    write("XY");
+    expect("heXYo world", 4);
 }
 
-TEST(MemFile, ReadStopsAtTheEnd) {
-    CMemFile file;
-    write(file, "abc");
-    file.Seek(1, CFile::begin);
-    char buffer[10] = {};
-    EXPECT_EQ(file.Read(buffer, 10), 2u);
-    EXPECT_STREQ(buffer, "bc");
-    EXPECT_EQ(file.Read(buffer, 10), 0u);
-    EXPECT_EQ(file.GetPosition(), 3u);
-    file.Seek(50, CFile::begin);
-    EXPECT_EQ(file.Read(buffer, 10), 0u);
-    EXPECT_EQ(file.GetPosition(), 50u);
+TEST_F(MemFile, ReadStopsAtTheEnd) {
+    write("abc");
+    seek(1);
+    EXPECT_EQ(read(10), "bc");
+    EXPECT_EQ(read(10), "");
+    seek(50);
+    EXPECT_EQ(read(10), "");
+    expect("abc", 50);
 }
 
-TEST(MemFile, OverwritesInTheMiddle) {
-    CMemFile file;
-    write(file, "abcdef");
-    file.Seek(2, CFile::begin);
-    write(file, "XY");
-    EXPECT_EQ(textOf(file), "abXYef");
-    EXPECT_EQ(file.GetPosition(), 4u);
+TEST_F(MemFile, SeeksFromEachOrigin) {
+    write("abcdef");
+    EXPECT_EQ(seek(2), 2u);
+    EXPECT_EQ(seek(3, CFile::current), 5u);
+    EXPECT_EQ(seek(-1, CFile::current), 4u);
+    EXPECT_EQ(seek(-4, CFile::end), 2u);
+    EXPECT_EQ(m_file.SeekToEnd(), 6u);
+    m_file.SeekToBegin();
+    expect("abcdef", 0);
 }
 
-TEST(MemFile, SeeksFromEachOrigin) {
-    CMemFile file;
-    write(file, "abcdef");
-    EXPECT_EQ(file.Seek(2, CFile::begin), 2u);
-    EXPECT_EQ(file.Seek(3, CFile::current), 5u);
-    EXPECT_EQ(file.Seek(-1, CFile::current), 4u);
-    EXPECT_EQ(file.Seek(-4, CFile::end), 2u);
-    EXPECT_EQ(file.SeekToEnd(), 6u);
-    file.SeekToBegin();
-    EXPECT_EQ(file.GetPosition(), 0u);
+TEST_F(MemFile, SeekOutsideAllPositionsThrowsAndStays) {
+    write("abc");
+    const struct {
+        LONGLONG offset;
+        UINT from;
+    } rows[] = {{-1, CFile::begin},
+                {-4, CFile::current},
+                {-4, CFile::end},
+                {INT64_MAX, CFile::current},
+                {INT64_MAX, CFile::end}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(fileCause([&] { seek(row.offset, row.from); }), CFileException::badSeek);
+        expect("abc", 3);
+    }
 }
 
-TEST(MemFile, SeekBeforeTheBeginningThrowsAndStays) {
-    CMemFile file;
-    write(file, "abc");
-    EXPECT_EQ(fileCause([&] { file.Seek(-1, CFile::begin); }), CFileException::badSeek);
-    EXPECT_EQ(fileCause([&] { file.Seek(-4, CFile::current); }), CFileException::badSeek);
-    EXPECT_EQ(fileCause([&] { file.Seek(-4, CFile::end); }), CFileException::badSeek);
-    EXPECT_EQ(file.GetPosition(), 3u);
+TEST_F(MemFile, SeekBeyondTheEndGrowsNothingUntilWritten) {
+    write("abc");
+    EXPECT_EQ(seek(6), 6u);
+    m_file.Write("", 0);
+    expect("abc", 6);
+    write("x");
+    expect("abc\0\0\0x"s, 7);
 }
 
-TEST(MemFile, SeekBeyondAllPositionsThrowsAndStays) {
-    CMemFile file;
-    write(file, "abc");
-    EXPECT_EQ(fileCause([&] { file.Seek(INT64_MAX, CFile::current); }), CFileException::badSeek);
-    EXPECT_EQ(fileCause([&] { file.Seek(INT64_MAX, CFile::end); }), CFileException::badSeek);
-    EXPECT_EQ(file.GetPosition(), 3u);
+TEST_F(MemFile, SetLengthExtendsWithZeros) {
+    write("abc");
+    m_file.SetLength(5);
+    expect("abc\0\0"s, 3);
+    write("d");
+    expect("abcd\0"s, 4);
 }
 
-TEST(MemFile, SeekBeyondTheEndGrowsNothingUntilWritten) {
-    CMemFile file;
-    write(file, "abc");
-    EXPECT_EQ(file.Seek(6, CFile::begin), 6u);
-    EXPECT_EQ(file.GetLength(), 3u);
-    file.Write("", 0);
-    EXPECT_EQ(file.GetLength(), 3u);
-    write(file, "x");
-    EXPECT_EQ(file.GetLength(), 7u);
-    EXPECT_EQ(textOf(file), std::string("abc\0\0\0x", 7));
+TEST_F(MemFile, SetLengthCutsAndMovesThePositionToTheEnd) {
+    write("abcdef");
+    m_file.SetLength(2);
+    expect("ab", 2);
+    write("Z");
+    expect("abZ", 3);
 }
 
-TEST(MemFile, SetLengthExtendsWithZeros) {
-    CMemFile file;
-    write(file, "abc");
-    file.SetLength(5);
-    EXPECT_EQ(textOf(file), std::string("abc\0\0", 5));
-    EXPECT_EQ(file.GetPosition(), 3u);
-    write(file, "d");
-    EXPECT_EQ(textOf(file), std::string("abcd\0", 5));
+TEST_F(MemFile, BytesCutOffDoNotComeBack) {
+    write("abcdef");
+    m_file.SetLength(2);
+    m_file.SetLength(4);
+    expect("ab\0\0"s, 2);
+    m_file.SetLength(2);
+    seek(4);
+    write("x");
+    expect("ab\0\0x"s, 5);
 }
 
-TEST(MemFile, SetLengthCutsAndMovesThePositionToTheEnd) {
-    CMemFile file;
-    write(file, "abcdef");
-    file.SetLength(2);
-    EXPECT_EQ(file.GetPosition(), 2u);
-    EXPECT_EQ(textOf(file), "ab");
-    write(file, "Z");
-    EXPECT_EQ(textOf(file), "abZ");
-}
-
-TEST(MemFile, BytesCutOffDoNotComeBack) {
-    CMemFile file;
-    write(file, "abcdef");
-    file.SetLength(2);
-    file.SetLength(4);
-    EXPECT_EQ(textOf(file), std::string("ab\0\0", 4));
-    file.SetLength(2);
-    file.Seek(4, CFile::begin);
-    write(file, "x");
-    EXPECT_EQ(textOf(file), std::string("ab\0\0x", 5));
-}
-
-TEST(MemFile, GrowsInMultiplesOfItsStep) {
+TEST_F(MemFile, GrowsInMultiplesOfItsStep) {
     WatchedFile file(100);
-    write(file, "a");
+    file.Write("a", 1);
     EXPECT_EQ(file.lastSize, 100u);
     EXPECT_EQ(file.allocs, 1);
     file.SetLength(100);
@@ -184,206 +175,165 @@ TEST(MemFile, GrowsInMultiplesOfItsStep) {
     EXPECT_EQ(file.lastSize, 1100u);
     file.SetLength(2000);
     EXPECT_EQ(file.lastSize, 2000u);
+    WatchedFile ofDefaultStep;
+    ofDefaultStep.Write("a", 1);
+    EXPECT_EQ(ofDefaultStep.lastSize, 1024u);
 }
 
-TEST(MemFile, DefaultStepIsOneKilobyte) {
-    WatchedFile file;
-    write(file, "a");
-    EXPECT_EQ(file.lastSize, 1024u);
+TEST_F(MemFile, SmallStepsDoNotMoveTheBlockEachTime) {
+    for (int i = 0; i < 100000; ++i) write("0123456789");
+    EXPECT_EQ(m_file.GetLength(), 1000000u);
+    EXPECT_LT(m_file.reallocs, 50);
 }
 
-TEST(MemFile, SmallStepsDoNotMoveTheBlockEachTime) {
-    WatchedFile file(16);
-    for (int i = 0; i < 100000; ++i) write(file, "0123456789");
-    EXPECT_EQ(file.GetLength(), 1000000u);
-    EXPECT_LT(file.reallocs, 50);
+TEST_F(MemFile, WithoutMemoryNothingChanges) {
+    write("abc");
+    m_file.full = true;
+    expectNoMemory([&] { m_file.SetLength(17); });
+    expectNoMemory([&] { write("0123456789abcdef"); });
+    expect("abc", 3);
 }
 
-TEST(MemFile, WithoutMemoryNothingChanges) {
-    WatchedFile file(16);
-    write(file, "abc");
-    file.full = true;
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { file.SetLength(17); }));
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { write(file, "0123456789abcdef"); }));
-    EXPECT_EQ(file.GetPosition(), 3u);
-    EXPECT_EQ(textOf(file), "abc");
+TEST_F(MemFile, LengthsBeyondTheAddressSpaceAreRefused) {
+    write("abc");
+    expectNoMemory([&] { m_file.SetLength(UINT64_MAX); });
+    expectNoMemory([&] { m_file.SetLength(ULONGLONG{INT64_MAX} + 1); });
+    seek(INT64_MAX);
+    expectNoMemory([&] { write("x"); });
+    expect("abc", INT64_MAX);
 }
 
-TEST(MemFile, LengthsBeyondTheAddressSpaceAreRefused) {
-    CMemFile file;
-    write(file, "abc");
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { file.SetLength(UINT64_MAX); }));
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { file.SetLength(ULONGLONG{INT64_MAX} + 1); }));
-    file.Seek(INT64_MAX, CFile::begin);
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { write(file, "x"); }));
-    EXPECT_EQ(file.GetPosition(), static_cast<ULONGLONG>(INT64_MAX));
-    EXPECT_EQ(file.GetLength(), 3u);
+TEST_F(MemFile, FreesItsOwnBlockOnceOnCloseOrDestruction) {
+    write("abc");
+    for (int i = 0; i < 2; ++i) {
+        m_file.Close();
+        EXPECT_EQ(m_file.frees, 1);
+        expect("", 0);
+    }
+    write("d");
+    expect("d", 1);
+    m_file.Abort();
+    EXPECT_EQ(m_file.frees, 2);
 }
 
-TEST(MemFile, FreesItsOwnBlockOnceOnCloseOrDestruction) {
-    WatchedFile file(16);
-    write(file, "abc");
-    file.Close();
-    EXPECT_EQ(file.frees, 1);
-    EXPECT_EQ(file.GetLength(), 0u);
-    file.Close();
-    EXPECT_EQ(file.frees, 1);
-    write(file, "d");
-    EXPECT_EQ(textOf(file), "d");
-    file.Abort();
-    EXPECT_EQ(file.frees, 2);
-}
-
-TEST(MemFile, DetachHandsOverTheBlockAndEmptiesTheFile) {
-    WatchedFile file(16);
-    write(file, "abc");
-    BYTE* block = file.Detach();
+TEST_F(MemFile, DetachHandsOverTheBlockAndEmptiesTheFile) {
+    write("abc");
+    BYTE* block = m_file.Detach();
     EXPECT_EQ(std::memcmp(block, "abc", 3), 0);
-    EXPECT_EQ(file.GetLength(), 0u);
-    EXPECT_EQ(file.GetPosition(), 0u);
-    EXPECT_EQ(file.capacity(), 0u);
-    file.Close();
-    EXPECT_EQ(file.frees, 0);
+    expect("", 0);
+    EXPECT_EQ(m_file.capacity(), 0u);
+    m_file.Close();
+    EXPECT_EQ(m_file.frees, 0);
     std::free(block);
 }
 
-TEST(MemFile, AttachedBytesAreTheFile) {
-    BYTE bytes[] = {'a', 'b', 'c', 'd'};
-    CMemFile file(bytes, 4);
-    EXPECT_EQ(file.GetPosition(), 0u);
+TEST_F(MemFile, AttachedBytesAreTheFile) {
+    CMemFile file(m_bytes, 4);
     EXPECT_EQ(file.GetLength(), 4u);
-    EXPECT_EQ(textOf(file), "abcd");
-    write(file, "X");
-    EXPECT_EQ(bytes[0], 'X');
+    m_file.Attach(m_bytes, 4);
+    expect("abcd", 0);
+    write("X");
+    EXPECT_EQ(m_bytes[0], 'X');
 }
 
-TEST(MemFile, AttachedBytesCannotGrow) {
-    BYTE bytes[] = {'a', 'b', 'c', 'd'};
-    CMemFile file(bytes, 4);
-    file.Seek(2, CFile::begin);
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { write(file, "XYZ"); }));
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { file.SetLength(5); }));
-    EXPECT_EQ(file.GetPosition(), 2u);
-    EXPECT_EQ(textOf(file), "abcd");
-    write(file, "XY");
-    EXPECT_EQ(textOf(file), "abXY");
+TEST_F(MemFile, AttachedBytesCannotGrow) {
+    m_file.Attach(m_bytes, 4);
+    seek(2);
+    expectNoMemory([&] { write("XYZ"); });
+    expectNoMemory([&] { m_file.SetLength(5); });
+    expect("abcd", 2);
+    write("XY");
+    expect("abXY", 4);
+    seek(20);
+    expectNoMemory([&] { write("X"); });
+    expect("abXY", 20);
 }
 
-TEST(MemFile, WritingBeyondAttachedBytesIsRefused) {
-    BYTE bytes[] = {'a', 'b', 'c', 'd'};
-    CMemFile file(bytes, 4);
-    file.Seek(20, CFile::begin);
-    EXPECT_TRUE(throwsA<CMemoryException>([&] { write(file, "X"); }));
-    EXPECT_EQ(file.GetPosition(), 20u);
-    EXPECT_EQ(file.GetLength(), 4u);
+TEST_F(MemFile, ShortenedAttachedBytesCanBeFilledAgain) {
+    m_file.Attach(m_bytes, 4);
+    m_file.SetLength(1);
+    seek(3);
+    write("Z");
+    expect("a\0\0Z"s, 4);
 }
 
-TEST(MemFile, ShortenedAttachedBytesCanBeFilledAgain) {
-    BYTE bytes[] = {'a', 'b', 'c', 'd'};
-    CMemFile file(bytes, 4);
-    file.SetLength(1);
-    file.Seek(3, CFile::begin);
-    write(file, "Z");
-    EXPECT_EQ(textOf(file), std::string("a\0\0Z", 4));
-}
-
-TEST(MemFile, AttachedRoomIsEmptyWhenItMayGrow) {
-    BYTE bytes[] = {'a', 'b', 'c', 'd'};
-    CMemFile file(bytes, 4, 16);
+TEST_F(MemFile, AttachedRoomIsEmptyWhenItMayGrow) {
+    CMemFile file(m_bytes, 4, 16);
     EXPECT_EQ(file.GetLength(), 0u);
-    write(file, "XY");
-    EXPECT_EQ(bytes[1], 'Y');
-    EXPECT_EQ(textOf(file), "XY");
+    m_file.Attach(m_bytes, 4, 16);
+    write("XY");
+    EXPECT_EQ(m_bytes[1], 'Y');
+    expect("XY", 2);
 }
 
-TEST(MemFile, AttachedRoomGrowsAndStaysTheCallers) {
-    BYTE* block = newBlock("abcd");
-    WatchedFile file;
-    file.Attach(block, 4, 16);
-    write(file, "0123456789");
-    EXPECT_EQ(file.reallocs, 1);
-    EXPECT_EQ(file.lastSize, 16u);
-    EXPECT_EQ(textOf(file), "0123456789");
-    block = file.Detach();
-    file.Close();
-    EXPECT_EQ(file.frees, 0);
+TEST_F(MemFile, AttachedRoomGrowsAndStaysTheCallers) {
+    m_file.Attach(static_cast<BYTE*>(std::malloc(4)), 4, 16);
+    write("0123456789");
+    EXPECT_EQ(m_file.reallocs, 1);
+    EXPECT_EQ(m_file.lastSize, 16u);
+    expect("0123456789", 10);
+    BYTE* const block = m_file.Detach();
+    m_file.Close();
+    EXPECT_EQ(m_file.frees, 0);
     std::free(block);
 }
 
-TEST(MemFile, AttachReleasesTheFilesOwnBlock) {
-    BYTE bytes[] = {'a', 'b'};
-    WatchedFile file(16);
-    write(file, "0123456789");
-    file.Attach(bytes, 2);
-    EXPECT_EQ(file.frees, 1);
-    EXPECT_EQ(textOf(file), "ab");
-    EXPECT_EQ(file.GetPosition(), 0u);
-    file.Close();
-    EXPECT_EQ(file.frees, 1);
+TEST_F(MemFile, AttachReleasesTheFilesOwnBlock) {
+    write("0123456789");
+    m_file.Attach(m_bytes, 2);
+    expect("ab", 0);
+    m_file.Close();
+    EXPECT_EQ(m_file.frees, 1);
 }
 
-TEST(MemFile, AnOwnBlockAfterAnAttachedOneIsFreed) {
-    BYTE bytes[] = {'a', 'b'};
-    WatchedFile file;
-    file.Attach(bytes, 2, 16);
-    file.Detach();
-    write(file, "c");
-    file.Close();
-    EXPECT_EQ(file.allocs, 1);
-    EXPECT_EQ(file.frees, 1);
+TEST_F(MemFile, AnOwnBlockAfterAnAttachedOneIsFreed) {
+    m_file.Attach(m_bytes, 2, 16);
+    m_file.Detach();
+    write("c");
+    m_file.Close();
+    EXPECT_EQ(m_file.allocs, 1);
+    EXPECT_EQ(m_file.frees, 1);
 }
 
-TEST(MemFile, OffersItsMemoryForReading) {
-    CMemFile file;
-    write(file, "abcdef");
-    file.Seek(1, CFile::begin);
-    void* start = nullptr;
-    void* max = nullptr;
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferCheck), UINT{CFile::bufferDirect});
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, 2, &start, &max), 2u);
-    EXPECT_EQ(std::memcmp(start, "bc", 2), 0);
-    EXPECT_EQ(static_cast<BYTE*>(max) - static_cast<BYTE*>(start), 2);
-    EXPECT_EQ(file.GetPosition(), 3u);
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, UINT(-1), &start, &max), 3u);
-    EXPECT_EQ(std::memcmp(start, "def", 3), 0);
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferRead, UINT(-1), &start, &max), 0u);
-    EXPECT_EQ(start, max);
-    EXPECT_EQ(file.GetPosition(), 6u);
+TEST_F(MemFile, OffersItsMemoryForReading) {
+    const auto expectOffered = [this](UINT asked, const std::string& bytes) {
+        ASSERT_EQ(offered(CFile::bufferRead, asked), bytes.size());
+        EXPECT_EQ(std::string(static_cast<char*>(m_start), static_cast<char*>(m_max)), bytes);
+    };
+    write("abcdef");
+    seek(1);
+    EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCheck), UINT{CFile::bufferDirect});
+    expectOffered(2, "bc");
+    EXPECT_EQ(m_file.GetPosition(), 3u);
+    expectOffered(UINT(-1), "def");
+    expectOffered(UINT(-1), "");
+    expect("abcdef", 6);
 }
 
-TEST(MemFile, OffersItsMemoryForWriting) {
-    CMemFile file;
-    write(file, "ab");
-    void* start = nullptr;
-    void* max = nullptr;
-    EXPECT_GE(file.GetBufferPtr(CFile::bufferWrite, 5000, &start, &max), 5000u);
-    std::memcpy(start, "xyz", 3);
-    EXPECT_EQ(file.GetLength(), 2u);
-    EXPECT_EQ(file.GetPosition(), 2u);
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferCommit, 3), 0u);
-    EXPECT_EQ(file.GetPosition(), 5u);
-    EXPECT_EQ(textOf(file), "abxyz");
+TEST_F(MemFile, OffersItsMemoryForWriting) {
+    write("ab");
+    EXPECT_GE(offered(CFile::bufferWrite, 5000), 5000u);
+    std::memcpy(m_start, "xyz", 3);
+    expect("ab", 2);
+    EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCommit, 3), 0u);
+    expect("abxyz", 5);
 }
 
-TEST(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {
-    BYTE bytes[4] = {};
-    CMemFile file(bytes, 4);
-    file.Seek(1, CFile::begin);
-    void* start = nullptr;
-    void* max = nullptr;
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferWrite, 10, &start, &max), 3u);
-    EXPECT_EQ(start, bytes + 1);
-    file.Seek(9, CFile::begin);
-    EXPECT_EQ(file.GetBufferPtr(CFile::bufferWrite, 10, &start, &max), 0u);
+TEST_F(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {
+    m_file.Attach(m_bytes, 4);
+    seek(1);
+    EXPECT_EQ(offered(CFile::bufferWrite, 10), 3u);
+    EXPECT_EQ(m_start, m_bytes + 1);
+    seek(9);
+    EXPECT_EQ(offered(CFile::bufferWrite, 10), 0u);
 }
 
-TEST(MemFile, ItsExceptionsBearItsName) {
-    CMemFile file;
-    EXPECT_EQ(file.GetFilePath(), _T(""));
-    file.SetFilePath(_T("queue.bin"));
-    EXPECT_EQ(file.GetFilePath(), _T("queue.bin"));
+TEST_F(MemFile, ItsExceptionsBearItsName) {
+    EXPECT_EQ(m_file.GetFilePath(), _T(""));
+    m_file.SetFilePath(_T("queue.bin"));
+    EXPECT_EQ(m_file.GetFilePath(), _T("queue.bin"));
     try {
-        file.Seek(-1, CFile::begin);
+        seek(-1);
         FAIL();
     } catch (CFileException* thrown) {
         EXPECT_EQ(thrown->m_strFileName, _T("queue.bin"));

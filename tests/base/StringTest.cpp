@@ -33,6 +33,23 @@ TEST(String, TakesAGivenNumberOfCharacters) {
     EXPECT_EQ(CString(WCHAR('x'), -2), _T(""));
 }
 
+// The units that one character of the active code page is, which is Latin-1 off Windows.
+std::basic_string<WCHAR> unitsOf(char narrow) {
+    WCHAR wide[4] = {static_cast<unsigned char>(narrow)};
+    int length = 1;
+#ifdef _WIN32
+    length = ::MultiByteToWideChar(CP_ACP, 0, &narrow, 1, wide, 4);
+#endif
+    return {wide, static_cast<size_t>(length)};
+}
+
+TEST(String, ConvertsNarrowCharactersByTheActiveCodePage) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const char narrow = static_cast<char>(byte);
+        EXPECT_EQ(unitsOf(CString(&narrow, 1)), unitsOf(narrow)) << byte;
+    }
+}
+
 TEST(String, CopiesAreIndependent) {
     CString first(_T("one"));
     CString second = first;
@@ -51,21 +68,19 @@ TEST(String, AssignsFromItsOwnCharacters) {
     EXPECT_EQ(text, _T("cdefefcdefef"));
 }
 
-TEST(String, CopiesKeepZeroCharacters) {
+TEST(String, KeepsZeroCharactersOfStringsAndOfGivenLengths) {
     const CString copy = withZero();
-    EXPECT_EQ(unitsOf(copy), unitsOf(withZero()));
     EXPECT_EQ(copy.GetLength(), 4);
     EXPECT_EQ(copy.GetAt(2), 0);
     EXPECT_EQ(copy.GetAt(3), WCHAR('c'));
-}
-
-TEST(String, AppendingAStringKeepsZeroCharacters) {
+    EXPECT_EQ(unitsOf(CString("ab\0c", 4)), unitsOf(copy));
     CString text(_T("x"));
-    text += withZero();
+    text += copy;
     EXPECT_EQ(text.GetLength(), 5);
-    EXPECT_EQ((withZero() + withZero()).GetLength(), 8);
+    EXPECT_EQ((copy + copy).GetLength(), 8);
     text += WCHAR(0);
     EXPECT_EQ(text.GetLength(), 6);
+    EXPECT_EQ(copy.Mid(1).GetLength(), 3);
 }
 
 TEST(String, CharactersEndAtTheirZero) {
@@ -74,30 +89,17 @@ TEST(String, CharactersEndAtTheirZero) {
     EXPECT_EQ(text, _T("xab"));
     EXPECT_EQ(text.GetLength(), 3);
     EXPECT_EQ(CString(withZero().GetString()).GetLength(), 2);
+    EXPECT_EQ(CString("ab\0c").GetLength(), 2);
     EXPECT_EQ((text + withZero().GetString()).GetLength(), 5);
     EXPECT_EQ((withZero().GetString() + text).GetLength(), 5);
 }
 
-TEST(String, NarrowTextOfGivenLengthKeepsZeroCharacters) {
-    const CString text("ab\0c", 4);
-    EXPECT_EQ(unitsOf(text), unitsOf(withZero()));
-    EXPECT_EQ(CString("ab\0c").GetLength(), 2);
-}
-
-TEST(String, AppendingNullAddsNothing) {
-    CString text(_T("x"));
+TEST(String, IsJoinedAndEmptied) {
+    CString text(_T("-"));
+    EXPECT_EQ(_T("a") + text + _T("b"), _T("a-b"));
+    EXPECT_EQ(text + text, _T("--"));
     text += static_cast<LPCWSTR>(nullptr);
-    EXPECT_EQ(text, _T("x"));
-}
-
-TEST(String, ConcatenatesOnBothSides) {
-    const CString middle(_T("-"));
-    EXPECT_EQ(_T("a") + middle + _T("b"), _T("a-b"));
-    EXPECT_EQ(middle + middle, _T("--"));
-}
-
-TEST(String, EmptyRemovesTheText) {
-    CString text(_T("x"));
+    EXPECT_EQ(text, _T("-"));
     text.Empty();
     EXPECT_TRUE(text.IsEmpty());
     EXPECT_EQ(text, _T(""));
@@ -112,36 +114,46 @@ TEST(String, GetAtReadsUpToTheTerminator) {
     EXPECT_TRUE(throwsA<CInvalidArgException>([&] { text.GetAt(-1); }));
 }
 
-TEST(String, CompareOrdersByCodeUnit) {
-    EXPECT_EQ(CString(_T("abc")).Compare(_T("abc")), 0);
-    EXPECT_LT(CString(_T("ab")).Compare(_T("abc")), 0);
-    EXPECT_GT(CString(_T("abc")).Compare(_T("ab")), 0);
-    EXPECT_LT(CString(_T("B")).Compare(_T("a")), 0);
-    EXPECT_GT(CString(_T("\uFFFF")).Compare(_T("\U0001F600")), 0);
+int sign(int number) {
+    return (number > 0) - (number < 0);
 }
 
-TEST(String, CompareEndsAtAZeroCharacter) {
+struct Comparison {
+    LPCWSTR left;
+    LPCWSTR right;
+    int sign;
+    int signNoCase;
+};
+
+TEST(String, ComparesByCodeUnitOrWithAToZFoldedToLowerCase) {
+    const Comparison rows[] = {{_T("abc"), _T("abc"), 0, 0},
+                               {_T("ab"), _T("abc"), -1, -1},
+                               {_T("abc"), _T("ab"), 1, 1},
+                               {_T("B"), _T("a"), -1, 1},
+                               {_T("\uFFFF"), _T("\U0001F600"), 1, 1},
+                               {_T("PaRt"), _T("pArT"), -1, 0},
+                               {_T("_"), _T("A"), 1, -1},
+                               {_T("_"), _T("a"), -1, -1},
+                               {_T("A"), _T("b"), -1, -1},
+                               {_T("Z"), _T("["), -1, 1},
+                               {_T("abC"), _T("AB"), 1, 1},
+                               {_T("AZ"), _T("az"), -1, 0},
+                               {_T("@"), _T("`"), -1, -1},
+                               {_T("["), _T("{"), -1, -1},
+                               {_T("\u00C4"), _T("\u00E4"), -1, -1},
+                               {_T("\u0391"), _T("\u03B1"), -1, -1},
+                               {_T("\u212A"), _T("k"), 1, 1}};
+    for (const Comparison& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        EXPECT_EQ(sign(CString(row.left).Compare(row.right)), row.sign);
+        EXPECT_EQ(sign(CString(row.left).CompareNoCase(row.right)), row.signNoCase);
+    }
+}
+
+TEST(String, ComparisonsEndAtAZeroCharacter) {
     EXPECT_EQ(withZero().Compare(_T("ab")), 0);
     EXPECT_EQ(withZero().CompareNoCase(_T("AB")), 0);
     EXPECT_EQ(withZero(), CString(_T("ab\0d"), 4));
-}
-
-TEST(String, CompareNoCaseFoldsToLowerCase) {
-    EXPECT_EQ(CString(_T("PaRt")).CompareNoCase(_T("pArT")), 0);
-    EXPECT_LT(CString(_T("_")).CompareNoCase(_T("A")), 0);
-    EXPECT_LT(CString(_T("_")).CompareNoCase(_T("a")), 0);
-    EXPECT_LT(CString(_T("A")).CompareNoCase(_T("b")), 0);
-    EXPECT_GT(CString(_T("Z")).CompareNoCase(_T("[")), 0);
-    EXPECT_GT(CString(_T("abC")).CompareNoCase(_T("AB")), 0);
-}
-
-TEST(String, CompareNoCaseFoldsOnlyAToZ) {
-    EXPECT_EQ(CString(_T("AZ")).CompareNoCase(_T("az")), 0);
-    EXPECT_NE(CString(_T("@")).CompareNoCase(_T("`")), 0);
-    EXPECT_NE(CString(_T("[")).CompareNoCase(_T("{")), 0);
-    EXPECT_NE(CString(_T("\u00C4")).CompareNoCase(_T("\u00E4")), 0);
-    EXPECT_NE(CString(_T("\u0391")).CompareNoCase(_T("\u03B1")), 0);
-    EXPECT_NE(CString(_T("\u212A")).CompareNoCase(_T("k")), 0);
 }
 
 TEST(String, OperatorsFollowCompare) {
@@ -159,17 +171,13 @@ TEST(String, FindGivesTheFirstIndexAtOrAfterTheStart) {
     EXPECT_EQ(text.Find(_T("bc"), 2), 4);
     EXPECT_EQ(text.Find(_T("bc"), 5), -1);
     EXPECT_EQ(text.Find(_T("x")), -1);
+    EXPECT_EQ(text.Find(_T("a"), -5), 0);
+    EXPECT_EQ(text.Find(_T("a"), 100), -1);
     EXPECT_EQ(text.Find(WCHAR('c')), 2);
     EXPECT_EQ(text.Find(WCHAR('c'), 3), 5);
     EXPECT_EQ(text.Find(WCHAR('c'), 6), -1);
     EXPECT_EQ(text.Find(WCHAR('x')), -1);
-}
-
-TEST(String, FindTakesAStartBelowZeroAsZero) {
-    const CString text(_T("abc"));
-    EXPECT_EQ(text.Find(_T("a"), -5), 0);
     EXPECT_EQ(text.Find(WCHAR('a'), -5), 0);
-    EXPECT_EQ(text.Find(_T("a"), 100), -1);
 }
 
 TEST(String, ReverseFindGivesTheLastIndex) {
@@ -178,29 +186,27 @@ TEST(String, ReverseFindGivesTheLastIndex) {
     EXPECT_EQ(CString().ReverseFind(WCHAR('/')), -1);
 }
 
-TEST(String, LeftAndRightAreCutToWhatIsThere) {
+TEST(String, PartsAreCutToWhatIsThere) {
     const CString text(_T("abcd"));
-    EXPECT_EQ(text.Left(2), _T("ab"));
-    EXPECT_EQ(text.Left(9), _T("abcd"));
-    EXPECT_EQ(text.Left(0), _T(""));
-    EXPECT_EQ(text.Left(-1), _T(""));
-    EXPECT_EQ(text.Right(2), _T("cd"));
-    EXPECT_EQ(text.Right(9), _T("abcd"));
-    EXPECT_EQ(text.Right(0), _T(""));
-    EXPECT_EQ(text.Right(-1), _T(""));
-}
-
-TEST(String, MidIsCutToWhatIsThere) {
-    const CString text(_T("abcd"));
-    EXPECT_EQ(text.Mid(1), _T("bcd"));
-    EXPECT_EQ(text.Mid(4), _T(""));
-    EXPECT_EQ(text.Mid(9), _T(""));
-    EXPECT_EQ(text.Mid(1, 2), _T("bc"));
-    EXPECT_EQ(text.Mid(2, 9), _T("cd"));
+    const struct {
+        int count;
+        LPCWSTR left;
+        LPCWSTR right;
+        LPCWSTR mid;    // from there to the end
+        LPCWSTR ofMid;  // so many from the second on
+    } rows[] = {{2, _T("ab"), _T("cd"), _T("cd"), _T("bc")},
+                {4, _T("abcd"), _T("abcd"), _T(""), _T("bcd")},
+                {9, _T("abcd"), _T("abcd"), _T(""), _T("bcd")},
+                {0, _T(""), _T(""), _T("abcd"), _T("")},
+                {-1, _T(""), _T(""), _T("abcd"), _T("")}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(text.Left(row.count), row.left) << row.count;
+        EXPECT_EQ(text.Right(row.count), row.right) << row.count;
+        EXPECT_EQ(text.Mid(row.count), row.mid) << row.count;
+        EXPECT_EQ(text.Mid(1, row.count), row.ofMid) << row.count;
+    }
     EXPECT_EQ(text.Mid(9, 1), _T(""));
     EXPECT_EQ(text.Mid(-3, 2), _T("ab"));
-    EXPECT_EQ(text.Mid(1, -1), _T(""));
-    EXPECT_EQ(withZero().Mid(1).GetLength(), 3);
 }
 
 TEST(String, GetBufferKeepsTheTextAndMakesRoom) {
@@ -212,13 +218,9 @@ TEST(String, GetBufferKeepsTheTextAndMakesRoom) {
     buffer[10] = 0;
     text.ReleaseBuffer();
     EXPECT_EQ(text, _T("xxxxxxxxxx"));
-}
-
-TEST(String, GetBufferWithoutLengthGivesTheTextAsItIs) {
-    CString text(_T("abc"));
-    text.GetBuffer()[1] = WCHAR('x');
+    text.GetBuffer()[1] = WCHAR('y');
     text.ReleaseBuffer();
-    EXPECT_EQ(text, _T("axc"));
+    EXPECT_EQ(text, _T("xyxxxxxxxx"));
 }
 
 TEST(String, ReleaseBufferFindsTheEndOrTakesIt) {

@@ -1,6 +1,8 @@
 // Records and a table that show who owns what.
 #pragma once
 
+#include <vector>
+
 #include "QoArraySerial2.h"
 
 // Key 1: number; key 2: group. Counts its living objects and the deleted ones. 8 bytes in an
@@ -9,11 +11,7 @@ class Counted : public QoObject2 {
     DECLARE_SERIAL(Counted)
   public:
     explicit Counted(int number = 0, int group = 0) : m_number(number), m_group(group) { ++alive; }
-    Counted(const Counted& other) : QoObject2() {
-        ++alive;
-        m_number = other.m_number;
-        m_group = other.m_group;
-    }
+    Counted(const Counted& other) : Counted(other.m_number, other.m_group) {}
     Counted& operator=(const Counted&) = delete;
     ~Counted() override {
         --alive;
@@ -58,6 +56,10 @@ class CountedTable : public QoArraySerial2 {
     explicit CountedTable(unsigned long flags = 0) : QoArraySerial2(flags) {
         setSortCriteria(1, true);
         setElementClass(RUNTIME_CLASS(Counted));
+    }
+    // Records of these numbers in this order.
+    explicit CountedTable(const std::vector<int>& numbers) : CountedTable() {
+        for (const int number : numbers) append(new Counted(number));
     }
     Counted* at(INT_PTR index) const { return static_cast<Counted*>(GetAt(index)); }
 };

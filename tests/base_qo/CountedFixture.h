@@ -8,6 +8,9 @@
 
 #include "tests/base_qo/Counted.h"
 
+using Numbers = std::vector<int>;
+using Pairs = std::vector<std::pair<int, int>>;
+
 class CountedFixture : public ::testing::Test {
   protected:
     CountedFixture() {
@@ -20,26 +23,17 @@ class CountedFixture : public ::testing::Test {
         EXPECT_EQ(0, Stranger::alive);
     }
 
-    // Puts records of these numbers at the end of the table.
-    static void appendAll(CountedTable& table, const std::vector<int>& numbers) {
-        for (const int number : numbers) table.append(new Counted(number));
-    }
-
-    static std::vector<int> numbersOf(const CountedTable& table) {
-        std::vector<int> numbers;
-        for (INT_PTR i = 0; i < table.GetSize(); ++i) numbers.push_back(table.at(i)->m_number);
-        return numbers;
-    }
-
     // Number and group of each.
-    static std::vector<std::pair<int, int>> pairsOf(const CountedTable& table) {
-        std::vector<std::pair<int, int>> pairs;
+    static Pairs pairsOf(const CountedTable& table) {
+        Pairs pairs;
         for (INT_PTR i = 0; i < table.GetSize(); ++i) {
             pairs.emplace_back(table.at(i)->m_number, table.at(i)->m_group);
         }
         return pairs;
     }
+    static Numbers numbersOf(const CountedTable& table) {
+        Numbers numbers;
+        for (const auto& [number, group] : pairsOf(table)) numbers.push_back(number);
+        return numbers;
+    }
 };
-
-using Numbers = std::vector<int>;
-using Pairs = std::vector<std::pair<int, int>>;

@@ -21,20 +21,24 @@ class QoArray2Ownership : public CountedFixture {
             m_view.append(m_owned.back().get());
         }
     }
+    // That `table` owns clones of the records of `source`, or shares them with it.
+    static void expectCopies(const CountedTable& source, const CountedTable& table, bool ofOwner) {
+        EXPECT_EQ(ofOwner, table.getDeleteObject());
+        EXPECT_EQ(numbersOf(source), numbersOf(table));
+        EXPECT_EQ(ofOwner, source.at(0) != table.at(0));
+    }
 };
 
 TEST_F(QoArray2Ownership, IsSaidByTheFlagWord) {
     EXPECT_EQ(0x10000ul, kDoNotDelete);
     EXPECT_TRUE(QoArraySerial2().getDeleteObject());
-    EXPECT_TRUE(CountedTable(0).getDeleteObject());
-    EXPECT_TRUE(CountedTable(0x1).getDeleteObject());
-    EXPECT_FALSE(CountedTable(0x10000).getDeleteObject());
-    EXPECT_FALSE(CountedTable(0x10001).getDeleteObject());
+    for (const unsigned long flags : {0x0ul, 0x1ul, 0x10000ul, 0x10001ul}) {
+        EXPECT_EQ(flags < kDoNotDelete, CountedTable(flags).getDeleteObject()) << flags;
+    }
 }
 
 TEST_F(QoArray2Ownership, OwnersDeleteWhatTheyRemove) {
-    CountedTable table;
-    appendAll(table, {1, 2, 3, 4});
+    CountedTable table({1, 2, 3, 4});
     table.RemoveAt(1, 2);
     EXPECT_EQ(2, Counted::deleted);
     EXPECT_EQ((Numbers{1, 4}), numbersOf(table));
@@ -46,10 +50,7 @@ TEST_F(QoArray2Ownership, OwnersDeleteWhatTheyRemove) {
 }
 
 TEST_F(QoArray2Ownership, OwnersDeleteTheRestWhenTheyGo) {
-    {
-        CountedTable table;
-        appendAll(table, {1, 2, 3});
-    }
+    CountedTable({1, 2, 3});
     EXPECT_EQ(3, Counted::deleted);
 }
 
@@ -57,45 +58,30 @@ TEST_F(QoArray2Ownership, OthersDeleteNothing) {
     lend({1, 2, 3, 4});
     m_view.RemoveAt(0, 2);
     m_view.RemoveAll();
-    {
-        CountedTable view(kDoNotDelete);
-        view.append(m_owned[0].get());
-    }
+    CountedTable(kDoNotDelete).append(m_owned[0].get());
     EXPECT_EQ(0, Counted::deleted);
 }
 
 TEST_F(QoArray2Ownership, MayChangeHands) {
-    CountedTable table(kDoNotDelete);
-    appendAll(table, {1, 2});
-    table.setDeleteObject(true);
-    EXPECT_TRUE(table.getDeleteObject());
+    CountedTable table({1, 2});
     table.RemoveAt(0);
     EXPECT_EQ(1, Counted::deleted);
     const std::unique_ptr<Counted> kept(table.at(0));
     table.setDeleteObject(false);
     table.RemoveAll();
     EXPECT_EQ(1, Counted::deleted);
+    table.setDeleteObject(true);
+    EXPECT_TRUE(table.getDeleteObject());
 }
 
-TEST_F(QoArray2Ownership, CopyOfAnOwnerOwnsClones) {
-    CountedTable table;
-    appendAll(table, {3, 1});
-    {
-        CountedTable copy(table);
-        EXPECT_TRUE(copy.getDeleteObject());
-        EXPECT_EQ((Numbers{3, 1}), numbersOf(copy));
-        EXPECT_NE(table.at(0), copy.at(0));
-    }
+TEST_F(QoArray2Ownership, CopyOfAnOwnerOwnsClonesAndThatOfAViewIsAView) {
+    const CountedTable table({3, 1});
+    expectCopies(table, CountedTable(table), true);
     EXPECT_EQ(2, Counted::deleted);
     EXPECT_EQ((Numbers{3, 1}), numbersOf(table));
-}
-
-TEST_F(QoArray2Ownership, CopyOfAViewIsAView) {
     lend({3, 1});
-    const CountedTable copy(m_view);
-    EXPECT_FALSE(copy.getDeleteObject());
-    EXPECT_EQ(m_view.at(0), copy.at(0));
-    EXPECT_EQ(2, Counted::alive);
+    expectCopies(m_view, CountedTable(m_view), false);
+    EXPECT_EQ(2, Counted::deleted);
 }
 
 TEST_F(QoArray2Ownership, CopyTakesTheSortCriteria) {
@@ -113,23 +99,20 @@ TEST_F(QoArray2Ownership, CopyTakesTheSortCriteria) {
 
 TEST_F(QoArray2Ownership, AssignmentReplacesAndKeepsTheFlagOfTheTarget) {
     lend({5, 6});
-    CountedTable owner;
-    appendAll(owner, {1, 2, 3});
+    CountedTable owner({1, 2, 3});
     owner = m_view;
     EXPECT_EQ(3, Counted::deleted);
-    EXPECT_TRUE(owner.getDeleteObject());
-    EXPECT_EQ((Numbers{5, 6}), numbersOf(owner));
-    EXPECT_NE(m_view.at(0), owner.at(0));
-
+    expectCopies(m_view, owner, true);
     CountedTable view(kDoNotDelete);
     view = owner;
-    EXPECT_FALSE(view.getDeleteObject());
-    EXPECT_EQ(owner.at(0), view.at(0));
+    expectCopies(owner, view, false);
+    CountedTable copy;
+    EXPECT_EQ(&copy, &copy.vCopyFrom(owner));
+    expectCopies(owner, copy, true);
 }
 
 TEST_F(QoArray2Ownership, AssignmentToItselfChangesNothing) {
-    CountedTable table;
-    appendAll(table, {1, 2});
+    CountedTable table({1, 2});
     const CountedTable& same = table;
     const Counted* first = table.at(0);
     table = same;
@@ -138,8 +121,7 @@ TEST_F(QoArray2Ownership, AssignmentToItselfChangesNothing) {
 }
 
 TEST_F(QoArray2Ownership, OwnerTakesOverAViewOfItself) {
-    CountedTable owner;
-    appendAll(owner, {1, 2, 3});
+    CountedTable owner({1, 2, 3});
     CountedTable view(kDoNotDelete);
     view.append(owner.at(2));
     view.append(owner.at(0));
@@ -148,52 +130,31 @@ TEST_F(QoArray2Ownership, OwnerTakesOverAViewOfItself) {
     EXPECT_EQ(2, Counted::alive);
 }
 
-TEST_F(QoArray2Ownership, CopyFromIsAssignment) {
-    CountedTable table;
-    appendAll(table, {1, 2});
-    CountedTable copy;
-    EXPECT_EQ(&copy, &copy.vCopyFrom(table));
-    EXPECT_EQ((Numbers{1, 2}), numbersOf(copy));
-    EXPECT_NE(table.at(0), copy.at(0));
-}
-
-TEST_F(QoArray2Ownership, AddFromAppendsClonesToAnOwner) {
-    CountedTable table;
-    CountedTable target;
-    appendAll(table, {4, 2});
-    appendAll(target, {3});
+TEST_F(QoArray2Ownership, AddFromAppendsClonesToAnOwnerAndMaySort) {
+    const CountedTable table({4, 2});
+    CountedTable target(Numbers{3});
     target.addFrom(table);
     EXPECT_EQ((Numbers{3, 4, 2}), numbersOf(target));
     EXPECT_EQ(5, Counted::alive);
     target.addFrom(table, false);
     EXPECT_EQ((Numbers{3, 4, 2, 4, 2}), numbersOf(target));
+    CountedTable sorted(Numbers{3});
+    sorted.addFrom(table, true);
+    EXPECT_EQ((Numbers{2, 3, 4}), numbersOf(sorted));
 }
 
 TEST_F(QoArray2Ownership, AddFromSharesWithAView) {
-    CountedTable table;
-    appendAll(table, {4, 2});
-    CountedTable view(kDoNotDelete);
-    view.addFrom(table);
-    EXPECT_EQ(table.at(0), view.at(0));
-    EXPECT_EQ(table.at(1), view.at(1));
-}
-
-TEST_F(QoArray2Ownership, AddFromMaySort) {
-    CountedTable table;
-    CountedTable target;
-    appendAll(table, {4, 2});
-    appendAll(target, {3});
-    target.addFrom(table, true);
-    EXPECT_EQ((Numbers{2, 3, 4}), numbersOf(target));
+    const CountedTable table({4, 2});
+    m_view.addFrom(table);
+    EXPECT_EQ(table.at(0), m_view.at(0));
+    EXPECT_EQ(table.at(1), m_view.at(1));
 }
 
 TEST_F(QoArray2Ownership, AddFromItselfDoublesEachElement) {
-    CountedTable sorted;
-    appendAll(sorted, {1, 2});
+    CountedTable sorted({1, 2});
     sorted.addFrom(sorted, true);
     EXPECT_EQ((Numbers{1, 1, 2, 2}), numbersOf(sorted));
-    CountedTable unsorted;
-    appendAll(unsorted, {1, 2});
+    CountedTable unsorted({1, 2});
     unsorted.addFrom(unsorted);
     EXPECT_EQ((Numbers{1, 2, 1, 2}), numbersOf(unsorted));
 }
@@ -208,10 +169,8 @@ TEST_F(QoArray2Ownership, NullElementsStayNullInCopies) {
 }
 
 TEST_F(QoArray2Ownership, CopyWithoutMemoryForAnElementChangesNothing) {
-    CountedTable table;
-    CountedTable target;
-    appendAll(table, {1, 2, 3});
-    appendAll(target, {7});
+    const CountedTable table({1, 2, 3});
+    CountedTable target(Numbers{7});
     Counted::clonesLeft = 2;
     EXPECT_THROW(target = table, std::bad_alloc);
     Counted::clonesLeft = 2;

@@ -1,6 +1,7 @@
 #include <QoUi.h>
 #include <QoUiLoadString.h>
 #include <QoUiSwitchResource.h>
+#include <QoWaitCursor.h>
 
 #include <gtest/gtest.h>
 
@@ -10,29 +11,36 @@
 
 namespace {
 
-TEST(QoUi, FindsALoadedModule) {
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"NyBaseDll", L".dll", L""),
-              ::GetModuleHandleW(L"NyBaseDll.dll"));
-    EXPECT_NE(QoUi::getHInstanceModuleRc(L"NyBaseDll", L".dll", L""), nullptr);
+// Two modules that are loaded, and the current one before the test.
+class WithGuests : public ::testing::Test {
+  protected:
+    const LoadedGuest m_first{1};
+    const LoadedGuest m_second{2};
+    const HINSTANCE m_before = AfxGetResourceHandle();
+};
+
+using QoUiModules = WithGuests;
+using QoUi::getHInstanceModuleRc;
+
+TEST_F(QoUiModules, AreFoundWhenTheyAreLoaded) {
+    const HINSTANCE library = ::GetModuleHandleW(L"NyBaseDll.dll");
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(getHInstanceModuleRc(L"NyBaseDll", L".dll", L""), library);
+    EXPECT_EQ(getHInstanceModuleRc(L"NyBaseDll", L".exe", L""), nullptr);
 }
 
-TEST(QoUi, FindsNoModuleThatIsNotLoaded) {
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"guest_module1", L".dll", L""), nullptr);
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"NyBaseDll", L".exe", L""), nullptr);
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"guest_module", L".dll", L"1"), nullptr);
+TEST(QoUi, LoadsNoModule) {
+    EXPECT_EQ(getHInstanceModuleRc(L"guest_module1", L".dll", L""), nullptr);
+    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"1"), nullptr);
 }
 
-TEST(QoUi, PrefersTheVariantForTheLanguage) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"guest_module", L".dll", L"1"), first.handle());
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"guest_module", L".dll", L"2"), second.handle());
+TEST_F(QoUiModules, AreThoseForTheLanguageOrWithoutOne) {
+    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"1"), m_first.handle());
+    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"2"), m_second.handle());
+    EXPECT_EQ(getHInstanceModuleRc(L"guest_module1", L".dll", L"de"), m_first.handle());
 }
 
-TEST(QoUi, FallsBackToTheModuleItself) {
-    const LoadedGuest guest(1);
-    EXPECT_EQ(QoUi::getHInstanceModuleRc(L"guest_module1", L".dll", L"de"), guest.handle());
-}
+using SwitchResource = WithGuests;
 
 class SwitchTo : public QoUiSwitchResource {
   public:
@@ -40,56 +48,41 @@ class SwitchTo : public QoUiSwitchResource {
     using QoUiSwitchResource::setResourceHandle;
 };
 
-TEST(QoUiSwitchResource, SwitchesAndRestores) {
-    const LoadedGuest guest(1);
-    const HINSTANCE before = AfxGetResourceHandle();
+TEST_F(SwitchResource, SwitchesAndRestoresInTheReverseOrder) {
     {
-        const SwitchTo toGuest(guest.handle());
-        EXPECT_EQ(AfxGetResourceHandle(), guest.handle());
-    }
-    EXPECT_EQ(AfxGetResourceHandle(), before);
-}
-
-TEST(QoUiSwitchResource, RestoresInTheReverseOrder) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    const HINSTANCE before = AfxGetResourceHandle();
-    {
-        const SwitchTo outer(first.handle());
+        const SwitchTo outer(m_first.handle());
         {
-            const SwitchTo inner(second.handle());
-            EXPECT_EQ(AfxGetResourceHandle(), second.handle());
+            const SwitchTo inner(m_second.handle());
+            EXPECT_EQ(AfxGetResourceHandle(), m_second.handle());
         }
-        EXPECT_EQ(AfxGetResourceHandle(), first.handle());
+        EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
     }
-    EXPECT_EQ(AfxGetResourceHandle(), before);
+    EXPECT_EQ(AfxGetResourceHandle(), m_before);
 }
 
-TEST(QoUiSwitchResource, SwitchesAgainAndStillRestoresTheFirst) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    const HINSTANCE before = AfxGetResourceHandle();
+TEST_F(SwitchResource, SwitchesAgainAndStillRestoresTheFirst) {
     {
-        SwitchTo guest(first.handle());
-        guest.setResourceHandle(second.handle());
-        EXPECT_EQ(AfxGetResourceHandle(), second.handle());
+        SwitchTo guest(m_first.handle());
+        guest.setResourceHandle(m_second.handle());
+        EXPECT_EQ(AfxGetResourceHandle(), m_second.handle());
     }
-    EXPECT_EQ(AfxGetResourceHandle(), before);
+    EXPECT_EQ(AfxGetResourceHandle(), m_before);
 }
 
-TEST(QoUiSwitchResource, StaysWhereItIsWithoutAHandle) {
-    const LoadedGuest guest(1);
-    const SwitchTo outer(guest.handle());
+TEST_F(SwitchResource, StaysWhereItIsWithoutAHandle) {
+    const SwitchTo outer(m_first.handle());
     SwitchTo inner(nullptr);
-    EXPECT_EQ(AfxGetResourceHandle(), guest.handle());
+    EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
     inner.setResourceHandle(nullptr);
-    EXPECT_EQ(AfxGetResourceHandle(), guest.handle());
+    EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
 }
+
+using LoadString = WithGuests;
 
 class TextOf final : public QoUiLoadString {
   public:
     TextOf(HINSTANCE module, UINT id) : QoUiLoadString(id), m_module(module) {}
-    static void expectSlots() { EXPECT_EQ(slotOf(&TextOf::getResourceHandle), 0u); }
+    static std::size_t slotOfHandle() { return slotOf(&TextOf::getResourceHandle); }
 
   protected:
     HINSTANCE getResourceHandle() const override { return m_module; }
@@ -103,33 +96,41 @@ class CurrentText final : public QoUiLoadString {
     using QoUiLoadString::QoUiLoadString;
 };
 
-TEST(QoUiLoadString, TakesTheTextFromItsModuleAlone) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    EXPECT_EQ(TextOf(first.handle(), IDS_GUESTS).loadString(), L"a guest's 1");
-    EXPECT_EQ(TextOf(second.handle(), IDS_GUESTS).loadString(), L"a guest's 2");
-    EXPECT_EQ(TextOf(second.handle(), IDS_FIRST_GUEST).loadString(), CString());
-}
-
-TEST(QoUiLoadString, IsEmptyWithoutAModule) {
-    const LoadedGuest guest(1);
-    const SwitchTo toGuest(guest.handle());
-    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
+TEST_F(LoadString, TakesTheTextFromItsModuleAlone) {
+    const SwitchTo toGuest(m_first.handle());
+    EXPECT_EQ(TextOf(m_first.handle(), IDS_GUESTS).loadString(), L"a guest's 1");
+    EXPECT_EQ(TextOf(m_second.handle(), IDS_GUESTS).loadString(), L"a guest's 2");
+    EXPECT_EQ(TextOf(m_second.handle(), IDS_FIRST_GUEST).loadString(), CString());
     EXPECT_EQ(TextOf(nullptr, IDS_EVERYWHERE).loadString(), CString());
 }
 
-TEST(QoUiLoadString, TakesTheProgramsTextAtFirst) {
+TEST_F(LoadString, TakesTheCurrentModuleUnlessToldOtherwise) {
     EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of the program");
-}
-
-TEST(QoUiLoadString, TakesTheCurrentModuleUnlessToldOtherwise) {
-    const LoadedGuest guest(1);
-    const SwitchTo toGuest(guest.handle());
+    const SwitchTo toGuest(m_first.handle());
     EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
 }
 
-TEST(QoUiLoadString, HasOneVirtualOperation) {
-    TextOf::expectSlots();
+TEST_F(LoadString, HasOneVirtualOperation) {
+    EXPECT_EQ(TextOf::slotOfHandle(), 0u);
+}
+
+class WaitCursor : public ::testing::Test {
+  protected:
+    ~WaitCursor() override { ::SetCursor(nullptr); }
+
+    const HCURSOR m_wait = ::LoadCursorW(nullptr, IDC_WAIT);
+};
+
+TEST_F(WaitCursor, IsShownAsLongAsItLivesAndThenTheOneBefore) {
+    for (const HCURSOR before : {::LoadCursorW(nullptr, IDC_CROSS), HCURSOR{nullptr}}) {
+        ::SetCursor(before);
+        {
+            const QoWaitCursor outer;
+            { const QoWaitCursor inner; }
+            EXPECT_EQ(m_wait, ::GetCursor());
+        }
+        EXPECT_EQ(before, ::GetCursor());
+    }
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ using NySe::ActionType;
 using NySe::schema2015;
 
 NySeUser anna() {
-    return Sample<NySeUser>::make();
+    return makeSample<NySeUser>();
 }
 
 NySeUser bob() {
@@ -34,47 +34,42 @@ const CString kConnection = _T("Server=a;Db=b");
 const CString kLock = _T("part/42");
 
 NySeMessage saved() {
-    return Sample<NySeMessage>::make();
+    return makeSample<NySeMessage>();
 }
 
 using Write = std::function<void(NySeMemFile&)>;
 struct Request {
     ActionType action;
-    Write write;
+    Write write = [](NySeMemFile&) {};
 };
+
+Write integer(LONG value) {
+    return [=](NySeMemFile& file) { file.writeInteger(value); };
+}
+Write string(const CString& text) {
+    return [=](NySeMemFile& file) { file.writeString(text); };
+}
+template <class Record>
+Write object(const Record& record) {
+    return [=](NySeMemFile& file) { file.writeObject(record); };
+}
+template <class... More>
+Write inTurn(const Write& first, const More&... more) {
+    return [=](NySeMemFile& file) { first(file), (more(file), ...); };
+}
 
 // One of each kind of arguments.
 const std::map<std::string, Request>& requests() {
-    const auto nothing = [](NySeMemFile&) {};
     static const std::map<std::string, Request> all = {
-        {"isAlive", {NySe::actionIsAlive, nothing}},
-        {"openConnection",
-         {NySe::actionOpenConnection, [](auto& file) { file.writeString(kConnection); }}},
-        {"closeConnection",
-         {NySe::actionCloseConnection, [](auto& file) { file.writeInteger(3); }}},
-        {"lock",
-         {NySe::actionLock,
-          [](auto& file) {
-              file.writeString(kLock);
-              file.writeInteger(0x18);
-          }}},
+        {"isAlive", {NySe::actionIsAlive}},
+        {"openConnection", {NySe::actionOpenConnection, string(kConnection)}},
+        {"closeConnection", {NySe::actionCloseConnection, integer(3)}},
+        {"lock", {NySe::actionLock, inTurn(string(kLock), integer(0x18))}},
         {"sendConnectionData",
-         {NySe::actionSendConnectionData,
-          [](auto& file) {
-              file.writeInteger(1);
-              file.writeInteger(2);
-              file.writeObject(saved());
-          }}},
-        {"sendUserData",
-         {NySe::actionSendUserData,
-          [](auto& file) {
-              file.writeObject(anna());
-              file.writeObject(saved());
-          }}},
-        {"sendAllUserData",
-         {NySe::actionSendAllUserData, [](auto& file) { file.writeObject(saved()); }}},
-        {"getPortClient",
-         {NySe::actionGetPortClient, [](auto& file) { file.writeObject(anna()); }}},
+         {NySe::actionSendConnectionData, inTurn(integer(1), integer(2), object(saved()))}},
+        {"sendUserData", {NySe::actionSendUserData, inTurn(object(anna()), object(saved()))}},
+        {"sendAllUserData", {NySe::actionSendAllUserData, object(saved())}},
+        {"getPortClient", {NySe::actionGetPortClient, object(anna())}},
     };
     return all;
 }
@@ -141,45 +136,41 @@ TEST(GoldenMessages, UserOfARequestIsReadBack) {
     EXPECT_EQ(3, user->getSoftType());
 }
 
-std::string replyBytes(const Write& write) {
+// Expects that a reply is written as the golden bytes of that name.
+void expectReply(const std::string& name, const Write& write) {
     NySeMemFile file;
     file.startWrite(schema2015);
     write(file);
     file.stopWriting();
-    return toHex(contentsOf(file));
+    EXPECT_EQ(toHex(golden(name).bytes), toHex(contentsOf(file)));
+}
+
+// The same of a reply with a record, which is then read from them.
+template <class Record>
+std::unique_ptr<Record> readBack(const std::string& name, const Record& record) {
+    expectReply(name, [&](auto& file) { file.writeObject(record); });
+    return Received(name, NySe::kLengthBytes).readRecord<Record>();
 }
 
 TEST(GoldenMessages, UsersReply) {
     NySeUserPtrArray users;
     users.add(bob().clone());
     users.add(anna().clone());
-    EXPECT_EQ(toHex(golden("reply-users").bytes),
-              replyBytes([&](auto& file) { file.writeObject(users); }));
-    const auto read = Received("reply-users", NySe::kLengthBytes).readRecord<NySeUserPtrArray>();
+    const auto read = readBack("reply-users", users);
     ASSERT_EQ(2, read->GetSize());
     EXPECT_EQ(CString("bob"), read->GetAt(1)->getStrUserName());
 }
 
 TEST(GoldenMessages, UserReply) {
-    EXPECT_EQ(toHex(golden("reply-user").bytes),
-              replyBytes([](auto& file) { file.writeObject(anna()); }));
-    const auto read = Received("reply-user", NySe::kLengthBytes).readRecord<NySeUser>();
-    EXPECT_EQ(40123, read->getPort());
+    EXPECT_EQ(40123, readBack("reply-user", anna())->getPort());
 }
 
 TEST(GoldenMessages, LocksReply) {
     NySeLockArray locks;
-    NySeUser nine;
-    nine.setSessionNumber(9);
-    locks.addLock(_T("part/42"), anna(), 24);
-    auto* holder = new NySeSessionLock;
-    holder->setSessionNumber(1);
-    holder->setLockState(1);
-    locks.GetAt(0)->getHolders().add(holder);
-    locks.addLock(_T("Part/43"), nine, 16);
-    EXPECT_EQ(toHex(golden("reply-locks").bytes),
-              replyBytes([&](auto& file) { file.writeObject(locks); }));
-    const auto read = Received("reply-locks", NySe::kLengthBytes).readRecord<NySeLockArray>();
+    locks.addLock(kLock, anna(), 24);
+    locks.GetAt(0)->getHolders().add(makeSessionLock(1, 1).clone());
+    locks.addLock(_T("Part/43"), makeUser(CString(), 9), 16);
+    const auto read = readBack("reply-locks", locks);
     ASSERT_EQ(2, read->GetSize());
     EXPECT_EQ(7, read->GetAt(0)->getHolders().GetAt(1)->getSessionNumber());
 }
@@ -189,40 +180,29 @@ TEST(GoldenMessages, ConnectionsReply) {
     for (const WCHAR name : {'A', 'B', 'C', 'D', 'E', 'A', 'C'})
         table.openConnection(CString(name));
     for (const LONG id : {4, 3, 1}) table.closeConnection(id);
-    EXPECT_EQ(toHex(golden("reply-connections").bytes),
-              replyBytes([&](auto& file) { file.writeObject(table); }));
-    const auto read =
-        Received("reply-connections", NySe::kLengthBytes).readRecord<NySeConnectionArray>();
-    EXPECT_EQ(1, read->openConnection(_T("x")));
+    EXPECT_EQ(1, readBack("reply-connections", table)->openConnection(_T("x")));
+}
+
+TEST(GoldenMessages, StringReplyAndTheEmptyOne) {
+    const CString text = _T("00-1a-2b-3c-4d-5e");
+    expectReply("reply-string", [&](auto& file) { file.writeString(text); });
+    CString read;
+    Received("reply-string", NySe::kLengthBytes).archive() >> read;
+    EXPECT_EQ(text, read);
+    expectReply("reply-empty", [](auto&) {});
 }
 
 TEST(GoldenMessages, NotificationWithMessage) {
-    NySeMemFile file;
-    file.startWriteAction(NySe::actionFirstNotification, schema2015);
-    file.writeObject(saved());
-    file.stopWriting();
-    EXPECT_EQ(toHex(golden("notification-50-with-message").bytes), toHex(contentsOf(file)));
-    const auto read = Received("notification-50-with-message", NySe::kActionHeaderBytes)
-                          .readRecord<NySeMessage>();
+    const std::string name = "notification-50-with-message";
+    const auto write = [](auto& file) { file.writeObject(saved()); };
+    EXPECT_EQ(toHex(golden(name).bytes), messageBytes({NySe::actionFirstNotification, write}));
+    const auto read = Received(name, NySe::kActionHeaderBytes).readRecord<NySeMessage>();
     EXPECT_EQ(CString("saved"), read->getStrMessage());
 }
 
 TEST(GoldenMessages, NoReplyOrNotificationIsLeftOut) {
     EXPECT_EQ(6u, goldenNamed("reply-").size());
     EXPECT_EQ(1u, goldenNamed("notification-").size());
-}
-
-TEST(GoldenMessages, StringReply) {
-    const CString text = _T("00-1a-2b-3c-4d-5e");
-    EXPECT_EQ(toHex(golden("reply-string").bytes),
-              replyBytes([&](auto& file) { file.writeString(text); }));
-    CString read;
-    Received("reply-string", NySe::kLengthBytes).archive() >> read;
-    EXPECT_EQ(text, read);
-}
-
-TEST(GoldenMessages, EmptyReply) {
-    EXPECT_EQ(toHex(golden("reply-empty").bytes), replyBytes([](auto&) {}));
 }
 
 }  // namespace

@@ -5,9 +5,39 @@
 #include <memory>
 
 #include "NyServer/records/NySeUser.h"
-#include "tests/framing/FailingRecord.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/Thrown.h"
+
+enum class Failure { archive, file, memory };
+
+// Writes one integer, 7, and throws.
+static void fail(CArchive& ar, Failure failure) {
+    ar << 7;
+    if (failure == Failure::archive) AfxThrowArchiveException(CArchiveException::genericException);
+    if (failure == Failure::file) AfxThrowFileException(CFileException::diskFull);
+    AfxThrowMemoryException();
+}
+
+// A record and a user that cannot be archived.
+class FailingRecord : public CObject {
+    DECLARE_SERIAL(FailingRecord)
+  public:
+    explicit FailingRecord(Failure failure = Failure::archive) : m_failure(failure) {}
+    void Serialize(CArchive& ar) override { fail(ar, m_failure); }
+
+  private:
+    Failure m_failure;
+};
+IMPLEMENT_SERIAL(FailingRecord, CObject, 1)
+
+class FailingUser : public NySeUser {
+  public:
+    explicit FailingUser(Failure failure) : m_failure(failure) {}
+    void Serialize(CArchive& ar) override { fail(ar, m_failure); }
+
+  private:
+    Failure m_failure;
+};
 
 namespace {
 
@@ -18,6 +48,9 @@ using NySe::schema2015;
 using NySe::SchemaType;
 
 constexpr ActionType kSome = NySe::actionLock;
+
+constexpr char kUserHead[] = "FFFF DF07 0800 'NySeUser'";
+constexpr char kUserStart[] = "FFFFFFFF FFFEFF00 FFFEFF00 FFFEFF00 FFFFFFFF";
 
 class MemFile : public ::testing::Test {
   protected:
@@ -33,10 +66,25 @@ class MemFile : public ::testing::Test {
         m_file.Write(content.data(), static_cast<UINT>(content.size()));
         m_file.SeekToBegin();
     }
+    // As any record, and not as a user with a schema of its own.
+    void writeAnyObject(const CObject& object) { m_file.writeObject(object); }
+    void expectStarted(ActionType action, unsigned schema, ULONGLONG length) {
+        EXPECT_EQ(action, m_file.getActionType());
+        EXPECT_EQ(schema, static_cast<unsigned>(m_file.getSchemaType()));
+        EXPECT_EQ(length, m_file.getLength());
+        EXPECT_EQ(length, m_file.GetPosition());
+        ASSERT_NE(nullptr, m_file.getArchive());
+        EXPECT_TRUE(m_file.getArchive()->IsStoring());
+        EXPECT_EQ(0x80000000u | schema, m_file.getArchive()->GetObjectSchema());
+    }
+    // Ends the message, and expects these bytes and the position.
+    void expectWritten(const std::string& content, ULONGLONG position = 0) {
+        m_file.stopWriting();
+        EXPECT_EQ(hex(content), bytes());
+        EXPECT_EQ(position, m_file.GetPosition());
+        EXPECT_EQ(nullptr, m_file.getArchive());
+    }
 };
-
-constexpr char kUserHead[] = "FFFF DF07 0800 'NySeUser'";
-constexpr char kUserStart[] = "FFFFFFFF FFFEFF00 FFFEFF00 FFFEFF00 FFFFFFFF";
 
 TEST_F(MemFile, StartsEmptyWithoutAction) {
     EXPECT_EQ(noAction, m_file.getActionType());
@@ -45,6 +93,7 @@ TEST_F(MemFile, StartsEmptyWithoutAction) {
     EXPECT_EQ(nullptr, m_file.getArchive());
     EXPECT_EQ(0u, m_file.getLength());
     EXPECT_EQ(nullptr, m_file.getBuffer());
+    EXPECT_EQ(static_cast<CMemFile*>(&m_file), &m_file.getMemFile());
 }
 
 TEST_F(MemFile, GrowsInStepsOf1024) {
@@ -57,80 +106,40 @@ TEST_F(MemFile, GrowsInStepsOf1024) {
     EXPECT_EQ(1024u, file.room());
 }
 
-TEST_F(MemFile, IsItsOwnBase) {
-    EXPECT_EQ(static_cast<CMemFile*>(&m_file), &m_file.getMemFile());
-}
-
 TEST_F(MemFile, MessageWithActionStartsBehindEightBytes) {
     m_file.startWriteAction(kSome, schema2015);
-    EXPECT_EQ(kSome, m_file.getActionType());
-    EXPECT_EQ(schema2015, m_file.getSchemaType());
-    EXPECT_EQ(8u, m_file.getLength());
-    EXPECT_EQ(8u, m_file.GetPosition());
-    ASSERT_NE(nullptr, m_file.getArchive());
-    EXPECT_TRUE(m_file.getArchive()->IsStoring());
-    EXPECT_EQ(0x800007DFu, m_file.getArchive()->GetObjectSchema());
+    expectStarted(kSome, 2015, 8);
+    m_file.writeInteger(-2);
+    expectWritten("0B000000 04000000 FEFFFFFF");
 }
 
 TEST_F(MemFile, MessageWithoutActionStartsBehindFourBytesAndKeepsTheAction) {
     m_file.setActionType(kSome);
     m_file.startWrite(static_cast<SchemaType>(2014));
-    EXPECT_EQ(kSome, m_file.getActionType());
-    EXPECT_EQ(2014u, static_cast<unsigned>(m_file.getSchemaType()));
-    EXPECT_EQ(4u, m_file.getLength());
-    EXPECT_EQ(4u, m_file.GetPosition());
-    EXPECT_EQ(0x800007DEu, m_file.getArchive()->GetObjectSchema());
-}
-
-TEST_F(MemFile, StoppingFillsInActionAndLength) {
-    m_file.startWriteAction(kSome, schema2015);
-    m_file.writeInteger(-2);
-    m_file.stopWriting();
-    EXPECT_EQ(hex("0B000000 04000000 FEFFFFFF"), bytes());
-    EXPECT_EQ(0u, m_file.GetPosition());
-    EXPECT_EQ(nullptr, m_file.getArchive());
-}
-
-TEST_F(MemFile, StoppingWithoutActionFillsInTheLength) {
-    m_file.setActionType(kSome);
-    m_file.startWrite(schema2015);
+    expectStarted(kSome, 2014, 4);
     m_file.writeString(_T("A"));
-    m_file.stopWriting();
-    EXPECT_EQ(hex("06000000 FFFEFF 01 4100"), bytes());
-    EXPECT_EQ(0u, m_file.GetPosition());
+    expectWritten("06000000 FFFEFF 01 4100");
+    m_file.startWrite(schema2015);
+    expectWritten("00000000");
 }
 
 TEST_F(MemFile, ActionAloneIsEightBytes) {
     m_file.writeAction(NySe::actionGetAllUser, schema2015);
-    EXPECT_EQ(hex("46000000 00000000"), bytes());
     EXPECT_EQ(schema2015, m_file.getSchemaType());
-    EXPECT_EQ(nullptr, m_file.getArchive());
+    expectWritten("46000000 00000000");
 }
 
 TEST_F(MemFile, NoActionLeavesTheHeaderUnwrittenAndThePositionAtTheEnd) {
     m_file.startWriteAction(noAction, schema2015);
     m_file.writeInteger(7);
-    m_file.stopWriting();
-    EXPECT_EQ(12u, m_file.getLength());
-    EXPECT_EQ(12u, m_file.GetPosition());
-    EXPECT_EQ(hex("00000000 00000000 07000000"), bytes());
-    EXPECT_EQ(nullptr, m_file.getArchive());
+    expectWritten("00000000 00000000 07000000", 12);
 }
 
 TEST_F(MemFile, OtherNegativeActionsFillTheirHeaderIn) {
-    for (const LONG action : {-2, INT32_MIN}) {
-        m_file.writeAction(static_cast<ActionType>(action), schema2015);
-        LONG written = 0;
-        EXPECT_EQ(0u, m_file.GetPosition());
-        m_file.Read(&written, sizeof written);
-        EXPECT_EQ(action, written);
-    }
-}
-
-TEST_F(MemFile, EmptyMessageWithoutActionIsFourZeroBytes) {
-    m_file.startWrite(schema2015);
-    m_file.stopWriting();
-    EXPECT_EQ(hex("00000000"), bytes());
+    m_file.writeAction(static_cast<ActionType>(-2), schema2015);
+    expectWritten("FEFFFFFF 00000000");
+    m_file.writeAction(static_cast<ActionType>(INT32_MIN), schema2015);
+    expectWritten("00000080 00000000");
 }
 
 TEST_F(MemFile, NewMessageReplacesTheOldOne) {
@@ -142,24 +151,17 @@ TEST_F(MemFile, NewMessageReplacesTheOldOne) {
     m_file.writeInteger(2);
     m_file.startWrite(schema2015);  // with an archive still open
     m_file.writeInteger(3);
-    m_file.stopWriting();
-    EXPECT_EQ(hex("04000000 03000000"), bytes());
+    expectWritten("04000000 03000000");
 }
 
-TEST_F(MemFile, StoppingTwiceIsStoppingOnce) {
+TEST_F(MemFile, StoppingTwiceIsStoppingOnceAndWithoutStartingNothing) {
+    m_file.stopReading();
+    expectWritten("");
     m_file.startWriteAction(kSome, schema2015);
     m_file.stopWriting();
     m_file.setActionType(NySe::actionUnLock);
     m_file.Seek(5, CFile::begin);
-    m_file.stopWriting();
-    EXPECT_EQ(hex("0B000000 00000000"), bytes());
-    EXPECT_EQ(5u, m_file.GetPosition());
-}
-
-TEST_F(MemFile, StoppingWithoutStartingDoesNothing) {
-    m_file.stopWriting();
-    m_file.stopReading();
-    EXPECT_EQ(0u, m_file.getLength());
+    expectWritten("0B000000 00000000", 5);
 }
 
 TEST_F(MemFile, SettersTouchNeitherBytesNorArchive) {
@@ -170,35 +172,33 @@ TEST_F(MemFile, SettersTouchNeitherBytesNorArchive) {
     EXPECT_EQ(archive, m_file.getArchive());
     EXPECT_EQ(0x800007DFu, archive->GetObjectSchema());
     EXPECT_EQ(8u, m_file.getLength());
-    m_file.stopWriting();
-    EXPECT_EQ(hex("0C000000 00000000"), bytes());
+    expectWritten("0C000000 00000000");
     m_file.setActionType(kSome);
     EXPECT_EQ(hex("0C000000 00000000"), bytes());
 }
 
 TEST_F(MemFile, LongMessagesComeOutWhole) {
     m_file.startWriteAction(kSome, schema2015);
-    for (LONG i = 0; i < 5000; ++i) m_file.writeInteger(i);
-    m_file.stopWriting();
-    ASSERT_EQ(20008u, m_file.getLength());
-    const Bytes content = contentsOf(m_file);
-    EXPECT_EQ(hex("0B000000 204E0000 00000000"),
-              toHex(Bytes(content.begin(), content.begin() + 12)));
-    EXPECT_EQ(hex("87130000"), toHex(Bytes(content.end() - 4, content.end())));
+    std::string content = "0B000000 204E0000";
+    for (LONG i = 0; i < 5000; ++i) {
+        m_file.writeInteger(i);
+        content += toHex({static_cast<BYTE>(i), static_cast<BYTE>(i >> 8), 0, 0});
+    }
+    expectWritten(content);
 }
 
 TEST_F(MemFile, NothingIsWrittenWithoutAStoringArchive) {
-    m_file.writeInteger(1);
-    m_file.writeString(_T("A"));
-    m_file.writeObject(static_cast<const CObject&>(user(2015)));
-    m_file.writeObject(user(2015));
+    const auto writeAll = [this] {
+        m_file.writeInteger(1);
+        m_file.writeString(_T("A"));
+        writeAnyObject(user(2015));
+        m_file.writeObject(user(2015));
+    };
+    writeAll();
     EXPECT_EQ(0u, m_file.getLength());
     fill(fromHex("01020304"));
     m_file.startReading();
-    m_file.writeInteger(1);
-    m_file.writeString(_T("A"));
-    m_file.writeObject(static_cast<const CObject&>(user(2015)));
-    m_file.writeObject(user(2015));
+    writeAll();
     m_file.stopReading();
     EXPECT_EQ(hex("01020304"), bytes());
 }
@@ -228,61 +228,40 @@ TEST_F(MemFile, ObjectsAreTaggedAndFollowTheMessagesSchema) {
     const NySeUser one = user(2015);
     const NySeUser other = user(1);
     m_file.startWrite(static_cast<SchemaType>(2014));
-    m_file.writeObject(static_cast<const CObject&>(one));
-    m_file.writeObject(static_cast<const CObject&>(other));
-    m_file.stopWriting();
-    EXPECT_EQ(hex(std::string("40000000") + kUserHead + kUserStart + "DF070000" + "0180" +
-                  kUserStart + "01000000"),
-              bytes());
+    writeAnyObject(one);
+    writeAnyObject(other);
+    expectWritten(std::string("40000000") + kUserHead + kUserStart + "DF070000" + "0180" +
+                  kUserStart + "01000000");
 }
 
 TEST_F(MemFile, UsersFollowTheirOwnSchema) {
     m_file.startWriteAction(kSome, schema2015);
     m_file.writeObject(user(2014));
     m_file.writeObject(user(2015));
-    m_file.stopWriting();
-    EXPECT_EQ(hex(std::string("0B000000 50000000") + kUserHead + kUserStart + "DE070000" +
-                  kUserHead + kUserStart + "DF070000 00000000"),
-              bytes());
+    m_file.writeInteger(9);
+    expectWritten(std::string("0B000000 54000000") + kUserHead + kUserStart + "DE070000" +
+                  kUserHead + kUserStart + "DF070000 00000000 09000000");
 }
 
 TEST_F(MemFile, UsersShareNoTagsWithTheRestOfTheMessage) {
     const NySeUser one = user(2015);
     m_file.startWrite(schema2015);
-    m_file.writeObject(static_cast<const CObject&>(one));
+    writeAnyObject(one);
     m_file.writeObject(one);
-    m_file.writeObject(static_cast<const CObject&>(one));
-    m_file.stopWriting();
+    writeAnyObject(one);
     const std::string full = std::string(kUserHead) + kUserStart + "DF070000 00000000";
-    EXPECT_EQ(hex("56000000" + full + full + "0200"), bytes());
+    expectWritten("56000000" + full + full + "0200");
 }
 
-TEST_F(MemFile, UserAndObjectMayFollowInOneMessage) {
-    m_file.startWriteAction(kSome, schema2015);
-    m_file.writeObject(user(2015));
-    m_file.writeInteger(9);
-    m_file.stopWriting();
-    const Bytes content = contentsOf(m_file);
-    EXPECT_EQ(hex("09000000"), toHex(Bytes(content.end() - 4, content.end())));
-}
-
-TEST_F(MemFile, ArchiveErrorsLeaveATruncatedObject) {
+TEST_F(MemFile, ArchiveErrorsLeaveATruncatedObjectOrUser) {
     for (const Failure failure : {Failure::archive, Failure::file}) {
         m_file.startWrite(schema2015);
         m_file.writeObject(FailingRecord(failure));
         m_file.writeInteger(1);
-        m_file.stopWriting();
-        EXPECT_EQ(hex("1B000000 FFFF 0100 0D00 'FailingRecord' 07000000 01000000"), bytes());
-    }
-}
-
-TEST_F(MemFile, ArchiveErrorsLeaveATruncatedUser) {
-    for (const Failure failure : {Failure::archive, Failure::file}) {
-        m_file.startWrite(schema2015);
         m_file.writeObject(FailingUser(failure));
-        m_file.writeInteger(1);
-        m_file.stopWriting();
-        EXPECT_EQ(hex(std::string("16000000") + kUserHead + "07000000 01000000"), bytes());
+        m_file.writeInteger(2);
+        expectWritten(std::string("31000000 FFFF 0100 0D00 'FailingRecord' 07000000 01000000") +
+                      kUserHead + "07000000 02000000");
     }
 }
 
@@ -297,36 +276,21 @@ TEST_F(MemFile, OtherErrorsPass) {
 
 TEST_F(MemFile, TakesTheContentOfAnotherFile) {
     CMemFile source;
-    source.Write("abc", 3);
     m_file.startWriteAction(kSome, schema2015);
+    EXPECT_TRUE(m_file.writeMemfile(source));  // of an empty one nothing
+    source.Write("abc", 3);
     EXPECT_TRUE(m_file.writeMemfile(source));
-    m_file.writeInteger(1);
-    m_file.stopWriting();
-    EXPECT_EQ(hex("0B000000 07000000 'abc' 01000000"), bytes());
-    EXPECT_EQ(0u, source.GetLength());
-    EXPECT_EQ(nullptr, source.Detach());
-}
-
-TEST_F(MemFile, TakesTheContentAtOnceAndNotThroughItsArchive) {
-    CMemFile source;
-    source.Write("abc", 3);
-    m_file.startWriteAction(kSome, schema2015);
-    m_file.writeMemfile(source);
+    // At once and not through the archive.
     EXPECT_EQ(11u, m_file.getLength());
     EXPECT_EQ(11u, m_file.GetPosition());
-    m_file.stopWriting();
+    EXPECT_EQ(0u, source.GetLength());
+    EXPECT_EQ(nullptr, source.Detach());
+    m_file.writeInteger(1);
+    expectWritten("0B000000 07000000 'abc' 01000000");
     source.Write("de", 2);
     m_file.Seek(8, CFile::begin);
     EXPECT_TRUE(m_file.writeMemfile(source));  // with no archive open
-    EXPECT_EQ(hex("0B000000 03000000 'dec'"), bytes());
-}
-
-TEST_F(MemFile, TakesNothingFromAnEmptyFile) {
-    CMemFile source;
-    m_file.startWriteAction(kSome, schema2015);
-    EXPECT_TRUE(m_file.writeMemfile(source));
-    m_file.stopWriting();
-    EXPECT_EQ(hex("0B000000 00000000"), bytes());
+    EXPECT_EQ(hex("0B000000 07000000 'dec' 01000000"), bytes());
 }
 
 TEST_F(MemFile, BufferIsTheMessageAndStaysTheFiles) {
@@ -336,11 +300,7 @@ TEST_F(MemFile, BufferIsTheMessageAndStaysTheFiles) {
     EXPECT_EQ(8u, m_file.getLength());
     EXPECT_EQ(hex("0B000000 00000000"), bytes());
     EXPECT_EQ(buffer, m_file.getBuffer());
-}
-
-TEST_F(MemFile, CannotGrowOnceTheBufferWasHandedOut) {
-    m_file.writeAction(kSome, schema2015);
-    m_file.getBuffer();
+    // It cannot grow any more.
     m_file.Seek(8, CFile::begin);
     EXPECT_TRUE(throwsA<CMemoryException>([&] { m_file.Write("a", 1); }));
     EXPECT_EQ(8u, m_file.getLength());

@@ -20,19 +20,13 @@ std::string wrapped(NySe::ActionType action, std::string_view content) {
     NySeMemFile message;
     NySe::wrapNotification(message, action, body);
     EXPECT_EQ(0u, body.GetLength());
+    EXPECT_EQ(NySe::schema2015, message.getSchemaType());
     return toHex(contentsOf(message));
 }
 
-TEST(NotificationBytes, IsWrappedWithItsActionAndLength) {
+TEST(NotificationBytes, IsWrappedWithItsActionAndLengthUnderTheCurrentSchema) {
     EXPECT_EQ(hex("32000000 02000000 'ab'"), wrapped(NySe::actionFirstNotification, "'ab'"));
     EXPECT_EQ(hex("3A000000 00000000"), wrapped(NySe::actionLastNotification, ""));
-}
-
-TEST(NotificationBytes, IsWrappedUnderTheCurrentSchema) {
-    CMemFile body;
-    NySeMemFile message;
-    NySe::wrapNotification(message, NySe::actionFirstNotification, body);
-    EXPECT_EQ(NySe::schema2015, message.getSchemaType());
 }
 
 TEST(NotificationBytes, IsFoundWithItsPayload) {
@@ -46,14 +40,11 @@ TEST(NotificationBytes, PayloadEndsWhereTheBytesDo) {
     EXPECT_EQ("50: ", found("32000000 FFFFFFFF 'ab'"));
 }
 
-TEST(NotificationBytes, OtherActionsAreNone) {
-    EXPECT_EQ("-1: ", found("31000000 02000000 'ab'"));
-    EXPECT_EQ("-1: ", found("3B000000 02000000 'ab'"));
-}
-
-TEST(NotificationBytes, LessThanAHeaderIsNone) {
-    EXPECT_EQ("-1: ", found("32000000 000000"));
-    EXPECT_EQ("-1: ", found(""));
+TEST(NotificationBytes, OtherActionsAndLessThanAHeaderAreNone) {
+    for (const char* bytes :
+         {"31000000 02000000 'ab'", "3B000000 02000000 'ab'", "32000000 000000", ""}) {
+        EXPECT_EQ("-1: ", found(bytes)) << bytes;
+    }
 }
 
 }  // namespace

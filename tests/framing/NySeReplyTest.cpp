@@ -32,11 +32,11 @@ class ReplyReaders : public ::testing::Test {
     auto reader() {
         return [this](char* buffer, int length, int wait) { return read(buffer, length, wait); };
     }
-    bool receiveMessage(std::string_view bytes) {
+    void expectMessage(bool isWhole, std::string_view bytes, std::string_view received) {
         m_bytes = fromHex(bytes);
-        return NySe::receiveMessage(m_file, reader());
+        EXPECT_EQ(isWhole, NySe::receiveMessage(m_file, reader()));
+        EXPECT_EQ(hex(received), toHex(contentsOf(m_file)));
     }
-    std::string received() { return toHex(contentsOf(m_file)); }
 };
 
 TEST_F(ReplyReaders, ScalarIsAllOfOneRead) {
@@ -57,49 +57,48 @@ TEST_F(ReplyReaders, ScalarInTwoPartsIsMissing) {
 }
 
 TEST_F(ReplyReaders, MessageIsItsLengthAndThatManyBytes) {
-    EXPECT_TRUE(receiveMessage("03000000 'abc' 'd'"));
-    EXPECT_EQ(hex("'abc'"), received());
+    expectMessage(true, "03000000 'abc' 'd'", "'abc'");
     EXPECT_EQ((std::vector<int>{15, 30}), m_timeOuts);
     EXPECT_EQ(0u, m_file.GetPosition());
 }
 
 TEST_F(ReplyReaders, MessageMayComeInParts) {
     m_atOnce = 4;
-    EXPECT_TRUE(receiveMessage("06000000 'abcdef'"));
-    EXPECT_EQ(hex("'abcdef'"), received());
+    expectMessage(true, "06000000 'abcdef'", "'abcdef'");
     EXPECT_EQ((std::vector<int>{15, 30, 30}), m_timeOuts);
 }
 
 TEST_F(ReplyReaders, MessageThatStopsEarlyKeepsWhatCame) {
-    EXPECT_FALSE(receiveMessage("09000000 'abc'"));
-    EXPECT_EQ(hex("'abc'"), received());
+    expectMessage(false, "09000000 'abc'", "'abc'");
 }
 
 TEST_F(ReplyReaders, LengthOfZeroOrLessIsAnEmptyMessage) {
-    EXPECT_TRUE(receiveMessage("00000000 'abc'"));
-    EXPECT_TRUE(receiveMessage("FDFFFFFF 'abc'"));
-    EXPECT_EQ("", received());
+    expectMessage(true, "00000000 'abc'", "");
+    expectMessage(true, "FDFFFFFF 'abc'", "");
     EXPECT_EQ(hex("'abc'"), toHex(m_bytes));
 }
 
 TEST_F(ReplyReaders, WithoutALengthThereIsNoMessage) {
-    EXPECT_FALSE(receiveMessage("0300"));
-    EXPECT_EQ("", received());
+    expectMessage(false, "0300", "");
 }
 
 // A peer may announce two gigabytes and send one byte.
 TEST_F(ReplyReaders, IsAskedForInStepsWhateverIsAnnounced) {
-    EXPECT_FALSE(receiveMessage("FFFFFF7F 'a'"));
-    EXPECT_EQ(hex("'a'"), received());
+    expectMessage(false, "FFFFFF7F 'a'", "'a'");
     EXPECT_LE(m_mostAsked, 2 * NySe::kReceiveStep);
+}
+
+template <class File>
+void fillFile(File& file, std::string_view bytes) {
+    const Bytes content = fromHex(bytes);
+    file.Write(content.data(), static_cast<UINT>(content.size()));
+    file.SeekToBegin();
 }
 
 // The class name of the object that is read where any class will do.
 std::string anyRecordIn(std::string_view bytes) {
-    const Bytes content = fromHex(bytes);
     CMemFile reply;
-    reply.Write(content.data(), static_cast<UINT>(content.size()));
-    reply.SeekToBegin();
+    fillFile(reply, bytes);
     const std::unique_ptr<CObject> object(NySe::readReplyObject(reply, nullptr));
     return object ? object->GetRuntimeClass()->m_lpszClassName : "none";
 }
@@ -124,17 +123,13 @@ TEST(ReplyObject, IsNoArrayOfTheClassLibrary) {
 }
 
 TEST(ReplyObject, IsNoneWithoutAClass) {
-    EXPECT_EQ("none", anyRecordIn("0000"));
-    EXPECT_EQ("none", anyRecordIn("0180"));
-    EXPECT_EQ("none", anyRecordIn(""));
+    for (const char* bytes : {"0000", "0180", ""}) EXPECT_EQ("none", anyRecordIn(bytes));
 }
 
 TEST(ReplyString, LeavesTheReplyWithoutAnArchive) {
     for (const char* content : {"FFFEFF 01 6100", "FFFEFF"}) {
         NySeMemFile reply;
-        const Bytes bytes = fromHex(content);
-        reply.Write(bytes.data(), static_cast<UINT>(bytes.size()));
-        reply.SeekToBegin();
+        fillFile(reply, content);
         CString text;
         NySe::readReplyString(reply, text);
         EXPECT_EQ(nullptr, reply.getArchive());

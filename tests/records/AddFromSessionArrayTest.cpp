@@ -1,8 +1,7 @@
 // The users of a lock, found by their sessions.
 #include <gtest/gtest.h>
 
-#include "NyServer/records/NySeSessionLockPtrArray.h"
-#include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/records/RecordSamples.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
 
@@ -11,74 +10,54 @@ namespace {
 class UsersOfSessions : public ::testing::Test {
   protected:
     NySeUserPtrArray m_users;
-    NySeSessionLockPtrArray m_sessions;
     NySeUserPtrArray m_found{QoArraySerial2::kDoNotDelete};
 
     void SetUp() override {
-        addUser(_T("carl"), 1);
-        addUser(_T("Anna"), 2);
-        addUser(_T("bob"), 3);
+        m_users.add(makeUser(_T("carl"), 1).clone());
+        m_users.add(makeUser(_T("Anna"), 2).clone());
+        m_users.add(makeUser(_T("bob"), 3).clone());
     }
-    void addUser(const CString& name, LONG session) {
-        auto* user = new NySeUser;
-        user->setStrUserName(name);
-        user->setSessionNumber(session);
-        m_users.add(user);
+    // The sessions of all users found so far.
+    Sessions found(const Sessions& sessions) {
+        NySeSessionLockPtrArray locks;
+        for (const LONG session : sessions) locks.append(makeSessionLock(session, 0).clone());
+        m_found.addFromSessionArray(m_users, locks);
+        return sessionsOf(m_found);
     }
-    void addSessions(const std::vector<LONG>& numbers) {
-        for (const LONG number : numbers) {
-            auto* session = new NySeSessionLock;
-            session->setSessionNumber(number);
-            m_sessions.append(session);
-        }
-    }
-    std::vector<LONG> found() {
-        m_found.addFromSessionArray(m_users, m_sessions);
-        std::vector<LONG> numbers;
-        for (INT_PTR i = 0; i < m_found.GetSize(); ++i) {
-            numbers.push_back(m_found.GetAt(i)->getSessionNumber());
-        }
-        return numbers;
+    void readBack(NySeUserPtrArray& target) {
+        Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
+        target.Serialize(loading.ar);
     }
 };
 
-TEST_F(UsersOfSessions, AreSortedByName) {
-    addSessions({1, 3, 2});
-    EXPECT_EQ((std::vector<LONG>{2, 3, 1}), found());
+TEST_F(UsersOfSessions, AreSortedByNameAndJoinThoseAlreadyThere) {
+    EXPECT_EQ((Sessions{3, 1}), found({1, 3}));
+    EXPECT_EQ((Sessions{2, 3, 1}), found({2}));
 }
 
 TEST_F(UsersOfSessions, AreTheVeryUsers) {
-    addSessions({3});
-    found();
+    found({3});
     EXPECT_EQ(m_users.findBySessionNumber(3), m_found.GetAt(0));
 }
 
 TEST_F(UsersOfSessions, LackThoseWithoutAUser) {
-    addSessions({9, 3, -1});
-    EXPECT_EQ((std::vector<LONG>{3}), found());
-}
-
-TEST_F(UsersOfSessions, AreNoneForNoSessions) {
-    EXPECT_EQ((std::vector<LONG>{}), found());
+    EXPECT_EQ((Sessions{}), found({}));
+    EXPECT_EQ((Sessions{3}), found({9, 3, -1}));
 }
 
 TEST_F(UsersOfSessions, AppearOncePerSessionLock) {
-    addSessions({3, 3});
-    EXPECT_EQ((std::vector<LONG>{3, 3}), found());
+    EXPECT_EQ((Sessions{3, 3}), found({3, 3}));
 }
 
 // As the answer to isLockBy: the second is written as a reference.
 TEST_F(UsersOfSessions, ArriveOncePerSessionLock) {
-    addSessions({3, 1, 3, 3, 2, 1});
-    found();
+    const Sessions sent = found({3, 1, 3, 3, 2, 1});
     NySeUserPtrArray owning;
     NySeUserPtrArray view(QoArraySerial2::kDoNotDelete);
     for (NySeUserPtrArray* read : {&owning, &view}) {
-        Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
-        read->Serialize(loading.ar);
-        ASSERT_EQ(6, read->GetSize());
+        readBack(*read);
+        ASSERT_EQ(sent, sessionsOf(*read));
         for (INT_PTR i = 0; i < 6; ++i) {
-            EXPECT_EQ(m_found.GetAt(i)->getSessionNumber(), read->GetAt(i)->getSessionNumber());
             EXPECT_EQ(m_found.GetAt(i)->getStrUserName(), read->GetAt(i)->getStrUserName());
         }
     }
@@ -86,20 +65,10 @@ TEST_F(UsersOfSessions, ArriveOncePerSessionLock) {
 }
 
 TEST_F(UsersOfSessions, OfOneSessionMayBeSixteenOfOne) {
-    for (int i = 0; i < 16; ++i) addSessions({2});
-    found();
-    Loading loading(stored([this](CArchive& ar) { m_found.Serialize(ar); }));
+    found(Sessions(16, 2));
     NySeUserPtrArray read;
-    read.Serialize(loading.ar);
+    readBack(read);
     EXPECT_EQ(16, read.GetSize());
-}
-
-TEST_F(UsersOfSessions, JoinThoseAlreadyThere) {
-    addSessions({1});
-    found();
-    m_sessions.RemoveAll();
-    addSessions({2});
-    EXPECT_EQ((std::vector<LONG>{2, 1}), found());
 }
 
 }  // namespace

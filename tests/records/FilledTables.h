@@ -1,12 +1,9 @@
 // One table of each class, each with a hundred records, and what its finders must find there.
 #pragma once
 
-#include <memory>
 #include <string>
 
-#include "NyServer/records/NySeConnectionArray.h"
-#include "NyServer/records/NySeLockArray.h"
-#include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/records/RecordSamples.h"
 
 class FilledTables {
   public:
@@ -14,11 +11,9 @@ class FilledTables {
 
     FilledTables() {
         for (int i = 0; i < kRecords; ++i) {
-            auto user = std::make_unique<NySeUser>();
-            user->setStrUserName(nameOf(i));
-            user->setSessionNumber(i);
-            m_locks.addLock(nameOf(i), *user, kExclusive);
-            m_users.append(user.release());
+            const NySeUser user = makeUser(nameOf(i), i);
+            m_locks.addLock(nameOf(i), user, kExclusive);
+            m_users.append(user.clone());
             m_connections.openConnection(nameOf(i));
             m_names[i] = nameOf(i);
         }
@@ -44,8 +39,7 @@ class FilledTables {
         return m_locks.lookForLockName(m_names[i]) == i && m_locks.lookForLockName(m_missing) == -1;
     }
     bool findsSession(int i) const {
-        NySeSessionLock probe;
-        probe.setSessionNumber(i);
+        const NySeSessionLock probe = makeSessionLock(i, 0);
         const NySeSessionLockPtrArray& holders = m_locks.GetAt(i)->getHolders();
         return holders.lookFor(&probe, 1) == 0 && holders.find(&probe, 1) == holders.GetAt(0);
     }

@@ -68,9 +68,9 @@ class Finders : public ::testing::Test {
     using Record = typename KIND::Record;
 
     void append(const CString& text) {
-        auto record = std::make_unique<Record>();
-        KIND::name(*record, text);
-        m_table.append(record.release());
+        Record record;
+        KIND::name(record, text);
+        m_table.append(record.clone());
     }
     INT_PTR find(const CString& text) const { return findIn(m_table, text); }
     INT_PTR byProbe(const CString& text) const {
@@ -90,22 +90,18 @@ CString text(const char* characters) {
 }
 
 // Around the number of characters that are compared at once, and with what looks like another
-// letter case but is none: @ and `, [ and {, and the same beyond ASCII.
+// letter case but is none: @ and `, [ and {, and the same beyond ASCII; and with a zero character.
 std::vector<CString> awkwardTexts() {
+    const CString zero(static_cast<WCHAR>(0), 1);
+    std::vector<CString> ends = {zero + text("x"), zero + text("yz"),
+                                 zero + text("tail that is long")};
+    for (const int accent : {0xC4, 0xE4, 0x100, 0x120}) {
+        ends.push_back(CString(static_cast<WCHAR>(accent)));
+    }
+    for (const char* end : {"", "@", "`", "[", "{", "Z", "z", "1", "!"}) ends.push_back(text(end));
     std::vector<CString> all;
-    const CString accents[] = {CString(static_cast<WCHAR>(0xC4)), CString(static_cast<WCHAR>(0xE4)),
-                               CString(static_cast<WCHAR>(0x100)),
-                               CString(static_cast<WCHAR>(0x120))};
     for (const char* start : {"", "a", "ab", "abc", "abcd", "ABCD", "abcde", "a longer start "}) {
-        for (const char* end : {"", "@", "`", "[", "{", "Z", "z", "1", "!"}) {
-            all.push_back(text(start) + text(end));
-        }
-        for (const CString& accent : accents) all.push_back(text(start) + accent);
-        for (const char* tail : {"x", "yz", "tail that is long"}) {
-            CString split = text(start);
-            split += static_cast<WCHAR>(0);
-            all.push_back(split + text(tail));
-        }
+        for (const CString& end : ends) all.push_back(text(start) + end);
     }
     return all;
 }
@@ -128,6 +124,7 @@ TYPED_TEST(Finders, CompareUpToAZeroCharacter) {
 }
 
 TYPED_TEST(Finders, FindTheFirstOfEqualNames) {
+    EXPECT_EQ(-1, this->find(text("")));
     for (const char* one : {"other", "Name it", "NAME IT", "name it"}) this->append(text(one));
     EXPECT_EQ(1, this->find(text("name IT")));
 }

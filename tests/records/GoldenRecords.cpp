@@ -17,12 +17,6 @@ CString text(const json& value, const char* name) {
     return fromUtf8(value.value(name, std::string()));
 }
 
-std::vector<int> units(const CString& text) {
-    std::vector<int> all;
-    for (int i = 0; i < text.GetLength(); ++i) all.push_back(text.GetAt(i));
-    return all;
-}
-
 void fillIn(NySeUser& user, const json& value) {
     user.setPort(value.value("port", -1));
     user.setStrHostName(text(value, "host"));
@@ -33,65 +27,42 @@ void fillIn(NySeUser& user, const json& value) {
     user.setSoftType(value.value("soft_type", 0));
 }
 
-json show(const NySeUser& user) {
-    return {{"port", user.getPort()},
-            {"host", units(user.getStrHostName())},
-            {"user", units(user.getStrUserName())},
-            {"computer", units(user.getStrComputerName())},
-            {"session", user.getSessionNumber()},
-            {"schema", user.getSchema()},
-            {"soft_type", user.getSoftType()}};
-}
-
 void fillIn(NySeConnection& connection, const json& value) {
     connection.setStrConnection(text(value, "connection"));
     connection.setId(value.value("id", 0));
     connection.setRefCount(value.value("ref_count", 0));
-}
-json show(const NySeConnection& connection) {
-    return {{"connection", units(connection.getStrConnection())},
-            {"id", connection.getId()},
-            {"ref_count", connection.getRefCount()}};
 }
 
 void fillIn(NySeSessionLock& lock, const json& value) {
     lock.setSessionNumber(value.value("session", 0));
     lock.setLockState(value.value("state", 0u));
 }
-json show(const NySeSessionLock& lock) {
-    return {{"session", lock.getSessionNumber()}, {"state", lock.getLockState()}};
-}
 void fillIn(NySeMessage& message, const json& value) {
     message.setStrMessage(text(value, "message"));
 }
-json show(const NySeMessage& message) {
-    return {{"message", units(message.getStrMessage())}};
-}
 
-void fillIn(NySeLock& lock, const json& value);
-json show(const NySeLock& lock);
+void fillIn(NySeLock& lock, const json& value);  // with its holders
 
-template <class Table, class Record>
-void fillTable(Table& table, const json& values) {
+template <class Record>
+void fillTable(QoArraySerial2& table, const json& values) {
     for (const json& value : values) {
         auto record = std::make_unique<Record>();
         fillIn(*record, value);
         table.append(record.release());
     }
 }
-
-template <class Table>
-json showTable(const Table& table) {
-    json values = json::array();
-    for (INT_PTR i = 0; i < table.GetSize(); ++i) values.push_back(show(*table.GetAt(i)));
-    return values;
+void fillIn(NySeUserPtrArray& table, const json& values) {
+    fillTable<NySeUser>(table, values);
 }
-
-void fillIn(NySeUserPtrArray& users, const json& values) {
-    fillTable<NySeUserPtrArray, NySeUser>(users, values);
+void fillIn(NySeSessionLockPtrArray& table, const json& values) {
+    fillTable<NySeSessionLock>(table, values);
 }
-json show(const NySeUserPtrArray& users) {
-    return showTable(users);
+void fillIn(NySeLockArray& table, const json& values) {
+    fillTable<NySeLock>(table, values);
+}
+void fillIn(NySeLock& lock, const json& value) {
+    lock.setStrLockName(text(value, "name"));
+    fillIn(lock.getHolders(), value.value("holders", json::array()));
 }
 
 // The last id and the free ids have no accessors: they are what opening and closing leaves.
@@ -104,52 +75,19 @@ void fillIn(NySeConnectionArray& table, const json& value) {
         fillIn(*table.findById(entry.at("id").get<LONG>()), entry);
     }
 }
-json show(const NySeConnectionArray& table) {
-    return showTable(table);
+
+template <class Class>
+bool fillIf(CObject& object, const json& value) {
+    const bool isOne = object.GetRuntimeClass() == RUNTIME_CLASS(Class);
+    if (isOne) fillIn(static_cast<Class&>(object), value);
+    return isOne;
 }
 
-void fillIn(NySeSessionLockPtrArray& table, const json& values) {
-    fillTable<NySeSessionLockPtrArray, NySeSessionLock>(table, values);
-}
-json show(const NySeSessionLockPtrArray& table) {
-    return showTable(table);
-}
-
-void fillIn(NySeLock& lock, const json& value) {
-    lock.setStrLockName(text(value, "name"));
-    fillIn(lock.getHolders(), value.value("holders", json::array()));
-}
-json show(const NySeLock& lock) {
-    return {{"name", units(lock.getStrLockName())}, {"holders", show(lock.getHolders())}};
-}
-void fillIn(NySeLockArray& table, const json& values) {
-    fillTable<NySeLockArray, NySeLock>(table, values);
-}
-json show(const NySeLockArray& table) {
-    return showTable(table);
-}
-
-// Calls `action` with the object as what it is.
 template <class... Classes>
-struct Among {
-    template <class Object, class Action>
-    static void visit(Object& object, Action action) {
-        const bool known = (visitIf<Classes>(object, action) || ...);
-        if (!known) throw std::out_of_range(object.GetRuntimeClass()->m_lpszClassName);
-    }
-
-  private:
-    template <class Class, class Object, class Action>
-    static bool visitIf(Object& object, Action& action) {
-        if (object.GetRuntimeClass() != RUNTIME_CLASS(Class)) return false;
-        using Wanted = std::conditional_t<std::is_const_v<Object>, const Class, Class>;
-        action(static_cast<Wanted&>(object));
-        return true;
-    }
-};
-
-using Known = Among<NySeUser, NySeUserPtrArray, NySeConnection, NySeConnectionArray,
-                    NySeSessionLock, NySeSessionLockPtrArray, NySeLock, NySeLockArray, NySeMessage>;
+void fillAny(CObject& object, const json& value) {
+    const bool isKnown = (fillIf<Classes>(object, value) || ...);
+    if (!isKnown) throw std::out_of_range(object.GetRuntimeClass()->m_lpszClassName);
+}
 
 std::unique_ptr<CObject> makeEmpty(const Golden& vector) {
     return std::unique_ptr<CObject>(
@@ -165,14 +103,9 @@ void setSchema(const Golden& vector, CArchive& ar) {
 
 std::unique_ptr<CObject> makeGolden(const Golden& vector) {
     std::unique_ptr<CObject> record = makeEmpty(vector);
-    Known::visit(*record, [&](auto& known) { fillIn(known, vector.value); });
+    fillAny<NySeUser, NySeUserPtrArray, NySeConnection, NySeConnectionArray, NySeSessionLock,
+            NySeSessionLockPtrArray, NySeLock, NySeLockArray, NySeMessage>(*record, vector.value);
     return record;
-}
-
-json fieldsOf(const CObject& record) {
-    json fields;
-    Known::visit(record, [&](const auto& known) { fields = show(known); });
-    return fields;
 }
 
 Bytes storeAs(const Golden& vector, CObject& record) {

@@ -1,4 +1,4 @@
-// The records of the golden bytes, made from their values and shown as such values.
+// The records of the golden bytes, made from their values.
 #pragma once
 
 #include <afx.h>
@@ -10,9 +10,6 @@
 
 // A record or table of the vector's class with the vector's value.
 std::unique_ptr<CObject> makeGolden(const Golden& vector);
-
-// Its fields under the names of the golden file, defaults included.
-nlohmann::json fieldsOf(const CObject& record);
 
 // As it is archived in the vector's form.
 Bytes storeAs(const Golden& vector, CObject& record);

@@ -29,50 +29,54 @@ Bytes headOf(const CRuntimeClass* description) {
     return head + Bytes(name.begin(), name.end());
 }
 
-// The cause with which reading an object of the class ends, -1 for none.
-template <class Record>
-int readObject(const Bytes& bytes) {
-    Loading loading(bytes);
-    return archiveCause([&] {
-        const std::unique_ptr<CObject> object(loading.ar.ReadObject(RUNTIME_CLASS(Record)));
-    });
-}
+constexpr int kFine = -1;
+constexpr int kBadClass = CArchiveException::badClass;
+constexpr int kBadIndex = CArchiveException::badIndex;
 
+// Reads an object of the class; `expected` is the cause with which that ends, -1 for none.
 template <class Record>
-int readObject(const std::string& text) {
-    return readObject<Record>(fromHex(text));
+void expectCause(int expected, const Bytes& bytes) {
+    Loading loading(bytes);
+    EXPECT_EQ(expected, archiveCause([&] {
+                  std::unique_ptr<CObject>(loading.ar.ReadObject(RUNTIME_CLASS(Record)));
+              }))
+        << toHex(bytes);
+}
+template <class Record>
+void expectCause(int expected, const std::string& text) {
+    expectCause<Record>(expected, fromHex(text));
+}
+void expectOfUsers(int expected, const std::string& elements) {
+    expectCause<NySeUserPtrArray>(expected, kUsersHead + elements);
+}
+void expectOfHolders(int expected, const std::string& elements) {
+    expectCause<NySeLock>(expected, kLock + "FFFEFF00" + elements);
 }
 
 TEST(HostileRecords, EveryByteOfTheHeadHasItsAnswerWhenItIsInverted) {
-    const Bytes whole = golden("user-plain-object").bytes;
-    using E = CArchiveException;
-    const int kFine = -1;
-    const int answers[] = {E::badIndex, E::badIndex,  // the tag
-                           kFine,       kFine,        // the schema: any is read
-                           E::badIndex, E::badIndex,  // the length of the name
-                           E::badClass, E::badClass, E::badClass, E::badClass,
-                           E::badClass, E::badClass, E::badClass, E::badClass};
+    const int answers[] = {kBadIndex, kBadIndex,  // the tag
+                           kFine,     kFine,      // the schema: any is read
+                           kBadIndex, kBadIndex,  // the length of the name
+                           kBadClass, kBadClass, kBadClass, kBadClass,
+                           kBadClass, kBadClass, kBadClass, kBadClass};
     for (size_t i = 0; i < std::size(answers); ++i) {
-        Bytes bytes = whole;
+        Bytes bytes = golden("user-plain-object").bytes;
         bytes[i] = static_cast<unsigned char>(~bytes[i]);
-        EXPECT_EQ(answers[i], readObject<NySeUser>(bytes)) << "byte " << i;
+        expectCause<NySeUser>(answers[i], bytes);
     }
 }
 
 TEST(HostileRecords, ARecordIsNotTakenForAnother) {
-    EXPECT_EQ(CArchiveException::badClass, readObject<NySeUserPtrArray>(kUser));
-    EXPECT_EQ(CArchiveException::badClass, readObject<NySeUser>(kUsersHead + "0000"));
-    EXPECT_EQ(CArchiveException::badClass, readObject<NySeUser>("FFFF 0000 0800 'CObArray' 0000"));
+    expectCause<NySeUserPtrArray>(kBadClass, kUser);
+    expectCause<NySeUser>(kBadClass, kUsersHead + "0000");
+    expectCause<NySeUser>(kBadClass, "FFFF 0000 0800 'CObArray' 0000");
 }
 
 TEST(HostileRecords, ATableTakesOnlyItsOwnRecords) {
-    EXPECT_EQ(-1, readObject<NySeUserPtrArray>(kUsersHead + "0100" + kUser));
-    EXPECT_EQ(CArchiveException::badClass,
-              readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + "0000"));
-    EXPECT_EQ(CArchiveException::badClass,
-              readObject<NySeUserPtrArray>(kUsersHead + "0100 0180 0000"));
-    EXPECT_EQ(CArchiveException::badClass,
-              readObject<NySeUserPtrArray>(kUsersHead + "0100 FFFF 0000 0800 'CObArray' 0000"));
+    expectOfUsers(kFine, "0100" + kUser);
+    expectOfUsers(kBadClass, "0200" + kUser + "0000");
+    expectOfUsers(kBadClass, "0100 0180 0000");
+    expectOfUsers(kBadClass, "0100 FFFF 0000 0800 'CObArray' 0000");
 }
 
 template <class Table, class Record>
@@ -89,11 +93,10 @@ void expectOnly() {
     const Bytes one = headOf(RUNTIME_CLASS(Table)) + fromHex("0100");
     const Bytes zeros(64, 0);
     for (const CRuntimeClass* other : others) {
-        const int expected = other == RUNTIME_CLASS(Record) ? -1 : CArchiveException::badClass;
-        EXPECT_EQ(expected, readObject<Table>(one + headOf(other) + zeros))
-            << other->m_lpszClassName;
+        const int expected = other == RUNTIME_CLASS(Record) ? kFine : kBadClass;
+        expectCause<Table>(expected, one + headOf(other) + zeros);
     }
-    EXPECT_EQ(CArchiveException::badClass, readObject<Table>(one + zeros));
+    expectCause<Table>(kBadClass, one + zeros);
 }
 
 TEST(HostileRecords, EachTableTakesNoOthersRecordsNorTables) {
@@ -104,57 +107,49 @@ TEST(HostileRecords, EachTableTakesNoOthersRecordsNorTables) {
 }
 
 TEST(HostileRecords, ALockTakesOnlySessionLocksAsHolders) {
-    EXPECT_EQ(-1, readObject<NySeLock>(kLock + "FFFEFF00 0100" + kHolder));
-    EXPECT_EQ(CArchiveException::badClass, readObject<NySeLock>(kLock + "FFFEFF00 0100" + kUser));
-    EXPECT_EQ(CArchiveException::badClass, readObject<NySeLock>(kLock + "FFFEFF00 0100 0000"));
-    EXPECT_EQ(CArchiveException::badClass,
-              readObject<NySeLock>(kLock + "FFFEFF00 0100 0180 FFFEFF00 0000"));
-    EXPECT_EQ(CArchiveException::badIndex, readObject<NySeLock>(kLock + "FFFEFF00 0100 0200"));
+    expectOfHolders(kFine, "0100" + kHolder);
+    expectOfHolders(kBadClass, "0100" + kUser);
+    expectOfHolders(kBadClass, "0100 0000");
+    expectOfHolders(kBadClass, "0100 0180 FFFEFF00 0000");
+    expectOfHolders(kBadIndex, "0100 0200");
 }
 
 TEST(HostileRecords, NoTwoLocksShareAHolder) {
-    EXPECT_EQ(CArchiveException::badIndex,
-              readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0100" + kHolder +
-                                        "0380 FFFEFF00 0100 0600"));
+    expectCause<NySeLockArray>(kBadIndex, kLocksHead + "0200" + kLock + "FFFEFF00 0100" + kHolder +
+                                              "0380 FFFEFF00 0100 0600");
 }
 
 // A clone of a lock lacks its holders.
 TEST(HostileRecords, ATableTakesNoHeldLockTwice) {
-    EXPECT_EQ(CArchiveException::badIndex,
-              readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0100" + kHolder +
-                                        "0400"));
-    EXPECT_EQ(-1, readObject<NySeLockArray>(kLocksHead + "0200" + kLock + "FFFEFF00 0000 0400"));
+    const std::string lock = kLocksHead + "0200" + kLock + "FFFEFF00";
+    expectCause<NySeLockArray>(kBadIndex, lock + "0100" + kHolder + "0400");
+    expectCause<NySeLockArray>(kFine, lock + "0000 0400");
 }
 
 TEST(HostileRecords, ATableTakesNothingTwiceButItsOwnRecords) {
-    EXPECT_EQ(-1, readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + "0400"));
+    expectOfUsers(kFine, "0200" + kUser + "0400");
     for (const char* other : {"0100", "0200", "0300", "0500"}) {
-        EXPECT_EQ(CArchiveException::badIndex,
-                  readObject<NySeUserPtrArray>(kUsersHead + "0200" + kUser + other))
-            << other;
+        expectOfUsers(kBadIndex, "0200" + kUser + other);
     }
-    EXPECT_EQ(CArchiveException::badIndex, readObject<NySeUserPtrArray>(kUsersHead + "0100 0200"));
-    EXPECT_EQ(CArchiveException::badIndex, readObject<NySeUserPtrArray>(kUsersHead + "0100 0100"));
+    expectOfUsers(kBadIndex, "0100 0200");
+    expectOfUsers(kBadIndex, "0100 0100");
 }
 
 TEST(HostileRecords, ATableTakesNoRecordOfAnotherTable) {
     Loading loading(fromHex(kUsersHead + "0100" + kUser + "0180 0100 0400"));
     const std::unique_ptr<CObject> first(loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)));
-    EXPECT_EQ(CArchiveException::badIndex,
+    EXPECT_EQ(kBadIndex,
               archiveCause([&] { loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)); }));
 }
 
 TEST(HostileRecords, CountsBeyondTheDataEndTooEarly) {
     for (const char* count : {"0200", "FEFF", "FFFF 02000000", "FFFF FFFFFFFF"}) {
-        EXPECT_EQ(CArchiveException::endOfFile,
-                  readObject<NySeUserPtrArray>(kUsersHead + count + kUser))
-            << count;
+        expectOfUsers(CArchiveException::endOfFile, count + kUser);
     }
 }
 
 TEST(HostileRecords, LongFormsOfCountAndTagsAreRead) {
-    EXPECT_EQ(-1, readObject<NySeUserPtrArray>(kUsersHead + "FFFF 02000000" + kUser +
-                                               "FF7F 03000080" + kUserFields));
+    expectOfUsers(kFine, "FFFF 02000000" + kUser + "FF7F 03000080" + kUserFields);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <memory>
 #include <random>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
@@ -18,21 +20,38 @@ class ConnectionTable : public ::testing::Test {
     NySeConnectionArray m_table;
 
     LONG open(const char* text) { return m_table.openConnection(CString(text)); }
+    // The ids of the texts, one character each.
+    std::vector<LONG> openAll(const std::string& texts) {
+        std::vector<LONG> ids;
+        for (const char text : texts) ids.push_back(open(std::string(1, text).c_str()));
+        return ids;
+    }
     bool close(LONG id) { return m_table.closeConnection(id); }
     LONG countOf(LONG id) const { return m_table.findById(id)->getRefCount(); }
     Bytes bytes() {
         return stored([&](CArchive& ar) { m_table.Serialize(ar); });
     }
-    void load(const Bytes& content) {
+    // The cause with which reading these bytes into the table ends, -1 for none.
+    static int load(NySeConnectionArray& table, const Bytes& content) {
         Loading loading(content);
-        m_table.Serialize(loading.ar);
+        return archiveCause([&] { table.Serialize(loading.ar); });
+    }
+    void load(std::string_view content) { ASSERT_EQ(-1, load(m_table, fromHex(content))); }
+    // Calls `check` after each part of the table's bytes was read into `target`.
+    template <class Check>
+    void readEachPart(const Bytes& whole, NySeConnectionArray& target, Check check) {
+        for (size_t length = 0; length < whole.size(); ++length) {
+            const Bytes part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+            EXPECT_EQ(CArchiveException::endOfFile, load(target, part)) << length;
+            check();
+        }
     }
 };
 
+using Ids = std::vector<LONG>;
+
 TEST_F(ConnectionTable, GivesIdsFromZeroAndCountsReopenings) {
-    EXPECT_EQ(0, open("A"));
-    EXPECT_EQ(1, open("B"));
-    EXPECT_EQ(0, open("a"));
+    EXPECT_EQ((Ids{0, 1, 0}), openAll("ABa"));
     EXPECT_EQ(2, m_table.GetSize());
     EXPECT_EQ(2, countOf(0));
     EXPECT_EQ(1, countOf(1));
@@ -40,24 +59,19 @@ TEST_F(ConnectionTable, GivesIdsFromZeroAndCountsReopenings) {
 }
 
 TEST_F(ConnectionTable, LastCloseFreesTheIdForTheNextConnection) {
-    open("A");
-    open("B");
-    open("a");
+    openAll("ABa");
     EXPECT_FALSE(close(0));
     EXPECT_EQ(1, countOf(0));
     EXPECT_TRUE(close(0));
     EXPECT_EQ(nullptr, m_table.findById(0));
-    EXPECT_EQ(0, open("C"));
-    EXPECT_EQ(2, open("D"));
+    EXPECT_EQ((Ids{0, 2}), openAll("CD"));
 }
 
 TEST_F(ConnectionTable, GivesFreedIdsAgainSmallestFirst) {
-    for (const char* text : {"0", "1", "2", "3", "4", "5"}) open(text);
+    openAll("012345");
     EXPECT_TRUE(close(5));
     EXPECT_TRUE(close(3));
-    EXPECT_EQ(3, open("x"));
-    EXPECT_EQ(5, open("y"));
-    EXPECT_EQ(6, open("z"));
+    EXPECT_EQ((Ids{3, 5, 6}), openAll("xyz"));
 }
 
 TEST_F(ConnectionTable, ClosingAnUnknownIdChangesNothing) {
@@ -69,21 +83,16 @@ TEST_F(ConnectionTable, ClosingAnUnknownIdChangesNothing) {
 }
 
 TEST_F(ConnectionTable, IsSortedById) {
-    for (const char* text : {"c", "b", "a"}) open(text);
+    openAll("cba");
     close(1);
     open("z");
     for (LONG i = 0; i < 3; ++i) EXPECT_EQ(i, m_table.GetAt(i)->getId());
 }
 
-TEST_F(ConnectionTable, FindsByStringAndById) {
-    open("Alpha");
-    open("Beta");
-    EXPECT_EQ(m_table.GetAt(1), m_table.findByConnection(_T("bETA")));
-    EXPECT_EQ(1, m_table.lookForConnection(_T("BETA")));
-    EXPECT_EQ(m_table.GetAt(0), m_table.findById(0));
-    EXPECT_EQ(0, m_table.lookForId(0));
-    EXPECT_EQ(nullptr, m_table.findByConnection(_T("Bet")));
-    EXPECT_EQ(-1, m_table.lookForConnection(_T("")));
+TEST_F(ConnectionTable, FindsById) {
+    openAll("AB");
+    EXPECT_EQ(m_table.GetAt(1), m_table.findById(1));
+    EXPECT_EQ(1, m_table.lookForId(1));
     EXPECT_EQ(nullptr, m_table.findById(2));
     EXPECT_EQ(-1, m_table.lookForId(-1));
 }
@@ -94,19 +103,8 @@ TEST_F(ConnectionTable, CountBelowOneClosesAtOnce) {
     EXPECT_TRUE(close(0));
 }
 
-TEST_F(ConnectionTable, TravelsWithItsLastIdAndFreeIds) {
-    open("A");
-    open("B");
-    open("C");
-    close(2);
-    close(0);
-    EXPECT_EQ(hex("0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4200 01000000 01000000"
-                  "02000000 0200 00000000 02000000"),
-              toHex(bytes()));
-}
-
 TEST_F(ConnectionTable, CopiesGoOnWhereTheOriginalStood) {
-    for (const char* text : {"A", "B", "C"}) open(text);
+    openAll("ABC");
     close(1);
     NySeConnectionArray copy(m_table);
     NySeConnectionArray assigned;
@@ -114,8 +112,7 @@ TEST_F(ConnectionTable, CopiesGoOnWhereTheOriginalStood) {
     assigned = m_table;
     const std::unique_ptr<NySeConnectionArray> clone(m_table.clone());
     NySeConnectionArray loaded;
-    Loading loading(bytes());
-    loaded.Serialize(loading.ar);
+    load(loaded, bytes());
     for (NySeConnectionArray* one : {&copy, &assigned, clone.get(), &loaded}) {
         EXPECT_EQ(2, one->GetSize());
         EXPECT_EQ(1, one->openConnection(_T("D")));
@@ -126,7 +123,7 @@ TEST_F(ConnectionTable, CopiesGoOnWhereTheOriginalStood) {
 }
 
 TEST_F(ConnectionTable, AssignedToItselfStaysAsItIs) {
-    for (const char* name : {"A", "B", "C"}) open(name);
+    openAll("ABC");
     close(1);
     const Bytes before = bytes();
     const NySeConnectionArray& same = m_table;
@@ -135,35 +132,29 @@ TEST_F(ConnectionTable, AssignedToItselfStaysAsItIs) {
 }
 
 TEST_F(ConnectionTable, FailedLoadLeavesANewTable) {
-    open("A");
-    open("B");
+    openAll("AB");
     close(0);
     const Bytes whole = bytes();
-    for (size_t length = 0; length < whole.size(); ++length) {
-        const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
-        load(whole);
-        EXPECT_EQ(CArchiveException::endOfFile, archiveCause([&] { load(cut); })) << length;
-        EXPECT_EQ(hex("0000 FFFFFFFF 0000"), toHex(bytes())) << length;
-    }
-    EXPECT_EQ(0, open("C"));
+    readEachPart(whole, m_table, [&] {
+        EXPECT_EQ(hex("0000 FFFFFFFF 0000"), toHex(bytes()));
+        EXPECT_EQ(0, open("C"));
+        load(m_table, whole);
+    });
 }
 
 TEST_F(ConnectionTable, FailedLoadOfAViewDeletesWhatItRead) {
     open("A");
-    const Bytes whole = bytes();
     NySeConnectionArray view(QoArraySerial2::kDoNotDelete);
-    for (size_t length = 0; length < whole.size(); ++length) {
-        Loading loading(Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)));
-        EXPECT_EQ(CArchiveException::endOfFile, archiveCause([&] { view.Serialize(loading.ar); }));
+    readEachPart(bytes(), view, [&] {
         EXPECT_EQ(0, view.GetSize());
         EXPECT_FALSE(view.getDeleteObject());
-    }
+    });
 }
 
 TEST_F(ConnectionTable, FreeIdsBeyondTheDataAreRefused) {
     for (const char* count : {"0100", "FEFF 00000000", "FFFF FFFFFF7F", "FFFF FFFFFFFF 01000000"}) {
         EXPECT_EQ(CArchiveException::endOfFile,
-                  archiveCause([&] { load(fromHex(std::string("0000 FFFFFFFF") + count)); }))
+                  load(m_table, fromHex(std::string("0000 FFFFFFFF") + count)))
             << count;
     }
 }
@@ -171,13 +162,11 @@ TEST_F(ConnectionTable, FreeIdsBeyondTheDataAreRefused) {
 // A table that was loaded may name an id twice.
 TEST_F(ConnectionTable, GivesAnIdTwiceThatWasFreedTwice) {
     load(
-        fromHex("0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 03000000 01000000"
-                "09000000 0100 03000000"));
+        "0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 03000000 01000000"
+        "09000000 0100 03000000");
     EXPECT_TRUE(close(3));
     EXPECT_EQ(hex("0000 09000000 0200 03000000 03000000"), toHex(bytes()));
-    EXPECT_EQ(3, open("B"));
-    EXPECT_EQ(3, open("C"));
-    EXPECT_EQ(10, open("D"));
+    EXPECT_EQ((Ids{3, 3, 10}), openAll("BCD"));
 }
 
 TEST_F(ConnectionTable, CountsOfOpensWrapWhenClosedToo) {
@@ -189,11 +178,10 @@ TEST_F(ConnectionTable, CountsOfOpensWrapWhenClosedToo) {
 
 TEST_F(ConnectionTable, LoadedNumbersAtTheirLimitsWrap) {
     load(
-        fromHex("0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 00000000 FFFFFF7F"
-                "FFFFFF7F 0000"));
-    EXPECT_EQ(0, open("A"));
+        "0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 00000000 FFFFFF7F"
+        "FFFFFF7F 0000");
+    EXPECT_EQ((Ids{0, INT32_MIN}), openAll("AB"));
     EXPECT_EQ(INT32_MIN, countOf(0));
-    EXPECT_EQ(INT32_MIN, open("B"));
 }
 
 // The same table in plain containers.

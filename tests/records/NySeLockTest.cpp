@@ -1,10 +1,11 @@
+// The holders of a lock.
 #include "NyServer/records/NySeLock.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
-#include "NyServer/records/NySeUser.h"
+#include "tests/records/RecordSamples.h"
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
 #include "tests/support/Golden.h"
@@ -15,44 +16,23 @@ namespace {
 class Lock : public ::testing::Test {
   protected:
     NySeLock m_lock;
+    CMemFile m_file;
 
     void hold(LONG session, unsigned int mode) {
-        auto* holder = new NySeSessionLock;
-        holder->setSessionNumber(session);
-        holder->setLockState(mode);
-        m_lock.getHolders().add(holder);
+        m_lock.getHolders().add(makeSessionLock(session, mode).clone());
     }
-    void release(LONG session) {
-        NySeUser user;
-        user.setStrUserName(_T("anybody"));
-        user.setSessionNumber(session);
-        m_lock.removeUser(user);
-    }
-    std::vector<LONG> sessions() const {
-        std::vector<LONG> numbers;
-        for (INT_PTR i = 0; i < m_lock.getHolders().GetSize(); ++i) {
-            numbers.push_back(m_lock.getHolders().GetAt(i)->getSessionNumber());
-        }
-        return numbers;
-    }
-    static NySeLock named(const CString& name) {
-        NySeLock lock;
-        lock.setStrLockName(name);
-        return lock;
+    void release(LONG session) { m_lock.removeUser(makeUser(_T("anybody"), session)); }
+    Sessions sessions() const { return sessionsOf(m_lock.getHolders()); }
+    std::string written() {
+        m_lock.writeUserArray(m_file);
+        EXPECT_EQ(m_file.GetLength(), m_file.GetPosition());
+        return toHex(contentsOf(m_file));
     }
 };
 
-TEST_F(Lock, StartsWithoutNameAndHolders) {
-    EXPECT_EQ(CString(), m_lock.getStrLockName());
+TEST_F(Lock, StartsWithoutHoldersAndOwnsThem) {
     EXPECT_EQ(0, m_lock.getHolders().GetSize());
     EXPECT_TRUE(m_lock.getHolders().getDeleteObject());
-}
-
-TEST_F(Lock, KeyOneComparesNamesWithoutLetterCase) {
-    EXPECT_EQ(QoSort::equal, named(_T("part/A")).vCompareTo(named(_T("PART/a")), 1));
-    EXPECT_EQ(QoSort::before, named(_T("a")).vCompareTo(named(_T("B")), 1));
-    EXPECT_EQ(QoSort::after, named(_T("b")).vCompareTo(named(_T("A")), 1));
-    EXPECT_EQ(QoSort::noOrder, named(_T("a")).vCompareTo(named(_T("a")), 2));
 }
 
 TEST_F(Lock, CopiesTakeTheNameAndNoHolders) {
@@ -73,9 +53,9 @@ TEST_F(Lock, CopiesTakeTheNameAndNoHolders) {
 
 TEST_F(Lock, AssignmentKeepsTheHoldersOfTheTarget) {
     hold(7, 1);
-    m_lock = named(_T("other"));
+    m_lock = makeLock(_T("other"));
     EXPECT_EQ(CString("other"), m_lock.getStrLockName());
-    EXPECT_EQ((std::vector<LONG>{7}), sessions());
+    EXPECT_EQ((Sessions{7}), sessions());
 }
 
 TEST_F(Lock, WithoutHoldersGrantsEveryMode) {
@@ -120,22 +100,13 @@ TEST_F(Lock, OneExcludingHolderAmongManyIsEnough) {
 
 TEST_F(Lock, RemovingAUserDropsEveryGrantOfTheSession) {
     for (const LONG session : {5, 3, 5, 9, 5}) hold(session, 1);
-    EXPECT_EQ((std::vector<LONG>{3, 5, 5, 5, 9}), sessions());
-    release(5);
-    EXPECT_EQ((std::vector<LONG>{3, 9}), sessions());
-    release(4);
-    EXPECT_EQ((std::vector<LONG>{3, 9}), sessions());
-    release(9);
-    release(3);
-    EXPECT_EQ((std::vector<LONG>{}), sessions());
-    release(3);
-}
-
-TEST_F(Lock, TravelsAsNameAndHolders) {
-    m_lock.setStrLockName(_T("A"));
-    hold(7, 0x18);
-    EXPECT_EQ(hex("FFFEFF01 4100 0100 FFFF DF07 0F00 'NySeSessionLock' 18000000 07000000"),
-              toHex(stored([&](CArchive& ar) { m_lock.Serialize(ar); })));
+    EXPECT_EQ((Sessions{3, 5, 5, 5, 9}), sessions());
+    for (const LONG session : {5, 4}) {
+        release(session);
+        EXPECT_EQ((Sessions{3, 9}), sessions());
+    }
+    for (const LONG session : {9, 3, 3}) release(session);
+    EXPECT_EQ((Sessions{}), sessions());
 }
 
 TEST_F(Lock, LoadingReplacesTheHolders) {
@@ -143,24 +114,19 @@ TEST_F(Lock, LoadingReplacesTheHolders) {
     hold(2, 1);
     Loading loading(golden("lock-two-holders").bytes);
     m_lock.Serialize(loading.ar);
-    EXPECT_EQ((std::vector<LONG>{1, 7}), sessions());
+    EXPECT_EQ((Sessions{1, 7}), sessions());
     EXPECT_EQ(CString("part/42"), m_lock.getStrLockName());
 }
 
 TEST_F(Lock, HoldersTravelAloneAsOneObject) {
     hold(7, 24);
     hold(1, 1);
-    CMemFile file;
-    m_lock.writeUserArray(file);
-    EXPECT_EQ(toHex(golden("holders-two").bytes), toHex(contentsOf(file)));
-    EXPECT_EQ(file.GetLength(), file.GetPosition());
+    EXPECT_EQ(toHex(golden("holders-two").bytes), written());
 }
 
 TEST_F(Lock, HoldersAreWrittenWhereTheFileStands) {
-    CMemFile file;
-    file.Write("ab", 2);
-    m_lock.writeUserArray(file);
-    EXPECT_EQ(hex("'ab' FFFF DF07 1700 'NySeSessionLockPtrArray' 0000"), toHex(contentsOf(file)));
+    m_file.Write("ab", 2);
+    EXPECT_EQ(hex("'ab' FFFF DF07 1700 'NySeSessionLockPtrArray' 0000"), written());
 }
 
 // Sees the schema under which it is stored.
@@ -173,8 +139,7 @@ class SchemaSpy : public NySeSessionLock {
 TEST_F(Lock, HoldersTravelUnderTheRecordsSchema) {
     auto* holder = new SchemaSpy;
     m_lock.getHolders().add(holder);
-    CMemFile file;
-    m_lock.writeUserArray(file);
+    written();
     EXPECT_EQ(2015u, holder->m_schema);
 }
 

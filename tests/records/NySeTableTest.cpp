@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "NyServer/records/NySeMessage.h"
-#include "NyServer/records/NySeUser.h"
+#include "tests/records/RecordSamples.h"
 #include "tests/support/Thrown.h"
 
 namespace {
@@ -12,8 +11,7 @@ namespace {
 class LoadedTable : public ::testing::Test {
   protected:
     NySeUser* append() {
-        auto* const user = new NySeUser;
-        user->setStrUserName(_T("anna"));
+        NySeUser* const user = makeUser(_T("anna")).clone();
         m_table.append(user);
         return user;
     }

@@ -5,9 +5,7 @@
 #include <random>
 #include <string>
 
-#include "NyServer/records/NySeConnectionArray.h"
-#include "NyServer/records/NySeLockArray.h"
-#include "NyServer/records/NySeUserPtrArray.h"
+#include "tests/records/RecordSamples.h"
 #include "tests/support/ArchiveBytes.h"
 
 namespace {
@@ -28,12 +26,10 @@ class RandomTables : public ::testing::Test {
         return CString(units.data(), length);
     }
     NySeUser user() {
-        NySeUser one;
+        NySeUser one = makeUser(text(), number());
         one.setStrHostName(text());
-        one.setStrUserName(text());
         one.setStrComputerName(text());
         one.setPort(number());
-        one.setSessionNumber(number());
         one.setSchema(number());
         one.setSoftType(number());
         return one;
@@ -68,10 +64,7 @@ TEST_F(RandomTables, OfConnections) {
 
 TEST_F(RandomTables, OfSessionLocks) {
     expectRoundTrip<NySeSessionLockPtrArray>([this](auto& table) {
-        auto* lock = new NySeSessionLock;
-        lock->setSessionNumber(number());
-        lock->setLockState(static_cast<unsigned>(number()));
-        table.add(lock);
+        table.add(makeSessionLock(number(), static_cast<unsigned>(number())).clone());
     });
 }
 

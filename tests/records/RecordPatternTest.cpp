@@ -1,4 +1,4 @@
-// What every record class does alike.
+// What the objects of every record class do alike.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -20,31 +20,19 @@ class Foreign : public QoObject2 {
 template <class Record>
 class RecordPattern : public ::testing::Test {
   protected:
-    static Bytes fieldsOf(const Record& record) {
-        return stored([&](CArchive& ar) { const_cast<Record&>(record).Serialize(ar); });
+    static std::string fieldsOf(const Record& record) {
+        return toHex(stored([&](CArchive& ar) { const_cast<Record&>(record).Serialize(ar); }));
     }
+    void expectSameFields(std::initializer_list<const Record*> others) const {
+        for (const Record* other : others) EXPECT_EQ(fieldsOf(m_record), fieldsOf(*other));
+    }
+
+    Record m_record = makeSample<Record>();
+    const Record m_same = makeSample<Record>();
 };
 
 using Records = ::testing::Types<NySeUser, NySeConnection, NySeSessionLock, NySeLock, NySeMessage>;
 TYPED_TEST_SUITE(RecordPattern, Records);
-
-TYPED_TEST(RecordPattern, KnowsItsName) {
-    EXPECT_STREQ(Sample<TypeParam>::kName, TypeParam::desc());
-    EXPECT_EQ(Sample<TypeParam>::description(), TypeParam::GetThisClass());
-    EXPECT_EQ(Sample<TypeParam>::description(), TypeParam().GetRuntimeClass());
-}
-
-TYPED_TEST(RecordPattern, IsMadeByNameUnderAVersionableSchema) {
-    const CRuntimeClass* description = CRuntimeClass::FromName(Sample<TypeParam>::kName);
-    ASSERT_EQ(TypeParam::GetThisClass(), description);
-    EXPECT_EQ(0x800007DFu, description->m_wSchema);
-    EXPECT_EQ(RUNTIME_CLASS(QoObject2), description->m_pfnGetBaseClass());
-    EXPECT_EQ(static_cast<int>(sizeof(TypeParam)), description->m_nObjectSize);
-    const std::unique_ptr<CObject> made(description->CreateObject());
-    EXPECT_TRUE(made->IsKindOf(TypeParam::GetThisClass()));
-    const std::unique_ptr<CObject> alsoMade(TypeParam::CreateObject());
-    EXPECT_TRUE(alsoMade->IsKindOf(TypeParam::GetThisClass()));
-}
 
 TYPED_TEST(RecordPattern, IsMadeByEveryFormOfNew) {
     for (TypeParam* const record :
@@ -58,72 +46,54 @@ TYPED_TEST(RecordPattern, IsMadeByEveryFormOfNew) {
 }
 
 TYPED_TEST(RecordPattern, EqualsItselfUnderEveryKey) {
-    const TypeParam record = Sample<TypeParam>::make();
     for (const short key : {-1, 0, 1, 2, 3, 4, 99}) {
-        EXPECT_EQ(QoSort::equal, record.vCompareTo(record, key)) << key;
+        EXPECT_EQ(QoSort::equal, this->m_record.vCompareTo(this->m_record, key)) << key;
     }
 }
 
-TYPED_TEST(RecordPattern, HasNoOrderUnderAnUnknownKey) {
-    const TypeParam record = Sample<TypeParam>::make();
-    const TypeParam same = Sample<TypeParam>::make();
+TYPED_TEST(RecordPattern, HasNoOrderUnderAnUnknownKeyNorAgainstAnotherKind) {
     for (const short key : {-1, 0, 4, 99}) {
-        EXPECT_EQ(QoSort::noOrder, record.vCompareTo(same, key)) << key;
+        EXPECT_EQ(QoSort::noOrder, this->m_record.vCompareTo(this->m_same, key)) << key;
     }
+    EXPECT_EQ(QoSort::noOrder, this->m_record.vCompareTo(Foreign(), 1));
 }
 
 TYPED_TEST(RecordPattern, UnknownKeyLeavesTheResultAlone) {
-    const TypeParam record = Sample<TypeParam>::make();
     QoSort::CompareResult result = QoSort::after;
-    record.typeCompareTo(Sample<TypeParam>::make(), 99, result);
+    this->m_record.typeCompareTo(this->m_same, 99, result);
     EXPECT_EQ(QoSort::after, result);
 }
 
-TYPED_TEST(RecordPattern, HasNoOrderAgainstAnotherKind) {
-    EXPECT_EQ(QoSort::noOrder, Sample<TypeParam>::make().vCompareTo(Foreign(), 1));
-}
-
 TYPED_TEST(RecordPattern, OperatorEqualsMeansTheSameObject) {
-    const TypeParam record = Sample<TypeParam>::make();
-    EXPECT_TRUE(record == record);
-    EXPECT_FALSE(record == Sample<TypeParam>::make());
+    EXPECT_TRUE(this->m_record == this->m_record);
+    EXPECT_FALSE(this->m_record == this->m_same);
 }
 
 TYPED_TEST(RecordPattern, CastsOnlyItsOwnKind) {
-    TypeParam record;
     Foreign foreign;
-    EXPECT_EQ(&record, TypeParam::cast(&record));
+    EXPECT_EQ(&this->m_record, TypeParam::cast(&this->m_record));
     EXPECT_EQ(nullptr, TypeParam::cast(&foreign));
     EXPECT_EQ(nullptr, TypeParam::cast(nullptr));
 }
 
 TYPED_TEST(RecordPattern, CopiesItsFields) {
-    const TypeParam record = Sample<TypeParam>::make();
-    const Bytes fields = this->fieldsOf(record);
-    EXPECT_NE(fields, this->fieldsOf(TypeParam()));
-
-    const TypeParam copy(record);
+    EXPECT_NE(this->fieldsOf(TypeParam()), this->fieldsOf(this->m_record));
+    const TypeParam copy(this->m_record);
     TypeParam assigned;
-    EXPECT_EQ(&assigned, &(assigned = record));
+    EXPECT_EQ(&assigned, &(assigned = this->m_record));
     TypeParam typed;
-    typed.typeCopyFrom(record);
+    typed.typeCopyFrom(this->m_record);
     TypeParam untyped;
-    EXPECT_EQ(&untyped, &untyped.vCopyFrom(record));
-    for (const TypeParam* one :
-         std::initializer_list<const TypeParam*>{&copy, &assigned, &typed, &untyped}) {
-        EXPECT_EQ(toHex(fields), toHex(this->fieldsOf(*one)));
-    }
+    EXPECT_EQ(&untyped, &untyped.vCopyFrom(this->m_record));
+    this->expectSameFields({&copy, &assigned, &typed, &untyped});
 }
 
 TYPED_TEST(RecordPattern, ClonesItself) {
-    const TypeParam record = Sample<TypeParam>::make();
-    const std::unique_ptr<TypeParam> clone(record.clone());
-    const std::unique_ptr<QoObject2> untyped(record.vClone());
+    const std::unique_ptr<TypeParam> clone(this->m_record.clone());
+    const std::unique_ptr<QoObject2> untyped(this->m_record.vClone());
     ASSERT_NE(nullptr, TypeParam::cast(untyped.get()));
-    EXPECT_NE(&record, clone.get());
-    EXPECT_EQ(toHex(this->fieldsOf(record)), toHex(this->fieldsOf(*clone)));
-    EXPECT_EQ(toHex(this->fieldsOf(record)),
-              toHex(this->fieldsOf(*TypeParam::cast(untyped.get()))));
+    EXPECT_NE(&this->m_record, clone.get());
+    this->expectSameFields({clone.get(), TypeParam::cast(untyped.get())});
 }
 
 TYPED_TEST(RecordPattern, IsAssignedByTheVirtualCopy) {
@@ -135,17 +105,15 @@ TYPED_TEST(RecordPattern, IsAssignedByTheVirtualCopy) {
         }
         const QoObject2* source = nullptr;
     } record;
-    const TypeParam other = Sample<TypeParam>::make();
-    record = other;
-    EXPECT_EQ(&other, record.source);
-    EXPECT_EQ(toHex(this->fieldsOf(TypeParam())), toHex(this->fieldsOf(record)));
+    record = this->m_record;
+    EXPECT_EQ(&this->m_record, record.source);
+    EXPECT_EQ(this->fieldsOf(TypeParam()), this->fieldsOf(record));
 }
 
 TYPED_TEST(RecordPattern, TakesNothingFromItselfOrAnotherKind) {
-    TypeParam record = Sample<TypeParam>::make();
-    EXPECT_EQ(&record, &record.vCopyFrom(record));
-    EXPECT_EQ(&record, &record.vCopyFrom(Foreign()));
-    EXPECT_EQ(toHex(this->fieldsOf(Sample<TypeParam>::make())), toHex(this->fieldsOf(record)));
+    EXPECT_EQ(&this->m_record, &this->m_record.vCopyFrom(this->m_record));
+    EXPECT_EQ(&this->m_record, &this->m_record.vCopyFrom(Foreign()));
+    this->expectSameFields({&this->m_same});
 }
 
 TYPED_TEST(RecordPattern, OverridesTheBaseInItsSlots) {
@@ -163,13 +131,11 @@ TYPED_TEST(RecordPattern, OverridesTheBaseInItsSlots) {
 }
 
 TYPED_TEST(RecordPattern, ArchivesByTheOperatorsToo) {
-    TypeParam record = Sample<TypeParam>::make();
-    const Bytes bytes = stored([&](CArchive& ar) { ar << &record; });
-    Loading loading(bytes);
+    Loading loading(stored([&](CArchive& ar) { ar << &this->m_record; }));
     TypeParam* loaded = nullptr;
     loading.ar >> loaded;
     const std::unique_ptr<TypeParam> owner(loaded);
-    EXPECT_EQ(toHex(this->fieldsOf(record)), toHex(this->fieldsOf(*loaded)));
+    this->expectSameFields({loaded});
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Filled records and tables, one pair per class, for the tests of what all classes share.
+// Records with given fields, and what the tests of all classes need to know of each.
 #pragma once
 
 #include "NyServer/records/NySeConnectionArray.h"
@@ -6,112 +6,95 @@
 #include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 
-// What the shared tests need to know of a record class.
-template <class Record>
-struct Sample;
+inline NySeUser makeUser(const CString& name, LONG session = -1) {
+    NySeUser user;
+    user.setStrUserName(name);
+    user.setSessionNumber(session);
+    return user;
+}
 
-template <>
-struct Sample<NySeUser> {
-    static constexpr const char* kName = "NySeUser";
-    static CRuntimeClass* description() { return &NySeUser::classNySeUser; }
-    static NySeUser make() {
-        NySeUser user;
-        user.setStrHostName(_T("ws-01"));
-        user.setStrUserName(_T("Anna"));
-        user.setStrComputerName(_T("WS-01"));
-        user.setPort(40123);
-        user.setSessionNumber(7);
-        user.setSchema(2015);
-        user.setSoftType(3);
-        return user;
-    }
-    // Sorts `record` behind the sample under key 1.
-    static void putBehind(NySeUser& record) { record.setStrUserName(_T("bob")); }
-};
+inline NySeConnection makeConnection(const CString& text, LONG id, LONG refCount = 0) {
+    NySeConnection connection;
+    connection.setStrConnection(text);
+    connection.setId(id);
+    connection.setRefCount(refCount);
+    return connection;
+}
 
-template <>
-struct Sample<NySeConnection> {
-    static constexpr const char* kName = "NySeConnection";
-    static CRuntimeClass* description() { return &NySeConnection::classNySeConnection; }
-    static NySeConnection make() {
-        NySeConnection record;
-        record.setStrConnection(_T("Server=a;Db=b"));
-        record.setId(3);
-        record.setRefCount(2);
-        return record;
-    }
-    // Sorts `record` behind the sample under key 1.
-    static void putBehind(NySeConnection& record) { record.setId(4); }
-};
+inline NySeSessionLock makeSessionLock(LONG session, unsigned int state) {
+    NySeSessionLock lock;
+    lock.setSessionNumber(session);
+    lock.setLockState(state);
+    return lock;
+}
 
-template <>
-struct Sample<NySeSessionLock> {
-    static constexpr const char* kName = "NySeSessionLock";
-    static CRuntimeClass* description() { return &NySeSessionLock::classNySeSessionLock; }
-    static NySeSessionLock make() {
-        NySeSessionLock record;
-        record.setSessionNumber(7);
-        record.setLockState(0x18);
-        return record;
-    }
-    // Sorts `record` behind the sample under key 1.
-    static void putBehind(NySeSessionLock& record) { record.setSessionNumber(8); }
-};
+inline NySeLock makeLock(const CString& name) {
+    NySeLock lock;
+    lock.setStrLockName(name);
+    return lock;
+}
 
-template <>
-struct Sample<NySeLock> {
-    static constexpr const char* kName = "NySeLock";
-    static CRuntimeClass* description() { return &NySeLock::classNySeLock; }
-    static NySeLock make() {
-        NySeLock record;
-        record.setStrLockName(_T("part/42"));
-        return record;
-    }
-    // Sorts `record` behind the sample under key 1.
-    static void putBehind(NySeLock& record) { record.setStrLockName(_T("Part/43")); }
-};
+inline NySeMessage makeMessage(const CString& text) {
+    NySeMessage message;
+    message.setStrMessage(text);
+    return message;
+}
 
-template <>
-struct Sample<NySeMessage> {
-    static constexpr const char* kName = "NySeMessage";
-    static CRuntimeClass* description() { return &NySeMessage::classNySeMessage; }
-    static NySeMessage make() {
-        NySeMessage record;
-        record.setStrMessage(_T("saved"));
-        return record;
-    }
-};
-
-// What they need to know of a table class.
 template <class Table>
-struct TableSample;
-
-template <>
-struct TableSample<NySeUserPtrArray> {
-    using Record = NySeUser;
-    static constexpr const char* kName = "NySeUserPtrArray";
-    static CRuntimeClass* description() { return &NySeUserPtrArray::classNySeUserPtrArray; }
-};
-
-template <>
-struct TableSample<NySeConnectionArray> {
-    using Record = NySeConnection;
-    static constexpr const char* kName = "NySeConnectionArray";
-    static CRuntimeClass* description() { return &NySeConnectionArray::classNySeConnectionArray; }
-};
-
-template <>
-struct TableSample<NySeSessionLockPtrArray> {
-    using Record = NySeSessionLock;
-    static constexpr const char* kName = "NySeSessionLockPtrArray";
-    static CRuntimeClass* description() {
-        return &NySeSessionLockPtrArray::classNySeSessionLockPtrArray;
+std::vector<LONG> sessionsOf(const Table& table) {
+    std::vector<LONG> numbers;
+    for (INT_PTR i = 0; i < table.GetSize(); ++i) {
+        numbers.push_back(table.GetAt(i)->getSessionNumber());
     }
-};
+    return numbers;
+}
+
+using Sessions = std::vector<LONG>;
+
+// A record of the class with no field at its default, and what sorts it behind such a one under
+// key 1.
+template <class Record>
+Record makeSample();
 
 template <>
-struct TableSample<NySeLockArray> {
-    using Record = NySeLock;
-    static constexpr const char* kName = "NySeLockArray";
-    static CRuntimeClass* description() { return &NySeLockArray::classNySeLockArray; }
-};
+inline NySeUser makeSample() {
+    NySeUser user = makeUser(_T("Anna"), 7);
+    user.setStrHostName(_T("ws-01"));
+    user.setStrComputerName(_T("WS-01"));
+    user.setPort(40123);
+    user.setSchema(2015);
+    user.setSoftType(3);
+    return user;
+}
+inline void putBehind(NySeUser& record) {
+    record.setStrUserName(_T("bob"));
+}
+
+template <>
+inline NySeConnection makeSample() {
+    return makeConnection(_T("Server=a;Db=b"), 3, 2);
+}
+inline void putBehind(NySeConnection& record) {
+    record.setId(4);
+}
+
+template <>
+inline NySeSessionLock makeSample() {
+    return makeSessionLock(7, 0x18);
+}
+inline void putBehind(NySeSessionLock& record) {
+    record.setSessionNumber(8);
+}
+
+template <>
+inline NySeLock makeSample() {
+    return makeLock(_T("part/42"));
+}
+inline void putBehind(NySeLock& record) {
+    record.setStrLockName(_T("Part/43"));
+}
+
+template <>
+inline NySeMessage makeSample() {
+    return makeMessage(_T("saved"));
+}

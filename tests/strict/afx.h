@@ -1,6 +1,6 @@
-// What is publicly documented of the class library's <afx.h>, declared and nothing more: what a
-// source outside NyServer/base uses beyond it does not compile in the preset strict. Nothing is
-// linked with it.
+// What the library uses of what is publicly documented of the class library's <afx.h>: what a
+// source outside NyServer/base uses beyond it does not compile in the preset strict. Declare more
+// here only from the documentation. Nothing is linked with it.
 #pragma once
 
 #ifdef _WINDOWS_
@@ -27,11 +27,6 @@ struct CRuntimeClass {
     CObject*(PASCAL* m_pfnCreateObject)();
     CRuntimeClass*(PASCAL* m_pfnGetBaseClass)();
     CRuntimeClass* m_pNextClass;
-
-    CObject* CreateObject();
-    BOOL IsDerivedFrom(const CRuntimeClass* pBaseClass) const;
-    static CRuntimeClass* PASCAL FromName(LPCSTR lpszClassName);
-    static CRuntimeClass* PASCAL FromName(LPCWSTR lpszClassName);
 };
 
 class CObject {
@@ -49,7 +44,6 @@ class CObject {
 
     virtual CRuntimeClass* GetRuntimeClass() const;
     BOOL IsKindOf(const CRuntimeClass* pClass) const;
-    BOOL IsSerializable() const;
     virtual void Serialize(CArchive& ar);
     virtual void AssertValid() const;
     virtual void Dump(CDumpContext& dc) const;
@@ -141,35 +135,18 @@ class CStringT {
     operator LPCWSTR() const;
     wchar_t GetAt(int iChar) const;
     wchar_t operator[](int iChar) const;
-    void SetAt(int iChar, wchar_t ch);
 
     int Compare(LPCWSTR psz) const;
     int CompareNoCase(LPCWSTR psz) const;
     int Find(LPCWSTR pszSub, int iStart = 0) const;
     int Find(wchar_t ch, int iStart = 0) const;
-    int FindOneOf(LPCWSTR pszCharSet) const;
-    int ReverseFind(wchar_t ch) const;
-    CStringT Left(int nCount) const;
-    CStringT Right(int nCount) const;
     CStringT Mid(int iFirst) const;
     CStringT Mid(int iFirst, int nCount) const;
 
-    CStringT& MakeLower();
-    CStringT& MakeUpper();
-    CStringT& Trim();
-    int Replace(LPCWSTR pszOld, LPCWSTR pszNew);
     void Format(LPCWSTR pszFormat, ...);
     void Format(UINT nFormatID, ...);
-    BOOL LoadString(UINT nID);
-    BOOL LoadString(HINSTANCE hInstance, UINT nID);
-
-    LPWSTR GetBuffer();
-    LPWSTR GetBuffer(int nMinBufferLength);
-    LPWSTR GetBufferSetLength(int nLength);
-    void ReleaseBuffer(int nNewLength = -1);
 };
-typedef CStringT<wchar_t> CStringW;
-typedef CStringW CString;
+typedef CStringT<wchar_t> CString;
 
 CString operator+(const CString& str1, const CString& str2);
 CString operator+(const CString& str1, LPCWSTR psz2);
@@ -184,68 +161,20 @@ class CException : public CObject {
     DECLARE_DYNAMIC(CException)
   public:
     CException();
-    explicit CException(BOOL bAutoDelete);
     void Delete();
-    virtual BOOL GetErrorMessage(LPTSTR lpszError, UINT nMaxError, UINT* pnHelpContext = nullptr);
-    virtual int ReportError(UINT nType = MB_OK, UINT nMessageID = 0);
 };
 
-class CSimpleException : public CException {};
-
-class CMemoryException : public CSimpleException {
-    DECLARE_DYNAMIC(CMemoryException)
-};
-
-class CNotSupportedException : public CSimpleException {
-    DECLARE_DYNAMIC(CNotSupportedException)
-};
-
-class CInvalidArgException : public CSimpleException {
-    DECLARE_DYNAMIC(CInvalidArgException)
-};
+class CMemoryException : public CException {};
 
 class CArchiveException : public CException {
     DECLARE_DYNAMIC(CArchiveException)
   public:
     enum { none, genericException, readOnly, endOfFile, writeOnly, badIndex, badClass, badSchema };
-    explicit CArchiveException(int cause = none, LPCTSTR lpszArchiveName = nullptr);
-    int m_cause;
-    CString m_strFileName;
 };
 
-class CFileException : public CException {
-    DECLARE_DYNAMIC(CFileException)
-  public:
-    enum {
-        none,
-        genericException,
-        fileNotFound,
-        badPath,
-        tooManyOpenFiles,
-        accessDenied,
-        invalidFile,
-        removeCurrentDir,
-        directoryFull,
-        badSeek,
-        hardIO,
-        sharingViolation,
-        lockViolation,
-        diskFull,
-        endOfFile
-    };
-    explicit CFileException(int cause = none, LONG lOsError = -1,
-                            LPCTSTR lpszArchiveName = nullptr);
-    int m_cause;
-    LONG m_lOsError;
-    CString m_strFileName;
-};
+class CFileException : public CException {};
 
-[[noreturn]] void AFXAPI AfxThrowMemoryException();
-[[noreturn]] void AFXAPI AfxThrowNotSupportedException();
-[[noreturn]] void AFXAPI AfxThrowInvalidArgException();
 [[noreturn]] void AFXAPI AfxThrowArchiveException(int cause, LPCTSTR lpszArchiveName = nullptr);
-[[noreturn]] void AFXAPI AfxThrowFileException(int cause, LONG lOsError = -1,
-                                               LPCTSTR lpszFileName = nullptr);
 
 class CFile : public CObject {
     DECLARE_DYNAMIC(CFile)
@@ -259,7 +188,6 @@ class CFile : public CObject {
     virtual void SetFilePath(LPCTSTR lpszNewName);
     virtual ULONGLONG Seek(LONGLONG lOff, UINT nFrom);
     void SeekToBegin();
-    ULONGLONG SeekToEnd();
     virtual void SetLength(ULONGLONG dwNewLen);
     virtual ULONGLONG GetLength() const;
     virtual UINT Read(void* lpBuf, UINT nCount);
@@ -299,12 +227,8 @@ class CArchive {
     CArchive& operator=(const CArchive&) = delete;
     ~CArchive();
 
-    BOOL IsLoading() const;
     BOOL IsStoring() const;
-    CFile* GetFile() const;
-    void Flush();
     void Close();
-    void Abort();
     UINT Read(void* lpBuf, UINT nMax);
     void Write(const void* lpBuf, INT nMax);
 
@@ -339,10 +263,8 @@ class CArchive {
 
     CObject* ReadObject(const CRuntimeClass* pClass);
     void WriteObject(const CObject* pOb);
-    void WriteClass(const CRuntimeClass* pClassRef);
     CRuntimeClass* ReadClass(const CRuntimeClass* pClassRefRequested = nullptr,
                              UINT* pSchema = nullptr, DWORD* pObTag = nullptr);
-    void MapObject(const CObject* pOb);
     UINT GetObjectSchema();
     void SetObjectSchema(UINT nSchema);
 };

@@ -1,4 +1,4 @@
-// What is publicly documented of the class library's <afxdllx.h>; see afx.h.
+// What is used of the class library's <afxdllx.h>; see afx.h.
 #pragma once
 
 #include "afx.h"

@@ -1,4 +1,4 @@
-// What is publicly documented of the class library's <afxtempl.h>; see afx.h.
+// What is used of the class library's <afxtempl.h>; see afx.h.
 #pragma once
 
 #include "afxcoll.h"
@@ -8,11 +8,8 @@ class CArray : public CObject {
   public:
     CArray();
     INT_PTR GetSize() const;
-    INT_PTR GetCount() const;
     BOOL IsEmpty() const;
-    INT_PTR GetUpperBound() const;
     void SetSize(INT_PTR nNewSize, INT_PTR nGrowBy = -1);
-    void FreeExtra();
     void RemoveAll();
     const TYPE& GetAt(INT_PTR nIndex) const;
     TYPE& GetAt(INT_PTR nIndex);
@@ -21,9 +18,7 @@ class CArray : public CObject {
     TYPE& ElementAt(INT_PTR nIndex);
     const TYPE* GetData() const;
     TYPE* GetData();
-    void SetAtGrow(INT_PTR nIndex, ARG_TYPE newElement);
     INT_PTR Add(ARG_TYPE newElement);
-    INT_PTR Append(const CArray& src);
     void Copy(const CArray& src);
     const TYPE& operator[](INT_PTR nIndex) const;
     TYPE& operator[](INT_PTR nIndex);
@@ -38,9 +33,7 @@ class CTypedPtrArray : public BASE_CLASS {
     TYPE GetAt(INT_PTR nIndex) const;
     TYPE& ElementAt(INT_PTR nIndex);
     void SetAt(INT_PTR nIndex, TYPE ptr);
-    void SetAtGrow(INT_PTR nIndex, TYPE newElement);
     INT_PTR Add(TYPE newElement);
-    INT_PTR Append(const CTypedPtrArray& src);
     void Copy(const CTypedPtrArray& src);
     void InsertAt(INT_PTR nIndex, TYPE newElement, INT_PTR nCount = 1);
     TYPE operator[](INT_PTR nIndex) const;

@@ -124,11 +124,7 @@ void Talk::addTo(Capture& capture, size_t place) const {
     for (const Said& said : m_say != nullptr ? m_say() : m_said) {
         const int from = said.asks ? client : server;
         const int to = said.asks ? server : client;
-        if (said.captured < said.bytes.size()) {
-            capture.addSegment(from, to, said.bytes, said.captured);
-        } else {
-            capture.add(from, to, said.bytes, m_segment);
-        }
+        capture.add(from, to, said.bytes, m_segment);
     }
 }
 

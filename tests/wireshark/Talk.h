@@ -12,7 +12,6 @@
 struct Said {
     bool asks;
     Bytes bytes;
-    size_t captured = SIZE_MAX;
 };
 inline Said asks(const Bytes& bytes) {
     return {true, bytes};

@@ -4,12 +4,14 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "tests/base/TestRecords.h"
 #include "tests/base/windows/guest/Guests.h"
+#include "tests/support/Thrown.h"
 
 namespace {
 
@@ -32,61 +34,43 @@ std::vector<std::string> namesOn(const CRuntimeClass* first) {
     return names;
 }
 
-void storeGuest(CMemFile& file) {
-    CArchive archive(&file, CArchive::store);
-    const std::unique_ptr<CObject> guest(CRuntimeClass::FromName("Guest")->CreateObject());
-    archive << guest.get();
-    archive.Close();
-    file.SeekToBegin();
-}
-
-// The cause of the failure; none when the object could be read.
-int readBack(CMemFile& file) {
-    try {
-        CArchive archive(&file, CArchive::load);
-        CObject* object = nullptr;
-        archive >> object;
-        delete object;
-        return CArchiveException::none;
-    } catch (CArchiveException* exception) {
-        const int cause = exception->m_cause;
-        exception->Delete();
-        return cause;
+// A guest in an archive.
+class StoredGuest {
+  public:
+    StoredGuest() {
+        CArchive archive(&m_file, CArchive::store);
+        const std::unique_ptr<CObject> guest(CRuntimeClass::FromName("Guest")->CreateObject());
+        archive << guest.get();
     }
-}
+    // The cause of the failure; -1 when the object could be read.
+    int read() {
+        m_file.SeekToBegin();
+        return archiveCause([&] {
+            CArchive archive(&m_file, CArchive::load);
+            CObject* object = nullptr;
+            archive >> object;
+            delete object;
+        });
+    }
 
-TEST(ExtensionModule, HasItsClassesFoundWhileItIsLoaded) {
+  private:
+    CMemFile m_file;
+};
+
+TEST(ExtensionModule, HasItsClassesFoundAndItsObjectsArchivedWhileItIsLoaded) {
     EXPECT_EQ(numberOfGuest(), 0);
-    LoadedGuest guest(1);
-    ASSERT_NE(guest.handle(), nullptr);
-    EXPECT_EQ(numberOfGuest(), 1);
-    EXPECT_NE(sizeOf("LateGuest"), 0);
-    guest.free();
-    EXPECT_EQ(numberOfGuest(), 0);
-    EXPECT_EQ(sizeOf("LateGuest"), 0);
-}
-
-TEST(ExtensionModule, HasItsObjectsArchivedWhileItIsLoaded) {
-    CMemFile file;
-    LoadedGuest guest(1);
-    storeGuest(file);
-    EXPECT_EQ(readBack(file), CArchiveException::none);
-    guest.free();
-    file.SeekToBegin();
-    EXPECT_EQ(readBack(file), CArchiveException::badClass);
-}
-
-TEST(ExtensionModule, ComesAndGoesAHundredTimes) {
-    CMemFile file;
+    std::optional<StoredGuest> stored;
     for (int i = 0; i < 100; ++i) {
         LoadedGuest guest(1);
+        ASSERT_NE(guest.handle(), nullptr);
         ASSERT_EQ(numberOfGuest(), 1);
-        if (i == 0) storeGuest(file);
-        file.SeekToBegin();
-        ASSERT_EQ(readBack(file), CArchiveException::none);
+        ASSERT_NE(sizeOf("LateGuest"), 0);
+        if (i == 0) stored.emplace();
+        ASSERT_EQ(stored->read(), -1);
         guest.free();
-        file.SeekToBegin();
-        ASSERT_EQ(readBack(file), CArchiveException::badClass);
+        ASSERT_EQ(numberOfGuest(), 0);
+        ASSERT_EQ(sizeOf("LateGuest"), 0);
+        ASSERT_EQ(stored->read(), CArchiveException::badClass);
     }
 }
 
@@ -108,21 +92,17 @@ TEST(ExtensionModule, TellsItsHandles) {
     EXPECT_EQ(guest.state().pFirstSharedFactory, nullptr);
 }
 
-TEST(ExtensionModule, ThatCameLastIsSearchedFirst) {
+TEST(ExtensionModule, ThatCameLastIsSearchedFirstAfterTheApplication) {
     LoadedGuest first(1);
     LoadedGuest second(2);
     EXPECT_EQ(numberOfGuest(), 2);
+    EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
     second.free();
     EXPECT_EQ(numberOfGuest(), 1);
     second = LoadedGuest(2);
     EXPECT_EQ(numberOfGuest(), 2);
     first.free();
     EXPECT_EQ(numberOfGuest(), 2);
-}
-
-TEST(ExtensionModule, ComesAfterTheApplication) {
-    const LoadedGuest guest(1);
-    EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
 }
 
 TEST(ExtensionModule, ComesBeforeTheClassLibrary) {
@@ -167,23 +147,15 @@ TEST(ExtensionModule, MayTakeAllOthersWithIt) {
     EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
 }
 
-TEST(ExtensionModule, IsNotInitialisedWithoutAHandle) {
-    AFX_EXTENSION_MODULE state = {};
-    EXPECT_FALSE(AfxInitExtensionModule(state, nullptr));
-    EXPECT_FALSE(state.bInitialized);
-}
-
-TEST(ExtensionModule, IsInitialisedOnce) {
+TEST(ExtensionModule, IsInitialisedOnceAndWithAHandle) {
     const LoadedGuest guest(1);
     const CRuntimeClass* const classes = guest.state().pFirstSharedClass;
     EXPECT_TRUE(AfxInitExtensionModule(guest.state(), guest.handle()));
     EXPECT_EQ(guest.state().pFirstSharedClass, classes);
-    EXPECT_EQ(numberOfGuest(), 1);
-}
-
-TEST(ExtensionModule, ThatIsNotInitialisedTakesNobodyAway) {
-    const LoadedGuest guest(1);
     AFX_EXTENSION_MODULE state = {};
+    EXPECT_FALSE(AfxInitExtensionModule(state, nullptr));
+    EXPECT_FALSE(state.bInitialized);
+    // Nor does it take anybody away.
     AfxTermExtensionModule(state);
     AfxTermExtensionModule(state, TRUE);
     EXPECT_EQ(numberOfGuest(), 1);

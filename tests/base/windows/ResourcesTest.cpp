@@ -19,16 +19,21 @@ class Resources : public testing::Test {
         EXPECT_EQ(isLoaded != FALSE, loaded != L"unchanged");
         return loaded;
     }
+    // The text that every guest has, and that the guest's other resource is found with it.
+    CString guestsText() const {
+        const CString loaded = text(IDS_GUESTS);
+        EXPECT_EQ(finder(L"EVERYGUEST"),
+                  loaded == L"a guest's 1" ? m_first.handle() : m_second.handle());
+        return loaded;
+    }
 
     static HMODULE finder(LPCWSTR name) { return AfxFindResourceHandle(name, RT_RCDATA); }
 
     // Those of the second guest are found when the first has gone.
     void expectTheFirstGuestsAndThenTheSeconds() {
-        EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
-        EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+        EXPECT_EQ(guestsText(), L"a guest's 1");
         m_first.free();
-        EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
-        EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+        EXPECT_EQ(guestsText(), L"a guest's 2");
     }
 
     LoadedGuest m_first{1};
@@ -36,12 +41,8 @@ class Resources : public testing::Test {
     HMODULE m_program = ::GetModuleHandleW(nullptr);
 };
 
-TEST_F(Resources, AreTheProgramsAtFirst) {
-    EXPECT_EQ(AfxGetInstanceHandle(), m_program);
+TEST_F(Resources, AreTheProgramsUnlessAHandleIsSet) {
     EXPECT_EQ(AfxGetResourceHandle(), m_program);
-}
-
-TEST_F(Resources, AreThoseOfTheHandleSet) {
     AfxSetResourceHandle(m_first.handle());
     EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
     EXPECT_EQ(AfxGetInstanceHandle(), m_program);
@@ -58,11 +59,9 @@ TEST_F(Resources, AreSearchedInTheCurrentModuleFirst) {
 }
 
 TEST_F(Resources, AreSearchedInTheNewestExtensionModuleNext) {
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    EXPECT_EQ(guestsText(), L"a guest's 2");
     m_second.free();
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+    EXPECT_EQ(guestsText(), L"a guest's 1");
 }
 
 TEST_F(Resources, AreSearchedUntilAModuleHasThem) {
@@ -104,8 +103,7 @@ TEST_F(Resources, OfAModuleThatHasGoneAreNotSearched) {
     state.hResource = m_first.handle();
     const CDynLinkLibrary link(state);
     m_first.free();
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_second.handle());
+    EXPECT_EQ(guestsText(), L"a guest's 2");
 }
 
 TEST_F(Resources, MayLieInAFileMappedForThemAlone) {
@@ -123,8 +121,7 @@ TEST_F(Resources, MayLieInAnotherModuleThanTheClasses) {
     AFX_EXTENSION_MODULE state = m_second.state();
     state.hResource = m_first.handle();
     const CDynLinkLibrary link(state);
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
-    EXPECT_EQ(finder(L"EVERYGUEST"), m_first.handle());
+    EXPECT_EQ(guestsText(), L"a guest's 1");
 }
 
 TEST_F(Resources, ThatNobodyHasAreLeftToTheCurrentModule) {
@@ -155,6 +152,23 @@ TEST_F(Resources, GiveTheTextsOfMessageBoxes) {
     EXPECT_EQ(AfxMessageBox(IDS_GUESTS, MB_YESNO), IDYES);
     ASSERT_EQ(watch.boxes().size(), 1u);
     EXPECT_EQ(watch.boxes()[0].text, L"a guest's 2");
+}
+
+TEST(AfxMessageBox, ShowsTheTextUnderTheProgramsName) {
+    MessageBoxWatch watch(IDOK);
+    EXPECT_EQ(AfxMessageBox(L"Something went wrong"), IDOK);
+    ASSERT_EQ(watch.boxes().size(), 1u);
+    EXPECT_EQ(watch.boxes()[0].text, L"Something went wrong");
+    EXPECT_EQ(watch.boxes()[0].title, L"base_tests");
+}
+
+TEST(AfxMessageBox, ShowsTheIconAskedFor) {
+    MessageBoxWatch watch(IDOK);
+    AfxMessageBox(L"plain");
+    AfxMessageBox(L"error", MB_ICONERROR);
+    ASSERT_EQ(watch.boxes().size(), 2u);
+    EXPECT_EQ(nullptr, watch.boxes()[0].icon);
+    EXPECT_EQ(::LoadIconW(nullptr, IDI_ERROR), watch.boxes()[1].icon);
 }
 
 }  // namespace

@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
+#include "NyServer/base/UniqueHandle.h"
 #include "tests/support/Gate.h"
 
 namespace {
@@ -21,27 +23,32 @@ class TestWindow : public CWnd {
         if (wasDeleted != nullptr) *wasDeleted = true;
     }
 
-    BOOL createMessageOnly() {
-        return CreateEx(0, AfxRegisterWndClass(0), L"test", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr);
+    BOOL create(LPCWSTR className = AfxRegisterWndClass(0)) {
+        return CreateEx(0, className, L"test", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr);
     }
     BOOL createVisible() {
         return CreateEx(0, AfxRegisterWndClass(0), L"test", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0,
                         200, 100, nullptr, nullptr);
     }
-    bool received(UINT message) const { return countOf(message) > 0; }
-    int countOf(UINT message) const {
-        int count = 0;
-        for (const UINT one : messages) count += one == message ? 1 : 0;
-        return count;
+    LRESULT ask(WPARAM wParam, LPARAM lParam) {
+        return ::SendMessageW(m_hWnd, kRequest, wParam, lParam);
+    }
+    template <class Action>
+    void at(UINT message, Action action) {
+        script = [=](UINT received) {
+            if (received == message) action();
+        };
+    }
+    auto countOf(UINT message) const {
+        return std::count(messages.begin(), messages.end(), message);
     }
 
     std::vector<UINT> messages;
     bool alwaysHadItsHandle = true;
     std::function<void(UINT)> script;
     int ends = 0;
-    bool deletesItself = false;
-    bool* wasDeleted = nullptr;
-    UINT refused = 0;  // gets the answer 0
+    bool* wasDeleted = nullptr;  // one that is told so deletes itself in the end
+    UINT refused = 0;            // gets the answer 0
 
   protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
@@ -55,234 +62,204 @@ class TestWindow : public CWnd {
     void PostNcDestroy() override {
         ++ends;
         EXPECT_EQ(m_hWnd, nullptr);
-        if (deletesItself) delete this;
+        if (wasDeleted != nullptr) delete this;
     }
 };
 
-TEST(Window, ReceivesMessagesWithoutBeingSeen) {
-    TestWindow window;
-    ASSERT_TRUE(window.createMessageOnly());
-    EXPECT_EQ(window.GetSafeHwnd(), window.m_hWnd);
-    EXPECT_TRUE(::IsWindow(window.m_hWnd));
-    EXPECT_EQ(::SendMessageW(window.m_hWnd, kRequest, 40, 2), 42);
+void throwNumber() {
+    throw 7;
 }
 
-TEST(Window, HasItsHandleFromTheFirstMessageToTheLast) {
-    TestWindow window;
-    ASSERT_TRUE(window.createMessageOnly());
-    EXPECT_TRUE(window.received(WM_NCCREATE));
-    EXPECT_TRUE(window.received(WM_CREATE));
-    EXPECT_TRUE(window.DestroyWindow());
-    EXPECT_EQ(window.messages.back(), static_cast<UINT>(WM_NCDESTROY));
-    EXPECT_TRUE(window.alwaysHadItsHandle);
-    EXPECT_EQ(window.m_hWnd, nullptr);
-}
-
-TEST(Window, OnScreenHasItsHandleInTheFirstMessageToo) {
-    TestWindow window;
-    ASSERT_TRUE(window.createVisible());
-    EXPECT_TRUE(window.received(WM_GETMINMAXINFO));
-    EXPECT_TRUE(window.DestroyWindow());
-    EXPECT_TRUE(window.alwaysHadItsHandle);
-}
-
-TEST(Window, EndsOnceAndMayBeMadeAgain) {
-    TestWindow window;
-    EXPECT_FALSE(window.DestroyWindow());
-    ASSERT_TRUE(window.createMessageOnly());
-    EXPECT_TRUE(window.DestroyWindow());
-    EXPECT_FALSE(window.DestroyWindow());
-    EXPECT_EQ(window.ends, 1);
-    ASSERT_TRUE(window.createMessageOnly());
-    EXPECT_EQ(::SendMessageW(window.m_hWnd, kRequest, 1, 1), 2);
-}
-
-TEST(Window, EndsWhenSomebodyElseDestroysIt) {
-    TestWindow window;
-    ASSERT_TRUE(window.createMessageOnly());
-    ::DestroyWindow(window.m_hWnd);
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_EQ(window.ends, 1);
-}
-
-TEST(Window, MayDeleteItselfInTheEnd) {
-    bool wasDeleted = false;
-    auto* window = new TestWindow;
-    window->deletesItself = true;
-    window->wasDeleted = &wasDeleted;
-    ASSERT_TRUE(window->createMessageOnly());
-    window->DestroyWindow();
-    EXPECT_TRUE(wasDeleted);
-}
-
-TEST(Window, MayRefuseToBeMade) {
-    for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
-        TestWindow window;
-        window.refused = message == WM_NCCREATE ? message : 0;
-        window.script = [message](UINT received) {
-            if (received == message) throw std::runtime_error("no");
-        };
-        EXPECT_FALSE(window.createMessageOnly());
-        EXPECT_EQ(window.m_hWnd, nullptr) << message;
+class Window : public testing::Test {
+  protected:
+    ~Window() override {
+        if (m_others != nullptr) ::DestroyWindow(m_others);
     }
-    TestWindow window;
-    window.refused = WM_NCCREATE;
-    EXPECT_FALSE(window.createMessageOnly());
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    window.refused = 0;
-    EXPECT_TRUE(window.createMessageOnly());
+    void makeAnothers() {
+        m_others = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                     nullptr, nullptr);
+    }
+    void expectNotMade() {
+        EXPECT_FALSE(m_window.create());
+        EXPECT_EQ(m_window.GetSafeHwnd(), nullptr);
+    }
+    void expectMade() {
+        ASSERT_TRUE(m_window.create());
+        EXPECT_EQ(m_window.ask(40, 2), 42);
+    }
+
+    TestWindow m_window;
+    HWND m_others = nullptr;  // a window of somebody else
+};
+
+TEST_F(Window, ReceivesMessagesWithoutBeingSeen) {
+    expectMade();
+    EXPECT_EQ(m_window.GetSafeHwnd(), m_window.m_hWnd);
+    EXPECT_TRUE(::IsWindow(m_window.m_hWnd));
 }
 
-TEST(Window, OfAnUnknownClassIsNotMade) {
-    TestWindow window;
-    EXPECT_FALSE(window.CreateEx(0, L"no such class", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr));
-    EXPECT_EQ(window.m_hWnd, nullptr);
+TEST_F(Window, HasItsHandleFromTheFirstMessageToTheLast) {
+    ASSERT_TRUE(m_window.create());
+    EXPECT_EQ(m_window.countOf(WM_NCCREATE), 1);
+    EXPECT_EQ(m_window.countOf(WM_CREATE), 1);
+    EXPECT_TRUE(m_window.DestroyWindow());
+    EXPECT_EQ(m_window.messages.back(), static_cast<UINT>(WM_NCDESTROY));
+    ASSERT_TRUE(m_window.createVisible());
+    EXPECT_GT(m_window.countOf(WM_GETMINMAXINFO), 0);
+    EXPECT_TRUE(m_window.DestroyWindow());
+    EXPECT_TRUE(m_window.alwaysHadItsHandle);
+}
+
+TEST_F(Window, EndsOnceAndMayBeMadeAgain) {
+    EXPECT_FALSE(m_window.DestroyWindow());
+    ASSERT_TRUE(m_window.create());
+    EXPECT_TRUE(m_window.DestroyWindow());
+    EXPECT_FALSE(m_window.DestroyWindow());
+    EXPECT_EQ(m_window.ends, 1);
+    expectMade();
+}
+
+TEST_F(Window, EndsWhenSomebodyElseDestroysIt) {
+    ASSERT_TRUE(m_window.create());
+    ::DestroyWindow(m_window.m_hWnd);
+    EXPECT_EQ(m_window.m_hWnd, nullptr);
+    EXPECT_EQ(m_window.ends, 1);
+}
+
+TEST_F(Window, MayDeleteItselfInTheEndEvenOfItsMaking) {
+    for (const bool isMade : {true, false}) {
+        bool wasDeleted = false;
+        auto* window = new TestWindow;
+        window->wasDeleted = &wasDeleted;
+        if (!isMade) window->at(WM_CREATE, throwNumber);
+        ASSERT_EQ(window->create() != FALSE, isMade);
+        if (isMade) window->DestroyWindow();
+        EXPECT_TRUE(wasDeleted);
+    }
+}
+
+TEST_F(Window, MayRefuseToBeMade) {
+    for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
+        m_window.refused = message == WM_NCCREATE ? message : 0;
+        m_window.at(message, throwNumber);
+        expectNotMade();
+    }
+    m_window.script = {};
+    m_window.refused = WM_NCCREATE;
+    expectNotMade();
+    m_window.refused = 0;
+    expectMade();
+}
+
+TEST_F(Window, OfAnUnknownClassIsNotMade) {
+    EXPECT_FALSE(m_window.create(L"no such class"));
+    EXPECT_EQ(m_window.m_hWnd, nullptr);
     // Nor does it take the thread's next window for its own.
-    const HWND other = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                         nullptr, nullptr);
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    EXPECT_TRUE(window.messages.empty());
-    ::DestroyWindow(other);
+    makeAnothers();
+    EXPECT_EQ(m_window.m_hWnd, nullptr);
+    EXPECT_TRUE(m_window.messages.empty());
 }
 
 // Refuses every window of this thread.
 class WindowVeto {
-  public:
-    WindowVeto() { m_hook = ::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId()); }
-    ~WindowVeto() { ::UnhookWindowsHookEx(m_hook); }
-    WindowVeto(const WindowVeto&) = delete;
-    WindowVeto& operator=(const WindowVeto&) = delete;
-
-  private:
     static LRESULT CALLBACK refuse(int code, WPARAM, LPARAM) { return code == HCBT_CREATEWND; }
 
-    HHOOK m_hook;
+    UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook{
+        ::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId())};
 };
 
-TEST(Window, RefusedByAHookIsNotMade) {
-    TestWindow window;
+TEST_F(Window, RefusedByAHookIsNotMade) {
     {
         const WindowVeto veto;
-        EXPECT_FALSE(window.createMessageOnly());
-        EXPECT_EQ(window.GetSafeHwnd(), nullptr);
+        expectNotMade();
     }
-    EXPECT_TRUE(window.createMessageOnly());
-    EXPECT_EQ(::SendMessageW(window.m_hWnd, kRequest, 40, 2), 42);
+    expectMade();
 }
 
-TEST(Window, MayDeleteItselfWhenItRefusesToBeMade) {
-    bool wasDeleted = false;
-    auto* window = new TestWindow;
-    window->deletesItself = true;
-    window->wasDeleted = &wasDeleted;
-    window->script = [](UINT message) {
-        if (message == WM_CREATE) throw std::runtime_error("no");
-    };
-    EXPECT_FALSE(window->createMessageOnly());
-    EXPECT_TRUE(wasDeleted);
-}
-
-TEST(Window, TellsOtherThreadsItsHandleWhileItComesAndGoes) {
-    TestWindow window;
+TEST_F(Window, TellsOtherThreadsItsHandleWhileItComesAndGoes) {
     std::atomic<bool> isDone = false;
     std::atomic<bool> wasSeen = false;
     std::thread reader([&] {
-        while (!isDone) wasSeen = wasSeen || window.GetSafeHwnd() != nullptr;
+        while (!isDone) wasSeen = wasSeen || m_window.GetSafeHwnd() != nullptr;
     });
     EXPECT_TRUE(eventually([&] {
-        window.createMessageOnly();
+        m_window.create();
         ::Sleep(1);
-        window.DestroyWindow();
+        m_window.DestroyWindow();
         return wasSeen.load();
     }));
     isDone = true;
     reader.join();
 }
 
-TEST(Window, LetsNoExceptionThrough) {
-    const std::vector<std::function<void()>> throwers = {
-        [] { throw std::runtime_error("no"); }, [] { throw 7; }, [] { AfxThrowMemoryException(); }};
-    for (const auto& thrower : throwers) {
+TEST_F(Window, LetsNoExceptionThrough) {
+    const std::vector<void (*)()> throwers = {[] { throw std::runtime_error("no"); }, throwNumber,
+                                              [] { AfxThrowMemoryException(); }};
+    for (const auto thrower : throwers) {
         TestWindow window;
-        ASSERT_TRUE(window.createMessageOnly());
-        window.script = [&](UINT) { thrower(); };
-        EXPECT_EQ(::SendMessageW(window.m_hWnd, kRequest, 40, 2), 0);
+        ASSERT_TRUE(window.create());
+        window.script = [=](UINT) { thrower(); };
+        EXPECT_EQ(window.ask(40, 2), 0);
         EXPECT_TRUE(window.DestroyWindow());
         EXPECT_EQ(window.m_hWnd, nullptr);
         EXPECT_EQ(window.ends, 1);
     }
 }
 
-TEST(Window, ThatCannotPaintIsNotAskedAgain) {
-    TestWindow window;
-    ASSERT_TRUE(window.createVisible());
-    window.script = [](UINT message) {
-        if (message == WM_PAINT) throw 7;
-    };
-    ::InvalidateRect(window.m_hWnd, nullptr, FALSE);
-    ::SendMessageW(window.m_hWnd, WM_PAINT, 0, 0);
-    EXPECT_FALSE(::GetUpdateRect(window.m_hWnd, nullptr, FALSE));
-    window.DestroyWindow();
+TEST_F(Window, ThatCannotPaintIsNotAskedAgain) {
+    ASSERT_TRUE(m_window.createVisible());
+    m_window.at(WM_PAINT, throwNumber);
+    ::InvalidateRect(m_window.m_hWnd, nullptr, FALSE);
+    ::SendMessageW(m_window.m_hWnd, WM_PAINT, 0, 0);
+    EXPECT_FALSE(::GetUpdateRect(m_window.m_hWnd, nullptr, FALSE));
+    m_window.DestroyWindow();
 }
 
-TEST(Window, MayBeAControl) {
-    TestWindow window;
-    ASSERT_TRUE(window.CreateEx(0, L"EDIT", L"first", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr));
-    ::SetWindowTextW(window.m_hWnd, L"second");
-    EXPECT_TRUE(window.received(WM_SETTEXT));
-    ::SendMessageW(window.m_hWnd, EM_SETSEL, 0, -1);
-    ::SendMessageW(window.m_hWnd, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"third"));
+TEST_F(Window, MayBeAControl) {
+    ASSERT_TRUE(m_window.create(L"EDIT"));
+    ::SetWindowTextW(m_window.m_hWnd, L"second");
+    EXPECT_EQ(m_window.countOf(WM_SETTEXT), 1);
+    ::SendMessageW(m_window.m_hWnd, EM_SETSEL, 0, -1);
+    ::SendMessageW(m_window.m_hWnd, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L"third"));
     wchar_t text[10] = L"";
-    ::GetWindowTextW(window.m_hWnd, text, 10);
+    ::GetWindowTextW(m_window.m_hWnd, text, 10);
     EXPECT_STREQ(text, L"third");
 }
 
-TEST(Window, MayMakeAnotherWhileItIsMade) {
-    TestWindow window;
+TEST_F(Window, MayMakeAnotherWhileItIsMade) {
     TestWindow inner;
-    window.script = [&](UINT message) {
-        if (message == WM_CREATE) inner.createMessageOnly();
-    };
-    ASSERT_TRUE(window.createMessageOnly());
+    m_window.at(WM_CREATE, [&] { inner.create(); });
+    ASSERT_TRUE(m_window.create());
     EXPECT_NE(inner.m_hWnd, nullptr);
-    EXPECT_NE(inner.m_hWnd, window.m_hWnd);
+    EXPECT_NE(inner.m_hWnd, m_window.m_hWnd);
     EXPECT_EQ(inner.countOf(WM_CREATE), 1);
-    EXPECT_EQ(window.countOf(WM_CREATE), 1);
+    EXPECT_EQ(m_window.countOf(WM_CREATE), 1);
 }
 
-TEST(Window, GoesWithItsObject) {
-    HWND handle = nullptr;
+TEST_F(Window, GoesWithItsObjectUnlessItIsSomebodyElses) {
+    makeAnothers();
+    HWND own = nullptr;
     {
         TestWindow window;
-        ASSERT_TRUE(window.createMessageOnly());
-        handle = window.m_hWnd;
+        ASSERT_TRUE(window.create());
+        own = window.m_hWnd;
+        CWnd attached;
+        EXPECT_TRUE(attached.Attach(m_others));
+        EXPECT_EQ(attached.m_hWnd, m_others);
     }
-    EXPECT_FALSE(::IsWindow(handle));
+    EXPECT_FALSE(::IsWindow(own));
+    EXPECT_TRUE(::IsWindow(m_others));
 }
 
-TEST(Window, OfSomebodyElseStays) {
-    const HWND handle = ::CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                          nullptr, nullptr);
-    {
-        CWnd window;
-        EXPECT_TRUE(window.Attach(handle));
-        EXPECT_EQ(window.m_hWnd, handle);
-    }
-    EXPECT_TRUE(::IsWindow(handle));
-    ::DestroyWindow(handle);
-}
-
-TEST(Window, LetGoOfGoesOnAsItsClassHasMadeIt) {
-    TestWindow window;
-    ASSERT_TRUE(window.CreateEx(0, L"EDIT", L"", 0, 0, 0, 10, 10, HWND_MESSAGE, nullptr));
-    const HWND handle = window.Detach();
-    EXPECT_EQ(window.m_hWnd, nullptr);
-    window.messages.clear();
-    ::SetWindowTextW(handle, L"text");
-    EXPECT_TRUE(window.messages.empty());
-    EXPECT_EQ(::GetWindowTextLengthW(handle), 4);
-    ::DestroyWindow(handle);
-    EXPECT_EQ(window.ends, 0);
+TEST_F(Window, LetGoOfGoesOnAsItsClassHasMadeIt) {
+    ASSERT_TRUE(m_window.create(L"EDIT"));
+    m_others = m_window.Detach();
+    EXPECT_EQ(m_window.m_hWnd, nullptr);
+    m_window.messages.clear();
+    ::SetWindowTextW(m_others, L"text");
+    EXPECT_TRUE(m_window.messages.empty());
+    EXPECT_EQ(::GetWindowTextLengthW(m_others), 4);
+    EXPECT_EQ(m_window.ends, 0);
 }
 
 TEST(WindowClass, IsRegisteredOnceForTheSameTraits) {
