@@ -6,7 +6,6 @@
 #include <memory>
 #include <type_traits>
 
-#include "tests/support/SlotOrder.h"
 #include "tests/support/TempFile.h"
 
 namespace {
@@ -286,18 +285,6 @@ TEST(FileDataSourceSizes, TakesABufferOfNoSize) {
         EXPECT_EQ(source.ReadLine(line, sizeof line), 0);
         EXPECT_EQ(source.Read(line, sizeof line), 2);
     }
-}
-
-TEST(DataSourceSlots, StandInTheirOrder) {
-    EXPECT_EQ(slotOf(&CUT_DataSource::Clone), 2u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Open), 3u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Close), 4u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::ReadLine), 5u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::WriteLine), 6u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Read), 7u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Write), 8u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Seek), 9u);
-    EXPECT_EQ(slotOf(&CUT_DataSource::Find), 10u);
 }
 
 TEST(OpenMsgTypes, HaveTheirNumbers) {

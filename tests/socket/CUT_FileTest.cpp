@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/SlotOrder.h"
 #include "tests/support/TempFile.h"
 
 namespace {
@@ -124,15 +123,6 @@ TEST_F(File, IsClosedByItsDestructor) {
         EXPECT_FALSE(canBeDeleted(path));
     }
     EXPECT_TRUE(canBeDeleted(path));
-}
-
-TEST(FileSlots, StandInTheirOrder) {
-    EXPECT_EQ(slotOf(&CUT_File::Open), 2u);
-    EXPECT_EQ(slotOf(&CUT_File::Close), 3u);
-    EXPECT_EQ(slotOf(&CUT_File::Read), 4u);
-    EXPECT_EQ(slotOf(&CUT_File::Write), 5u);
-    EXPECT_EQ(slotOf(&CUT_File::Seek), 6u);
-    EXPECT_EQ(slotOf(&CUT_File::GetSize), 7u);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include "NyServer/base/UniqueHandle.h"
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/SlotOrder.h"
 
 namespace {
 
@@ -22,25 +21,10 @@ class PlainServer : public CUT_WSServer {
     using CUT_WSServer::Pause;
     using CUT_WSServer::Resume;
 
-    static std::vector<size_t> slots() {
-        return {slotOf(&PlainServer::ConnectToPort),   slotOf(&PlainServer::Pause),
-                slotOf(&PlainServer::Resume),          slotOf(&PlainServer::CreateInstance),
-                slotOf(&PlainServer::ReleaseInstance), slotOf(&PlainServer::OnCanAccept),
-                slotOf(&PlainServer::OnStatus),        slotOf(&PlainServer::OnError)};
-    }
-
   protected:
     CUT_WSThread* CreateInstance() override { return nullptr; }
     void ReleaseInstance(CUT_WSThread*) override {}
 };
-
-TEST(ServerSlots, StandInTheirOrder) {
-    EXPECT_THAT(PlainServer::slots(), ElementsAre(2, 3, 4, 5, 6, 7, 8, 9));
-}
-
-// The type of the address is part of the exported name.
-static_assert(std::is_same_v<decltype(&CUT_WSServer::TempConnect),
-                             int (CUT_WSServer::*)(unsigned int, char*)>);
 
 TEST(ServerHooks, AnswerFixedValues) {
     PlainServer server;

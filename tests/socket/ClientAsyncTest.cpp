@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 #include "tests/support/Gate.h"
 #include "tests/support/Guarded.h"
 

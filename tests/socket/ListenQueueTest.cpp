@@ -2,7 +2,7 @@
 // to the size that it is given.
 #include <gtest/gtest.h>
 
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 #include "tests/socket/ProbeServer.h"
 #include "tests/socket/QueuedConnections.h"
 

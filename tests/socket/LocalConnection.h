@@ -17,6 +17,14 @@ inline sockaddr_in loopbackAddress(unsigned int port) {
     return address;
 }
 
+// Of the socket's own end.
+inline sockaddr_in addressOf(SOCKET socket) {
+    sockaddr_in own{};
+    int length = sizeof own;
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &length);
+    return own;
+}
+
 // An invalid socket when nobody listens.
 inline UniqueSocket connectTo(unsigned int port) {
     UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));

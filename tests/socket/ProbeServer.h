@@ -11,7 +11,7 @@
 #include "NyServer/socket/CUT_WSServer.h"
 #include "NyServer/socket/SocketCodes.h"
 #include "tests/socket/LocalConnection.h"
-#include "tests/socket/ProbeWorker.h"
+#include "tests/socket/Probes.h"
 #include "tests/support/Gate.h"
 
 // What happened in a server, in its order. It outlives the server.
