@@ -98,13 +98,7 @@ class EndTest : public testing::Test {
         ASSERT_EQ(m_end.WaitForReceive(10, 0), UTE_SUCCESS);
         m_end.codes.clear();
     }
-    int optionOf(int option) {
-        int value = -1;
-        int length = sizeof value;
-        ::getsockopt(m_pair.nearEnd(), SOL_SOCKET, option, reinterpret_cast<char*>(&value),
-                     &length);
-        return value;
-    }
+    int optionOf(int option) { return peers::optionOf(m_pair.nearEnd(), option); }
     bool isBlocking() {
         char byte = 0;
         m_end.SetReceiveTimeOut(50);

@@ -25,6 +25,13 @@ inline sockaddr_in addressOf(SOCKET socket) {
     return own;
 }
 
+inline int optionOf(SOCKET socket, int option) {
+    int value = -1;
+    int length = sizeof value;
+    ::getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &length);
+    return value;
+}
+
 // An invalid socket when nobody listens.
 inline UniqueSocket connectTo(unsigned int port) {
     UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
@@ -36,6 +43,10 @@ inline UniqueSocket connectTo(unsigned int port) {
 
 inline Connection connectionTo(unsigned int port) {
     return {connectTo(port), kNeverStopping};
+}
+
+inline bool isReachable(unsigned int port) {
+    return static_cast<bool>(connectTo(port));
 }
 
 // A port that was free a moment ago.

@@ -39,10 +39,8 @@ const Step kSteps[] = {
     {"Made", [](Scene&) {}},
     {"UnableToListen",
      [](Scene& scene) {
-         const UniqueSocket taken = peers::bindToLoopback();
-         const auto port = static_cast<unsigned short>(peers::portOf(taken));
-         EXPECT_EQ(scene.server->ConnectToPort(port, 5, AF_INET, ::htonl(INADDR_LOOPBACK)),
-                   UTE_SOCK_BIND_FAILED);
+         const peers::RefusingPort taken;
+         EXPECT_EQ(scene.server->listenOn(taken.port()), UTE_SOCK_BIND_FAILED);
      }},
     {"Listening", [](Scene& scene) { EXPECT_EQ(scene.server->listen(), UTE_SUCCESS); }},
     {"ListeningWithAPeer",
