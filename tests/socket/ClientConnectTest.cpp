@@ -43,7 +43,7 @@ class ClientConnect : public testing::Test {
     }
 
     char m_loopback[10] = "127.0.0.1";
-    peers::Peer m_peer{peers::dripping("x", 0)};
+    peers::Peer m_peer{peers::sending("x")};
     ProbeClient m_client;
 };
 

@@ -9,14 +9,6 @@ namespace peers {
 
 inline const std::atomic<bool> kNeverStopping = false;
 
-inline sockaddr_in loopbackAddress(unsigned int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = ::htons(static_cast<u_short>(port));
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-    return address;
-}
-
 // Of the socket's own end.
 inline sockaddr_in addressOf(SOCKET socket) {
     sockaddr_in own{};

@@ -7,7 +7,6 @@
 #include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/socket/QueuedConnections.h"
 #include "tests/support/Threads.h"
 
 namespace {
