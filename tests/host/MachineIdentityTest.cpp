@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "tests/host/AdapterChain.h"
 #include "tests/support/CStringPrinter.h"
 
 namespace {
@@ -22,15 +26,34 @@ struct Adapter {
     std::vector<std::string> addresses;
 };
 
-AdapterChain chainOf(const std::vector<Adapter>& adapters) {
-    AdapterChain chain;
-    for (const Adapter& adapter : adapters) chain.add(adapter.hardware, adapter.addresses);
-    return chain;
-}
+// Their list.
+class AdapterChain {
+  public:
+    explicit AdapterChain(const std::vector<Adapter>& adapters) : m_infos(adapters.size()) {
+        for (size_t i = 0; i < adapters.size(); ++i) fill(m_infos[i], adapters[i]);
+        for (size_t i = 1; i < adapters.size(); ++i) m_infos[i - 1].Next = &m_infos[i];
+    }
+    // Null when the list is empty.
+    IP_ADAPTER_INFO* first() { return m_infos.empty() ? nullptr : m_infos.data(); }
+
+  private:
+    void fill(IP_ADAPTER_INFO& info, const Adapter& adapter) {
+        info.AddressLength = static_cast<UINT>(adapter.hardware.size());
+        std::ranges::copy(adapter.hardware, info.Address);
+        IP_ADDR_STRING* place = &info.IpAddressList;
+        for (size_t i = 0; i < adapter.addresses.size(); ++i) {
+            if (i > 0) place = place->Next = &m_addresses.emplace_back();
+            std::strcpy(place->IpAddress.String, adapter.addresses[i].c_str());
+        }
+    }
+
+    std::vector<IP_ADAPTER_INFO> m_infos;
+    std::deque<IP_ADDR_STRING> m_addresses;  // which do not move when more come
+};
 
 CString hardwareAddress(const std::vector<Adapter>& adapters, LPCWSTR ipAddress,
                         LPCWSTR separator = L"-") {
-    return machineidentity::hardwareAddress(chainOf(adapters).first(), ipAddress, separator);
+    return machineidentity::hardwareAddress(AdapterChain(adapters).first(), ipAddress, separator);
 }
 
 TEST(HardwareAddress, IsThatOfTheFirstAdapterWithTheAddressOrElseOfTheLast) {
@@ -77,9 +100,8 @@ TEST(HardwareAddress, JoinsThePairsByAnySeparator) {
 }
 
 TEST(HardwareAddress, ReadsNoByteBeyondTheEight) {
-    AdapterChain chain;
-    chain.add({1, 2, 3, 4, 5, 6, 7, 8}, {"10.0.0.1"});
-    chain.last().AddressLength = 1000;
+    AdapterChain chain({{{1, 2, 3, 4, 5, 6, 7, 8}, {"10.0.0.1"}}});
+    chain.first()->AddressLength = 1000;
     EXPECT_EQ(machineidentity::hardwareAddress(chain.first(), L"10.0.0.1", L"-"),
               L"01-02-03-04-05-06-07-08");
 }
@@ -111,7 +133,7 @@ TEST(VolumeSerial, OfNoVolumeIsZero) {
 }
 
 CString identityOf(const std::vector<Adapter>& adapters, LPCWSTR ipAddress, LPCWSTR drive = L"C") {
-    return machineidentity::identityOf(chainOf(adapters).first(), ipAddress, drive);
+    return machineidentity::identityOf(AdapterChain(adapters).first(), ipAddress, drive);
 }
 
 TEST(Identity, IsTheHardwareAddressWhereThereIsOne) {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/host/AdapterChain.h"
-#include "tests/host/WinsockStarts.h"
+#include "NyServer/host/MachineIdentity.h"
 #include "tests/support/CStringPrinter.h"
+#include "tests/support/WinsockStarts.h"
 
 namespace {
 

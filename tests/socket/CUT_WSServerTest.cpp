@@ -5,6 +5,7 @@
 
 #include "NyServer/base/UniqueHandle.h"
 #include "tests/socket/ProbeServer.h"
+#include "tests/support/WinsockStarts.h"
 
 namespace {
 
@@ -154,17 +155,10 @@ TEST_F(Server, StopsWithoutHavingBeenStarted) {
 class ServerAndWinsock : public testing::Test {
   protected:
     // How many starts of Winsock in this process, since this was made, are not yet cleaned up.
-    int starts() const { return countStarts() - m_before; }
+    int starts() const { return WinsockStarts::count() - m_before; }
 
   private:
-    static int countStarts() {
-        int count = 0;
-        while (::WSACleanup() == 0) ++count;
-        WSADATA data;
-        for (int i = 0; i < count; ++i) ::WSAStartup(MAKEWORD(2, 2), &data);
-        return count;
-    }
-    const int m_before = countStarts();
+    const int m_before = WinsockStarts::count();
 };
 
 TEST_F(ServerAndWinsock, StartsOnceForItselfAndOnceForEachListening) {

@@ -6,6 +6,7 @@
 #include "tests/socket/OtherHandle.h"
 #include "tests/socket/Peers.h"
 #include "tests/socket/Probes.h"
+#include "tests/support/WinsockStarts.h"
 
 namespace {
 
@@ -120,10 +121,7 @@ TEST(ClientAndWinsock, EachObjectKeepsOneStart) {
         CUT_WSClient client;
         client.Reset();
         EXPECT_EQ(client.Reset(), UTE_SUCCESS);
-        EXPECT_EQ(::WSACleanup(), 0);
-        EXPECT_EQ(::WSACleanup(), SOCKET_ERROR) << "there was one";
-        WSADATA data{};
-        ::WSAStartup(MAKEWORD(2, 2), &data);
+        EXPECT_EQ(WinsockStarts::count(), 1);
     }
     EXPECT_EQ(::WSACleanup(), SOCKET_ERROR);
     EXPECT_EQ(::WSAGetLastError(), WSANOTINITIALISED);
