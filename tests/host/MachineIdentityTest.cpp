@@ -2,121 +2,118 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "tests/host/AdapterChain.h"
 #include "tests/support/CStringPrinter.h"
 
 namespace {
 
-const std::vector<BYTE> kFirst = {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
-const std::vector<BYTE> kSecond = {0x02, 0xFF, 0x00, 0x10, 0xA0, 0x0B};
+using Bytes = std::vector<BYTE>;
+
+const Bytes kFirst = {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
+const Bytes kSecond = {0x02, 0xFF, 0x00, 0x10, 0xA0, 0x0B};
 const CString kFirstText = L"00-1a-2b-3c-4d-5e";
 const CString kSecondText = L"02-ff-00-10-a0-0b";
 
-CString hardwareAddress(const AdapterChain& chain, LPCWSTR ipAddress, LPCWSTR separator = L"-") {
-    return machineidentity::hardwareAddress(chain.first(), ipAddress, separator);
+// Adapters as the system would give them: their hardware and their addresses.
+struct Adapter {
+    Bytes hardware;
+    std::vector<std::string> addresses;
+};
+
+// Their list.
+class AdapterChain {
+  public:
+    explicit AdapterChain(const std::vector<Adapter>& adapters) : m_infos(adapters.size()) {
+        for (size_t i = 0; i < adapters.size(); ++i) fill(m_infos[i], adapters[i]);
+        for (size_t i = 1; i < adapters.size(); ++i) m_infos[i - 1].Next = &m_infos[i];
+    }
+    // Null when the list is empty.
+    IP_ADAPTER_INFO* first() { return m_infos.empty() ? nullptr : m_infos.data(); }
+
+  private:
+    void fill(IP_ADAPTER_INFO& info, const Adapter& adapter) {
+        info.AddressLength = static_cast<UINT>(adapter.hardware.size());
+        std::ranges::copy(adapter.hardware, info.Address);
+        IP_ADDR_STRING* place = &info.IpAddressList;
+        for (size_t i = 0; i < adapter.addresses.size(); ++i) {
+            if (i > 0) place = place->Next = &m_addresses.emplace_back();
+            std::strcpy(place->IpAddress.String, adapter.addresses[i].c_str());
+        }
+    }
+
+    std::vector<IP_ADAPTER_INFO> m_infos;
+    std::deque<IP_ADDR_STRING> m_addresses;  // which do not move when more come
+};
+
+CString hardwareAddress(const std::vector<Adapter>& adapters, LPCWSTR ipAddress,
+                        LPCWSTR separator = L"-") {
+    return machineidentity::hardwareAddress(AdapterChain(adapters).first(), ipAddress, separator);
 }
 
-TEST(HardwareAddress, IsEmptyWithoutAdapters) {
-    EXPECT_EQ(hardwareAddress(AdapterChain(), L"10.0.0.1"), CString());
-    EXPECT_EQ(hardwareAddress(AdapterChain(), L""), CString());
-}
-
-TEST(HardwareAddress, IsSeventeenCharactersOfLowerCaseHex) {
-    const AdapterChain chain = AdapterChain().add(kFirst, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
-    EXPECT_EQ(kFirstText.GetLength(), 17);
+TEST(HardwareAddress, IsThatOfTheFirstAdapterWithTheAddressOrElseOfTheLast) {
+    const Adapter first{kFirst, {"10.0.0.1"}};
+    const Adapter second{kSecond, {"10.0.0.2", "10.0.0.3"}};
+    const Adapter none{{}, {"127.0.0.1"}};
+    const struct {
+        const char* story;
+        std::vector<Adapter> adapters;
+        LPCWSTR ipAddress;
+        CString found;
+    } rows[] = {
+        {"no adapters", {}, L"10.0.0.1", L""},
+        {"neither adapters nor address", {}, L"", L""},
+        {"the first", {first, second}, L"10.0.0.1", kFirstText},
+        {"the second", {first, second}, L"10.0.0.2", kSecondText},
+        {"by its other address", {first, second}, L"10.0.0.3", kSecondText},
+        {"the first of two", {first, {kSecond, {"10.0.0.1"}}}, L"10.0.0.1", kFirstText},
+        {"none matches", {first, second}, L"192.168.0.1", kSecondText},
+        {"no address", {first, second}, L"", kSecondText},
+        {"whole addresses only",
+         {{kFirst, {"10.0.0.11"}}, {kFirst, {"10.0.0."}}, {kSecond, {"0.0.0.0"}}},
+         L"10.0.0.1",
+         kSecondText},
+        {"any case", {{kFirst, {"fe80::a"}}, second}, L"FE80::A", kFirstText},
+        {"no address of an adapter without one", {{kFirst, {""}}, second}, L"", kFirstText},
+        {"an adapter without hardware", {first, none}, L"127.0.0.1", L""},
+        {"the last without hardware", {first, none}, L"192.168.0.1", L""},
+        {"before one without hardware", {first, none}, L"10.0.0.1", kFirstText},
+        {"one byte", {{{0x0F}, {"10.0.0.1"}}}, L"10.0.0.1", L"0f"},
+        {"eight bytes",
+         {{{1, 2, 3, 4, 5, 6, 7, 0xF8}, {"10.0.0.1"}}},
+         L"10.0.0.1",
+         L"01-02-03-04-05-06-07-f8"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(hardwareAddress(row.adapters, row.ipAddress), row.found) << row.story;
 }
 
 TEST(HardwareAddress, JoinsThePairsByAnySeparator) {
-    const AdapterChain chain = AdapterChain().add(kFirst, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1", L""), L"001a2b3c4d5e");
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1", L", "), L"00, 1a, 2b, 3c, 4d, 5e");
-}
-
-TEST(HardwareAddress, IsThatOfTheAdapterWithTheAddress) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.2"), kSecondText);
-}
-
-TEST(HardwareAddress, IsThatOfTheFirstOfSeveralWithTheAddress) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
-}
-
-TEST(HardwareAddress, IsFoundByEachAddressOfAnAdapter) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1", "10.0.0.2", "10.0.0.3"}).add(kSecond, {"10.0.0.4"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.2"), kFirstText);
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.3"), kFirstText);
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.4"), kSecondText);
-}
-
-TEST(HardwareAddress, IsTheLastAdaptersWhenNoneMatches) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2", "10.0.0.3"});
-    EXPECT_EQ(hardwareAddress(chain, L"192.168.0.1"), kSecondText);
-    EXPECT_EQ(hardwareAddress(chain, L""), kSecondText);
-}
-
-TEST(HardwareAddress, MatchesWholeAddressesOnly) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.11"}).add(kFirst, {"10.0.0."}).add(kSecond, {"0.0.0.0"});
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kSecondText);
-}
-
-TEST(HardwareAddress, MatchesWithoutRegardToCase) {
-    AdapterChain chain;
-    chain.add(kFirst, {"fe80::a"}).add(kSecond, {"10.0.0.2"});
-    EXPECT_EQ(hardwareAddress(chain, L"FE80::A"), kFirstText);
-}
-
-TEST(HardwareAddress, OfAnUnknownAddressMayBeMatchedByAnAdapterWithoutOne) {
-    AdapterChain chain;
-    chain.add(kFirst, {""}).add(kSecond, {"10.0.0.2"});
-    EXPECT_EQ(hardwareAddress(chain, L""), kFirstText);
-}
-
-TEST(HardwareAddress, HasAsManyPairsAsTheAdapterHasBytes) {
-    AdapterChain none;
-    none.add({}, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(none, L"10.0.0.1"), CString());
-    AdapterChain one;
-    one.add({0x0F}, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(one, L"10.0.0.1"), L"0f");
-    AdapterChain eight;
-    eight.add({1, 2, 3, 4, 5, 6, 7, 0xF8}, {"10.0.0.1"});
-    EXPECT_EQ(hardwareAddress(eight, L"10.0.0.1"), L"01-02-03-04-05-06-07-f8");
+    const Adapter adapter{kFirst, {"10.0.0.1"}};
+    EXPECT_EQ(hardwareAddress({adapter}, L"10.0.0.1", L""), L"001a2b3c4d5e");
+    EXPECT_EQ(hardwareAddress({adapter}, L"10.0.0.1", L", "), L"00, 1a, 2b, 3c, 4d, 5e");
 }
 
 TEST(HardwareAddress, ReadsNoByteBeyondTheEight) {
-    AdapterChain chain;
-    chain.add({1, 2, 3, 4, 5, 6, 7, 8}, {"10.0.0.1"});
-    chain.last().AddressLength = 1000;
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), L"01-02-03-04-05-06-07-08");
-}
-
-TEST(HardwareAddress, OfAnAdapterWithoutOneReplacesWhatWasFoundBefore) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1"}).add({}, {"127.0.0.1"});
-    EXPECT_EQ(hardwareAddress(chain, L"127.0.0.1"), CString());
-    EXPECT_EQ(hardwareAddress(chain, L"192.168.0.1"), CString());
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.1"), kFirstText);
+    AdapterChain chain({{{1, 2, 3, 4, 5, 6, 7, 8}, {"10.0.0.1"}}});
+    chain.first()->AddressLength = 1000;
+    EXPECT_EQ(machineidentity::hardwareAddress(chain.first(), L"10.0.0.1", L"-"),
+              L"01-02-03-04-05-06-07-08");
 }
 
 TEST(HardwareAddress, IsFoundAmongForty) {
-    AdapterChain chain;
-    for (int i = 0; i < 40; ++i) {
-        chain.add({0, 0, 0, 0, 0, static_cast<BYTE>(i)}, {"10.0.0." + std::to_string(i)});
-    }
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.0"), L"00-00-00-00-00-00");
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.20"), L"00-00-00-00-00-14");
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.0.39"), L"00-00-00-00-00-27");
-    EXPECT_EQ(hardwareAddress(chain, L"10.0.1.0"), L"00-00-00-00-00-27");
+    std::vector<Adapter> adapters;
+    for (int i = 0; i < 40; ++i)
+        adapters.push_back({{static_cast<BYTE>(i)}, {"10.0.0." + std::to_string(i)}});
+    EXPECT_EQ(hardwareAddress(adapters, L"10.0.0.0"), L"00");
+    EXPECT_EQ(hardwareAddress(adapters, L"10.0.0.20"), L"14");
+    EXPECT_EQ(hardwareAddress(adapters, L"10.0.0.39"), L"27");
+    EXPECT_EQ(hardwareAddress(adapters, L"10.0.1.0"), L"27");
 }
 
 DWORD systemVolumeSerial() {
@@ -135,23 +132,20 @@ TEST(VolumeSerial, OfNoVolumeIsZero) {
     EXPECT_EQ(machineidentity::volumeSerial(L"not a drive"), L"0");
 }
 
-TEST(Identity, IsTheHardwareAddressWhereThereIsOne) {
-    AdapterChain chain;
-    chain.add(kFirst, {"10.0.0.1"}).add(kSecond, {"10.0.0.2"});
-    EXPECT_EQ(machineidentity::identityOf(chain.first(), L"10.0.0.2", L"C"), kSecondText);
+CString identityOf(const std::vector<Adapter>& adapters, LPCWSTR ipAddress, LPCWSTR drive = L"C") {
+    return machineidentity::identityOf(AdapterChain(adapters).first(), ipAddress, drive);
 }
 
-TEST(Identity, IsTheVolumesSerialWithoutAdapters) {
-    EXPECT_EQ(machineidentity::identityOf(nullptr, L"10.0.0.1", L"C"),
-              machineidentity::volumeSerial(L"C"));
-    EXPECT_EQ(machineidentity::identityOf(nullptr, L"10.0.0.1", L"not a drive"), L"0");
+TEST(Identity, IsTheHardwareAddressWhereThereIsOne) {
+    EXPECT_EQ(identityOf({{kFirst, {"10.0.0.1"}}, {kSecond, {"10.0.0.2"}}}, L"10.0.0.2"),
+              kSecondText);
 }
 
 TEST(Identity, IsTheVolumesSerialWithoutAnyHardwareAddress) {
-    AdapterChain chain;
-    chain.add({}, {"127.0.0.1"});
-    EXPECT_EQ(machineidentity::identityOf(chain.first(), L"127.0.0.1", L"C"),
-              machineidentity::volumeSerial(L"C"));
+    const CString serial = machineidentity::volumeSerial(L"C");
+    EXPECT_EQ(identityOf({}, L"10.0.0.1"), serial) << "without adapters";
+    EXPECT_EQ(identityOf({}, L"10.0.0.1", L"not a drive"), L"0");
+    EXPECT_EQ(identityOf({{{}, {"127.0.0.1"}}}, L"127.0.0.1"), serial);
 }
 
 std::vector<std::string> namesIn(const std::vector<IP_ADAPTER_INFO>& adapters) {
@@ -213,9 +207,7 @@ TEST(AdapterList, IsReadAtOnceWhereItFits) {
 
 TEST(AdapterList, GrowsToWhatTheSystemAsksFor) {
     AdapterSystem system(40);
-    const auto adapters = system.read(16);
-    EXPECT_EQ(namesIn(adapters).size(), 40u);
-    EXPECT_EQ(namesIn(adapters).back(), "39");
+    EXPECT_EQ(namesIn(system.read(16)).size(), 40u);
     EXPECT_EQ(system.sizes, (std::vector<ULONG>{11264, 40 * sizeof(IP_ADAPTER_INFO)}));
 }
 

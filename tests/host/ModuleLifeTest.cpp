@@ -30,26 +30,14 @@ const char* const kRecords[] = {
     "NySeLockArray",    "NySeMessage",         "NySeUser",
     "NySeUserPtrArray", "NySeSessionLock",     "NySeSessionLockPtrArray"};
 
-TEST_F(Module, BringsAndTakesItsClasses) {
-    LoadedLibrary library = load();
-    for (const char* name : kRecords) EXPECT_TRUE(knows(name)) << name;
-    library.free();
-    for (const char* name : kRecords) EXPECT_FALSE(knows(name)) << name;
-}
-
-TEST_F(Module, BringsAndTakesItsTexts) {
-    LoadedLibrary library = load();
-    EXPECT_TRUE(hasText(IDS_NYSERVER_NAME));
-    library.free();
-    EXPECT_FALSE(hasText(IDS_NYSERVER_NAME));
-}
-
-TEST_F(Module, ComesAndGoesAHundredTimes) {
+TEST_F(Module, BringsAndTakesItsClassesAndTextsAHundredTimes) {
     for (int i = 0; i < 100; ++i) {
         LoadedLibrary library = load();
-        ASSERT_TRUE(knows("NySeLock"));
+        for (const char* name : kRecords) ASSERT_TRUE(knows(name)) << name;
+        ASSERT_TRUE(hasText(IDS_NYSERVER_NAME));
         library.free();
-        ASSERT_FALSE(knows("NySeLock"));
+        for (const char* name : kRecords) ASSERT_FALSE(knows(name)) << name;
+        ASSERT_FALSE(hasText(IDS_NYSERVER_NAME));
     }
 }
 
@@ -172,14 +160,13 @@ TEST_F(ModuleEntry, TakesTheModuleOutWhenTheProcessDetaches) {
 }
 
 TEST_F(ModuleEntry, DoesNothingForAnyOtherReason) {
-    for (const DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
-        EXPECT_EQ(enter(reason), 1);
-        EXPECT_FALSE(m_state.bInitialized);
-    }
-    enter(DLL_PROCESS_ATTACH);
-    for (const DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
-        EXPECT_EQ(enter(reason), 1);
-        EXPECT_TRUE(knowsVisitor());
+    for (const bool isAttached : {false, true}) {
+        if (isAttached) enter(DLL_PROCESS_ATTACH);
+        for (const DWORD reason : {DLL_THREAD_ATTACH, DLL_THREAD_DETACH, 4, 99}) {
+            EXPECT_EQ(enter(reason), 1);
+            EXPECT_EQ(m_state.bInitialized, isAttached);
+            EXPECT_TRUE(knowsVisitor());
+        }
     }
 }
 

@@ -53,27 +53,28 @@ TEST_F(ModuleResources, LieInTheModule) {
 
 TEST_F(ModuleResources, GiveTheirTextsWhateverModulesAreCurrent) {
     EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"the program's name");
-    EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), L"NyServer");
-    AfxSetResourceHandle(::GetModuleHandleW(L"NyBaseDll.dll"));
-    EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), L"NyServer");
-    EXPECT_EQ(NyServerDllLoadString(IDS_NYSERVER_VERSION).loadString(), L"Version %s");
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), L"NyServer");
+        EXPECT_EQ(NyServerDllLoadString(IDS_NYSERVER_VERSION).loadString(), L"Version %s");
+        AfxSetResourceHandle(::GetModuleHandleW(L"NyBaseDll.dll"));
+    }
 }
 
-TEST_F(ModuleResources, HaveNoTextOfAnotherModule) {
+TEST_F(ModuleResources, AreSearchedAfterTheCurrentModulesAndHaveNoTextOfThem) {
     EXPECT_EQ(searchedText(42000), L"of the program alone");
     EXPECT_EQ(moduleresources::loadString(42000), CString());
-}
-
-TEST_F(ModuleResources, AreSearchedAfterTheCurrentModules) {
     EXPECT_EQ(searchedText(IDS_NYSERVER_DESCRIPTION),
               L"Shared library of a collaborative design server");
 }
 
 TEST_F(ModuleResources, AreCurrentWhileASwitchLives) {
     {
-        const NyServerDllSwitchResource toModule;
+        NyServerDllSwitchResource toModule;
         EXPECT_EQ(AfxGetResourceHandle(), m_module);
         EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"NyServer");
+        AfxSetResourceHandle(::GetModuleHandleW(L"NyBaseDll.dll"));
+        toModule.setModuleResourceHandle();
+        EXPECT_EQ(AfxGetResourceHandle(), m_module) << "made current again";
     }
     EXPECT_EQ(AfxGetResourceHandle(), m_program);
     EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"the program's name");
@@ -88,16 +89,6 @@ TEST_F(ModuleResources, AreLeftForWhatWasCurrentBefore) {
         EXPECT_EQ(AfxGetResourceHandle(), m_module);
     }
     EXPECT_EQ(AfxGetResourceHandle(), other);
-}
-
-TEST_F(ModuleResources, MayBeMadeCurrentAgain) {
-    {
-        NyServerDllSwitchResource toModule;
-        AfxSetResourceHandle(::GetModuleHandleW(L"NyBaseDll.dll"));
-        toModule.setModuleResourceHandle();
-        EXPECT_EQ(AfxGetResourceHandle(), m_module);
-    }
-    EXPECT_EQ(AfxGetResourceHandle(), m_program);
 }
 
 TEST_F(ModuleResources, SwitchKeepsItsSlotsAndItsSize) {

@@ -46,41 +46,29 @@ class ListenerPostingToAWindow : public ListenerPosting {
 };
 
 TEST_F(ListenerPosting, NothingHappensWithoutAWindow) {
-    post("content");
-    expectUntouched(7, 7);
-}
-
-TEST_F(ListenerPosting, NothingHappensWithAnObjectWithoutAWindow) {
     CWnd none;
-    m_listener.setAppWnd(&none);
-    post("content");
-    expectUntouched(7, 7);
-}
-
-TEST_F(ListenerPosting, NothingHappensOnceTheWindowIsDestroyed) {
     MainWindow gone;
     gone.destroyWindow();
     ASSERT_NE(gone.wnd()->GetSafeHwnd(), nullptr);
-    m_listener.setAppWnd(gone.wnd());
-    post("content");
-    expectUntouched(7, 7);
+    fill("content");
+    for (CWnd* window : {static_cast<CWnd*>(nullptr), &none, gone.wnd()}) {
+        m_listener.setAppWnd(window);
+        post();
+        expectUntouched(7, 7);
+    }
 }
 
-TEST_F(ListenerPostingToAWindow, MovesTheWholeFileIntoTheBlock) {
+TEST_F(ListenerPostingToAWindow, MovesTheWholeFileIntoAnUnlockedMoveableBlock) {
     post(std::string("a\0c", 3));
     const auto all = posted();
     ASSERT_EQ(all.size(), 1u);
     EXPECT_EQ(all[0].message, kMessage);
     EXPECT_EQ(all[0].size, 3u);
     EXPECT_EQ(all[0].bytes, std::string("a\0c", 3));
+    EXPECT_TRUE(all[0].isMoveable);
+    EXPECT_EQ(all[0].lockCount, 0u);
     EXPECT_EQ(m_file.GetLength(), 0u);
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
-}
-
-TEST_F(ListenerPostingToAWindow, PostsTheAddressOfAnUnlockedMoveableBlock) {
-    post("content");
-    EXPECT_TRUE(posted().at(0).isMoveable);
-    EXPECT_EQ(posted().at(0).lockCount, 0u);
 }
 
 TEST_F(ListenerPostingToAWindow, PostsAnEmptyFileWithoutAnAddress) {
@@ -91,18 +79,15 @@ TEST_F(ListenerPostingToAWindow, PostsAnEmptyFileWithoutAnAddress) {
 }
 
 TEST_F(ListenerPostingToAWindow, CountsDownAsManyEmptyFilesAsItPosted) {
-    const auto consumeEmpty = [&] { const NyServerNotification empty(0, 0, &m_listener); };
     post("content");
     post("");
     post("");
     { const NyServerNotification forged(100, 16, &m_listener); }
     EXPECT_EQ(m_listener.getPostMsgCount(), 3);
-    consumeEmpty();
-    EXPECT_EQ(m_listener.getPostMsgCount(), 2);
-    consumeEmpty();
-    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
-    consumeEmpty();
-    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+    for (const int left : {2, 1, 1}) {
+        { const NyServerNotification empty(0, 0, &m_listener); }
+        EXPECT_EQ(m_listener.getPostMsgCount(), left);
+    }
 }
 
 TEST_F(ListenerPostingToAWindow, ForgetsEmptyFilesWithItsWindow) {

@@ -20,11 +20,12 @@ class ListenerRounds : public ScriptedListenerTest {
             return result;
         };
     }
-    // A peer that sends a probe and closes.
-    void probeAndClose() {
-        m_listener.connection().send(kProbe);
-        ASSERT_TRUE(eventually([&] { return m_listener.script->rounds() > 0; }));
-        ASSERT_TRUE(m_listener.awaitWorkers(0));
+    // A peer that sends the bytes and closes; the rounds of its worker.
+    int roundsOfAPeerThatSends(const std::string& bytes) {
+        m_listener.connection().send(bytes);
+        EXPECT_TRUE(eventually([&] { return rounds() > 0; }));
+        EXPECT_TRUE(m_listener.awaitWorkers(0));
+        return rounds();
     }
     int rounds() { return m_listener.script->rounds(); }
     // The milliseconds from the shut-down flag to the end of a worker that was prepared so. The
@@ -46,28 +47,22 @@ class ListenerRounds : public ScriptedListenerTest {
 };
 
 TEST_F(ListenerRounds, AClosedPeerIsNoticedInThe51stIdleRound) {
-    m_listener.connection().close();
-    ASSERT_TRUE(eventually([&] { return rounds() > 0; }));
-    ASSERT_TRUE(m_listener.awaitWorkers(0));
-    EXPECT_EQ(rounds(), 51);
+    EXPECT_EQ(roundsOfAPeerThatSends(""), 51);
 }
 
 TEST_F(ListenerRounds, AMessageDoesNotResetTheCountOfIdleRounds) {
     failRounds(30, 0);
-    probeAndClose();
-    EXPECT_EQ(rounds(), 51 + 1);
+    EXPECT_EQ(roundsOfAPeerThatSends(kProbe), 51 + 1);
 }
 
 TEST_F(ListenerRounds, AFailedReceiveIsAnIdleRound) {
     failRounds(30, -1);
-    probeAndClose();
-    EXPECT_EQ(rounds(), 51 + 1);
+    EXPECT_EQ(roundsOfAPeerThatSends(kProbe), 51 + 1);
 }
 
 TEST_F(ListenerRounds, ALookAtALivingPeerResetsTheCount) {
     failRounds(51, 0);
-    probeAndClose();
-    EXPECT_EQ(rounds(), 51 + 1 + 51);
+    EXPECT_EQ(roundsOfAPeerThatSends(kProbe), 51 + 1 + 51);
 }
 
 TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsThere) {
@@ -83,10 +78,7 @@ TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsThere
 
 TEST_F(ListenerRounds, AnActionWithoutItsReceiveMakesItLookForThePeerAtOnce) {
     failRounds(200, 0, 1);
-    m_listener.connection().close();
-    ASSERT_TRUE(eventually([&] { return rounds() > 0; }));
-    ASSERT_TRUE(m_listener.awaitWorkers(0));
-    EXPECT_EQ(rounds(), 1);
+    EXPECT_EQ(roundsOfAPeerThatSends(""), 1);
 }
 
 TEST_F(ListenerRounds, TheShutDownFlagEndsTheWorkerAfterTheMessage) {
@@ -127,22 +119,13 @@ TEST_F(ListenerRounds, EachRoundOfAPausedWorkerWaitsForItsSocketFirst) {
 
 TEST_F(ListenerRounds, APausedWorkerLeavesItsBytesWhereTheyAre) {
     auto peer = connect();
-    m_listener.pause(true);
-    ::Sleep(250);
+    ::Sleep(20);
+    m_listener.pause(true);  // takes effect in the round that waits
     peer.send(kProbe);
     ::Sleep(250);
     EXPECT_EQ(rounds(), 0);
     m_listener.pause(false);
     EXPECT_EQ(peer.receive(), kAlive);
-}
-
-TEST_F(ListenerRounds, APauseTakesEffectInTheRoundThatWaits) {
-    auto peer = connect();
-    ::Sleep(20);
-    m_listener.pause(true);
-    peer.send(kProbe);
-    ::Sleep(250);
-    EXPECT_EQ(rounds(), 0);
 }
 
 TEST_F(ListenerRounds, APausedWorkerDoesNotSpin) {

@@ -10,34 +10,47 @@ namespace {
 
 class Notification : public testing::Test {
   protected:
-    // The parameters of a posted block.
-    WPARAM size() const { return m_bytes.size(); }
-    LPARAM address(const std::string& bytes) {
-        m_bytes = bytes;
-        m_block = ::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes.size());
-        void* const memory = ::GlobalLock(m_block);
+    struct Read {
+        int action;
+        std::string payload;
+        bool operator==(const Read&) const = default;
+    };
+    inline static const Read kNothing{-1, ""};
+
+    // A posted block with these bytes.
+    static LPARAM blockOf(const std::string& bytes) {
+        const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes.size());
+        void* const memory = ::GlobalLock(block);
         std::memcpy(memory, bytes.data(), bytes.size());
-        ::GlobalUnlock(m_block);
+        ::GlobalUnlock(block);
         return reinterpret_cast<LPARAM>(memory);
     }
-    static std::string contentOf(NyServerNotification& notification) {
+    // What is read from memory that is said to hold so many bytes.
+    static Read readAt(LPARAM address, WPARAM claimed) {
+        NyServerNotification notification(claimed, address, nullptr);
         char buffer[64];
         const UINT count = notification.getMemFile().Read(buffer, sizeof buffer);
-        return std::string(buffer, count);
+        return {notification.getActionType(), std::string(buffer, count)};
     }
-    // The action and the payload read from a block that says to be `claimed` bytes long.
-    std::pair<int, std::string> read(const std::string& bytes, WPARAM claimed) {
-        const LPARAM where = address(bytes);
-        NyServerNotification notification(claimed, where, nullptr);
-        const int action = notification.getActionType();
-        return {action, contentOf(notification)};
+    static Read read(const std::string& bytes, WPARAM claimed) {
+        return readAt(blockOf(bytes), claimed);
     }
-    std::pair<int, std::string> read(const std::string& bytes) { return read(bytes, bytes.size()); }
-    using Read = std::pair<int, std::string>;
+    static Read read(const std::string& bytes) { return read(bytes, bytes.size()); }
+    // How many of a listener's two messages are still counted once such a one has been there.
+    static long leftOfTwoAfter(WPARAM size, LPARAM address) {
+        ProbeListener listener;
+        listener.increasePostMsgCount();
+        listener.increasePostMsgCount();
+        {
+            const NyServerNotification notification(size, address, &listener);
+            EXPECT_EQ(listener.getPostMsgCount(), 2) << "not before its end";
+        }
+        return listener.getPostMsgCount();
+    }
 
-    std::string m_bytes;
-    HGLOBAL m_block = nullptr;
-    ProbeListener m_listener;
+    // Where nobody has posted a block.
+    const int m_local = 0;
+    const LPARAM m_strange[3] = {0, 16, reinterpret_cast<LPARAM>(&m_local)};
 };
 
 TEST_F(Notification, OffersItsActionAndWhatWasSent) {
@@ -45,8 +58,10 @@ TEST_F(Notification, OffersItsActionAndWhatWasSent) {
     EXPECT_EQ(read(frame(58)), (Read{58, ""}));
 }
 
-TEST_F(Notification, HasNoActionWithoutAWholeHeader) {
-    EXPECT_EQ(read(frame(50).substr(0, 7)), (Read{-1, ""}));
+TEST_F(Notification, HasNoActionWithoutAWholeHeaderAndNoneButThoseOfNotifications) {
+    EXPECT_EQ(read(frame(50).substr(0, 7)), kNothing);
+    for (const int action : {-1, 0, 1, 7, 49, 59, 50 + 256, 50 - 0x7FFFFFFF})
+        EXPECT_EQ(read(frame(action, "payload")), kNothing) << action;
 }
 
 TEST_F(Notification, BelievesALengthOnlyAsFarAsThereAreBytes) {
@@ -56,22 +71,12 @@ TEST_F(Notification, BelievesALengthOnlyAsFarAsThereAreBytes) {
 }
 
 TEST_F(Notification, BelievesTheSizeOnlyAsFarAsTheBlockReaches) {
-    const auto got = read(frame(52, "payload"), 0xFFFFFFFF);
-    EXPECT_EQ(got, (Read{52, "payload"}));
+    EXPECT_EQ(read(frame(52, "payload"), 0xFFFFFFFF), (Read{52, "payload"}));
     EXPECT_EQ(read(frame(52, "payload"), 10), (Read{52, "pa"}));
 }
 
 TEST_F(Notification, IsEmptyWithoutABlock) {
-    for (const LPARAM address : {LPARAM{0}, LPARAM{16}, reinterpret_cast<LPARAM>(&m_bytes)}) {
-        NyServerNotification notification(100, address, nullptr);
-        EXPECT_EQ(notification.getActionType(), -1);
-        EXPECT_EQ(contentOf(notification), "");
-    }
-}
-
-TEST_F(Notification, HasNoActionButThoseOfNotifications) {
-    for (const int action : {-1, 0, 1, 7, 49, 59, 50 + 256, 50 - 0x7FFFFFFF})
-        EXPECT_EQ(read(frame(action, "payload")), (Read{-1, ""})) << action;
+    for (const LPARAM address : m_strange) EXPECT_EQ(readAt(address, 100), kNothing);
 }
 
 // Any program can post the message with an address that it knows.
@@ -81,11 +86,7 @@ TEST_F(Notification, LeavesMemoryAloneThatNobodyPosted) {
     void* const heap = ::HeapAlloc(::GetProcessHeap(), 0, bytes.size());
     for (void* memory : {static_cast<void*>(fixed), heap}) {
         std::memcpy(memory, bytes.data(), bytes.size());
-        {
-            NyServerNotification stranger(bytes.size(), reinterpret_cast<LPARAM>(memory), nullptr);
-            EXPECT_EQ(stranger.getActionType(), -1);
-            EXPECT_EQ(contentOf(stranger), "");
-        }
+        EXPECT_EQ(readAt(reinterpret_cast<LPARAM>(memory), bytes.size()), kNothing);
         EXPECT_EQ(::HeapSize(::GetProcessHeap(), 0, memory), bytes.size());
     }
     EXPECT_EQ(::GlobalFree(fixed), nullptr);
@@ -93,45 +94,24 @@ TEST_F(Notification, LeavesMemoryAloneThatNobodyPosted) {
 }
 
 TEST_F(Notification, FreesItsBlock) {
-    for (int i = 0; i < 70000; ++i) {
-        const LPARAM where = address("12345678");
-        const NyServerNotification notification(size(), where, nullptr);
-    }
+    for (int i = 0; i < 70000; ++i)
+        const NyServerNotification notification(8, blockOf("12345678"), nullptr);
     EXPECT_TRUE(UniqueGlobalBlock(::GlobalAlloc(GMEM_MOVEABLE, 1)));
 }
 
-TEST_F(Notification, IsConsumedWhenItGoes) {
-    m_listener.increasePostMsgCount();
-    m_listener.increasePostMsgCount();
-    {
-        const LPARAM where = address(frame(50));
-        const NyServerNotification notification(size(), where, &m_listener);
-        EXPECT_EQ(m_listener.getPostMsgCount(), 2);
-    }
-    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+TEST_F(Notification, IsConsumedOnceWhenItIsDestroyed) {
+    const LPARAM block = blockOf(frame(50));
+    EXPECT_EQ(leftOfTwoAfter(8, block), 1);
+    EXPECT_EQ(leftOfTwoAfter(8, block), 2) << "posted again";
 }
 
 // Any program can post the message.
 TEST_F(Notification, IsNotConsumedWhenNobodyPostedIt) {
-    m_listener.increasePostMsgCount();
-    m_listener.increasePostMsgCount();
-    for (const LPARAM where : {LPARAM{0}, LPARAM{16}, reinterpret_cast<LPARAM>(&m_bytes)}) {
-        const NyServerNotification forged(100, where, &m_listener);
-    }
-    EXPECT_EQ(m_listener.getPostMsgCount(), 2);
-}
-
-TEST_F(Notification, IsConsumedOnceHoweverOftenItIsPosted) {
-    m_listener.increasePostMsgCount();
-    m_listener.increasePostMsgCount();
-    const LPARAM where = address(frame(50));
-    for (int i = 0; i < 2; ++i) const NyServerNotification repeated(size(), where, &m_listener);
-    EXPECT_EQ(m_listener.getPostMsgCount(), 1);
+    for (const LPARAM address : m_strange) EXPECT_EQ(leftOfTwoAfter(100, address), 2);
 }
 
 TEST_F(Notification, CannotGrow) {
-    const LPARAM where = address(frame(50, "ab"));
-    NyServerNotification notification(size(), where, nullptr);
+    NyServerNotification notification(10, blockOf(frame(50, "ab")), nullptr);
     EXPECT_EQ(notification.getMemFile().GetLength(), 2u);
     EXPECT_THROW(notification.getMemFile().Write("abc", 3), CMemoryException*);
     NyServerNotification empty(0, 0, nullptr);

@@ -25,26 +25,17 @@ class PostMessageLimit : public testing::Test {
 };
 
 TEST_F(PostMessageLimit, IsNineTenthsOfTheSystemsRoundedDown) {
-    EXPECT_EQ(limitFor(10000), 9000);
-    EXPECT_EQ(limitFor(3600), 3240);
-    EXPECT_EQ(limitFor(10009), 9008);
-    EXPECT_EQ(limitFor(19), 17);
-    EXPECT_EQ(limitFor(2), 1);
-    EXPECT_EQ(limitFor(1), 0);
-    EXPECT_EQ(limitFor(0), 0);
-}
-
-TEST_F(PostMessageLimit, TakesTheSystemsAsUnsigned) {
-    EXPECT_EQ(limitFor(2386092941), 2147483646);
+    // As unsigned numbers.
+    const std::pair<DWORD, long> rows[] = {
+        {10000, 9000}, {3600, 3240}, {10009, 9008}, {19, 17},
+        {2, 1},        {1, 0},       {0, 0},        {2386092941, 2147483646}};
+    for (const auto& [setting, limit] : rows) EXPECT_EQ(limitFor(setting), limit) << setting;
     EXPECT_LT(limitFor(0xFFFFFFFF), 1);
 }
 
-TEST_F(PostMessageLimit, IsThatOf3600WithoutAValue) {
+TEST_F(PostMessageLimit, IsThatOf3600WithoutAKeyOrAValue) {
+    EXPECT_EQ(limitOf(*std::make_unique<ProbeListener>()), 3240);
     m_setting.makeEmptyKey();
-    EXPECT_EQ(limit(), 3240);
-}
-
-TEST_F(PostMessageLimit, IsThatOf3600WithoutAKey) {
     EXPECT_EQ(limit(), 3240);
 }
 
@@ -53,14 +44,11 @@ TEST_F(PostMessageLimit, IsThatOf3600WithAValueOfMoreThanFourBytes) {
     EXPECT_EQ(limit(), 3240);
 }
 
-TEST_F(PostMessageLimit, TakesAValueOfAnyType) {
-    m_setting.set(REG_BINARY, "\x10\x27\0", 4);
-    EXPECT_EQ(limit(), 9000);
-}
-
-TEST_F(PostMessageLimit, TakesAShortValueAsItStands) {
-    m_setting.set(REG_BINARY, "\x10\x27", 2);
-    EXPECT_EQ(limit(), 9000);
+TEST_F(PostMessageLimit, TakesAShortValueAndOneOfAnyTypeAsTheyStand) {
+    for (const DWORD size : {4u, 2u}) {
+        m_setting.set(REG_BINARY, "\x10\x27\0", size);
+        EXPECT_EQ(limitOf(*std::make_unique<ProbeListener>()), 9000);
+    }
 }
 
 // Allows nobody any other access to the settings, as an administrator may.

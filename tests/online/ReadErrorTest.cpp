@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/online/OnlineTest.h"
+#include "tests/socket/LocalConnection.h"
 #include "tests/support/MessageBoxWatch.h"
 
 namespace {
@@ -52,22 +53,12 @@ class FtpScript {
     }
 
     void sendFile(peers::Connection& control) {
-        UniqueSocket data = connectToLoopback(m_dataPort);
+        UniqueSocket data = peers::connectTo(static_cast<unsigned int>(m_dataPort));
+        EXPECT_TRUE(data);
         control.send("150 here: 100%s\r\n");
         m_serveFile();
         data.reset();
         control.send(m_lastResponse + "\r\n");
-    }
-
-    static UniqueSocket connectToLoopback(int port) {
-        UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = ::htons(static_cast<u_short>(port));
-        address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-        EXPECT_EQ(0, ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
-                               sizeof address));
-        return socket;
     }
 
     std::string m_lastResponse;

@@ -39,45 +39,27 @@ TEST_F(OnlineAnswers, OfAnyStatusShowThatTheServiceIsThere) {
     }
 }
 
-TEST_F(OnlineAnswers, AreMissingWhereNobodyListens) {
+TEST_F(OnlineAnswers, AreMissingWhereNobodyListensAndWithoutAnAddressThatResolves) {
     const peers::RefusingPort nobody;
-    addresses::production = refusingAddress(nobody);
-    EXPECT_FALSE(pingWebServer());
-    EXPECT_EQ(L"", version());
-}
-
-TEST_F(OnlineAnswers, AreMissingForANameThatDoesNotResolve) {
-    addresses::production = L"http://service.nyserver.invalid/";
-    EXPECT_FALSE(pingWebServer());
-    EXPECT_EQ(L"", version());
-}
-
-TEST_F(OnlineAnswers, AreMissingWithoutAnAddress) {
-    addresses::production = L"";
-    EXPECT_FALSE(pingWebServer());
-    EXPECT_EQ(L"", version());
+    for (const CString& address :
+         {refusingAddress(nobody), CString(L"http://service.nyserver.invalid/"), CString()}) {
+        addresses::production = address;
+        EXPECT_FALSE(pingWebServer());
+        EXPECT_EQ(L"", version());
+    }
 }
 
 TEST_F(OnlineAnswers, HoldTheVersionInAnElement) {
-    EXPECT_EQ(L"2.1", versionBy(page("<ANSWER>" + kVersion + "</ANSWER>")));
-    EXPECT_EQ(L"a=\"1\">2.1", versionBy(page("<VERSION a=\"1\">2.1</VERSION>")));
-    EXPECT_EQ(L"", versionBy(page("<VERSION></VERSION>")));
-    EXPECT_EQ(L"", versionBy(page("<version>2.1</version>")));
-    EXPECT_EQ(L"", versionBy(page("no element")));
-    EXPECT_EQ(L"", versionBy(page("")));
-}
-
-TEST_F(OnlineAnswers, AreReadWhateverTheirStatus) {
-    EXPECT_EQ(L"2.1", versionBy(page(kVersion, "404 Not Found")));
-}
-
-TEST_F(OnlineAnswers, AreInTheAnsiCodePage) {
-    EXPECT_EQ(CString("\xE9\x80"), versionBy(page("<VERSION>\xE9\x80</VERSION>")));
-}
-
-TEST_F(OnlineAnswers, EndAtAZeroByte) {
-    EXPECT_EQ(L"2.1", versionBy(page(kVersion + '\0')));
-    EXPECT_EQ(L"", versionBy(page('\0' + kVersion)));
+    const std::pair<peers::Script, CString> rows[] = {
+        {page("<ANSWER>" + kVersion + "</ANSWER>"), L"2.1"},
+        {page(kVersion, "404 Not Found"), L"2.1"},
+        {page("<VERSION>\xE9\x80</VERSION>"), CString("\xE9\x80")},  // in the ANSI code page
+        {page(kVersion + '\0'), L"2.1"},
+        {page('\0' + kVersion), L""},  // a zero byte ends the text
+        {page("no element"), L""},
+        {page(""), L""},
+    };
+    for (const auto& [answer, version] : rows) EXPECT_EQ(version, versionBy(answer));
 }
 
 TEST_F(OnlineAnswers, CountAsFarAsTheyCameBeforeTheConnectionBroke) {
@@ -91,20 +73,13 @@ TEST_F(OnlineAnswers, AreNotBelievedAboutTheirLength) {
     EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 8589934592)));
 }
 
-TEST_F(OnlineAnswers, MayBeLong) {
+TEST_F(OnlineAnswers, AreAwaitedUpToTheirFirstBytesAndNoFurther) {
     const std::string megabyte(1 << 20, 'x');
-    EXPECT_EQ(L"2.1", versionBy(page(kVersion + megabyte)));
-    // Only what the first look finds is read.
-    EXPECT_EQ(L"", versionBefore(megabyte, kVersion));
-}
-
-TEST_F(OnlineAnswers, AreAwaitedUpToTheirFirstBytes) {
     EXPECT_EQ(L"2.1", versionBy(pageInPieces({"", kVersion}, 200)));
-}
-
-TEST_F(OnlineAnswers, AreNotAwaitedAnyFurther) {
-    EXPECT_EQ(L"", versionBefore("<VERSION>2.", "1</VERSION>"));
+    EXPECT_EQ(L"2.1", versionBy(page(kVersion + megabyte)));
     EXPECT_EQ(L"2.1", versionBefore(kVersion, "and more"));
+    EXPECT_EQ(L"", versionBefore("<VERSION>2.", "1</VERSION>"));
+    EXPECT_EQ(L"", versionBefore(megabyte, kVersion)) << "only what the first look finds is read";
 }
 
 TEST_F(OnlineAnswers, GiveNoVersionWhenProductionIsDown) {

@@ -11,55 +11,41 @@ using NyFctWebService::setCustomServerUrl;
 
 class OnlineService : public OnlineTest {
   protected:
+    void expectAsked(NyFctWebService::ServerUrlType type, LPCWSTR answer) {
+        EXPECT_EQ(type, getServerUrlType());
+        EXPECT_TRUE(pingWebServer());
+        EXPECT_EQ(answer, version());
+    }
+
     WebServer m_custom{page("<VERSION>custom</VERSION>")};
     CString m_customAddress = m_custom.address();
 };
 
 TEST_F(OnlineService, AsksProductionUnlessToldOtherwise) {
-    EXPECT_EQ(NyFctWebService::serverUrlProduction, getServerUrlType());
-    EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(L"production", version());
+    expectAsked(NyFctWebService::serverUrlProduction, L"production");
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath}), m_production.paths());
 }
 
+// For the version, production is tried first.
 TEST_F(OnlineService, AsksTheTestServiceOnceConnectedToIt) {
     connectToTestBase(true);
-    EXPECT_EQ(NyFctWebService::serverUrlTest, getServerUrlType());
-    EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(L"test", version());
+    expectAsked(NyFctWebService::serverUrlTest, L"test");
     EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_test.paths());
+    EXPECT_EQ(Paths{"/"}, m_production.paths());
 }
 
 TEST_F(OnlineService, AsksTheCustomServiceOnceItIsSet) {
     setCustomServerUrl(m_customAddress);
-    EXPECT_EQ(NyFctWebService::serverUrlCustom, getServerUrlType());
-    EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(L"custom", version());
+    expectAsked(NyFctWebService::serverUrlCustom, L"custom");
     EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_custom.paths());
-}
-
-TEST_F(OnlineService, TriesProductionBeforeItAsksAnotherForTheVersion) {
-    setCustomServerUrl(m_customAddress);
-    version();
-    EXPECT_EQ((Paths{"/"}), m_production.paths());
-    connectToTestBase(true);
-    version();
-    EXPECT_EQ((Paths{"/", "/"}), m_production.paths());
-}
-
-TEST_F(OnlineService, PingsNoOtherThanTheChosenService) {
-    setCustomServerUrl(m_customAddress);
-    EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(Paths{}, m_production.paths());
+    EXPECT_EQ(Paths{"/"}, m_production.paths());
     EXPECT_EQ(Paths{}, m_test.paths());
 }
 
 TEST_F(OnlineService, ReturnsToProductionAndForgetsTheCustomAddress) {
     setCustomServerUrl(m_customAddress);
     connectToTestBase(false);
-    EXPECT_EQ(NyFctWebService::serverUrlProduction, getServerUrlType());
-    EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(L"production", version());
+    expectAsked(NyFctWebService::serverUrlProduction, L"production");
     EXPECT_EQ(Paths{}, m_custom.paths());
 }
 
@@ -91,28 +77,17 @@ TEST_F(OnlineService, WritesTheProductInDecimal) {
     }
 }
 
-TEST_F(OnlineService, CallsItselfQuillmarkInEveryRequest) {
-    pingWebServer();
-    version();
-    ASSERT_EQ(3u, m_production.requests().size());
-    for (const WebRequest& request : m_production.requests()) {
-        EXPECT_EQ("quillmark", request.header("User-Agent"));
-        EXPECT_EQ(0u, request.head.find("GET "));
-    }
-}
-
-TEST_F(OnlineService, NeedsOneConnectionForAPingAndTwoForAVersion) {
+// One for a ping and two for a version.
+TEST_F(OnlineService, CallsItselfQuillmarkOnAConnectionForEachRequest) {
     pingWebServer();
     EXPECT_EQ(1, m_production.connections());
     version();
     EXPECT_EQ(3, m_production.connections());
-}
-
-TEST_F(OnlineService, AsksForNoCopyToBeConfirmed) {
-    pingWebServer();
-    version();
+    ASSERT_EQ(3u, m_production.requests().size());
     for (const WebRequest& request : m_production.requests()) {
-        EXPECT_EQ("", request.header("If-Modified-Since"));
+        EXPECT_EQ("quillmark", request.header("User-Agent"));
+        EXPECT_EQ(0u, request.head.find("GET "));
+        EXPECT_EQ("", request.header("If-Modified-Since")) << "no copy is to be confirmed";
         EXPECT_EQ("", request.header("If-None-Match"));
     }
 }
@@ -174,12 +149,11 @@ TEST_F(OnlineService, ShowsTheWaitCursorDuringARequest) {
 TEST(ServiceAddress, IsProductionForATypeThatIsNone) {
     addresses::production = L"p/";
     addresses::test = L"t/";
-    using Type = NyFctWebService::ServerUrlType;
-    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(0), L"c/"));
-    EXPECT_EQ(L"t/", serviceAddress(static_cast<Type>(1), L"c/"));
-    EXPECT_EQ(L"c/", serviceAddress(static_cast<Type>(2), L"c/"));
-    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(3), L"c/"));
-    EXPECT_EQ(L"p/", serviceAddress(static_cast<Type>(-1), L"c/"));
+    const std::pair<int, CString> rows[] = {
+        {0, L"p/"}, {1, L"t/"}, {2, L"c/"}, {3, L"p/"}, {-1, L"p/"}};
+    for (const auto& [type, address] : rows)
+        EXPECT_EQ(address,
+                  serviceAddress(static_cast<NyFctWebService::ServerUrlType>(type), L"c/"));
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/SlotOrder.h"
 #include "tests/support/TempFile.h"
 
 namespace {
@@ -12,7 +11,7 @@ class File : public testing::Test {
     int openForReading(const std::wstring& path) {
         return m_file.Open(path.c_str(), GENERIC_READ, OPEN_EXISTING, 0);
     }
-    int openForWriting(const std::wstring& path, int append = 0) {
+    int openForWriting(const std::wstring& path, int append) {
         return m_file.Open(path.c_str(), GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, append);
     }
     std::string read(DWORD count) {
@@ -20,7 +19,11 @@ class File : public testing::Test {
         const int done = m_file.Read(bytes.data(), count);
         return done < 0 ? "failed" : bytes.substr(0, static_cast<size_t>(done));
     }
-    bool canBeDeleted(const std::wstring& path) { return ::DeleteFileW(path.c_str()) != 0; }
+    std::string closedContent() {
+        m_file.Close();
+        return m_folder.content(L"f");
+    }
+    bool canBeDeleted() { return ::DeleteFileW(m_folder.path(L"f").c_str()) != 0; }
 
     TempFolder m_folder;
     CUT_File m_file;
@@ -36,43 +39,35 @@ TEST_F(File, RefusesEverythingWhileClosed) {
 }
 
 TEST_F(File, IsClosedAfterAFailedOpen) {
-    ASSERT_EQ(openForReading(m_folder.file(L"there", "abc")), 0);
-    EXPECT_EQ(openForReading(m_folder.path(L"missing")), -1);
-    EXPECT_EQ(m_file.GetSize(), -1);
-    EXPECT_TRUE(canBeDeleted(m_folder.path(L"there")));
-}
-
-TEST_F(File, CannotBeOpenedWithoutAPath) {
+    for (const wchar_t* path : {L"missing", L"", L"   "}) {
+        ASSERT_EQ(openForReading(m_folder.file(L"f", "abc")), 0);
+        EXPECT_EQ(openForReading(path), -1);
+        EXPECT_EQ(m_file.GetSize(), -1);
+        EXPECT_TRUE(canBeDeleted());
+    }
     EXPECT_EQ(m_file.Open(nullptr, GENERIC_READ, OPEN_EXISTING, 0), -1);
-    EXPECT_EQ(openForReading(L""), -1);
-    EXPECT_EQ(openForReading(L"   "), -1);
 }
 
 TEST_F(File, LeavesOutTheSpacesAroundThePath) {
     const std::wstring path = m_folder.file(L"some name", "abc");
-    EXPECT_EQ(openForReading(L" " + path + L" "), 0);
-    EXPECT_EQ(read(10), "abc");
-    EXPECT_EQ(openForReading(L"  " + path), 0);
-    EXPECT_EQ(openForReading(path + L"  "), 0);
+    for (const std::wstring& spaced : {L" " + path + L" ", L"  " + path, path + L"  "}) {
+        EXPECT_EQ(openForReading(spaced), 0);
+        EXPECT_EQ(read(10), "abc");
+    }
 }
 
-TEST_F(File, ReadsUpToTheEnd) {
+TEST_F(File, ReadsUpToTheEndAndDoesNotWrite) {
     ASSERT_EQ(openForReading(m_folder.file(L"f", "abcde")), 0);
     EXPECT_EQ(m_file.GetSize(), 5);
     EXPECT_EQ(read(3), "abc");
     EXPECT_EQ(read(3), "de");
     EXPECT_EQ(read(3), "");
+    EXPECT_EQ(m_file.Write("x", 1), -1);
 }
 
 TEST_F(File, FailsToReadWhatMayOnlyBeWritten) {
-    const std::wstring path = m_folder.path(L"f");
-    ASSERT_EQ(m_file.Open(path.c_str(), GENERIC_WRITE, CREATE_ALWAYS, 0), 0);
+    ASSERT_EQ(m_file.Open(m_folder.path(L"f").c_str(), GENERIC_WRITE, CREATE_ALWAYS, 0), 0);
     EXPECT_EQ(read(1), "failed");
-}
-
-TEST_F(File, FailsToWriteWhatMayOnlyBeRead) {
-    ASSERT_EQ(openForReading(m_folder.file(L"f", "abc")), 0);
-    EXPECT_EQ(m_file.Write("x", 1), -1);
 }
 
 TEST_F(File, SeeksFromEachOrigin) {
@@ -84,28 +79,19 @@ TEST_F(File, SeeksFromEachOrigin) {
     EXPECT_EQ(read(9), "f");
 }
 
-TEST_F(File, WritesWhereItStands) {
-    ASSERT_EQ(openForWriting(m_folder.file(L"f", "abcdef")), 0);
-    EXPECT_EQ(m_file.Write("XY", 2), 2);
-    m_file.Close();
-    EXPECT_EQ(m_folder.content(L"f"), "XYcdef");
-}
-
 TEST_F(File, WritesAtTheEndWhenAppending) {
     ASSERT_EQ(openForWriting(m_folder.file(L"f", "abc"), 1), 0);
     m_file.Write("d", 1);
     m_file.Seek(0, FILE_BEGIN);
     EXPECT_EQ(m_file.Write("ef", 2), 2);
-    m_file.Close();
-    EXPECT_EQ(m_folder.content(L"f"), "abcdef");
+    EXPECT_EQ(closedContent(), "abcdef");
 }
 
-TEST_F(File, KeepsTheAppendModeOfTheLastOpen) {
-    ASSERT_EQ(openForWriting(m_folder.path(L"f"), 1), 0);
-    ASSERT_EQ(openForWriting(m_folder.file(L"g", "abc"), 0), 0);
-    m_file.Write("X", 1);
-    m_file.Close();
-    EXPECT_EQ(m_folder.content(L"g"), "Xbc");
+TEST_F(File, WritesWhereItStandsByTheModeOfTheLastOpen) {
+    ASSERT_EQ(openForWriting(m_folder.path(L"other"), 1), 0);
+    ASSERT_EQ(openForWriting(m_folder.file(L"f", "abcdef"), 0), 0);
+    EXPECT_EQ(m_file.Write("XY", 2), 2);
+    EXPECT_EQ(closedContent(), "XYcdef");
 }
 
 TEST_F(File, LetsOthersReadButNotWriteMeanwhile) {
@@ -117,22 +103,12 @@ TEST_F(File, LetsOthersReadButNotWriteMeanwhile) {
 }
 
 TEST_F(File, IsClosedByItsDestructor) {
-    const std::wstring path = m_folder.file(L"f", "abc");
     {
         CUT_File file;
-        file.Open(path.c_str(), GENERIC_READ, OPEN_EXISTING, 0);
-        EXPECT_FALSE(canBeDeleted(path));
+        file.Open(m_folder.file(L"f", "abc").c_str(), GENERIC_READ, OPEN_EXISTING, 0);
+        EXPECT_FALSE(canBeDeleted());
     }
-    EXPECT_TRUE(canBeDeleted(path));
-}
-
-TEST(FileSlots, StandInTheirOrder) {
-    EXPECT_EQ(slotOf(&CUT_File::Open), 2u);
-    EXPECT_EQ(slotOf(&CUT_File::Close), 3u);
-    EXPECT_EQ(slotOf(&CUT_File::Read), 4u);
-    EXPECT_EQ(slotOf(&CUT_File::Write), 5u);
-    EXPECT_EQ(slotOf(&CUT_File::Seek), 6u);
-    EXPECT_EQ(slotOf(&CUT_File::GetSize), 7u);
+    EXPECT_TRUE(canBeDeleted());
 }
 
 }  // namespace

@@ -27,17 +27,6 @@ class Accepting : public testing::Test {
         EXPECT_TRUE(m_gate.awaitArrivals());
         return peer;
     }
-    // One connection from its beginning to the close.
-    std::string converse(std::string_view words) {
-        peers::Connection peer = m_server.connection();
-        peer.send(words);
-        return peer.receiveAll();
-    }
-    std::vector<std::string> eventsOfOneConnection() {
-        converse("hello\r\n");
-        return m_server.log->events();
-    }
-
     peers::WinsockSession m_winsock;
     Gate m_gate;
     std::unique_ptr<ProbeServer> m_owned = std::make_unique<ProbeServer>();
@@ -45,23 +34,17 @@ class Accepting : public testing::Test {
 };
 
 TEST_F(Accepting, CallsItsVirtualFunctionsInOrder) {
-    EXPECT_THAT(eventsOfOneConnection(),
+    EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer) << "of the base worker";
+    EXPECT_THAT(m_server.log->events(),
                 ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance", "OnConnect",
                             "ReleaseInstance", "worker deleted"));
     EXPECT_THAT(m_server.codes, ElementsAre(0));
     EXPECT_THAT(m_server.statuses, IsEmpty());
-}
-
-TEST_F(Accepting, RunsTheWholeLifeOfAWorkerOnOneThread) {
-    eventsOfOneConnection();
+    // The whole life of a worker is on one thread.
     const std::vector<DWORD> threads = m_server.log->threads();
     EXPECT_NE(threads[0], threads[1]);
     EXPECT_NE(threads[0], ::GetCurrentThreadId());
     for (size_t i = 1; i < threads.size(); ++i) EXPECT_EQ(threads[i], threads[1]) << i;
-}
-
-TEST_F(Accepting, AnswersALineWithTheBaseWorker) {
-    EXPECT_EQ(converse("hi\r\n"), "Connect Successful ... Now Disconnecting.");
 }
 
 TEST_F(Accepting, ClosesOnAPeerThatSendsNothing) {
@@ -71,50 +54,21 @@ TEST_F(Accepting, ClosesOnAPeerThatSendsNothing) {
 }
 
 TEST_F(Accepting, IntroducesTheWorkerToItsConnection) {
-    struct {
-        CUT_WSServer* owner;
-        DWORD port;
-        SOCKET socket, listener, listed;
-        DWORD thread, own;
-        long receive, send;
-        int receiveOption, sendOption, count;
-    } seen{};
-    m_server.onConnect = [&](LoggingWorker& worker) {
-        const ProbeServer::ThreadListLock lock(m_server);
-        const auto* entry = m_server.ThreadListFirst();
-        seen = {worker.owner(),
-                ::ntohs(worker.peerAddress().sin_port),
-                worker.socket(),
-                worker.listenSocket(),
-                entry->socket,
-                entry->threadId,
-                ::GetCurrentThreadId(),
-                worker.receiveTimeOut(),
-                worker.sendTimeOut(),
-                0,
-                0,
-                m_server.GetNumConnections()};
-        int length = sizeof(int);
-        ::getsockopt(worker.socket(), SOL_SOCKET, SO_RCVTIMEO,
-                     reinterpret_cast<char*>(&seen.receiveOption), &length);
-        ::getsockopt(worker.socket(), SOL_SOCKET, SO_SNDTIMEO,
-                     reinterpret_cast<char*>(&seen.sendOption), &length);
-    };
-    UniqueSocket socket = peers::connectTo(m_server.GetPort());
-    const int port = peers::portOf(socket);
-    peers::Connection(std::move(socket), peers::kNeverStopping).receiveAll();
-
-    EXPECT_EQ(seen.owner, &m_server);
-    EXPECT_EQ(seen.port, static_cast<DWORD>(port));
-    EXPECT_EQ(seen.listed, seen.socket);
-    EXPECT_NE(seen.listener, seen.socket);
-    EXPECT_NE(seen.listener, 0u);
-    EXPECT_EQ(seen.thread, seen.own);
-    EXPECT_EQ(seen.receive, 30000);
-    EXPECT_EQ(seen.send, 30000);
-    EXPECT_EQ(seen.receiveOption, 30000);
-    EXPECT_EQ(seen.sendOption, 30000);
-    EXPECT_EQ(seen.count, 1);
+    const peers::Connection peer = heldConnection();
+    const ProbeServer::ThreadListLock lock(m_server);
+    const auto* entry = m_server.ThreadListFirst();
+    const auto& worker = static_cast<const LoggingWorker&>(*entry->worker);
+    EXPECT_EQ(m_server.GetNumConnections(), 1);
+    EXPECT_EQ(worker.owner(), &m_server);
+    EXPECT_EQ(worker.peerAddress().sin_port, peers::addressOf(peer.socket()).sin_port);
+    EXPECT_EQ(entry->socket, worker.socket());
+    EXPECT_NE(worker.listenSocket(), worker.socket());
+    EXPECT_NE(worker.listenSocket(), 0u);
+    EXPECT_EQ(entry->threadId, m_server.log->threads().back());
+    EXPECT_EQ(worker.receiveTimeOut(), 30000);
+    EXPECT_EQ(worker.sendTimeOut(), 30000);
+    EXPECT_EQ(peers::optionOf(worker.socket(), SO_RCVTIMEO), 30000);
+    EXPECT_EQ(peers::optionOf(worker.socket(), SO_SNDTIMEO), 30000);
 }
 
 TEST_F(Accepting, ReleasesAWorkerThatIsOutOfTheListWithItsSocketOpen) {
@@ -147,20 +101,15 @@ TEST_F(Accepting, CountsItsLiveWorkers) {
 TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAWord) {
     m_server.SetMaxConnections(1);
     const peers::Connection first = heldConnection();
-    EXPECT_EQ(converse("let me in"), "");
+    EXPECT_EQ(m_server.converse("let me in"), "");
     EXPECT_EQ(m_server.log->count("OnMaxConnect"), 1);
     EXPECT_EQ(m_server.log->count("OnConnect"), 1);
     EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
     EXPECT_EQ(m_server.GetNumConnections(), 1);
-}
-
-TEST_F(Accepting, CountsARefusedConnectionWhileItLasts) {
-    m_server.SetMaxConnections(1);
-    const peers::Connection first = heldConnection();
-    peers::Connection second = m_server.connection();
-    ASSERT_TRUE(m_server.log->await("OnMaxConnect"));
-    EXPECT_EQ(m_server.GetNumConnections(), 2);
-    second.close();
+    peers::Connection another = m_server.connection();
+    ASSERT_TRUE(m_server.log->await("OnMaxConnect", 2));
+    EXPECT_EQ(m_server.GetNumConnections(), 2) << "while it lasts";
+    another.close();
     EXPECT_TRUE(eventually([&] { return m_server.GetNumConnections() == 1; }));
 }
 
@@ -169,7 +118,7 @@ TEST_F(Accepting, ClosesOnAPeerThatMayNotEnter) {
     EXPECT_EQ(m_server.connection().receiveAll(), "");
     EXPECT_THAT(m_server.log->events(), ElementsAre("OnCanAccept 127.0.0.1"));
     m_server.verdict = -1;
-    EXPECT_NE(converse("hi\r\n"), "");
+    EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer);
 }
 
 TEST_F(Accepting, ClosesWhenThereIsNoWorker) {
@@ -179,18 +128,13 @@ TEST_F(Accepting, ClosesWhenThereIsNoWorker) {
     EXPECT_EQ(m_server.GetNumConnections(), 0);
 }
 
-TEST_F(Accepting, SurvivesAThrowingOnCanAccept) {
-    m_server.onCanAccept = [] { throw std::runtime_error("OnCanAccept"); };
-    EXPECT_EQ(m_server.connection().receiveAll(), "");
-    m_server.onCanAccept = [] {};
-    EXPECT_NE(converse("hi\r\n"), "");
-}
-
-TEST_F(Accepting, SurvivesAThrowingFactory) {
-    m_server.onCreate = [] { throw std::runtime_error("factory"); };
-    EXPECT_EQ(m_server.connection().receiveAll(), "");
-    m_server.onCreate = [] {};
-    EXPECT_NE(converse("hi\r\n"), "");
+TEST_F(Accepting, SurvivesAThrowingOnCanAcceptAndAThrowingFactory) {
+    for (std::function<void()>* hook : {&m_server.onCanAccept, &m_server.onCreate}) {
+        *hook = [] { throw std::runtime_error("from a hook"); };
+        EXPECT_EQ(m_server.connection().receiveAll(), "");
+        *hook = [] {};
+        EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer);
+    }
 }
 
 TEST_F(Accepting, ReleasesAWorkerWhoseHandlerThrows) {
@@ -232,7 +176,7 @@ TEST_F(Accepting, LetsHandlersWatchTheShutDownFlag) {
 
 TEST_F(Accepting, LeavesNoThreadBehindAConnection) {
     const int before = countThreadsAtRest();
-    for (int i = 0; i < 10; ++i) converse("hi\r\n");
+    for (int i = 0; i < 10; ++i) m_server.converse();
     EXPECT_TRUE(eventually([&] { return countThreads() <= before; }));
 }
 

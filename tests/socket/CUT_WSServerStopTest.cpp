@@ -16,7 +16,7 @@ class Stopping : public testing::Test {
   protected:
     void TearDown() override { m_gate.open(); }
 
-    bool isReachable() { return static_cast<bool>(peers::connectTo(m_listeningPort)); }
+    bool isReachable() { return peers::isReachable(m_listeningPort); }
     void start() {
         ASSERT_TRUE(m_server.start());
         m_listeningPort = m_server.GetPort();
@@ -27,19 +27,13 @@ class Stopping : public testing::Test {
         m_server.SetPort(m_nobody.port());
         m_server.codes.clear();
     }
-    // The accepting thread waits in OnCanAccept.
-    peers::Connection connectionInOnCanAccept() {
-        m_server.onCanAccept = [this] { m_gate.pass(); };
-        peers::Connection peer = m_server.connection();
-        EXPECT_TRUE(m_gate.awaitArrivals());
-        return peer;
-    }
-    // The accepting thread is where only force ends it before long.
-    peers::Connection connectionHeldInOnCanAccept() {
+    // The accepting thread waits in OnCanAccept, where only force ends it before long when it is
+    // not let through the gate but sleeps.
+    peers::Connection connectionInOnCanAccept(bool isAsleep) {
         m_isInOnCanAccept = false;
-        m_server.onCanAccept = [this] {
+        m_server.onCanAccept = [this, isAsleep] {
             m_isInOnCanAccept = true;
-            ::Sleep(20000);
+            isAsleep ? ::Sleep(20000) : static_cast<void>(m_gate.pass());
         };
         peers::Connection peer = m_server.connection();
         EXPECT_TRUE(eventually([this] { return m_isInOnCanAccept.load(); }));
@@ -61,18 +55,14 @@ class Stopping : public testing::Test {
     std::atomic<bool> m_isInOnCanAccept = false;
 };
 
-TEST_F(Stopping, ClosesTheListeningSocket) {
+TEST_F(Stopping, ClosesTheListeningSocketAndMayBeRepeated) {
     start();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_FALSE(isReachable());
+    EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_THAT(m_server.codes, ElementsAre(0));  // of its own connection
     EXPECT_THAT(m_server.statuses, IsEmpty());
-}
-
-TEST_F(Stopping, DoesNotCallOnCanAcceptForItsOwnConnection) {
-    start();
-    m_server.StopAccept();
-    EXPECT_THAT(m_server.log->events(), IsEmpty());
+    EXPECT_THAT(m_server.log->events(), IsEmpty()) << "OnCanAccept is not called for that";
 }
 
 TEST_F(Stopping, LeavesNoAcceptingThread) {
@@ -83,20 +73,10 @@ TEST_F(Stopping, LeavesNoAcceptingThread) {
     EXPECT_LE(countThreads(), before);
 }
 
-TEST_F(Stopping, MayBeRepeated) {
-    start();
-    EXPECT_EQ(m_server.StopAccept(), 0);
-    m_server.codes.clear();
-    EXPECT_EQ(m_server.StopAccept(), 0);
-    EXPECT_THAT(m_server.codes, IsEmpty());
-}
-
 TEST_F(Stopping, MayBeFollowedByAnotherStart) {
     for (int i = 0; i < 3; ++i) {
         start();
-        peers::Connection peer = m_server.connection();
-        peer.send("hi\r\n");
-        EXPECT_NE(peer.receiveAll(), "");
+        EXPECT_NE(m_server.converse(), "");
         EXPECT_EQ(m_server.StopAccept(), 0);
         EXPECT_FALSE(isReachable());
     }
@@ -119,17 +99,16 @@ TEST_F(Stopping, LetsWorkersRunOn) {
 
 TEST_F(Stopping, WaitsForOnCanAcceptAndLetsThePeerIn) {
     start();
-    peers::Connection peer = connectionInOnCanAccept();
+    peers::Connection peer = connectionInOnCanAccept(false);
     peer.send("hi\r\n");
-    std::thread opener([this] {
+    const std::jthread opener([this] {
         ::Sleep(200);
         m_gate.open();
     });
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(150));
-    opener.join();
-    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+    EXPECT_EQ(peer.receiveAll(), ProbeServer::kAnswer);
 }
 
 TEST_F(Stopping, EndsTheThreadWhenItCannotBeWoken) {
@@ -143,29 +122,21 @@ TEST_F(Stopping, EndsTheThreadWhenItCannotBeWoken) {
     EXPECT_FALSE(isReachable());
 }
 
-TEST_F(Stopping, MayBeFollowedByAnotherStartAfterForce) {
-    for (int i = 0; i < 3; ++i) {
-        start();
-        misdirect();
-        EXPECT_EQ(m_server.StopAccept(), 0);
-    }
-    start();
-    EXPECT_TRUE(isReachable());
-}
-
-TEST_F(Stopping, LosesNoHandlesWhenTheThreadCannotBeWoken) {
+TEST_F(Stopping, LosesNoHandlesWhenTheThreadCannotBeWokenAndMayStartAgain) {
     EXPECT_TRUE(usesUpAtMost(0, [this] {
         start();
         misdirect();
-        m_server.StopAccept();
+        EXPECT_EQ(m_server.StopAccept(), 0);
     }));
+    start();
+    EXPECT_TRUE(isReachable());
 }
 
 // Winsock has a handle for each thread that waits in it, which is lost with the thread.
 TEST_F(Stopping, LosesNoHandlesOfItsOwnByForce) {
     EXPECT_TRUE(usesUpAtMost(10, [this] {
         start();
-        const peers::Connection peer = connectionHeldInOnCanAccept();
+        const peers::Connection peer = connectionInOnCanAccept(true);
         misdirect();
         m_server.StopAccept();
     }));
@@ -174,7 +145,7 @@ TEST_F(Stopping, LosesNoHandlesOfItsOwnByForce) {
 TEST_F(Stopping, ClosesOnAPeerWhenOnCanAcceptIsEndedByForce) {
     const int before = countThreadsAtRest();
     start();
-    peers::Connection peer = connectionHeldInOnCanAccept();
+    peers::Connection peer = connectionInOnCanAccept(true);
     misdirect();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_LE(countThreads(), before);
@@ -202,78 +173,70 @@ TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
     EXPECT_TRUE(isReachable());
 }
 
-TEST_F(Stopping, HappensInTheDestructor) {
-    unsigned int port = 0;
+TEST_F(Stopping, HappensInTheDestructorThoughTheSocketWasNeverUsed) {
     const int before = countThreadsAtRest();
-    {
-        ProbeServer server;
-        ASSERT_TRUE(server.start());
-        port = server.GetPort();
+    for (const bool isAccepting : {true, false}) {
+        unsigned int port = 0;
+        {
+            ProbeServer server;
+            ASSERT_TRUE(isAccepting ? server.start() : server.listen() == UTE_SUCCESS);
+            port = server.GetPort();
+            EXPECT_TRUE(isAccepting || peers::isReachable(port));
+        }
+        EXPECT_LE(countThreads(), before);
+        EXPECT_FALSE(peers::isReachable(port));
     }
-    EXPECT_FALSE(peers::connectTo(port));
-    EXPECT_LE(countThreads(), before);
 }
 
 // OnCanAccept holds the destructor of the base until the worker has seen the flag.
 TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
+    struct Scene {
+        Gate serving;
+        Gate& gate;
+        std::atomic<bool> isSeen = false;
+    };
+    struct Worker : CUT_WSThread {
+        explicit Worker(Scene& scene) : m_scene(scene) {}
+        void OnConnect() override {
+            Scene& scene = m_scene;
+            scene.serving.open();
+            scene.isSeen = eventually([this] { return m_owner->GetShutDownFlag() == 1; },
+                                      std::chrono::seconds(20));
+            scene.gate.open();
+        }
+        Scene& m_scene;
+    };
     struct Server : CUT_WSServer {
-        struct Worker : CUT_WSThread {
-            explicit Worker(Server& server) : m_server(server) {}
-            void OnConnect() override {
-                Gate& gate = m_server.m_gate;
-                std::atomic<bool>& isSeen = m_server.m_isSeen;
-                m_server.m_serving.open();
-                isSeen = eventually([this] { return m_owner->GetShutDownFlag() == 1; },
-                                    std::chrono::seconds(20));
-                gate.open();
-            }
-            Server& m_server;
-        };
-        Server(Gate& serving, Gate& gate, std::atomic<bool>& isSeen)
-            : m_serving(serving), m_gate(gate), m_isSeen(isSeen) {}
-        CUT_WSThread* CreateInstance() override { return new Worker(*this); }
+        explicit Server(Scene& scene) : m_scene(scene) {}
+        CUT_WSThread* CreateInstance() override { return new Worker(m_scene); }
         void ReleaseInstance(CUT_WSThread* worker) override { delete worker; }
         long OnCanAccept(const char*) override {
             if (++m_asked == 1) return 1;
-            m_gate.pass();
+            m_scene.gate.pass();
             return 0;
         }
-        Gate& m_serving;
-        Gate& m_gate;
-        std::atomic<bool>& m_isSeen;
+        Scene& m_scene;
         int m_asked = 0;
     };
-    Gate serving;
-    std::atomic<bool> isSeen = false;
-    auto server = std::make_unique<Server>(serving, m_gate, isSeen);
+    Scene scene{{}, m_gate};
+    auto server = std::make_unique<Server>(scene);
     ASSERT_EQ(server->ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), 0);
     server->SetPort(server->GetBoundPort());
     ASSERT_EQ(server->StartAccept(), 0);
     peers::Connection served = peers::connectionTo(server->GetPort());
-    ASSERT_TRUE(serving.pass());
+    ASSERT_TRUE(scene.serving.pass());
     const peers::Connection asked = peers::connectionTo(server->GetPort());
     ASSERT_TRUE(m_gate.awaitArrivals());
     server.reset();
-    EXPECT_TRUE(isSeen);
+    EXPECT_TRUE(scene.isSeen);
     EXPECT_TRUE(served.awaitClose());
-}
-
-TEST_F(Stopping, ClosesAListeningSocketThatWasNeverUsedInTheDestructor) {
-    unsigned int port = 0;
-    {
-        ProbeServer server;
-        ASSERT_EQ(server.listen(), 0);
-        port = server.GetPort();
-        EXPECT_TRUE(peers::connectTo(port));
-    }
-    EXPECT_FALSE(peers::connectTo(port));
 }
 
 TEST_F(Stopping, OnlyStoresAPortThatIsSetLater) {
     start();
     misdirect();
     EXPECT_TRUE(isReachable());
-    EXPECT_FALSE(peers::connectTo(m_server.GetPort()));
+    EXPECT_FALSE(m_server.isReachable());
 }
 
 }  // namespace

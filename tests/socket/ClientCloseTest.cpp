@@ -1,161 +1,130 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 
 #include "tests/socket/OtherHandle.h"
 #include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
+#include "tests/support/WinsockStarts.h"
 
 namespace {
 
-using Codes = std::vector<int>;
+using testing::ElementsAre;
 
-void expectForgotten(const CUT_WSClient& client) {
-    EXPECT_EQ(client.GetSocket(), INVALID_SOCKET);
-    EXPECT_EQ(client.GetRemotePort(), 0);
-    EXPECT_EQ(client.GetLocalPort(), 0);
-    EXPECT_EQ(client.GetAcceptPort(), 0);
-    EXPECT_STREQ(client.getszAddress(), "");
-}
+class ClientClose : public testing::Test {
+  protected:
+    void connect() {
+        ASSERT_EQ(m_client->connectTo(m_peer.port()), UTE_SUCCESS);
+        m_client->codes.clear();
+    }
+    int listen() { return m_client->WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")); }
+    void expectForgotten() {
+        EXPECT_EQ(m_client->GetSocket(), INVALID_SOCKET);
+        EXPECT_EQ(m_client->GetRemotePort(), 0);
+        EXPECT_EQ(m_client->GetLocalPort(), 0);
+        EXPECT_EQ(m_client->GetAcceptPort(), 0);
+        EXPECT_STREQ(m_client->getszAddress(), "");
+    }
 
-TEST(ClientClose, ClosesTheConnectionAndForgetsIt) {
-    peers::Peer peer(peers::silent());
-    ProbeClient client;
-    ASSERT_EQ(client.connectTo(peer.port()), UTE_SUCCESS);
-    client.codes.clear();
-    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
-    EXPECT_EQ(client.codes, Codes{0});
-    expectForgotten(client);
-    EXPECT_EQ(peer.waitForServed(1), 1) << "the peer sees the end";
-}
+    peers::Peer m_peer{peers::echo()};
+    std::unique_ptr<ProbeClient> m_client = std::make_unique<ProbeClient>();
+    char m_loopback[10] = "127.0.0.1";
+};
 
-TEST(ClientClose, IsHarmlessWhenClosed) {
-    ProbeClient client;
-    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
-    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
-}
-
-TEST(ClientClose, LetsTheObjectConnectAgain) {
-    peers::Peer peer(peers::silent());
-    ProbeClient client;
+TEST_F(ClientClose, ForgetsTheConnectionAndLetsTheObjectConnectAgain) {
+    EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS) << "harmless when closed";
     for (int round = 1; round <= 3; ++round) {
-        ASSERT_EQ(client.connectTo(peer.port()), UTE_SUCCESS);
-        ASSERT_EQ(client.CloseConnection(), UTE_SUCCESS);
-        ASSERT_EQ(peer.waitForServed(round), round);
+        connect();
+        EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
+        EXPECT_THAT(m_client->codes, ElementsAre(0));
+        expectForgotten();
+        EXPECT_EQ(m_peer.waitForServed(round), round) << "the peer sees the end";
     }
 }
 
-TEST(ClientClose, ReportsAFailedShutdownAndClosesAnyway) {
+TEST_F(ClientClose, ReportsAFailedShutdownAndClosesAnyway) {
     peers::RefusingPort port;
-    ProbeClient client;
-    char loopback[] = "127.0.0.1";
-    ASSERT_EQ(client.ConnectBound(0, port.port(), loopback, loopback, AF_INET, SOCK_STREAM),
+    ASSERT_EQ(m_client->ConnectBound(0, port.port(), m_loopback, m_loopback, AF_INET, SOCK_STREAM),
               UTE_SOCK_CONNECT_FAILED);
-    const SOCKET socket = client.GetSocket();
-    EXPECT_EQ(client.CloseConnection(), UTE_ERROR);
-    expectForgotten(client);
+    const SOCKET socket = m_client->GetSocket();
+    EXPECT_EQ(m_client->CloseConnection(), UTE_ERROR);
+    expectForgotten();
     EXPECT_EQ(::closesocket(socket), SOCKET_ERROR) << "closed already";
 }
 
-TEST(ClientClose, ReportsAFailedClose) {
-    peers::Peer peer(peers::silent());
-    ProbeClient client;
-    ASSERT_EQ(client.connectTo(peer.port()), UTE_SUCCESS);
-    ::closesocket(client.GetSocket());
-    EXPECT_EQ(client.CloseConnection(), UTE_ERROR);
-    expectForgotten(client);
+TEST_F(ClientClose, ReportsAFailedClose) {
+    connect();
+    ::closesocket(m_client->GetSocket());
+    EXPECT_EQ(m_client->CloseConnection(), UTE_ERROR);
+    expectForgotten();
 }
 
-TEST(ClientClose, ShutsDownAStreamFirst) {
-    peers::Peer peer(peers::silent());
-    ProbeClient client;
-    ASSERT_EQ(client.connectTo(peer.port()), UTE_SUCCESS);
-    const UniqueSocket other = otherHandleOf(client.GetSocket());
+TEST_F(ClientClose, ShutsDownAStreamFirst) {
+    connect();
+    const UniqueSocket other = otherHandleOf(m_client->GetSocket());
     ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
-    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
-    EXPECT_EQ(peer.waitForServed(1), 1) << "the peer sees the end";
+    EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
+    EXPECT_EQ(m_peer.waitForServed(1), 1) << "the peer sees the end";
     EXPECT_EQ(::send(other.get(), "x", 1, 0), SOCKET_ERROR);
 }
 
-TEST(ClientClose, DoesNotShutDownADatagramSocket) {
-    const peers::WinsockSession winsock;
+TEST_F(ClientClose, DoesNotShutDownADatagramSocket) {
     const UniqueSocket peer = peers::bindToLoopback(SOCK_DGRAM);
-    ProbeClient client;
-    char loopback[] = "127.0.0.1";
     const auto port = static_cast<unsigned int>(peers::portOf(peer));
-    ASSERT_EQ(client.Connect(port, loopback, -1, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
-    const UniqueSocket other = otherHandleOf(client.GetSocket());
+    ASSERT_EQ(m_client->Connect(port, m_loopback, -1, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
+    const UniqueSocket other = otherHandleOf(m_client->GetSocket());
     ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
-    EXPECT_EQ(client.CloseConnection(), UTE_SUCCESS);
-    expectForgotten(client);
+    EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
+    expectForgotten();
     EXPECT_EQ(::send(other.get(), "x", 1, 0), 1);
 }
 
-TEST(ClientClose, ClosesTheListeningSocketToo) {
-    ProbeClient client;
-    ASSERT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS);
-    const auto port = static_cast<unsigned int>(client.GetAcceptPort());
-    client.CloseConnection();
-    expectForgotten(client);
+TEST_F(ClientClose, ClosesTheListeningSocketToo) {
+    ASSERT_EQ(listen(), UTE_SUCCESS);
+    const auto port = static_cast<unsigned int>(m_client->GetAcceptPort());
+    m_client->CloseConnection();
+    expectForgotten();
     ProbeClient other;
     EXPECT_EQ(other.Connect(port, "127.0.0.1", -1), UTE_SOCK_CONNECT_FAILED);
-    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS);
+    EXPECT_EQ(listen(), UTE_SUCCESS);
 }
 
-TEST(ClientClose, HappensWhenTheObjectIsDestroyed) {
-    peers::Peer peer(peers::silent());
-    auto client = std::make_unique<ProbeClient>();
-    ASSERT_EQ(client->connectTo(peer.port()), UTE_SUCCESS);
-    const SOCKET socket = client->GetSocket();
-    client.reset();
-    EXPECT_EQ(peer.waitForServed(1), 1);
+TEST_F(ClientClose, HappensWhenTheObjectIsDestroyed) {
+    connect();
+    const SOCKET socket = m_client->GetSocket();
+    m_client.reset();
+    EXPECT_EQ(m_peer.waitForServed(1), 1);
     EXPECT_EQ(::closesocket(socket), SOCKET_ERROR);
 }
 
-TEST(ClientClose, BalancesTheStartOfWinsock) {
-    { CUT_WSClient client; }
-    EXPECT_EQ(::WSACleanup(), SOCKET_ERROR);
-    EXPECT_EQ(::WSAGetLastError(), WSANOTINITIALISED);
-}
-
-class ClientReset : public testing::Test {
-  protected:
-    void SetUp() override { ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS); }
-
-    peers::Peer m_peer{peers::echo()};
-    ProbeClient m_client;
-};
+using ClientReset = ClientClose;
 
 TEST_F(ClientReset, ForgetsTheSocketsWithoutClosingThem) {
-    ASSERT_EQ(m_client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS);
-    const UniqueSocket leaked(m_client.GetSocket());
-    m_client.codes.clear();
-    EXPECT_EQ(m_client.Reset(), UTE_SUCCESS);
-    EXPECT_EQ(m_client.codes, Codes{0});
-    expectForgotten(m_client);
+    connect();
+    ASSERT_EQ(listen(), UTE_SUCCESS);
+    const UniqueSocket leaked(m_client->GetSocket());
+    m_client->codes.clear();
+    EXPECT_EQ(m_client->Reset(), UTE_SUCCESS);
+    EXPECT_THAT(m_client->codes, ElementsAre(0));
+    expectForgotten();
     EXPECT_EQ(::send(leaked.get(), "still", 5, 0), 5);
     char buffer[8];
     EXPECT_EQ(::recv(leaked.get(), buffer, sizeof buffer, 0), 5);
-    EXPECT_EQ(m_client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS)
-        << "the listening socket is forgotten too";
+    EXPECT_EQ(listen(), UTE_SUCCESS) << "the listening socket is forgotten too";
+    m_client->CloseConnection();
+    connect();
 }
 
-TEST_F(ClientReset, LetsTheObjectConnectAgain) {
-    const UniqueSocket leaked(m_client.GetSocket());
-    m_client.Reset();
-    EXPECT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS);
-}
-
-TEST_F(ClientReset, KeepsOneStartOfWinsock) {
-    const UniqueSocket leaked(m_client.GetSocket());
-    m_client.Reset();
-    EXPECT_EQ(m_client.Reset(), UTE_SUCCESS);
-    EXPECT_EQ(::WSACleanup(), 0) << "the peer's or the client's";
-    EXPECT_EQ(::WSACleanup(), 0) << "the other";
+TEST(ClientAndWinsock, EachObjectKeepsOneStart) {
+    {
+        CUT_WSClient client;
+        client.Reset();
+        EXPECT_EQ(client.Reset(), UTE_SUCCESS);
+        EXPECT_EQ(WinsockStarts::count(), 1);
+    }
     EXPECT_EQ(::WSACleanup(), SOCKET_ERROR);
-    WSADATA data{};
-    ::WSAStartup(MAKEWORD(2, 2), &data);
-    ::WSAStartup(MAKEWORD(2, 2), &data);
+    EXPECT_EQ(::WSAGetLastError(), WSANOTINITIALISED);
 }
 
 }  // namespace

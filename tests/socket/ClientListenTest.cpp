@@ -1,11 +1,24 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 
 namespace {
+
+using testing::ElementsAre;
+
+// Makes its sockets in another way.
+class OddClient : public ProbeClient {
+  public:
+    int type = SOCK_STREAM;
+    void setProtocol(int protocol) { m_protocol = protocol; }
+    int CreateSocket(SOCKET& s, int family, int, int protocol) override {
+        return ProbeClient::CreateSocket(s, family, type, protocol);
+    }
+};
 
 class ClientListen : public testing::Test {
   protected:
@@ -22,96 +35,67 @@ class ClientListen : public testing::Test {
                   UTE_SUCCESS);
     }
 
-    ProbeClient m_client;
+    OddClient m_client;
     ProbeClient m_other;
     ProbeClient m_another;
 };
 
 TEST_F(ClientListen, ListensOnTheBoundPort) {
     EXPECT_EQ(listen(), UTE_SUCCESS);
+    // Socket made, two time-outs on the other socket, which is none, the result.
+    EXPECT_THAT(m_client.codes, ElementsAre(0, -1, -1, 0));
     EXPECT_NE(m_client.GetAcceptPort(), 0);
     EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
     connect(m_other);
-}
-
-TEST_F(ClientListen, RefusesToListenTwice) {
-    ASSERT_EQ(listen(), UTE_SUCCESS);
     EXPECT_EQ(listen(), UTE_SOCK_ALREADY_OPEN);
 }
 
-TEST_F(ClientListen, ReportsASocketThatCannotBeMade) {
+TEST_F(ClientListen, ReportsASocketThatCannotBeMadeOrCannotListen) {
     m_client.createFails = true;
     EXPECT_EQ(listen(), UTE_SOCK_CREATE_FAILED);
+    m_client.createFails = false;
+    m_client.type = SOCK_DGRAM;
+    EXPECT_EQ(listen(), UTE_SOCK_LISTEN_ERROR);
+    EXPECT_EQ(m_client.GetAcceptPort(), 0);
 }
 
 TEST_F(ClientListen, MakesTheSocketOfItsProtocol) {
-    struct : ProbeClient {
-        void setProtocol(int protocol) { m_protocol = protocol; }
-    } client;
-    client.setProtocol(IPPROTO_UDP);  // has no streams
-    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")),
-              UTE_SOCK_CREATE_FAILED);
-    client.setProtocol(IPPROTO_TCP);
-    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")), UTE_SUCCESS);
+    m_client.setProtocol(IPPROTO_UDP);  // has no streams
+    EXPECT_EQ(listen(), UTE_SOCK_CREATE_FAILED);
+    m_client.setProtocol(IPPROTO_TCP);
+    EXPECT_EQ(listen(), UTE_SUCCESS);
 }
 
 TEST_F(ClientListen, LeavesTheSocketWhenThePortIsTaken) {
-    peers::Peer peer(peers::silent());
-    const auto taken = static_cast<unsigned short>(peer.port());
-    EXPECT_EQ(listen(taken), UTE_SOCK_BIND_FAILED);
+    const peers::RefusingPort taken;
+    EXPECT_EQ(listen(static_cast<unsigned short>(taken.port())), UTE_SOCK_BIND_FAILED);
     EXPECT_EQ(m_client.GetAcceptPort(), 0);
     EXPECT_EQ(listen(), UTE_SOCK_ALREADY_OPEN);
     m_client.CloseConnection();
     EXPECT_EQ(listen(), UTE_SUCCESS);
 }
 
-TEST_F(ClientListen, ReportsASocketThatCannotListen) {
-    struct : ProbeClient {
-        int CreateSocket(SOCKET& s, int family, int, int protocol) override {
-            return CUT_WSClient::CreateSocket(s, family, SOCK_DGRAM, protocol);
-        }
-    } client;
-    EXPECT_EQ(client.WaitForConnect(0, 5, AF_INET, ::inet_addr("127.0.0.1")),
-              UTE_SOCK_LISTEN_ERROR);
-    EXPECT_EQ(client.GetAcceptPort(), 0);
-}
-
-TEST_F(ClientListen, AppliesTheTimeOutsToTheOtherSocket) {
-    ASSERT_EQ(listen(), UTE_SUCCESS);
-    // Socket made, two time-outs on no socket, the result.
-    EXPECT_EQ(m_client.codes, (std::vector<int>{0, -1, -1, 0}));
-}
-
 TEST_F(ClientListen, WaitsForAPeerToAccept) {
+    EXPECT_EQ(m_client.WaitForAccept(0), UTE_ERROR) << "it does not listen";
+    EXPECT_EQ(m_client.AcceptConnection(), UTE_ERROR);
+    EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
     ASSERT_EQ(listen(), UTE_SUCCESS);
     EXPECT_EQ(m_client.WaitForAccept(0), UTE_ERROR);
     connect(m_other);
     EXPECT_EQ(m_client.WaitForAccept(10), UTE_SUCCESS);
 }
 
-TEST_F(ClientListen, CannotWaitWithoutListening) {
-    EXPECT_EQ(m_client.WaitForAccept(0), UTE_ERROR);
-    EXPECT_EQ(m_client.AcceptConnection(), UTE_ERROR);
-    EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
-}
-
-TEST_F(ClientListen, AcceptFillsAddressAndPorts) {
+TEST_F(ClientListen, AcceptedConnectionHasItsAddressAndTheTimeOutsAndCarriesData) {
+    m_client.setRecvTimeOut(4000);
     listenAndAccept(m_other);
     EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1");
     EXPECT_EQ(m_client.GetRemotePort(), m_other.GetLocalPort());
     EXPECT_EQ(m_client.GetLocalPort(), m_client.GetAcceptPort());
     EXPECT_EQ(::ntohs(m_client.getsockAddr().sin_port), m_other.GetLocalPort());
-}
-
-TEST_F(ClientListen, AcceptedConnectionCarriesDataAndTheTimeOuts) {
-    m_client.setRecvTimeOut(4000);
-    listenAndAccept(m_other);
+    EXPECT_EQ(m_client.optionOf(SO_RCVTIMEO), 4000);
     ASSERT_EQ(m_other.Send("hello", 5), 5);
     char buffer[8];
     EXPECT_EQ(m_client.Receive(buffer, sizeof buffer, 10), 5);
-    int value = 0;
-    m_client.GetSocketOption(SO_RCVTIMEO, &value);
-    EXPECT_EQ(value, 4000);
 }
 
 TEST_F(ClientListen, AcceptingAgainReplacesTheConnection) {

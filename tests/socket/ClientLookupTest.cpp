@@ -1,46 +1,63 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
 #include "tests/socket/Peers.h"
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 
 namespace {
 
-using Codes = std::vector<int>;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 // Names are chosen so that the hosts file or the rules for names decide: nothing is asked over the
 // network.
 class ClientLookup : public testing::Test {
   protected:
-    std::string addressOf(const std::string& name) {
-        m_result = m_client.GetAddressFromName(name.c_str(), m_text, sizeof m_text);
+    // The address or name, or the text that was there before when it is not found.
+    std::string addressOf(const std::string& name, int maxLen = 64) {
+        m_result = m_client.GetAddressFromName(name.c_str(), m_text, maxLen);
         return m_text;
     }
+    std::string nameOfLoopback(int maxLen = 64) {
+        std::strcpy(m_text, "untouched");
+        m_result = m_client.GetNameFromAddress("127.0.0.1", m_text, maxLen);
+        return m_text;
+    }
+    std::string hostAddress(int maxLen, int useSocket) {
+        m_result = m_client.GetHostAddress(m_text, maxLen, useSocket);
+        return m_text;
+    }
+    void connect() {
+        ASSERT_EQ(m_client.connectTo(m_peer.port()), UTE_SUCCESS);
+        m_client.codes.clear();
+    }
 
+    peers::Peer m_peer{peers::silent()};
     ProbeClient m_client;
     char m_text[64] = "untouched";
     int m_result = -1;
 };
 
 TEST_F(ClientLookup, TellsAddressesFromNames) {
-    EXPECT_EQ(m_client.IsIPAddress("127.0.0.1"), 1);
-    EXPECT_EQ(m_client.IsIPAddress("0.0.0.0"), 1);
-    EXPECT_EQ(m_client.IsIPAddress("255.255.255.254"), 1);
-    EXPECT_EQ(m_client.IsIPAddress("localhost"), 0);
-    EXPECT_EQ(m_client.IsIPAddress("127.0.0.256"), 0);
-    EXPECT_EQ(m_client.IsIPAddress("255.255.255.255"), 0);
-    EXPECT_EQ(m_client.codes, Codes{});
+    for (const char* address : {"127.0.0.1", "0.0.0.0", "255.255.255.254"})
+        EXPECT_EQ(m_client.IsIPAddress(address), 1) << address;
+    for (const char* name : {"localhost", "127.0.0.256", "255.255.255.255"})
+        EXPECT_EQ(m_client.IsIPAddress(name), 0) << name;
+    EXPECT_THAT(m_client.codes, IsEmpty());
 }
 
-TEST_F(ClientLookup, FindsTheAddressOfAName) {
+TEST_F(ClientLookup, FindsTheAddressOfANameAndTheNameOfAnAddress) {
     EXPECT_EQ(addressOf("localhost"), "127.0.0.1");
     EXPECT_EQ(m_result, UTE_SUCCESS);
-    EXPECT_EQ(m_client.codes, Codes{0});
+    EXPECT_EQ(nameOfLoopback(), "localhost");
+    EXPECT_EQ(m_result, UTE_SUCCESS);
+    EXPECT_THAT(m_client.codes, ElementsAre(0, 0));
 }
 
-TEST_F(ClientLookup, LooksUpTheTextBehindTheLastAt) {
+TEST_F(ClientLookup, LooksUpTheTextAfterTheLastAt) {
     EXPECT_EQ(addressOf("somebody@localhost"), "127.0.0.1");
     EXPECT_EQ(addressOf("a@" + std::string(64, 'x') + "@localhost"), "127.0.0.1");
     EXPECT_EQ(m_result, UTE_SUCCESS);
@@ -58,31 +75,18 @@ TEST_F(ClientLookup, KeepsAnAtInTheFirstPosition) {
 TEST_F(ClientLookup, ReportsANameThatIsNotFound) {
     EXPECT_EQ(addressOf(std::string(64, 'x')), "untouched");
     EXPECT_EQ(m_result, UTE_NAME_LOOKUP_FAILED);
-    EXPECT_EQ(m_client.codes, Codes{UTE_NAME_LOOKUP_FAILED});
+    EXPECT_THAT(m_client.codes, ElementsAre(UTE_NAME_LOOKUP_FAILED));
 }
 
-TEST_F(ClientLookup, RefusesABufferThatIsTooShortForTheAddress) {
-    for (int tooShort : {7, 9, 0, -1}) {
-        EXPECT_EQ(m_client.GetAddressFromName("localhost", m_text, tooShort), UTE_BUFFER_TOO_SHORT);
-        EXPECT_STREQ(m_text, "untouched");
+TEST_F(ClientLookup, RefusesABufferThatIsTooShort) {
+    for (const int tooShort : {7, 9, 0, -1}) {
+        EXPECT_EQ(addressOf("localhost", tooShort), "untouched");
+        EXPECT_EQ(m_result, UTE_BUFFER_TOO_SHORT);
     }
-    EXPECT_EQ(m_client.GetAddressFromName("localhost", m_text, 10), UTE_SUCCESS);
-    EXPECT_STREQ(m_text, "127.0.0.1");
-}
-
-TEST_F(ClientLookup, FindsTheNameOfAnAddress) {
-    EXPECT_EQ(m_client.GetNameFromAddress("127.0.0.1", m_text, sizeof m_text), UTE_SUCCESS);
-    EXPECT_STREQ(m_text, "localhost");
-    EXPECT_EQ(m_client.codes, Codes{0});
-}
-
-TEST_F(ClientLookup, RefusesABufferThatIsTooShortForTheName) {
-    ASSERT_EQ(m_client.GetNameFromAddress("127.0.0.1", m_text, sizeof m_text), UTE_SUCCESS);
-    const int length = static_cast<int>(std::strlen(m_text));
-    std::strcpy(m_text, "untouched");
-    EXPECT_EQ(m_client.GetNameFromAddress("127.0.0.1", m_text, length), UTE_BUFFER_TOO_SHORT);
-    EXPECT_STREQ(m_text, "untouched");
-    EXPECT_EQ(m_client.GetNameFromAddress("127.0.0.1", m_text, length + 1), UTE_SUCCESS);
+    EXPECT_EQ(addressOf("localhost", 10), "127.0.0.1");
+    EXPECT_EQ(nameOfLoopback(9), "untouched");
+    EXPECT_EQ(m_result, UTE_BUFFER_TOO_SHORT);
+    EXPECT_EQ(nameOfLoopback(10), "localhost");
 }
 
 TEST_F(ClientLookup, FindsTheAddressOfThisHostByItsName) {
@@ -91,40 +95,27 @@ TEST_F(ClientLookup, FindsTheAddressOfThisHostByItsName) {
     const std::string expected = addressOf(name);
     ASSERT_EQ(m_result, UTE_SUCCESS);
     m_client.codes.clear();
-    char own[30] = "";
-    EXPECT_EQ(m_client.GetHostAddress(own, sizeof own, 0), UTE_SUCCESS);
-    EXPECT_EQ(own, expected);
-    EXPECT_EQ(m_client.codes, (Codes{0, 0})) << "the look-up and the result";
+    std::strcpy(m_text, "");
+    EXPECT_EQ(hostAddress(30, 0), expected);
+    EXPECT_THAT(m_client.codes, ElementsAre(0, 0)) << "the look-up and the result";
 }
 
-TEST_F(ClientLookup, FindsTheAddressOfThisHostByTheSocket) {
-    peers::Peer peer(peers::silent());
-    ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
-    m_client.codes.clear();
-    EXPECT_EQ(m_client.GetHostAddress(m_text, sizeof m_text, 1), UTE_SUCCESS);
-    EXPECT_STREQ(m_text, "127.0.0.1");
-    EXPECT_EQ(m_client.codes, Codes{0}) << "no look-up";
-}
-
-TEST_F(ClientLookup, CutsTheAddressOfTheSocket) {
-    peers::Peer peer(peers::silent());
-    ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
-    EXPECT_EQ(m_client.GetHostAddress(m_text, 5, 1), UTE_SUCCESS);
-    EXPECT_STREQ(m_text, "127.");
+TEST_F(ClientLookup, FindsTheAddressOfThisHostByTheSocketAndCutsIt) {
+    EXPECT_EQ(hostAddress(64, 1), "untouched");
+    EXPECT_EQ(m_result, UTE_ERROR) << "no socket";
+    connect();
+    EXPECT_EQ(hostAddress(64, 1), "127.0.0.1");
+    EXPECT_EQ(m_result, UTE_SUCCESS);
+    EXPECT_THAT(m_client.codes, ElementsAre(0)) << "no look-up";
+    EXPECT_EQ(hostAddress(5, 1), "127.");
 }
 
 TEST_F(ClientLookup, FallsBackToTheSocketWhenTheNameFails) {
-    EXPECT_EQ(m_client.GetHostAddress(m_text, 3, 0), UTE_ERROR) << "no socket either";
-    EXPECT_EQ(m_client.codes, (Codes{UTE_BUFFER_TOO_SHORT, UTE_ERROR}));
-    peers::Peer peer(peers::silent());
-    ASSERT_EQ(m_client.connectTo(peer.port()), UTE_SUCCESS);
-    EXPECT_EQ(m_client.GetHostAddress(m_text, 3, 0), UTE_SUCCESS);
-    EXPECT_STREQ(m_text, "12");
-}
-
-TEST_F(ClientLookup, NeedsASocketWhenAskedForTheSockets) {
-    EXPECT_EQ(m_client.GetHostAddress(m_text, sizeof m_text, 1), UTE_ERROR);
-    EXPECT_STREQ(m_text, "untouched");
+    hostAddress(3, 0);
+    EXPECT_THAT(m_client.codes, ElementsAre(UTE_BUFFER_TOO_SHORT, UTE_ERROR)) << "no socket either";
+    connect();
+    EXPECT_EQ(hostAddress(3, 0), "12");
+    EXPECT_EQ(m_result, UTE_SUCCESS);
 }
 
 }  // namespace

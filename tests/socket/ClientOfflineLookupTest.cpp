@@ -2,7 +2,7 @@
 // asks one.
 #include <gtest/gtest.h>
 
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 
 namespace {
 

@@ -9,12 +9,19 @@ namespace peers {
 
 inline const std::atomic<bool> kNeverStopping = false;
 
-inline sockaddr_in loopbackAddress(unsigned int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = ::htons(static_cast<u_short>(port));
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-    return address;
+// Of the socket's own end.
+inline sockaddr_in addressOf(SOCKET socket) {
+    sockaddr_in own{};
+    int length = sizeof own;
+    ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &length);
+    return own;
+}
+
+inline int optionOf(SOCKET socket, int option) {
+    int value = -1;
+    int length = sizeof value;
+    ::getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &length);
+    return value;
 }
 
 // An invalid socket when nobody listens.
@@ -28,6 +35,10 @@ inline UniqueSocket connectTo(unsigned int port) {
 
 inline Connection connectionTo(unsigned int port) {
     return {connectTo(port), kNeverStopping};
+}
+
+inline bool isReachable(unsigned int port) {
+    return static_cast<bool>(connectTo(port));
 }
 
 // A port that was free a moment ago.

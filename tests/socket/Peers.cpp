@@ -10,19 +10,15 @@ using Clock = std::chrono::steady_clock;
 constexpr long kTickMicroseconds = 10000;
 
 bool isReadable(SOCKET socket) {
-    fd_set set{};
-    set.fd_count = 1;
-    set.fd_array[0] = socket;
-    timeval tick{0, kTickMicroseconds};
-    return ::select(0, &set, nullptr, nullptr, &tick) == 1;
+    fd_set set{1, {socket}};
+    timeval timeOut{0, kTickMicroseconds};
+    return ::select(0, &set, nullptr, nullptr, &timeOut) == 1;
 }
 
-sockaddr_in loopback(int port) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = ::htons(static_cast<u_short>(port));
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-    return address;
+bool isWritable(SOCKET socket, long microseconds) {
+    fd_set set{1, {socket}};
+    timeval timeOut{0, microseconds};
+    return ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
 }
 
 UniqueSocket listenOnLoopback(int queueSize) {
@@ -42,9 +38,17 @@ WinsockSession::~WinsockSession() {
     ::WSACleanup();
 }
 
+sockaddr_in loopbackAddress(unsigned int port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = ::htons(static_cast<u_short>(port));
+    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    return address;
+}
+
 UniqueSocket bindToLoopback(int type) {
     UniqueSocket socket(::socket(AF_INET, type, 0));
-    const sockaddr_in address = loopback(0);
+    const sockaddr_in address = loopbackAddress(0);
     if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         throw std::runtime_error("cannot bind to 127.0.0.1");
     }
@@ -131,29 +135,13 @@ Script silent() {
 
 Script sending(std::string data) {
     return [data](Connection& peer) {
-        if (!data.empty()) peer.send(data);
+        peer.send(data);
         peer.receiveAll();
     };
 }
 
 Script sendingAndClosing(std::string data) {
-    return [data](Connection& peer) {
-        if (!data.empty()) peer.send(data);
-    };
-}
-
-Script halfClosing(std::string data) {
-    return [data](Connection& peer) {
-        if (!data.empty()) peer.send(data);
-        peer.finishSending();
-        peer.receiveAll();
-    };
-}
-
-Script dripping(std::string data, int pauseMs) {
-    std::vector<std::string> bytes;
-    for (char byte : data) bytes.emplace_back(1, byte);
-    return sendingPieces(bytes, pauseMs);
+    return [data](Connection& peer) { peer.send(data); };
 }
 
 Script sendingPieces(std::vector<std::string> pieces, int pauseMs) {
@@ -172,24 +160,25 @@ Script collecting(std::string& received) {
 
 ResettingPort::ResettingPort() : m_listener(listenOnLoopback(5)) {}
 
-UnansweringPort::UnansweringPort() {
-    ::listen(m_listener.get(), 0);
-    const sockaddr_in address = loopback(portOf(m_listener));
-    // Connects are queued until one is left without an answer.
-    for (int attempt = 0; attempt < 16; ++attempt) {
+std::vector<UniqueSocket> connectWhileAnswered(unsigned int port, size_t most) {
+    const sockaddr_in address = loopbackAddress(port);
+    std::vector<UniqueSocket> answered;
+    while (answered.size() < most) {
         UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
         u_long nonBlocking = 1;
         ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
         ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        fd_set set{};
-        set.fd_count = 1;
-        set.fd_array[0] = socket.get();
-        timeval timeOut{0, 200000};
-        const bool isAnswered = ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
-        m_queued.push_back(std::move(socket));
-        if (!isAnswered) return;
+        if (!isWritable(socket.get(), 500000)) break;
+        answered.push_back(std::move(socket));
     }
-    throw std::runtime_error("the listener's queue does not fill");
+    return answered;
+}
+
+UnansweringPort::UnansweringPort() {
+    constexpr size_t kMost = 16;
+    ::listen(m_listener.get(), 0);
+    m_queued = connectWhileAnswered(port(), kMost);
+    if (m_queued.size() == kMost) throw std::runtime_error("the listener's queue does not fill");
 }
 
 }  // namespace peers

@@ -27,6 +27,8 @@ class WinsockSession {
     WinsockSession& operator=(const WinsockSession&) = delete;
 };
 
+sockaddr_in loopbackAddress(unsigned int port);
+
 // A stream or datagram socket bound to a free port of 127.0.0.1.
 UniqueSocket bindToLoopback(int type = SOCK_STREAM);
 int portOf(const UniqueSocket& socket);
@@ -93,8 +95,6 @@ Script echo();                                    // sends back what comes
 Script silent();                                  // reads, never answers, until the client closes
 Script sending(std::string data);                 // sends, then as silent
 Script sendingAndClosing(std::string data = "");  // sends and closes
-Script halfClosing(std::string data = "");        // sends and ends its side, then as silent
-Script dripping(std::string data, int pauseMs);   // one byte per send, then as silent
 Script collecting(std::string& received);         // keeps all that comes until the client closes
 Script sendingPieces(std::vector<std::string> pieces,
                      int pauseMs);  // a pause between pieces, then as silent
@@ -122,6 +122,10 @@ class ResettingPort {
     WinsockSession m_winsock;
     UniqueSocket m_listener;
 };
+
+// Connects, at most so often, until one connect is left without an answer: that one is not in the
+// result.
+std::vector<UniqueSocket> connectWhileAnswered(unsigned int port, size_t most);
 
 // A listener whose queue is full: a connect to it stays unanswered.
 class UnansweringPort {

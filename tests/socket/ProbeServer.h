@@ -11,7 +11,7 @@
 #include "NyServer/socket/CUT_WSServer.h"
 #include "NyServer/socket/SocketCodes.h"
 #include "tests/socket/LocalConnection.h"
-#include "tests/socket/ProbeWorker.h"
+#include "tests/socket/Probes.h"
 #include "tests/support/Gate.h"
 
 // What happened in a server, in its order. It outlives the server.
@@ -103,16 +103,30 @@ class ProbeServer : public CUT_WSServer {
     using CUT_WSServer::ThreadListResume;
     using CUT_WSServer::ThreadListSuspend;
 
+    int listenOn(unsigned int port, int queueSize = 5) {
+        return ConnectToPort(static_cast<unsigned short>(port), queueSize, AF_INET,
+                             ::htonl(INADDR_LOOPBACK));
+    }
     // Listens on a free port of 127.0.0.1. The result of ConnectToPort.
     int listen(int queueSize = 5) {
         int result = UTE_SOCK_BIND_FAILED;
         for (int attempt = 0; result == UTE_SOCK_BIND_FAILED && attempt < 20; ++attempt)
-            result = ConnectToPort(peers::freePort(), queueSize, AF_INET, ::htonl(INADDR_LOOPBACK));
+            result = listenOn(peers::freePort(), queueSize);
         codes.clear();
         return result;
     }
     bool start() { return listen() == UTE_SUCCESS && StartAccept() == UTE_SUCCESS; }
     peers::Connection connection() { return peers::connectionTo(GetPort()); }
+    bool isReachable() { return peers::isReachable(GetPort()); }
+
+    // What the base worker answers to a line.
+    static constexpr const char* kAnswer = "Connect Successful ... Now Disconnecting.";
+    // One connection from its beginning to the close: what it was answered.
+    std::string converse(std::string_view words = "hi\r\n") {
+        peers::Connection peer = connection();
+        peer.send(words);
+        return peer.receiveAll();
+    }
 
   protected:
     CUT_WSThread* CreateInstance() override {

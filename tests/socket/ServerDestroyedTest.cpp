@@ -18,16 +18,17 @@ struct Scene {
     std::vector<peers::Connection> peers;
 
     void connect() { peers.push_back(server->connection()); }
-    // A connection with a thread of the server at the gate.
-    void connectToTheGate() {
+    void start() { EXPECT_TRUE(server->start()); }
+    // A connection with a thread of the server at the gate, where `hook` brings it.
+    template <class Hook>
+    void startAndWaitIn(Hook ProbeServer::*hook) {
+        server->onConnect = [](LoggingWorker&) {};
+        server.operator->()->*hook = [this](auto&&...) { gate.pass(); };
+        start();
         connect();
         EXPECT_TRUE(gate.awaitArrivals());
     }
-    void serve() {
-        server->onConnect = [this](LoggingWorker&) { gate.pass(); };
-        EXPECT_TRUE(server->start());
-        connectToTheGate();
-    }
+    void serve() { startAndWaitIn(&ProbeServer::onConnect); }
 };
 
 struct Step {
@@ -39,10 +40,8 @@ const Step kSteps[] = {
     {"Made", [](Scene&) {}},
     {"UnableToListen",
      [](Scene& scene) {
-         const UniqueSocket taken = peers::bindToLoopback();
-         const auto port = static_cast<unsigned short>(peers::portOf(taken));
-         EXPECT_EQ(scene.server->ConnectToPort(port, 5, AF_INET, ::htonl(INADDR_LOOPBACK)),
-                   UTE_SOCK_BIND_FAILED);
+         const peers::RefusingPort taken;
+         EXPECT_EQ(scene.server->listenOn(taken.port()), UTE_SOCK_BIND_FAILED);
      }},
     {"Listening", [](Scene& scene) { EXPECT_EQ(scene.server->listen(), UTE_SUCCESS); }},
     {"ListeningWithAPeer",
@@ -50,21 +49,9 @@ const Step kSteps[] = {
          EXPECT_EQ(scene.server->listen(), UTE_SUCCESS);
          scene.connect();
      }},
-    {"Accepting", [](Scene& scene) { EXPECT_TRUE(scene.server->start()); }},
-    {"InOnCanAccept",
-     [](Scene& scene) {
-         scene.server->onCanAccept = [&scene] { scene.gate.pass(); };
-         scene.server->onConnect = [](LoggingWorker&) {};
-         EXPECT_TRUE(scene.server->start());
-         scene.connectToTheGate();
-     }},
-    {"MakingAWorker",
-     [](Scene& scene) {
-         scene.server->onCreate = [&scene] { scene.gate.pass(); };
-         scene.server->onConnect = [](LoggingWorker&) {};
-         EXPECT_TRUE(scene.server->start());
-         scene.connectToTheGate();
-     }},
+    {"Accepting", [](Scene& scene) { scene.start(); }},
+    {"InOnCanAccept", [](Scene& scene) { scene.startAndWaitIn(&ProbeServer::onCanAccept); }},
+    {"MakingAWorker", [](Scene& scene) { scene.startAndWaitIn(&ProbeServer::onCreate); }},
     {"Serving", [](Scene& scene) { scene.serve(); }},
     {"Refusing",
      [](Scene& scene) {
@@ -73,13 +60,7 @@ const Step kSteps[] = {
          scene.connect();
          EXPECT_TRUE(scene.log->await("OnMaxConnect"));
      }},
-    {"ReleasingAWorker",
-     [](Scene& scene) {
-         scene.server->onConnect = [](LoggingWorker&) {};
-         scene.server->onRelease = [&scene](CUT_WSThread*) { scene.gate.pass(); };
-         EXPECT_TRUE(scene.server->start());
-         scene.connectToTheGate();
-     }},
+    {"ReleasingAWorker", [](Scene& scene) { scene.startAndWaitIn(&ProbeServer::onRelease); }},
     {"DoneWithAPeer",
      [](Scene& scene) {
          scene.serve();
@@ -88,7 +69,7 @@ const Step kSteps[] = {
      }},
     {"Stopped",
      [](Scene& scene) {
-         EXPECT_TRUE(scene.server->start());
+         scene.start();
          scene.server->StopAccept();
      }},
     {"StoppedWhileServing",
@@ -103,7 +84,7 @@ const Step kSteps[] = {
      }},
     {"StartedAgain",
      [](Scene& scene) {
-         EXPECT_TRUE(scene.server->start());
+         scene.start();
          scene.server->StopAccept();
          scene.serve();
      }},

@@ -41,9 +41,7 @@ class ServerResets : public testing::Test {
 
 TEST_F(ServerResets, DoNotEndTheAccepting) {
     resetInTheQueue(kResets);
-    peers::Connection peer = m_server.connection();
-    peer.send("hi\r\n");
-    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+    EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer);
 }
 
 }  // namespace

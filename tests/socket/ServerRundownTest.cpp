@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 
 #include "tests/socket/ProbeServer.h"
@@ -24,35 +25,46 @@ class ServerRundownTest : public testing::Test {
     void haveHandlersWait() {
         server().onConnect = [this](LoggingWorker&) { m_gate.pass(); };
     }
+    void haveReleasesWait() {
+        server().onConnect = [](LoggingWorker&) {};
+        server().onRelease = [this](CUT_WSThread*) { m_gate.pass(); };
+    }
     // A connection with a thread of the server at the gate.
     peers::Connection connectionAtTheGate() {
         peers::Connection peer = server().connection();
         EXPECT_TRUE(m_gate.awaitArrivals());
         return peer;
     }
-    void openSoon() {
-        m_opener = std::jthread([this] {
+    // The action does not end before the gate is opened.
+    template <class Action>
+    void expectWaitsForTheGate(Action action) {
+        std::atomic<bool> isOpening = false;
+        const std::jthread opener([&] {
             ::Sleep(100);
-            m_isOpening = true;
+            isOpening = true;
             m_gate.open();
         });
+        action();
+        EXPECT_TRUE(isOpening);
+    }
+    // The handler ends without a server: its worker is deleted, and not given back.
+    void expectHandlerRunsOn(peers::Connection& peer) {
+        EXPECT_EQ(m_log->count("worker deleted"), 0);
+        m_gate.open();
+        EXPECT_EQ(peer.receiveAll(), "");
+        EXPECT_EQ(m_log->count("ReleaseInstance"), 0);
+        EXPECT_EQ(m_log->count("worker deleted"), 1);
     }
 
     peers::WinsockSession m_winsock;
     Gate m_gate;
-    std::atomic<bool> m_isOpening = false;
     std::unique_ptr<ProbeServer> m_server = std::make_unique<ProbeServer>();
     std::shared_ptr<ServerLog> m_log = m_server->log;
-    std::jthread m_opener;
 };
 
-TEST_F(ServerRundownTest, ClosesWhenNobodyIsThere) {
-    EXPECT_TRUE(server().CloseDoorIfIdle());
-    EXPECT_TRUE(server().CloseDoorIfIdle());
-}
-
 TEST_F(ServerRundownTest, LetsNobodyInOnceItIsClosed) {
-    ASSERT_TRUE(server().CloseDoorIfIdle());
+    EXPECT_TRUE(server().CloseDoorIfIdle()) << "nobody is there";
+    EXPECT_TRUE(server().CloseDoorIfIdle());
     EXPECT_EQ(server().connection().receiveAll(), "");
     EXPECT_THAT(m_log->events(), IsEmpty());
 }
@@ -68,12 +80,19 @@ TEST_F(ServerRundownTest, StaysOpenWhileAHandlerRuns) {
     EXPECT_EQ(m_log->count("ReleaseInstance"), 2);
 }
 
-TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
-    server().onConnect = [](LoggingWorker&) {};
-    server().onRelease = [this](CUT_WSThread*) { m_gate.pass(); };
+TEST_F(ServerRundownTest, StaysOpenForKilledWorkersToBeReleased) {
+    haveHandlersWait();
+    const peers::Connection peer = connectionAtTheGate();
+    server().ThreadListKill();
+    EXPECT_FALSE(server().CloseDoorIfIdle());
+}
+
+TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
+    haveReleasesWait();
     const peers::Connection peer = connectionAtTheGate();
     EXPECT_EQ(server().GetNumConnections(), 0);
     EXPECT_FALSE(server().CloseDoorIfIdle());
+    expectWaitsForTheGate([this] { server().CloseDoor(); });
 }
 
 TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotYetCountedIsMade) {
@@ -83,34 +102,11 @@ TEST_F(ServerRundownTest, StaysOpenWhileAWorkerThatIsNotYetCountedIsMade) {
     EXPECT_FALSE(server().CloseDoorIfIdle());
 }
 
-TEST_F(ServerRundownTest, StaysOpenDuringOnCanAccept) {
-    server().onCanAccept = [this] { m_gate.pass(); };
-    const peers::Connection peer = connectionAtTheGate();
-    EXPECT_FALSE(server().CloseDoorIfIdle());
-}
-
-TEST_F(ServerRundownTest, StaysOpenForKilledWorkersToBeReleased) {
-    haveHandlersWait();
-    const peers::Connection peer = connectionAtTheGate();
-    server().ThreadListKill();
-    EXPECT_FALSE(server().CloseDoorIfIdle());
-}
-
-TEST_F(ServerRundownTest, IsWaitedForWhileAWorkerIsReleased) {
-    server().onConnect = [](LoggingWorker&) {};
-    server().onRelease = [this](CUT_WSThread*) { m_gate.pass(); };
-    const peers::Connection peer = connectionAtTheGate();
-    openSoon();
-    server().CloseDoor();
-    EXPECT_TRUE(m_isOpening);
-}
-
-TEST_F(ServerRundownTest, IsWaitedForDuringOnCanAccept) {
+TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForDuringOnCanAccept) {
     server().onCanAccept = [this] { m_gate.pass(); };
     peers::Connection peer = connectionAtTheGate();
-    openSoon();
-    server().CloseDoor();
-    EXPECT_TRUE(m_isOpening);
+    EXPECT_FALSE(server().CloseDoorIfIdle());
+    expectWaitsForTheGate([this] { server().CloseDoor(); });
     EXPECT_EQ(peer.receiveAll(), "");
     EXPECT_EQ(m_log->count("CreateInstance"), 0);
 }
@@ -120,34 +116,17 @@ TEST_F(ServerRundownTest, IsNotWaitedForWhileAHandlerRuns) {
     peers::Connection peer = connectionAtTheGate();
     server().CloseDoor();
     EXPECT_EQ(server().GetNumConnections(), 1);
-    m_gate.open();
-    EXPECT_EQ(peer.receiveAll(), "");
+    expectHandlerRunsOn(peer);
     EXPECT_EQ(server().GetNumConnections(), 0);
-    EXPECT_EQ(m_log->count("ReleaseInstance"), 0);
-    EXPECT_EQ(m_log->count("worker deleted"), 1);
 }
 
 TEST_F(ServerRundownTest, OutlivesItsServerForAHandlerThatRunsOn) {
     haveHandlersWait();
-    server().ending = ProbeServer::Ending::ClosesTheDoor;
-    peers::Connection peer = connectionAtTheGate();
-    destroy();
-    EXPECT_EQ(m_log->count("worker deleted"), 0);
-    m_gate.open();
-    EXPECT_EQ(peer.receiveAll(), "");
-    EXPECT_EQ(m_log->count("ReleaseInstance"), 0);
-    EXPECT_EQ(m_log->count("worker deleted"), 1);
-}
-
-TEST_F(ServerRundownTest, IsClosedByTheBaseDestructorToo) {
-    haveHandlersWait();
+    // By the base's destructor, when the derived one does not.
     server().ending = ProbeServer::Ending::LeavesTheDoorOpen;
     peers::Connection peer = connectionAtTheGate();
     destroy();
-    m_gate.open();
-    EXPECT_EQ(peer.receiveAll(), "");
-    EXPECT_EQ(m_log->count("ReleaseInstance"), 0);
-    EXPECT_EQ(m_log->count("worker deleted"), 1);
+    expectHandlerRunsOn(peer);
 }
 
 TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
@@ -175,9 +154,7 @@ TEST_F(ServerRundownTest, LetsAReleaseDestroyItsServer) {
 TEST_F(ServerRundownTest, LetsADestructorWaitForItsWorkers) {
     haveHandlersWait();
     const peers::Connection peer = connectionAtTheGate();
-    openSoon();
-    destroy();
-    EXPECT_TRUE(m_isOpening);
+    expectWaitsForTheGate([this] { destroy(); });
     EXPECT_EQ(m_log->count("ReleaseInstance"), 1);
 }
 

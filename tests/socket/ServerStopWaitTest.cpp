@@ -7,7 +7,6 @@
 #include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/socket/QueuedConnections.h"
 #include "tests/support/Threads.h"
 
 namespace {
@@ -63,15 +62,15 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpAfterOnCanAccept) {
     peer.send("hi\r\n");
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(0)) << "it could be woken: no force is used";
-    EXPECT_FALSE(peers::connectTo(m_port));
+    EXPECT_FALSE(peers::isReachable(m_port));
 
     m_verdict.release();
-    EXPECT_EQ(peer.receiveAll(), "Connect Successful ... Now Disconnecting.");
+    EXPECT_EQ(peer.receiveAll(), ProbeServer::kAnswer);
     expectNoThreadLeft();
     EXPECT_EQ(m_server.GetNumConnections(), 0);
     m_server.onCanAccept = [] {};
     EXPECT_TRUE(m_server.start()) << "and it can start again";
-    EXPECT_TRUE(peers::connectTo(m_server.GetPort()));
+    EXPECT_TRUE(m_server.isReachable());
 }
 
 // The connection that is to wake the accepting thread is not answered: the deadline is for both.
@@ -81,7 +80,7 @@ TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
     ASSERT_LT(queued.size(), 64u) << "the queue is full";
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(19));
-    EXPECT_FALSE(peers::connectTo(m_port));
+    EXPECT_FALSE(peers::isReachable(m_port));
     EXPECT_EQ(peer.receiveAll(), "") << "OnCanAccept was ended by force";
     expectNoThreadLeft();
     const auto start = std::chrono::steady_clock::now();

@@ -12,13 +12,10 @@ int exportedInt(const char* name) {
     return address ? *static_cast<const int*>(address) : -1;
 }
 
-TEST(SocketCodes, AreExportedAsData) {
+TEST(SocketCodes, AreExportedAndImportedAsData) {
     EXPECT_EQ(exportedInt("NY_UTE_SUCCESS"), 0);
     EXPECT_EQ(exportedInt("NY_UTE_ERROR"), 1);
     EXPECT_EQ(exportedInt("NY_UTE_SOCK_BIND_FAILED"), 18);
-}
-
-TEST(SocketCodes, AreImportedAsData) {
     EXPECT_EQ(NY_UTE_SUCCESS, UTE_SUCCESS);
     EXPECT_EQ(NY_UTE_ERROR, UTE_ERROR);
     EXPECT_EQ(NY_UTE_SOCK_BIND_FAILED, UTE_SOCK_BIND_FAILED);

@@ -89,7 +89,7 @@ TEST(SocketErrorTexts, HasOneTextForAllOtherCodes) {
 class SocketErrorTextOf : public testing::Test {
   protected:
     // A socket whose connect has been refused, without a thread having waited for it.
-    UniqueSocket refused() {
+    static UniqueSocket refused() {
         UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
         u_long nonBlocking = 1;
         ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
@@ -101,46 +101,32 @@ class SocketErrorTextOf : public testing::Test {
         EXPECT_EQ(::select(0, nullptr, nullptr, &failed, &timeOut), 1);
         return socket;
     }
+    static UniqueSocket healthy() { return UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)); }
+
+    // The text is the same whether or not the code is asked for.
+    static void expectText(UniqueSocket (*make)(), int code, const wchar_t* text) {
+        const UniqueSocket sockets[] = {make(), make()};
+        const SOCKET plain[] = {sockets[0].get(), sockets[1].get()};
+        int found = -1;
+        ::WSASetLastError(WSAECONNRESET);  // the thread's own error is of no concern
+        EXPECT_STREQ(SocketErrorText(&plain[0], &found), text);
+        EXPECT_EQ(found, code);
+        EXPECT_STREQ(SocketErrorText(&plain[1], nullptr), text);
+    }
 
     WinsockSession m_winsock;
 };
 
 TEST_F(SocketErrorTextOf, AHealthySocketIsNotAvailable) {
-    const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-    const SOCKET plain = socket.get();
-    int code = -1;
-    EXPECT_STREQ(SocketErrorText(&plain, &code), L"Last error not available");
-    EXPECT_EQ(code, 0);
-    EXPECT_STREQ(SocketErrorText(&plain, nullptr), L"Last error not available");
-}
-
-TEST_F(SocketErrorTextOf, AHealthySocketIgnoresTheThreadsLastError) {
-    const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-    const SOCKET plain = socket.get();
-    ::WSASetLastError(WSAECONNRESET);
-    EXPECT_STREQ(SocketErrorText(&plain, nullptr), L"Last error not available");
+    expectText(healthy, 0, L"Last error not available");
 }
 
 TEST_F(SocketErrorTextOf, ARefusedConnectIsNamed) {
-    const UniqueSocket socket = refused();
-    const SOCKET plain = socket.get();
-    int code = -1;
-    EXPECT_STREQ(SocketErrorText(&plain, &code), L"Connection refused.");
-    EXPECT_EQ(code, 10061);
-}
-
-TEST_F(SocketErrorTextOf, ARefusedConnectIsNamedWithoutACode) {
-    const UniqueSocket socket = refused();
-    const SOCKET plain = socket.get();
-    EXPECT_STREQ(SocketErrorText(&plain, nullptr), L"Connection refused.");
+    expectText(refused, 10061, L"Connection refused.");
 }
 
 TEST_F(SocketErrorTextOf, NoSocketTellsThatItCouldNotBeAsked) {
-    const SOCKET none = INVALID_SOCKET;
-    int code = -1;
-    EXPECT_STREQ(SocketErrorText(&none, &code), L"GetSockOpt error: WSAENOTSOCK");
-    EXPECT_EQ(code, 10038);
-    EXPECT_STREQ(SocketErrorText(&none, nullptr), L"GetSockOpt error: WSAENOTSOCK");
+    expectText([] { return UniqueSocket(); }, 10038, L"GetSockOpt error: WSAENOTSOCK");
 }
 
 }  // namespace

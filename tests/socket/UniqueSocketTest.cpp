@@ -1,57 +1,35 @@
 #include <gtest/gtest.h>
 
-#include "tests/socket/Peers.h"
+#include "tests/socket/LocalConnection.h"
 
 namespace {
 
-class UniqueSocketTest : public testing::Test {
-  protected:
-    static bool isOpen(SOCKET socket) {
-        int type = 0;
-        int length = sizeof type;
-        return ::getsockopt(socket, SOL_SOCKET, SO_TYPE, reinterpret_cast<char*>(&type), &length) ==
-               0;
-    }
-
-    peers::WinsockSession m_winsock;
-    UniqueSocket m_first = peers::bindToLoopback();
-    UniqueSocket m_second = peers::bindToLoopback();
-    SOCKET m_firstHandle = m_first.get();
-    SOCKET m_secondHandle = m_second.get();
-};
-
-TEST_F(UniqueSocketTest, ClosesAtTheEndOfItsLife) {
-    { UniqueSocket owner = std::move(m_first); }
-    EXPECT_FALSE(isOpen(m_firstHandle));
-    EXPECT_FALSE(m_first);
+bool isOpen(SOCKET socket) {
+    return peers::optionOf(socket, SO_TYPE) == SOCK_STREAM;
 }
 
-TEST_F(UniqueSocketTest, ResetClosesTheOldHandle) {
-    m_first.reset(m_second.release());
-    EXPECT_FALSE(isOpen(m_firstHandle));
-    EXPECT_EQ(m_first.get(), m_secondHandle);
-    EXPECT_TRUE(isOpen(m_secondHandle));
-}
+// What every UniqueHandle does, shown with sockets.
+TEST(UniqueSocketTest, ClosesTheHandleThatItHasAndNoOther) {
+    const peers::WinsockSession winsock;
+    UniqueSocket first = peers::bindToLoopback();
+    UniqueSocket second = peers::bindToLoopback();
+    UniqueSocket third = peers::bindToLoopback();
+    const SOCKET handles[] = {first.get(), second.get(), third.get()};
 
-TEST_F(UniqueSocketTest, MoveAssignmentClosesTheOldHandle) {
-    m_first = std::move(m_second);
-    EXPECT_FALSE(isOpen(m_firstHandle));
-    EXPECT_TRUE(isOpen(m_secondHandle));
-    EXPECT_EQ(m_second.get(), INVALID_SOCKET);
-}
-
-TEST_F(UniqueSocketTest, SelfAssignmentKeepsTheHandle) {
-    UniqueSocket& same = m_first;
-    m_first = std::move(same);
-    EXPECT_TRUE(isOpen(m_firstHandle));
-    EXPECT_EQ(m_first.get(), m_firstHandle);
-}
-
-TEST_F(UniqueSocketTest, ReleaseHandsTheHandleOver) {
-    const SOCKET handle = m_first.release();
-    EXPECT_FALSE(m_first);
-    EXPECT_TRUE(isOpen(handle));
-    ::closesocket(handle);
+    UniqueSocket& same = first;
+    first = std::move(same);
+    EXPECT_TRUE(isOpen(handles[0])) << "itself assigned";
+    first.reset(second.release());
+    EXPECT_FALSE(isOpen(handles[0])) << "reset";
+    EXPECT_EQ(first.get(), handles[1]);
+    EXPECT_FALSE(second);
+    first = std::move(third);
+    EXPECT_FALSE(isOpen(handles[1])) << "another assigned";
+    EXPECT_TRUE(isOpen(handles[2]));
+    EXPECT_EQ(third.get(), INVALID_SOCKET);
+    { const UniqueSocket last = std::move(first); }
+    EXPECT_FALSE(isOpen(handles[2])) << "destroyed";
+    EXPECT_FALSE(first);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/socket/ProbeClient.h"
+#include "tests/socket/Probes.h"
 #include "tests/socket/ProbeServer.h"
 
 namespace {

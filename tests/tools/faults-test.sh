@@ -4,8 +4,8 @@ set -eu
 . "$(dirname "$0")/testing.sh"
 
 # The cases of the sources, as "Suite.Case".
-cases=$(cd "$root/tests" && grep -rhozP --include='*.cpp' '\nTEST(_[FP])?\(\s*\w+,\s*\w+\s*\)' . | tr -d ' \0' |
-  sed -nE 's/^TEST(_[FP])?\((\w+),(\w+)\)$/\2.\3/p' | sort -u)
+cases=$(cd "$root/tests" && grep -rhozP --include='*.cpp' '\n(TYPED_)?TEST(_[FP])?\(\s*\w+,\s*\w+\s*\)' . | tr -d ' \0' |
+  sed -nE 's/^(TYPED_)?TEST(_[FP])?\((\w+),(\w+)\)$/\3.\4/p' | sort -u)
 rows=$(sed -n '/^|---/,/^$/p' "$root/docs/faults.md" | grep '^| ' | grep -v '^| \*\*')
 
 # missing_from CASES < ROWS: the tests that the rows name and CASES has not; a row that names none.

@@ -1,0 +1,183 @@
+// Lines that clients and workers receive.
+#include <algorithm>
+#include <thread>
+
+#include "tests/socket/EndTest.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+template <class End>
+class ReceivingLines : public EndTest<End> {
+  protected:
+    // The line. The rest of the buffer is marked with `fill`, so that a missing terminator and what
+    // is written after it show.
+    std::string line(int maxLen = 100, int timeOut = 10, char fill = '#') {
+        m_buffer.assign(2000, fill);
+        const int length = this->m_end.ReceiveLine(m_buffer.data(), maxLen, timeOut);
+        const std::string line = m_buffer.substr(0, static_cast<size_t>(length));
+        if (length > 0 && m_buffer[line.size()] != '\0') return "not terminated";
+        // A worker looks at what has come in the buffer itself.
+        const size_t end = std::is_same_v<End, WorkerEnd> ? static_cast<size_t>(std::max(maxLen, 0))
+                                                          : line.size() + (length > 0 ? 1 : 0);
+        return m_buffer.find_first_not_of(fill, end) == std::string::npos ? line : "touched";
+    }
+
+    std::string m_buffer;
+};
+
+TYPED_TEST_SUITE(ReceivingLines, BothEnds, EndNames);
+
+TYPED_TEST(ReceivingLines, EndsALineWithItsLineFeedAndTakesNothingAfterIt) {
+    this->peerSends("first\r\n\r\nrest");
+    EXPECT_EQ(this->line(), "first\r\n");
+    EXPECT_EQ(this->line(), "\r\n");
+    char rest[10];
+    EXPECT_EQ(this->m_end.Receive(rest, sizeof rest, 10), 4);
+}
+
+TYPED_TEST(ReceivingLines, CutsALineThatDoesNotFit) {
+    this->peerSends("abcdefgh\r\nijk\r\n");
+    for (const char* part : {"abcd", "efgh", "\r\n", "ijk\r"}) EXPECT_EQ(this->line(5), part);
+    EXPECT_EQ(this->line(2), "\n");
+}
+
+TYPED_TEST(ReceivingLines, TakesALineThatJustFits) {
+    this->peerSends("abc\r\n");
+    EXPECT_EQ(this->line(6), "abc\r\n");
+}
+
+TYPED_TEST(ReceivingLines, TakesOneByteIntoABufferOfTwo) {
+    this->peerSends("ab\n");
+    for (const char* byte : {"a", "b", "\n"}) EXPECT_EQ(this->line(2), byte);
+}
+
+TYPED_TEST(ReceivingLines, ReadsNothingIntoABufferWithoutRoom) {
+    this->peerSends("abc\r\n");
+    for (const int maxLen : {1, 0, -7}) EXPECT_EQ(this->line(maxLen), "");
+    EXPECT_THAT(this->m_end.codes, IsEmpty()) << "no wait";
+    EXPECT_EQ(this->line(), "abc\r\n");
+}
+
+TYPED_TEST(ReceivingLines, KeepsZeroBytes) {
+    this->peerSends(std::string("a\0b\r\n", 5));
+    EXPECT_EQ(this->line(), std::string("a\0b\r\n", 5));
+}
+
+TYPED_TEST(ReceivingLines, ReadsALongLine) {
+    const std::string text = std::string(1500, 'x') + "\r\n";
+    this->peerSends(text + "next\r\n");
+    EXPECT_EQ(this->line(1900), text);
+    EXPECT_EQ(this->line(1900), "next\r\n");
+}
+
+TYPED_TEST(ReceivingLines, GivesWhatCameBeforeACloseAndWaitsOnceBeforeEachPiece) {
+    this->peerSendsAndCloses("unfinished");
+    EXPECT_EQ(this->line(), "unfinished");
+    EXPECT_THAT(this->m_end.codes, ElementsAre(0, 0));
+    EXPECT_EQ(this->line(), "");
+}
+
+TYPED_TEST(ReceivingLines, AsksForNoWaitWithoutATimeOut) {
+    this->peerSends("abc\r\n");
+    EXPECT_EQ(this->line(100, 0), "abc\r\n");
+    EXPECT_THAT(this->m_end.codes, IsEmpty());
+}
+
+TYPED_TEST(ReceivingLines, GivesNothingOfASocketThatIsNotOpen) {
+    this->m_end.attach(INVALID_SOCKET);
+    EXPECT_EQ(this->line(100, 0), "");
+}
+
+TYPED_TEST(ReceivingLines, ReadsNothingOnceAborted) {
+    this->peerSends("abc\r\n");
+    this->m_end.setAborted(true);
+    EXPECT_EQ(this->line(), "");
+    this->m_end.setAborted(false);
+    EXPECT_EQ(this->line(), "abc\r\n");
+}
+
+class ClientReceiveLine : public ReceivingLines<ClientEnd> {
+  protected:
+    // One more piece is sent each time that the client begins to wait.
+    void sendAtEachWait(std::vector<std::string> pieces) {
+        m_end.beforeWait = [this, pieces, next = size_t{0}]() mutable {
+            if (next < pieces.size()) peerSends(pieces[next++]);
+        };
+    }
+};
+
+TEST_F(ClientReceiveLine, EndsAtALineFeedAlone) {
+    peerSends("second\n\nrest");
+    EXPECT_EQ(line(), "second\n");
+    EXPECT_EQ(line(), "\n");
+}
+
+TEST_F(ClientReceiveLine, JoinsALineFromItsFragments) {
+    const std::string text = "a line in pieces\r\nand one more\r\n";
+    for (const size_t size : {1u, 2u, 3u, 5u, 16u, 17u, 18u}) {
+        std::vector<std::string> pieces;
+        for (size_t at = 0; at < text.size(); at += size) pieces.push_back(text.substr(at, size));
+        sendAtEachWait(pieces);
+        EXPECT_EQ(line(), "a line in pieces\r\n") << "pieces of " << size;
+        EXPECT_EQ(line(), "and one more\r\n") << "pieces of " << size;
+    }
+}
+
+TEST_F(ClientReceiveLine, WaitsAnewForEachPiece) {
+    sendAtEachWait({"a", "b", "c\n"});
+    EXPECT_EQ(line(100, 20), "abc\n");
+    EXPECT_THAT(m_end.receiveWaits, ElementsAre(20, 20, 20));
+}
+
+TEST_F(ClientReceiveLine, CutsALineWhoseRestDoesNotFitAfterItsBeginning) {
+    sendAtEachWait({"abc", "defgh\n"});
+    EXPECT_EQ(line(6), "abcde");
+    EXPECT_EQ(line(6), "fgh\n");
+}
+
+TEST_F(ClientReceiveLine, GivesWhatCameBeforeAnAbort) {
+    peerSends("abc");
+    m_end.abortAfter = 1;
+    EXPECT_EQ(line(), "abc");
+}
+
+class WorkerReceiveLine : public ReceivingLines<WorkerEnd> {
+  protected:
+    std::string lineInTwoParts(const std::string& first, const std::string& second) {
+        const std::jthread sender([&] {
+            m_peer.send(first);
+            ::Sleep(100);
+            m_peer.send(second);
+        });
+        return line();
+    }
+};
+
+TEST_F(WorkerReceiveLine, TakesOnlyThePairForALineEnd) {
+    peerSends("a\nb\rc\r\n");
+    EXPECT_EQ(line(), "a\nb\rc\r\n");
+}
+
+TEST_F(WorkerReceiveLine, JoinsALineFromParts) {
+    EXPECT_EQ(lineInTwoParts("ab", "cd\r\n"), "abcd\r\n");
+}
+
+TEST_F(WorkerReceiveLine, DoesNotRecogniseALineEndThatIsSplit) {
+    EXPECT_EQ(lineInTwoParts("ab\r", "\ncd\r\n"), "ab\r\ncd\r\n");
+}
+
+TEST_F(WorkerReceiveLine, TakesALastCarriageReturnByWhatTheBufferHeldAfterIt) {
+    peerSends("ab\r");
+    EXPECT_EQ(line(100, 1, '\n'), "ab\r\n");
+    EXPECT_FALSE(m_end.IsDataWaiting());
+}
+
+TEST_F(WorkerReceiveLine, LooksForNoLineEndBeyondTheBuffer) {
+    peerSends("abc\r\n");
+    EXPECT_EQ(line(5, 1, '\n'), "abc\r");
+}
+
+}  // namespace
