@@ -14,11 +14,18 @@
 
 // What is sent for a request with this payload; the connection is closed for want of anything.
 using Answer = std::function<std::optional<std::string>(const std::string& payload)>;
+// By action. The connection is closed at a request that is not among them.
+using Answers = std::map<LONG, Answer>;
+
+inline Answer answering(const std::string& bytes) {
+    return [bytes](const std::string&) { return bytes; };
+}
 
 class AnsweringServer : public CUT_WSServer {
   public:
-    // By action. The connection is closed at a request that is not among them.
-    explicit AnsweringServer(std::map<LONG, Answer> answers) : m_answers(std::move(answers)) {
+    // Closes each connection after so many requests.
+    explicit AnsweringServer(Answers answers, size_t requests = SIZE_MAX)
+        : m_answers(std::move(answers)), m_requests(requests) {
         int result = 1;
         for (int i = 0; result != 0 && i < 20; ++i)
             result = ConnectToPort(peers::freePort(), 5, AF_INET, ::htonl(INADDR_LOOPBACK));
@@ -43,12 +50,13 @@ class AnsweringServer : public CUT_WSServer {
         explicit Worker(AnsweringServer& server) : m_server(server) {}
 
         void OnConnect() override {
-            LONG header[2] = {};
-            std::string payload;
-            while (take(header, sizeof header)) {
-                payload.resize(static_cast<size_t>(header[1]));
+            LONG action = 0;
+            for (size_t i = 0; i < m_server.m_requests && take(&action, sizeof action); ++i) {
+                LONG length = 0;
+                if (action != NySe::actionGetVersion && !take(&length, sizeof length)) return;
+                std::string payload(static_cast<size_t>(length), '\0');
                 if (!take(payload.data(), payload.size())) return;
-                const auto row = m_server.m_answers.find(header[0]);
+                const auto row = m_server.m_answers.find(action);
                 if (row == m_server.m_answers.end()) return;
                 const std::optional<std::string> answer = row->second(payload);
                 if (!answer) return;
@@ -57,8 +65,8 @@ class AnsweringServer : public CUT_WSServer {
         }
 
       private:
-        // False at the end of the connection, or of the server. A bare good-bye has no second half,
-        // and the end comes behind it.
+        // False at the end of the connection, or of the server. A bare good-bye has no length, and
+        // the end comes behind it.
         bool take(void* bytes, size_t count) {
             size_t taken = 0;
             while (taken < count) {
@@ -75,5 +83,6 @@ class AnsweringServer : public CUT_WSServer {
         AnsweringServer& m_server;
     };
 
-    const std::map<LONG, Answer> m_answers;
+    const Answers m_answers;
+    const size_t m_requests;
 };

@@ -13,7 +13,8 @@ class CentralProgram {
   public:
     // Starts it with a port of its own and these arguments, and waits until it listens.
     explicit CentralProgram(const std::wstring& arguments)
-        : m_output(makeFile(L"output")), m_errors(makeFile(L"errors")) {
+        : m_output(outputFile(m_folder.path(L"output"))),
+          m_errors(outputFile(m_folder.path(L"errors"))) {
         m_process = std::make_unique<ChildProcess>(
             L"nycentral.exe", L"--port-file \"" + m_folder.path(L"port") + L"\" " + arguments,
             nullptr, m_output.get(), m_errors.get());
@@ -30,13 +31,6 @@ class CentralProgram {
     ChildProcess& process() { return *m_process; }
 
   private:
-    // Both may be read while the program writes into them.
-    UniqueKernelHandle makeFile(const std::wstring& name) const {
-        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
-        return UniqueKernelHandle(::CreateFileW(m_folder.path(name).c_str(), GENERIC_WRITE,
-                                                FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
-                                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    }
     std::string textOf(const std::wstring& name) const {
         std::string text = m_folder.content(name);
         text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());

@@ -35,6 +35,8 @@ class CentralTest : public ::testing::Test {
 
     void SetUp() override { ASSERT_EQ(0, server.start(::htonl(INADDR_LOOPBACK), 0)); }
 
+    std::string address() { return "127.0.0.1:" + std::to_string(server.GetPort()); }
+
     void connect(NySeClientApp& who) {
         ASSERT_EQ(0, who.connect(static_cast<int>(server.GetPort()), "127.0.0.1", -1));
         who.initializeSchema();

@@ -91,6 +91,14 @@ class ChildProcess {
     UniqueKernelHandle m_process;
 };
 
+// A new file that a child may write into while it is read.
+inline UniqueKernelHandle outputFile(const std::wstring& path) {
+    SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
+    return UniqueKernelHandle(::CreateFileW(path.c_str(), GENERIC_WRITE,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                                            CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
 // A pipe of which a child may inherit one end.
 struct Pipe {
     Pipe() {

@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "NyServer/framing/NySeMemFile.h"
 #include "NyServer/listener/NyServerApp.h"
-#include "NyServer/records/NySeUser.h"
 #include "tests/apps/FreeRow.h"
+#include "tests/client/ClientTest.h"
 
 // Ports at which nobody listens.
 inline std::vector<LONG> freePorts(size_t count) {
@@ -33,9 +32,5 @@ class TakenPort {
 inline std::string registrationAnswer(LONG port) {
     NySeUser user;
     user.setPort(port);
-    NySeMemFile message;
-    message.startWrite(NySe::schema2015);
-    message.writeObject(static_cast<const CObject&>(user));
-    message.stopWriting();
-    return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
+    return messageOf(user);
 }

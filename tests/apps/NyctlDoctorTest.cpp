@@ -8,6 +8,7 @@
 #include "tests/apps/FrameListener.h"
 #include "tests/apps/ListenerPorts.h"
 #include "tests/apps/NyctlRun.h"
+#include "tests/support/MessageHook.h"
 
 namespace {
 
@@ -67,9 +68,7 @@ class NyctlDoctor : public CentralTest {
     explicit NyctlDoctor(const std::vector<LONG>& ports = freePorts(4))
         : CentralTest(withPorts(ports)) {}
 
-    ExitStatus examine(const std::string& arguments = "") {
-        return doctor("127.0.0.1:" + std::to_string(server.GetPort()), arguments);
-    }
+    ExitStatus examine() { return doctor(address()); }
 
     DoctorRun doctor;
 };
@@ -77,13 +76,9 @@ class NyctlDoctor : public CentralTest {
 TEST_F(NyctlDoctor, FindsAllWell) {
     EXPECT_EQ(exitYes, examine());
     doctor.expectAllIsWell();
-    const std::string port = std::to_string(server.GetPort());
     EXPECT_EQ("127.0.0.1 is an address", doctor.checks()[nameLookUp]["found"]);
-    EXPECT_EQ("127.0.0.1:" + port + " takes connections", doctor.checks()[connecting]["found"]);
+    EXPECT_EQ(address() + " takes connections", doctor.checks()[connecting]["found"]);
     EXPECT_EQ("2015", doctor.checks()[schema]["found"]);
-}
-
-TEST_F(NyctlDoctor, LooksNamesUp) {
     EXPECT_EQ(exitYes, doctor("localhost:" + std::to_string(server.GetPort())));
     EXPECT_EQ("localhost is 127.0.0.1", doctor.checks()[nameLookUp]["found"]);
 }
@@ -108,38 +103,32 @@ struct BobsEar {
 class NyctlDoctorHeard : protected BobsEar, public NyctlDoctor {
   protected:
     NyctlDoctorHeard() : NyctlDoctor({ofBob.port(), freePorts(1)[0]}) {}
-
-    // What Bob is told while the doctor comes and goes: its name, and the numbers.
-    std::string heard(const std::string& arguments = "") {
-        join(client, "Bob");
-        EXPECT_EQ(exitYes, examine(arguments));
-        EXPECT_TRUE(eventually([this] { return ofBob.frames().size() >= 2; }));
-        for (const ReceivedFrame& frame : ofBob.frames()) m_numbers.push_back(frame.number);
-        return ofBob.frames().front().body;
-    }
-    static std::string wide(const std::string& text) {
-        std::string bytes;
-        for (char one : text) bytes += {one, '\0'};
-        return bytes;
-    }
-
-    std::vector<LONG> m_numbers;
 };
 
+// Bob is told that a user comes and goes, and nothing of what the doctor sends itself.
 TEST_F(NyctlDoctorHeard, RegistersUnderANameOfItsOwnAndLeaves) {
-    EXPECT_NE(std::string::npos, heard().find(wide("nyctl doctor")));
-    EXPECT_EQ((std::vector<LONG>{54, 55}), m_numbers);  // nothing of what it sends itself
+    join(client, "Bob");
+    EXPECT_EQ(exitYes, examine());
+    EXPECT_TRUE(eventually([this] { return ofBob.frames().size() >= 2; }));
+    const std::vector<ReceivedFrame> frames = ofBob.frames();
+    ASSERT_EQ(2U, frames.size());
+    EXPECT_EQ(54, frames[0].number);
+    EXPECT_EQ(55, frames[1].number);
+    std::string wide;
+    for (const char character : std::string("nyctl doctor")) wide += {character, '\0'};
+    EXPECT_NE(std::string::npos, frames[0].body.find(wide));
     EXPECT_EQ(std::vector<std::string>{"Bob"}, userNames(client));
 }
 
-TEST_F(NyctlDoctorHeard, TakesTheNameThatWasChosen) {
+TEST_F(NyctlDoctor, TakesTheNameThatWasChosen) {
     doctor.options().user = "Anna";
     doctor.options().isUserChosen = true;
-    EXPECT_NE(std::string::npos, heard().find(wide("Anna")));
+    EXPECT_EQ(exitYes, examine());
+    EXPECT_EQ(0U, doctor.checks()[registration].value("found", "").find("Anna is session"));
 }
 
 TEST_F(NyctlDoctor, LeavesTheShellsConnectionAlone) {
-    Options options{{"127.0.0.1:" + std::to_string(server.GetPort()), "Anna"}, true};
+    Options options{{address(), "Anna"}, true};
     Session shell(options);
     ASSERT_TRUE(shell.registerUser());
     EXPECT_EQ(exitYes, doctor.run()(shell, options, "doctor"));
@@ -169,52 +158,25 @@ TEST_F(NyctlDoctor, NamesAWindowThatCannotBe) {
     doctor.expectEndsAt(windowMessage, "the system makes no window");
 }
 
-class NyctlDoctorNoPorts : public NyctlDoctor {
-  protected:
-    NyctlDoctorNoPorts() : NyctlDoctor(std::vector<LONG>()) {}
-};
-
-TEST_F(NyctlDoctorNoPorts, NamesARegistrationThatIsRefused) {
-    EXPECT_EQ(exitNo, examine());
-    doctor.expectEndsAt(registration, "the server refuses nyctl doctor");
-}
-
-class NyctlDoctorTakenPort : protected TakenPort, public NyctlDoctor {
-  protected:
-    NyctlDoctorTakenPort() : NyctlDoctor({TakenPort::port()}) {}
-};
-
-TEST_F(NyctlDoctorTakenPort, NamesPortsThatAreTakenHere) {
-    EXPECT_EQ(exitNo, examine());
-    doctor.expectEndsAt(listenerPort, "the server gives no port that is free here");
-}
-
-class NyctlDoctorTakenFirstPort : protected TakenPort, public NyctlDoctor {
-  protected:
-    NyctlDoctorTakenFirstPort() : NyctlDoctor({TakenPort::port(), freePorts(1)[0]}) {}
-};
-
-TEST_F(NyctlDoctorTakenFirstPort, PassesOverAPortThatIsTakenHere) {
-    EXPECT_EQ(exitYes, examine());
-    doctor.expectAllIsWell();
-}
-
-// No central server, or one that follows a test.
+// No central server, one that follows a test, or one with few ports.
 class NyctlDoctorAlone : public ::testing::Test {
   protected:
-    static Answer answering(std::string bytes) {
-        return [bytes](const std::string&) { return bytes; };
-    }
     // All is well up to and with the registration.
-    std::map<LONG, Answer> registering() const {
+    Answers registering() const {
         return {{NySe::actionInitializeSchema, m_agreed},
                 {NySe::actionIsAlive, m_alive},
                 {NySe::actionGetPortClient, answering(registrationAnswer(m_port))}};
     }
     // With a longer timeout than any failure but the timeout itself takes.
-    ExitStatus examine(std::map<LONG, Answer> answers, int timeOut = 60) {
+    ExitStatus examine(Answers answers, int timeOut = 60) {
         AnsweringServer server(std::move(answers));
         return doctor(server.address(), "--timeout " + std::to_string(timeOut));
+    }
+
+    ExitStatus examineCentral(const std::vector<LONG>& ports) {
+        CentralServer server(withPorts(ports));
+        EXPECT_EQ(0, server.start(::htonl(INADDR_LOOPBACK), 0));
+        return doctor("127.0.0.1:" + std::to_string(server.GetPort()));
     }
 
     const Answer m_agreed = answering(wireOf<LONG>(NySe::schema2015));
@@ -223,16 +185,37 @@ class NyctlDoctorAlone : public ::testing::Test {
     DoctorRun doctor;
 };
 
+TEST_F(NyctlDoctorAlone, NamesARegistrationThatIsRefused) {
+    EXPECT_EQ(exitNo, examineCentral({}));
+    doctor.expectEndsAt(registration, "the server refuses nyctl doctor");
+}
+
+TEST_F(NyctlDoctorAlone, NamesPortsThatAreTakenHereUnlessAnotherIsFree) {
+    const TakenPort taken;
+    EXPECT_EQ(exitNo, examineCentral({taken.port()}));
+    doctor.expectEndsAt(listenerPort, "the server gives no port that is free here");
+    EXPECT_EQ(exitYes, examineCentral({taken.port(), freePorts(1)[0]}));
+    doctor.expectAllIsWell();
+}
+
 TEST_F(NyctlDoctorAlone, NamesANameThatDoesNotResolve) {
     EXPECT_EQ(exitNoAnswer, doctor("no-such-host.invalid:1"));
     doctor.expectEndsAt(nameLookUp, "no address of no-such-host.invalid");
 }
 
-TEST_F(NyctlDoctorAlone, NamesAPortThatRefuses) {
+TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
     const peers::RefusingPort nobody;
     const std::string server = "127.0.0.1:" + std::to_string(nobody.port());
     EXPECT_EQ(exitNoAnswer, doctor(server));
     doctor.expectEndsAt(connecting, server + " refuses connections");
+    doctor.options().json = false;
+    EXPECT_EQ(exitNoAnswer, doctor(server));
+    const std::vector<std::string> lines = Output::split(doctor.run().printed());
+    ASSERT_EQ(kChecks + 2, lines.size());
+    EXPECT_EQ("connect         FAILED       127.0.0.1:", lines[1].substr(0, 39));
+    EXPECT_EQ("                it means     the machine", lines[2].substr(0, 40));
+    EXPECT_EQ("                do           start the central server", lines[3].substr(0, 53));
+    EXPECT_EQ("schema          not reached", lines[4]);
 }
 
 TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
@@ -242,49 +225,35 @@ TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
     doctor.expectEndsAt(connecting, server + " does not answer within 1 s");
 }
 
-TEST_F(NyctlDoctorAlone, ShowsAFailureInThreeRows) {
-    const peers::RefusingPort nobody;
-    doctor.options().json = false;
-    doctor("127.0.0.1:" + std::to_string(nobody.port()));
-    const std::vector<std::string> lines = Output::split(doctor.run().printed());
-    ASSERT_EQ(kChecks + 2, lines.size());
-    EXPECT_EQ("connect         FAILED       127.0.0.1:", lines[1].substr(0, 39));
-    EXPECT_EQ("                it means     the machine", lines[2].substr(0, 40));
-    EXPECT_EQ("                do           start the central server", lines[3].substr(0, 53));
-    EXPECT_EQ("schema          not reached", lines[4]);
-}
-
-TEST_F(NyctlDoctorAlone, NamesAServerThatClosesTheConnection) {
-    EXPECT_EQ(exitNoAnswer, examine({}));
-    doctor.expectEndsAt(schema, "the server closes the connection");
-}
-
-TEST_F(NyctlDoctorAlone, NamesAServerOfAnotherSchema) {
-    EXPECT_EQ(exitNo, examine({{NySe::actionInitializeSchema, answering(wireOf<LONG>(2010))}}));
-    doctor.expectEndsAt(schema, "the server grants 2010, not 2015");
+TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
+    const auto agreed = std::pair(LONG{NySe::actionInitializeSchema}, m_agreed);
+    const auto otherLife = std::pair(LONG{NySe::actionIsAlive}, answering(wireOf<LONG>(5)));
+    const struct {
+        Answers answers;
+        ExitStatus status;
+        Check check;
+        const char* found;
+    } cases[] = {
+        {{}, exitNoAnswer, schema, "the server closes the connection"},
+        {{{agreed.first, answering(wireOf<LONG>(2010))}},
+         exitNo,
+         schema,
+         "the server grants 2010, not 2015"},
+        {{agreed}, exitNoAnswer, liveness, "no sign of life"},
+        {{agreed, otherLife}, exitNoAnswer, liveness, "no sign of life"},
+        {{agreed, {otherLife.first, m_alive}}, exitNoAnswer, registration, "no answer"},
+    };
+    for (const auto& [answers, status, check, found] : cases) {
+        SCOPED_TRACE(found);
+        EXPECT_EQ(status, examine(answers));
+        doctor.expectEndsAt(check, found);
+    }
 }
 
 // Waits as long as the library does.
 TEST_F(NyctlDoctorAlone, NamesAServerThatNeverAnswers) {
     EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, answering("")}}));
     doctor.expectEndsAt(schema, "no schema within 15 s");
-}
-
-TEST_F(NyctlDoctorAlone, NamesAServerThatStopsAnswering) {
-    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, m_agreed}}));
-    doctor.expectEndsAt(liveness, "no sign of life");
-}
-
-TEST_F(NyctlDoctorAlone, NamesAServerThatSaysSomethingElse) {
-    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, m_agreed},
-                                     {NySe::actionIsAlive, answering(wireOf<LONG>(5))}}));
-    doctor.expectEndsAt(liveness, "no sign of life");
-}
-
-TEST_F(NyctlDoctorAlone, NamesAServerThatStopsAtTheRegistration) {
-    EXPECT_EQ(exitNoAnswer,
-              examine({{NySe::actionInitializeSchema, m_agreed}, {NySe::actionIsAlive, m_alive}}));
-    doctor.expectEndsAt(registration, "no answer");
 }
 
 TEST_F(NyctlDoctorAlone, NamesAListenerPortThatNobodyComesTo) {
@@ -353,15 +322,19 @@ TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
 
 // Lets the first notification through to the window when the second is there, and loses that one.
 // Who sees it finds it counted: it is posted and counted under the lock under which one asks.
-class LosingSecond {
+class LosingSecond : MessageHook<LosingSecond> {
   public:
-    LosingSecond() {
-        s_seen = 0;
-        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr, ::GetCurrentThreadId());
+    LosingSecond() { s_seen = 0; }
+
+    static void onMessage(MSG& message, bool isRemoved) {
+        if (!isRemoved || message.message != NySe::_TM_NYSERVERMESSAGE) return;
+        if (++s_seen == 1) {
+            eventually(&isSecondThere, std::chrono::seconds(30));
+        } else {
+            const UniqueGlobalBlock block(::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
+            message.message = WM_NULL;
+        }
     }
-    ~LosingSecond() { ::UnhookWindowsHookEx(m_hook); }
-    LosingSecond(const LosingSecond&) = delete;
-    LosingSecond& operator=(const LosingSecond&) = delete;
 
   private:
     static bool isSecondThere() {
@@ -369,22 +342,8 @@ class LosingSecond {
         return ::PeekMessageW(&next, nullptr, NySe::_TM_NYSERVERMESSAGE, NySe::_TM_NYSERVERMESSAGE,
                               PM_NOREMOVE) != FALSE;
     }
-    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        MSG& message = *reinterpret_cast<MSG*>(lParam);
-        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE) {
-            if (++s_seen == 1) {
-                for (int i = 0; i < 1500 && !isSecondThere(); ++i) ::Sleep(20);
-            } else {
-                const UniqueGlobalBlock block(
-                    ::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
-                message.message = WM_NULL;
-            }
-        }
-        return ::CallNextHookEx(nullptr, code, wParam, lParam);
-    }
 
     static inline int s_seen = 0;
-    HHOOK m_hook;
 };
 
 TEST_F(NyctlDoctorTold, NamesAMessageThatIsNotConsumed) {

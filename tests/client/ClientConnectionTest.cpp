@@ -1,37 +1,31 @@
-#include "NyServer/socket/CUT_WSClient.h"
 #include "tests/client/ClientTest.h"
 
 namespace {
 
-using ClientConnection = ClientTest;
+class ClientConnection : public ClientTest {
+  protected:
+    void expectRefused(int port, const char* host) {
+        EXPECT_EQ(90, client.connect(port, host, -1));
+        EXPECT_EQ(0, client.IsConnected());
+        EXPECT_EQ(NySe::noSchema, client.getSchemaType());
+    }
+    void expectOtherEnd(unsigned port, const char* address) const {
+        EXPECT_EQ(port, client.getPort());
+        EXPECT_EQ(CString(address), client.getStrAddress());
+    }
 
-std::string disconnectBytes() {
-    return goldenWire("request-disconnect");
-}
+    peers::RefusingPort refusing;
+};
 
-TEST_F(ClientConnection, SucceedsWithZero) {
-    serve({});
-    EXPECT_EQ(1, client.IsConnected());
-}
-
-TEST_F(ClientConnection, FailsWith90WhenRefused) {
-    const peers::RefusingPort port;
-    EXPECT_EQ(90, client.connect(static_cast<int>(port.port()), "127.0.0.1", -1));
-    EXPECT_EQ(0, client.IsConnected());
+TEST_F(ClientConnection, FailsWith90WhenRefusedAndNamesTheServer) {
+    expectRefused(static_cast<int>(refusing.port()), "127.0.0.1");
+    expectOtherEnd(refusing.port(), "127.0.0.1");
 }
 
 TEST_F(ClientConnection, FailsWith90WhenTheNameIsUnknown) {
-    EXPECT_EQ(90, client.connect(1, "no-such-host.invalid", -1));
-}
-
-TEST_F(ClientConnection, NamesTheServerThatRefused) {
-    const peers::RefusingPort port;
-    EXPECT_EQ(90, client.connect(static_cast<int>(port.port()), "127.0.0.1", -1));
-    EXPECT_EQ(port.port(), client.getPort());
-    EXPECT_EQ(CString("127.0.0.1"), client.getStrAddress());
-    EXPECT_EQ(90, client.connect(1, "no-such-host.invalid", -1));
-    EXPECT_EQ(port.port(), client.getPort());
-    EXPECT_TRUE(client.getStrAddress().IsEmpty());
+    expectRefused(static_cast<int>(refusing.port()), "127.0.0.1");
+    expectRefused(1, "no-such-host.invalid");
+    expectOtherEnd(refusing.port(), "");
 }
 
 TEST_F(ClientConnection, AgreesOnASchemaOfItsOwnEachTime) {
@@ -42,9 +36,7 @@ TEST_F(ClientConnection, AgreesOnASchemaOfItsOwnEachTime) {
         EXPECT_EQ(NySe::schema2015, client.getSchemaType());
         expectRequestsSent();
     }
-    const peers::RefusingPort refusing;
-    EXPECT_EQ(90, client.connect(static_cast<int>(refusing.port()), "127.0.0.1", -1));
-    EXPECT_EQ(NySe::noSchema, client.getSchemaType());
+    expectRefused(static_cast<int>(refusing.port()), "127.0.0.1");
 }
 
 TEST_F(ClientConnection, IgnoresTheTimeOut) {
@@ -60,10 +52,14 @@ TEST_F(ClientConnection, IgnoresTheTimeOut) {
     }
 }
 
-TEST_F(ClientConnection, ResolvesHostNames) {
+TEST_F(ClientConnection, KnowsTheOtherEndByNameOrAddress) {
     const peers::Peer peer(peers::silent());
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "localhost", -1));
-    EXPECT_EQ(CString("127.0.0.1"), client.getStrAddress());
+    for (const char* host : {"127.0.0.1", "localhost"}) {
+        ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), host, -1));
+        EXPECT_EQ(1, client.IsConnected());
+        expectOtherEnd(peer.port(), "127.0.0.1");
+        client.disconnect();
+    }
 }
 
 TEST_F(ClientConnection, SwitchesOffNagle) {
@@ -75,17 +71,10 @@ TEST_F(ClientConnection, SwitchesOffNagle) {
     EXPECT_NE(FALSE, noDelay);
 }
 
-TEST_F(ClientConnection, KnowsTheOtherEnd) {
-    const peers::Peer peer(peers::silent());
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
-    EXPECT_EQ(peer.port(), client.getPort());
-    EXPECT_EQ(CString("127.0.0.1"), client.getStrAddress());
-}
-
 TEST_F(ClientConnection, KnowsNoOtherEndWithoutOne) {
-    EXPECT_EQ(0u, client.getPort());
-    EXPECT_TRUE(client.getStrAddress().IsEmpty());
+    expectOtherEnd(0, "");
     EXPECT_EQ(0, client.IsConnected());
+    EXPECT_TRUE(client.disconnect());
 }
 
 TEST_F(ClientConnection, TellsThisComputersName) {
@@ -96,50 +85,40 @@ TEST_F(ClientConnection, TellsThisComputersName) {
 }
 
 TEST_F(ClientConnection, DisconnectSendsABareCodeAndCloses) {
-    std::string received;
-    peers::Peer peer(peers::collecting(received));
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
-    EXPECT_TRUE(client.disconnect());
-    ASSERT_EQ(1, peer.waitForServed(1));
-    EXPECT_EQ(disconnectBytes(), received);
+    serve({});
+    expectRequestsSent();
     EXPECT_EQ(0, client.IsConnected());
 }
 
-TEST_F(ClientConnection, DisconnectWithoutConnectionReturnsQuietly) {
-    EXPECT_TRUE(client.disconnect());
-}
-
 TEST_F(ClientConnection, CanConnectAgainAfterDisconnect) {
-    serveRequest(goldenWire("request-isAlive"), wireOf<LONG>(512));
-    EXPECT_TRUE(client.isAlive());
-    expectRequestsSent();
-
-    const peers::Peer second(peers::silent());
-    EXPECT_EQ(0, client.connect(static_cast<int>(second.port()), "127.0.0.1", -1));
-    EXPECT_EQ(1, client.IsConnected());
+    for (int i = 0; i < 2; ++i) {
+        serveRequest(goldenWire("request-isAlive"), wireOf<LONG>(512));
+        EXPECT_TRUE(client.isAlive());
+        expectRequestsSent();
+    }
 }
 
 // The first socket is given up as it stands; a connect that kept it would be refused.
 TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAnew) {
     const peers::Peer first(peers::silent());
     const peers::Peer second(peers::silent());
-    ASSERT_EQ(0, client.connect(static_cast<int>(first.port()), "127.0.0.1", -1));
+    connectTo(first);
     const UniqueSocket abandoned(NySeClientAppAccess::socket(client));
-    EXPECT_EQ(0, client.connect(static_cast<int>(second.port()), "127.0.0.1", -1));
+    connectTo(second);
     EXPECT_NE(abandoned.get(), NySeClientAppAccess::socket(client));
     EXPECT_EQ(second.port(), client.getPort());
 }
 
 TEST_F(ClientConnection, DisconnectTellsAFailedClose) {
     const peers::Peer peer(peers::silent());
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
+    connectTo(peer);
     ASSERT_EQ(0, ::closesocket(NySeClientAppAccess::socket(client)));
     EXPECT_FALSE(client.disconnect());
 }
 
 TEST_F(ClientConnection, NoticesThatThePeerClosed) {
     peers::Peer peer(peers::sendingAndClosing());
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
+    connectTo(peer);
     ASSERT_EQ(1, peer.waitForServed(1));
     EXPECT_EQ(0, client.IsConnected());
 }

@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr NySe::SchemaType kOldSchema = static_cast<NySe::SchemaType>(2014);
+constexpr LONG kOldSchema = 2014;
 
 // An object whose archiving fails after its first bytes.
 class BrokenObject : public CObject {
@@ -21,85 +21,72 @@ class BrokenObject : public CObject {
     bool m_withArchiveError;
 };
 
+// The class-tagged user, with the schema that its own field names.
+std::string userObject(LONG schema, bool withSoftType) {
+    std::string bytes = goldenWire("user-plain-object");
+    bytes.replace(bytes.size() - 2 * sizeof(LONG), sizeof(LONG), wireOf(schema));
+    return withSoftType ? bytes : bytes.substr(0, bytes.size() - sizeof(LONG));
+}
+
 class ClientData : public ClientTest {
   protected:
-    void agreeOn(NySe::SchemaType schema) {
-        steps.push_back({goldenWire("request-initializeSchema"), {wireOf(schema)}});
-    }
-    // Expects a request of that action and payload, then calls.
+    // Agrees on the schema, unless it is 0. Expects that `call` sends the action and the payload.
     template <class Call>
-    void expectSent(LONG action, const std::string& payload, Call call) {
+    void expectSent(LONG schema, LONG action, const std::string& payload, Call call) {
+        std::vector<Step> steps;
+        if (schema != 0)
+            steps.push_back({goldenWire("request-initializeSchema"), {wireOf(schema)}});
         steps.push_back({wireOf(action) + wireOf(static_cast<LONG>(payload.size())) + payload, {}});
         serve(steps);
-        if (steps.size() > 1) client.initializeSchema();
+        if (schema != 0) client.initializeSchema();
         call();
         expectRequestsSent();
     }
 
-    // The class-tagged user, with the schema that its own field names.
-    static std::string userObject(LONG schema, bool withSoftType) {
-        std::string bytes = goldenWire("user-plain-object");
-        bytes.replace(bytes.size() - 2 * sizeof(LONG), sizeof(LONG), wireOf(schema));
-        return withSoftType ? bytes : bytes.substr(0, bytes.size() - sizeof(LONG));
-    }
-
-    std::vector<Step> steps;
     NySeUser user = goldenUser();
     NySeUser object = goldenUser();
+    BrokenObject broken{true};
+    const std::string startOfBroken = userObject(2015, false).substr(0, 14) + wire("55 55 55 55");
 };
 
-TEST_F(ClientData, ForOneUserIsArchivedUnderAnOlderSchemaOfTheUser) {
-    agreeOn(NySe::schema2015);
+TEST_F(ClientData, ForOneUserIsArchivedUnderTheSchemaOfTheUser) {
+    const auto call = [this] { client.sendUserData(user, object); };
+    expectSent(kOldSchema, 73, userObject(2015, true) + userObject(2015, true), call);
     user.setSchema(kOldSchema);
-    expectSent(73, userObject(2014, false) + userObject(2015, false),
-               [this] { client.sendUserData(user, object); });
-}
-
-TEST_F(ClientData, ForOneUserIsArchivedUnderANewerSchemaOfTheUser) {
-    agreeOn(kOldSchema);
-    expectSent(73, userObject(2015, true) + userObject(2015, true),
-               [this] { client.sendUserData(user, object); });
+    expectSent(2015, 73, userObject(kOldSchema, false) + userObject(2015, false), call);
 }
 
 TEST_F(ClientData, ForAllIsArchivedUnderTheSessionSchema) {
-    agreeOn(NySe::schema2015);
-    expectSent(74, userObject(2015, true), [this] { client.sendAllUserData(object); });
-}
-
-TEST_F(ClientData, ForAllIsArchivedUnderAnOldSessionSchema) {
-    agreeOn(kOldSchema);
-    expectSent(74, userObject(2015, false), [this] { client.sendAllUserData(object); });
+    const auto call = [this] { client.sendAllUserData(object); };
+    expectSent(2015, 74, userObject(2015, true), call);
+    expectSent(kOldSchema, 74, userObject(2015, false), call);
 }
 
 TEST_F(ClientData, OfAConnectionIsArchivedUnderTheSessionSchema) {
-    agreeOn(NySe::schema2015);
-    expectSent(72, wireOf<LONG>(1) + wireOf<LONG>(2) + userObject(2015, true),
+    expectSent(2015, 72, wireOf<LONG>(1) + wireOf<LONG>(2) + userObject(2015, true),
                [this] { client.sendConnectionData(1, 2, object); });
 }
 
 TEST_F(ClientData, OfAConnectionIsArchivedUnderSchema0BeforeOneIsAgreed) {
-    expectSent(72, wireOf<LONG>(-1) + wireOf<LONG>(INT32_MIN) + userObject(2015, false),
+    expectSent(0, 72, wireOf<LONG>(-1) + wireOf<LONG>(INT32_MIN) + userObject(2015, false),
                [this] { client.sendConnectionData(-1, INT32_MIN, object); });
 }
 
 TEST_F(ClientData, ThatCannotBeArchivedIsTruncated) {
-    BrokenObject broken(true);
-    const std::string start = userObject(2015, false).substr(0, 14) + wire("55 55 55 55");
-    expectSent(74, start, [&] { client.sendAllUserData(broken); });
+    expectSent(0, 74, startOfBroken, [this] { client.sendAllUserData(broken); });
 }
 
 TEST_F(ClientData, OfOneUserThatCannotBeArchivedLeavesTheUser) {
-    BrokenObject broken(true);
-    const std::string start = userObject(2015, false).substr(0, 14) + wire("55 55 55 55");
-    expectSent(73, userObject(2015, true) + start, [&] { client.sendUserData(user, broken); });
+    expectSent(0, 73, userObject(2015, true) + startOfBroken,
+               [this] { client.sendUserData(user, broken); });
 }
 
 TEST_F(ClientData, ThatThrowsSomethingElseIsNotSentAndNotThrown) {
-    BrokenObject broken(false);
+    BrokenObject throwing(false);
     serve({});
-    EXPECT_NO_THROW(client.sendAllUserData(broken));
-    EXPECT_NO_THROW(client.sendUserData(user, broken));
-    EXPECT_NO_THROW(client.sendConnectionData(1, 2, broken));
+    EXPECT_NO_THROW(client.sendAllUserData(throwing));
+    EXPECT_NO_THROW(client.sendUserData(user, throwing));
+    EXPECT_NO_THROW(client.sendConnectionData(1, 2, throwing));
     expectRequestsSent();
 }
 

@@ -1,58 +1,28 @@
-// Every request of the client, with a call that sends its golden bytes. A new request has a row in
-// one of these lists.
+// Every request of the client: what it sends, what may come back, and what its caller has then.
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "NyServer/client/NySeClientApp.h"
+class NySeClientApp;
 
-struct ScalarAnswer {
-    std::string reply;
-    LONG result;
+struct ClientRequest {
+    struct Answer {
+        std::vector<std::string> pieces;  // each is sent once the client has received the last one
+        std::string result;
+    };
+
+    std::string name;     // as in a test's name
+    std::string request;  // the bytes
+    // Calls, and tells in a text all that the caller has from it.
+    std::function<std::string(NySeClientApp&)> call;
+    std::string failure;           // that text when nothing comes
+    std::vector<Answer> answers;   // complete, and at once; "" for a request without an answer
+    std::vector<Answer> broken{};  // the server closes after each
+    std::vector<Answer> pieces{};  // as far as a request takes an answer in pieces
+
+    bool isAnswered() const { return !answers.front().pieces.front().empty(); }
 };
 
-// Answered by one number.
-struct ScalarRequest {
-    const char* name;
-    LONG failure;
-    std::vector<ScalarAnswer> answers;
-    std::function<LONG(NySeClientApp&)> call;
-};
-const std::vector<ScalarRequest>& scalarRequests();
-
-// Answered by a table.
-struct TableRequest {
-    const char* name;
-    const char* reply;        // the golden reply, of two records
-    std::string beforeReply;  // what the server sends first
-    std::shared_ptr<QoArraySerial2> (*makeTable)();
-    QoObject2* (*makeRecord)();
-    std::function<void(NySeClientApp&, QoArraySerial2&)> call;
-};
-const std::vector<TableRequest>& tableRequests();
-
-// Answered by a text.
-struct TextRequest {
-    const char* name;
-    std::function<CString(NySeClientApp&)> call;
-};
-const std::vector<TextRequest>& textRequests();
-
-// Not answered.
-struct UnansweredRequest {
-    const char* name;
-    std::function<void(NySeClientApp&)> call;
-};
-const std::vector<UnansweredRequest>& unansweredRequests();
-
-// Those that read an answer, the ones above among them.
-struct AnsweredCall {
-    const char* name;
-    std::string answer;  // one that the call would take
-    // Calls, and says whether that returned the failure value.
-    std::function<bool(NySeClientApp&)> fails;
-};
-const std::vector<AnsweredCall>& answeredCalls();
+const std::vector<ClientRequest>& clientRequests();

@@ -1,7 +1,5 @@
 #include "tests/client/ClientTest.h"
 
-#include "NyServer/socket/CUT_WSClient.h"
-
 namespace {
 
 // Up to `count` bytes, fewer when the client closes.
@@ -108,34 +106,18 @@ std::string shown(const std::string& bytes) {
     return toHex(Bytes(bytes.begin(), bytes.end()));
 }
 
-std::vector<std::string> messagesOtherThan(const std::string& reply) {
-    const std::string good = goldenWire(reply);
-    std::vector<std::string> messages{"",
-                                      wire("0A 00"),
-                                      wireOf<LONG>(0),
-                                      wireOf<LONG>(-1),
-                                      wireOf<LONG>(100),
-                                      wireOf<LONG>(2) + wire("00 00"),
-                                      good.substr(0, good.size() / 2),
-                                      good.substr(0, good.size() - 1)};
-    for (const char* other :
-         {"reply-users", "reply-locks", "reply-connections", "reply-user", "reply-string"}) {
-        if (reply != other) messages.push_back(goldenWire(other));
-    }
-    return messages;
+std::string messageOf(const CObject& object) {
+    NySeMemFile message;
+    message.startWrite(NySe::schema2015);
+    message.writeObject(object);
+    message.stopWriting();
+    return std::string(reinterpret_cast<char*>(message.getBuffer()), message.getLength());
 }
 
 std::vector<std::string> inSingleBytes(const std::string& bytes) {
     std::vector<std::string> pieces;
     for (const char byte : bytes) pieces.emplace_back(1, byte);
     return pieces;
-}
-
-ClientTest::Step ClientTest::byteByByte(const std::string& request, const std::string& reply,
-                                        const std::string& before) {
-    Step step{request, inSingleBytes(reply.substr(sizeof(LONG)))};
-    step.answer.insert(step.answer.begin(), before + reply.substr(0, sizeof(LONG)));
-    return step;
 }
 
 void ReceivedBytes::reset() {
@@ -165,7 +147,7 @@ void ClientTest::serve(std::vector<Step> steps, Then then) {
     m_steps = std::move(steps);
     m_peer = std::make_unique<peers::Peer>(
         [this, then](peers::Connection& connection) { follow(connection, then); });
-    ASSERT_EQ(0, client.connect(static_cast<int>(m_peer->port()), "127.0.0.1", -1));
+    connectTo(*m_peer);
 }
 
 void ClientTest::TearDown() {

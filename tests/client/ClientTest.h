@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "NyServer/client/NySeClientApp.h"
+#include "NyServer/socket/CUT_WSClient.h"
 #include "tests/socket/Peers.h"
 #include "tests/support/Golden.h"
 
@@ -34,9 +35,10 @@ std::string goldenWire(const std::string& name);
 NySeUser goldenUser();
 // Bytes for a SCOPED_TRACE.
 std::string shown(const std::string& bytes);
-// Every way to answer without the golden message `reply`: nothing, too little, no object, another
-// class. They are meant to be followed by a close.
-std::vector<std::string> messagesOtherThan(const std::string& reply);
+// The object behind its length, as a server answers.
+std::string messageOf(const CObject& object);
+// Each byte alone, for peers that send with pauses.
+std::vector<std::string> inSingleBytes(const std::string& bytes);
 template <class Scalar>
 std::string wireOf(Scalar value) {
     return std::string(reinterpret_cast<const char*>(&value), sizeof value);
@@ -68,27 +70,19 @@ class ClientTest : public ::testing::Test {
         std::vector<std::string> answer;
         int pauseMs = 0;  // before each further piece
     };
-    // A step that answers with the message `reply`: all up to its length in one piece, as it must
-    // be, then every byte alone. `before` comes ahead of the length.
-    static Step byteByByte(const std::string& request, const std::string& reply,
-                           const std::string& before = "");
     enum class Then { wait, close };
+
+    // To a peer on a port of this host.
+    template <class Server>
+    void connectTo(const Server& server) {
+        ASSERT_EQ(0, client.connect(static_cast<int>(server.port()), "127.0.0.1", -1));
+    }
 
     // Starts a server that takes one connection through the steps, and connects to it.
     void serve(std::vector<Step> steps, Then then = Then::wait);
     void serveRequest(const std::string& request, const std::string& answer = "",
                       Then then = Then::wait) {
         serve({{request, {answer}}}, then);
-    }
-    // Expects that `call` sends `request`, takes `ownAnswer` and leaves the bytes behind it to the
-    // next call. Ends the connection.
-    template <class Call>
-    void expectTakesOnly(const std::string& request, const std::string& ownAnswer, Call call) {
-        serve({{request, {ownAnswer + wireOf<LONG>(NySe::kAliveAnswer)}},
-               {goldenWire("request-isAlive"), {}}});
-        call();
-        EXPECT_TRUE(client.isAlive());
-        expectRequestsSent();
     }
     // Expects that what the server read is exactly the steps' requests, and nothing behind them.
     // Ends the connection.
@@ -107,6 +101,3 @@ class ClientTest : public ::testing::Test {
     std::string m_received;
     std::unique_ptr<peers::Peer> m_peer;
 };
-
-// Each byte alone, for peers that send with pauses.
-std::vector<std::string> inSingleBytes(const std::string& bytes);

@@ -3,26 +3,34 @@
 
 namespace {
 
-using ClientTransport = ClientTest;
 using Access = NySeClientAppAccess;
 
-std::string contentOf(CMemFile& file) {
-    std::string bytes(file.GetLength(), '\0');
-    file.SeekToBegin();
-    file.Read(bytes.data(), static_cast<UINT>(bytes.size()));
-    return bytes;
-}
-
-NySeMemFile& start(NySeMemFile& message, int action) {
-    message.writeAction(static_cast<NySe::ActionType>(action), NySe::schema2015);
-    return message;
-}
+class ClientTransport : public ClientTest {
+  protected:
+    bool send(int action) {
+        NySeMemFile message;
+        message.writeAction(static_cast<NySe::ActionType>(action), NySe::schema2015);
+        return Access::sendMemFile(client, message);
+    }
+    // Takes the message of a server that sends these bytes and closes. What arrived of it is
+    // `content`, and the file is at its start.
+    void expectMessage(bool isComplete, const std::string& content, const std::string& sent,
+                       CMemFile&& reply = CMemFile()) {
+        SCOPED_TRACE(shown(sent.substr(0, 16)));
+        serveRequest("", sent, Then::close);
+        EXPECT_EQ(isComplete, Access::receiveMemfile(client, reply));
+        EXPECT_EQ(0u, reply.GetPosition());
+        std::string taken(reply.GetLength(), '\0');
+        reply.Read(taken.data(), static_cast<UINT>(taken.size()));
+        EXPECT_TRUE(content == taken) << shown(taken.substr(0, 16));
+        client.disconnect();
+    }
+};
 
 TEST_F(ClientTransport, SendsNoActionAbove701) {
     serve({{wireOf<LONG>(701) + wireOf<LONG>(0), {}}});
-    NySeMemFile message;
-    EXPECT_FALSE(Access::sendMemFile(client, start(message, 702)));
-    EXPECT_TRUE(Access::sendMemFile(client, start(message, 701)));
+    EXPECT_FALSE(send(702));
+    EXPECT_TRUE(send(701));
     expectRequestsSent();
 }
 
@@ -48,134 +56,78 @@ TEST_F(ClientTransport, AnEmptyMessageCountsAsNotSent) {
 }
 
 TEST_F(ClientTransport, SendFailsWithoutConnection) {
-    NySeMemFile message;
-    EXPECT_FALSE(Access::sendMemFile(client, start(message, 1)));
+    EXPECT_FALSE(send(1));
 }
 
 TEST_F(ClientTransport, AnEmptyReplyIsASuccess) {
-    for (const LONG length : {0, -3, INT32_MIN}) {
-        SCOPED_TRACE(length);
-        serveRequest("", wireOf(length) + "more");
-        CMemFile reply;
-        EXPECT_TRUE(Access::receiveMemfile(client, reply));
-        EXPECT_EQ(0u, reply.GetLength());
-        client.disconnect();
-    }
-}
-
-TEST_F(ClientTransport, AReplyInSingleBytesArrivesWhole) {
-    serve({byteByByte("", wireOf<LONG>(5) + "hello")});
-    CMemFile reply;
-    EXPECT_TRUE(Access::receiveMemfile(client, reply));
-    EXPECT_EQ(0u, reply.GetPosition());
-    EXPECT_EQ("hello", contentOf(reply));
+    for (const LONG length : {0, -3, INT32_MIN}) expectMessage(true, "", wireOf(length) + "more");
 }
 
 TEST_F(ClientTransport, AReplyThatStopsEarlyFailsWithWhatCame) {
-    serveRequest("", wireOf<LONG>(10) + "abc", Then::close);
-    CMemFile reply;
-    EXPECT_FALSE(Access::receiveMemfile(client, reply));
-    EXPECT_EQ(0u, reply.GetPosition());
-    EXPECT_EQ("abc", contentOf(reply));
-}
-
-TEST_F(ClientTransport, AShortLengthFails) {
-    serveRequest("", wire("0A 00 00"), Then::close);
-    CMemFile reply;
-    EXPECT_FALSE(Access::receiveMemfile(client, reply));
+    expectMessage(false, "abc", wireOf<LONG>(10) + "abc");
+    expectMessage(false, "", wire("0A 00 00"));
 }
 
 TEST_F(ClientTransport, AReplyTakesNoMoreBytesThanAnnounced) {
-    serveRequest("", wireOf<LONG>(3) + "abcdef");
-    CMemFile reply;
-    EXPECT_TRUE(Access::receiveMemfile(client, reply));
-    EXPECT_EQ("abc", contentOf(reply));
+    expectMessage(true, "abc", wireOf<LONG>(3) + "abcdef");
 }
 
 TEST_F(ClientTransport, ALongReplyArrivesWhole) {
     std::string body(3'000'000, '\0');
     for (size_t i = 0; i < body.size(); ++i) body[i] = static_cast<char>(i * 7 + i / 251);
-    serveRequest("", wireOf(static_cast<LONG>(body.size())) + body);
-    CMemFile reply;
-    ASSERT_TRUE(Access::receiveMemfile(client, reply));
-    EXPECT_TRUE(body == contentOf(reply));
+    expectMessage(true, body, wireOf(static_cast<LONG>(body.size())) + body);
 }
 
-// Counts the memory of its block.
-class MeasuredFile : public CMemFile {
+// There is a limit to its memory.
+class LimitedFile : public CMemFile {
   public:
-    size_t largest = 0;
+    explicit LimitedFile(size_t limit) : m_limit(limit) {}
 
   protected:
     BYTE* Alloc(size_t bytes) override {
-        largest = std::max(largest, bytes);
-        return CMemFile::Alloc(bytes);
+        return bytes > m_limit ? nullptr : CMemFile::Alloc(bytes);
     }
     BYTE* Realloc(BYTE* memory, size_t bytes) override {
-        largest = std::max(largest, bytes);
-        return CMemFile::Realloc(memory, bytes);
+        return bytes > m_limit ? nullptr : CMemFile::Realloc(memory, bytes);
     }
+
+  private:
+    const size_t m_limit;
 };
 
 TEST_F(ClientTransport, AnAnnouncedLengthCostsNoMemoryUntilTheBytesCome) {
-    serveRequest("", wireOf<LONG>(INT32_MAX) + "0123456789", Then::close);
-    MeasuredFile reply;
-    EXPECT_FALSE(Access::receiveMemfile(client, reply));
-    EXPECT_EQ(10u, reply.GetLength());
-    EXPECT_LE(reply.largest, 1024u * 1024);
+    expectMessage(false, "0123456789", wireOf<LONG>(INT32_MAX) + "0123456789",
+                  LimitedFile(1024 * 1024));
 }
 
-// A file for which there is no memory.
-class StarvedFile : public CMemFile {
-  protected:
-    BYTE* Alloc(size_t) override { return nullptr; }
-    BYTE* Realloc(BYTE*, size_t) override { return nullptr; }
-};
-
 TEST_F(ClientTransport, AReplyThatThereIsNoMemoryForFails) {
-    serveRequest("", wireOf<LONG>(3) + "abc");
-    StarvedFile reply;
-    EXPECT_FALSE(Access::receiveMemfile(client, reply));
-    EXPECT_EQ(0u, reply.GetLength());
+    expectMessage(false, "", wireOf<LONG>(3) + "abc", LimitedFile(0));
 }
 
 TEST_F(ClientTransport, AReplyThatIsResetInTheMiddleFails) {
-    peers::Peer peer([](peers::Connection& connection) {
+    const peers::Peer peer([](peers::Connection& connection) {
         char byte;
         ::recv(connection.socket(), &byte, 1, MSG_PEEK);
         connection.send(wireOf<LONG>(100) + "some");
         // With the request unread, the close is a reset.
     });
-    ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), "127.0.0.1", -1));
+    connectTo(peer);
     NySeUserPtrArray users;
     client.getAllUser(users);
     EXPECT_EQ(0, users.GetSize());
     EXPECT_FALSE(client.IsConnected());
 }
 
-TEST_F(ClientTransport, ReadsAString) {
-    serveRequest("", goldenWire("reply-string"));
-    CString text;
-    EXPECT_TRUE(Access::receiveString(client, text));
-    EXPECT_EQ(CString("00-1a-2b-3c-4d-5e"), text);
-}
-
 TEST_F(ClientTransport, KeepsTheTextWhenTheReplyIsNoString) {
-    serve({{"", {wireOf<LONG>(0)}}, {"", {wireOf<LONG>(3) + wire("FF FE FF")}}});
+    serve({{"", {wireOf<LONG>(0)}}, {"", {wireOf<LONG>(3) + wire("FF FE FF")}}}, Then::close);
     CString text("before");
     EXPECT_TRUE(Access::receiveString(client, text));
     EXPECT_TRUE(Access::receiveString(client, text));
+    EXPECT_FALSE(Access::receiveString(client, text));  // none comes
     EXPECT_EQ(CString("before"), text);
 }
 
-TEST_F(ClientTransport, KeepsTheTextWhenNoReplyComes) {
-    serveRequest("", "", Then::close);
-    CString text("before");
-    EXPECT_FALSE(Access::receiveString(client, text));
-    EXPECT_EQ(CString("before"), text);
-}
-
-// A user that tells when it is deleted.
+// A user that counts that it is deleted.
 class MortalUser : public NySeUser {
   public:
     explicit MortalUser(int& deaths) : m_deaths(deaths) {}
@@ -185,51 +137,28 @@ class MortalUser : public NySeUser {
     int& m_deaths;
 };
 
-TEST_F(ClientTransport, TransferDeletesNoRecord) {
+TEST_F(ClientTransport, TransferMovesTheRecordsThemselvesUnsorted) {
     int deaths = 0;
     {
         NySeUserPtrArray to;
+        NySeUser* users[3];
         {
             NySeUserPtrArray from;
-            from.append(new MortalUser(deaths));
-            to.append(new MortalUser(deaths));
+            for (size_t i = 0; i < 3; ++i) {
+                users[i] = new MortalUser(deaths);
+                users[i]->setStrUserName(CString("mza"[i]));
+                (i == 0 ? to : from).append(users[i]);
+            }
             Access::transfertObject(from, to);
+            EXPECT_EQ(0, from.GetSize());
+            EXPECT_TRUE(from.getDeleteObject());
         }
+        ASSERT_EQ(3, to.GetSize());
+        for (INT_PTR i = 0; i < 3; ++i) EXPECT_EQ(users[i], to[i]);
+        EXPECT_TRUE(to.getDeleteObject());
         EXPECT_EQ(0, deaths);
     }
-    EXPECT_EQ(2, deaths);
-}
-
-TEST_F(ClientTransport, TransferMovesTheRecordsThemselves) {
-    NySeUserPtrArray from;
-    NySeUserPtrArray to;
-    NySeUser* const held = new NySeUser;
-    NySeUser* const moved = new NySeUser;
-    to.append(held);
-    from.append(moved);
-
-    Access::transfertObject(from, to);
-    EXPECT_EQ(0, from.GetSize());
-    ASSERT_EQ(2, to.GetSize());
-    EXPECT_EQ(held, to[0]);
-    EXPECT_EQ(moved, to[1]);
-    EXPECT_TRUE(from.getDeleteObject());
-    EXPECT_TRUE(to.getDeleteObject());
-}
-
-TEST_F(ClientTransport, TransferAppendsWithoutSorting) {
-    NySeUserPtrArray from;
-    NySeUserPtrArray to;
-    for (const auto& [table, name] : {std::pair{&to, "m"}, {&from, "z"}, {&from, "a"}}) {
-        NySeUser* user = new NySeUser;
-        user->setStrUserName(name);
-        table->append(user);
-    }
-    Access::transfertObject(from, to);
-    ASSERT_EQ(3, to.GetSize());
-    EXPECT_EQ(CString("m"), to[0]->getStrUserName());
-    EXPECT_EQ(CString("z"), to[1]->getStrUserName());
-    EXPECT_EQ(CString("a"), to[2]->getStrUserName());
+    EXPECT_EQ(3, deaths);
 }
 
 TEST_F(ClientTransport, TransferKeepsTheFlagOfATableThatDoesNotOwn) {

@@ -1,6 +1,7 @@
 // What the window does when the server goes, comes back and does not answer.
 #include "tests/listener/LimitSetting.h"
 #include "tests/monitor/MonitorTest.h"
+#include "tests/support/MessageHook.h"
 // After windows.h.
 #include <tlhelp32.h>
 
@@ -9,120 +10,81 @@ namespace {
 using ::testing::AnyOf;
 using ::testing::Contains;
 
-// Calls `action` with a handle of each thread of the process.
-template <class Action>
-void forEachThread(DWORD process, Action action) {
-    const UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    for (BOOL more = ::Thread32First(snapshot.get(), &entry); more;
-         more = ::Thread32Next(snapshot.get(), &entry)) {
-        if (entry.th32OwnerProcessID != process) continue;
-        const UniqueKernelHandle thread(
-            ::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID));
-        action(thread.get());
-    }
-}
-
 // A process stands still while one lives.
 class Standstill {
   public:
-    explicit Standstill(DWORD process) : m_process(process) {
-        forEachThread(m_process, [](HANDLE thread) { ::SuspendThread(thread); });
-    }
-    ~Standstill() {
-        forEachThread(m_process, [](HANDLE thread) { ::ResumeThread(thread); });
-    }
+    explicit Standstill(DWORD process) : m_process(process) { forEachThread(&::SuspendThread); }
+    ~Standstill() { forEachThread(&::ResumeThread); }
     Standstill(const Standstill&) = delete;
     Standstill& operator=(const Standstill&) = delete;
 
   private:
+    void forEachThread(DWORD(WINAPI* action)(HANDLE)) const {
+        const UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+        THREADENTRY32 entry{};
+        entry.dwSize = sizeof entry;
+        for (BOOL more = ::Thread32First(snapshot.get(), &entry); more;
+             more = ::Thread32Next(snapshot.get(), &entry)) {
+            if (entry.th32OwnerProcessID != m_process) continue;
+            action(
+                UniqueKernelHandle(::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID))
+                    .get());
+        }
+    }
+
     const DWORD m_process;
 };
 
 // The window's thread gets no message while one lives.
-class HeldWindow {
+class HeldWindow : MessageHook<HeldWindow> {
   public:
-    explicit HeldWindow(HWND window) {
+    explicit HeldWindow(HWND window) : MessageHook(window) {
         gate = m_gate;
-        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
-                                     ::GetWindowThreadProcessId(window, nullptr));
         ::PostMessageW(window, WM_NULL, 0, 0);
         EXPECT_TRUE(m_gate->awaitArrivals());
     }
-    ~HeldWindow() {
-        ::UnhookWindowsHookEx(m_hook);
-        m_gate->open();
+    ~HeldWindow() { m_gate->open(); }
+
+    static void onMessage(const MSG&, bool) {
+        if (const std::shared_ptr<Gate> entered = gate) entered->pass();
     }
-    HeldWindow(const HeldWindow&) = delete;
-    HeldWindow& operator=(const HeldWindow&) = delete;
 
   private:
-    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        gate.load()->pass();
-        return ::CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-
     // The window's thread may still be leaving a gate when the next one is made.
     static inline std::atomic<std::shared_ptr<Gate>> gate;
     const std::shared_ptr<Gate> m_gate = std::make_shared<Gate>();
-    HHOOK m_hook = nullptr;
 };
 
 // What the status bar says each time that the window's thread takes a message, while one lives.
-class BarWatch {
+class BarWatch : MessageHook<BarWatch> {
   public:
-    explicit BarWatch(HWND bar) {
-        s_bar = bar;
-        m_hook = ::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
-                                     ::GetWindowThreadProcessId(bar, nullptr));
-    }
-    ~BarWatch() { ::UnhookWindowsHookEx(m_hook); }
-    BarWatch(const BarWatch&) = delete;
-    BarWatch& operator=(const BarWatch&) = delete;
+    explicit BarWatch(HWND bar) : MessageHook(bar) { s_bar = bar; }
 
     // A pause was shown while notifications were waiting.
     bool hasSeenPause() const { return s_hasSeenPause; }
 
-  private:
-    static std::wstring text(StatusBar::Part part) {
-        wchar_t text[512] = L"";
-        ::SendMessageW(s_bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
-        return text;
-    }
-    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        if (text(StatusBar::flow) == L"Paused" &&
-            text(StatusBar::posted).rfind(L"Posted 0 ", 0) != 0)
+    static void onMessage(const MSG&, bool) {
+        if (readText(s_bar, SB_GETTEXTW, StatusBar::flow) == "Paused" &&
+            readText(s_bar, SB_GETTEXTW, StatusBar::posted).rfind("Posted 0 ", 0) != 0)
             s_hasSeenPause = true;
-        return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    static inline HWND s_bar = nullptr;
+  private:
+    static inline std::atomic<HWND> s_bar = nullptr;
     static inline std::atomic<bool> s_hasSeenPause = false;
-    HHOOK m_hook = nullptr;
 };
 
 // There is always another message for the window while one lives.
-class Flood {
+class Flood : MessageHook<Flood> {
   public:
-    explicit Flood(HWND window)
-        : m_hook(::SetWindowsHookExW(WH_GETMESSAGE, &onMessage, nullptr,
-                                     ::GetWindowThreadProcessId(window, nullptr))) {
+    explicit Flood(HWND window) : MessageHook(window) {
         ::PostMessageW(window, NySe::_TM_NYSERVERMESSAGE, 0, 0);
     }
-    ~Flood() { ::UnhookWindowsHookEx(m_hook); }
-    Flood(const Flood&) = delete;
-    Flood& operator=(const Flood&) = delete;
 
-  private:
-    static LRESULT CALLBACK onMessage(int code, WPARAM wParam, LPARAM lParam) {
-        const MSG& message = *reinterpret_cast<const MSG*>(lParam);
-        if (wParam == PM_REMOVE && message.message == NySe::_TM_NYSERVERMESSAGE)
+    static void onMessage(const MSG& message, bool isRemoved) {
+        if (isRemoved && message.message == NySe::_TM_NYSERVERMESSAGE)
             ::PostMessageW(message.hwnd, message.message, 0, 0);
-        return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
-
-    const HHOOK m_hook;
 };
 
 class MonitorConnection : public MonitorTest {
@@ -137,60 +99,48 @@ class MonitorConnection : public MonitorTest {
         client.isAlive();
         ::Sleep(500);
     }
+    void killServer() const {
+        server->process().kill();
+        EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    }
     // The worker gives up after 15 s, which a busy machine may need for what a test types.
     bool isWaitingOrGaveUp(const std::string& waiting) const {
         return status(StatusBar::activity) == waiting || !logged("Lock").empty();
     }
 };
 
-TEST_F(MonitorConnection, IsTold) {
+TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
     openConnected();
     EXPECT_EQ("Connected to 127.0.0.1:" + std::to_string(server->port()) + " as dora, session 1",
               status(StatusBar::connection));
-    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
-    EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 3240"; }));
+    EXPECT_TRUE(says(StatusBar::activity, "Ready"));
+    EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 3240"));
     EXPECT_EQ("Flowing", status(StatusBar::flow));
     EXPECT_THAT(logged("Connection"), Contains(status(StatusBar::connection)));
-}
-
-TEST_F(MonitorConnection, WhatIsCutOffCanBePointedAt) {
-    openConnected();
-    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    // What is cut off can be pointed at.
     for (const StatusBar::Part part : {StatusBar::connection, StatusBar::activity})
         EXPECT_EQ(status(part), tip(part));
     const LRESULT style = ::SendMessageW(control(IDC_USERS), LVM_GETEXTENDEDLISTVIEWSTYLE, 0, 0);
     EXPECT_NE(0, style & LVS_EX_LABELTIP);
 }
 
-TEST_F(MonitorConnection, ComesBackWithTheServer) {
+TEST_F(MonitorConnection, IsRenamedByF2AndComesBackWithTheServerUnderThatName) {
     openConnected();
     const int port = server->port();
+    ask(VK_F2, L"Rename", "doris");
+    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"doris"}));
+    EXPECT_TRUE(soon([this] { return isConnectedAs("doris"); }));
     tabTo(ID_LOCK);
-    server->process().kill();
-    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    killServer();
     EXPECT_FALSE(::IsWindowEnabled(control(ID_LOCK)));
     EXPECT_EQ(control(IDC_USERS), focus());
     EXPECT_TRUE(hasLogged("Connection", "No connection to 127.0.0.1:" + std::to_string(port) +
                                             ". Trying again in 2 s"));
     startServer(port);
-    EXPECT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
+    EXPECT_TRUE(soon([this] { return isConnectedAs("doris"); })) << status(StatusBar::connection);
     OtherUser anna(port, "anna");
-    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
-}
-
-TEST_F(MonitorConnection, ComesBackUnderTheNewName) {
-    openConnected();
-    const int port = server->port();
-    keys::press(VK_F2);
-    answer(L"Rename", "doris");
-    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
-    server->process().kill();
-    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
-    startServer(port);
-    EXPECT_TRUE(becomes(IDC_USERS, 0, {"doris"}));
-    EXPECT_TRUE(soon([this] {
-        return status(StatusBar::connection).find(" as doris, session ") != std::string::npos;
-    })) << status(StatusBar::connection);
+    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "doris"}));
 }
 
 TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
@@ -215,11 +165,10 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
     openConnected();
     OtherUser anna(server->port(), "anna");
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
-    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    EXPECT_TRUE(says(StatusBar::activity, "Ready"));
     {
         const Standstill standstill(server->process().id());
-        keys::pressWithControl('L');
-        answer(L"Lock", "deck");
+        ask('L', L"Lock", "deck");
         const std::string waiting = "Waiting: Lock deck (access1+access2+exclude1+exclude2)";
         EXPECT_TRUE(soon([&] { return isWaitingOrGaveUp(waiting); }));
         typeFilter("anna");
@@ -230,7 +179,7 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
     EXPECT_THAT(logged("Lock").front(),
                 AnyOf("deck (access1+access2+exclude1+exclude2): granted",
                       "deck (access1+access2+exclude1+exclude2): no answer"));
-    EXPECT_TRUE(soon([this] { return status(StatusBar::activity) == "Ready"; }));
+    EXPECT_TRUE(says(StatusBar::activity, "Ready"));
 }
 
 // The connection is there, and nothing comes over it.
@@ -275,10 +224,8 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
 
 TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
     openConnected();
-    keys::press(VK_F2);
-    ASSERT_NE(nullptr, dialog(L"Rename"));
-    server->process().kill();
-    EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+    open(VK_F2, L"Rename");
+    killServer();
     answer(L"Rename", "doris");
     EXPECT_TRUE(hasLogged("Rename", "doris: no connection"));
 }
@@ -286,7 +233,7 @@ TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
 TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     const LimitSetting limit(10);
     openConnected();
-    EXPECT_TRUE(soon([this] { return status(StatusBar::posted) == "Posted 0 of 9"; }));
+    EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 9"));
     OtherUser anna(server->port(), "anna");
     const BarWatch bar(control(IDC_STATUS));
     EXPECT_TRUE(soon([&] {
@@ -296,7 +243,7 @@ TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     EXPECT_TRUE(bar.hasSeenPause());
     EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
     EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
-    EXPECT_TRUE(soon([this] { return status(StatusBar::flow) == "Flowing"; }));
+    EXPECT_TRUE(says(StatusBar::flow, "Flowing"));
     anna.client.lock("last", 0x01);
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
 }

@@ -1,6 +1,7 @@
 // The window in several sizes and on screens of several densities.
 #include "apps/monitor/Layout.h"
 #include "tests/monitor/MonitorTest.h"
+#include "tests/monitor/Tidy.h"
 
 using namespace apps::monitor;
 
@@ -17,26 +18,22 @@ class MonitorLayout : public MonitorTest {
     void resize(int width, int height) const {
         ::SetWindowPos(window, nullptr, 0, 0, width, height, SWP_NOZORDER);
     }
-    void expectTidy() const {
-        RECT client{};
-        ::GetClientRect(window, &client);
-        ::MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&client), 2);
-        for (const int id : kControls) {
-            const RECT area = areaOf(control(id));
-            EXPECT_FALSE(::IsRectEmpty(&area)) << id;
-            RECT common{};
-            ::IntersectRect(&common, &area, &client);
-            EXPECT_TRUE(::EqualRect(&common, &area)) << id << " lies outside";
-            for (const int other : kControls) {
-                const RECT otherArea = areaOf(control(other));
-                EXPECT_TRUE(other == id || !::IntersectRect(&common, &area, &otherArea))
-                    << id << " over " << other;
-            }
-        }
+    static RECT areaOf(HWND control) {
+        RECT area{};
+        ::GetWindowRect(control, &area);
+        return area;
     }
     static SIZE sizeOf(HWND control) {
         const RECT area = areaOf(control);
         return {area.right - area.left, area.bottom - area.top};
+    }
+    void expectTidyWindow() const {
+        RECT client{};
+        ::GetClientRect(window, &client);
+        ::MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&client), 2);
+        std::vector<RECT> areas;
+        for (const int id : kControls) areas.push_back(areaOf(control(id)));
+        expectTidy(areas, client);
     }
     LONG fontHeight(int id) const {
         LOGFONTW font{};
@@ -47,11 +44,11 @@ class MonitorLayout : public MonitorTest {
 };
 
 TEST_F(MonitorLayout, TheListsTakeTheRoomThatThereIs) {
-    expectTidy();
+    expectTidyWindow();
     resize(1000, 600);
     const SIZE small = sizeOf(control(IDC_LOCKS));
     resize(1300, 900);
-    expectTidy();
+    expectTidyWindow();
     const SIZE large = sizeOf(control(IDC_LOCKS));
     EXPECT_NEAR(small.cx + 300 * 44 / 100, large.cx, 3);
     EXPECT_NEAR(small.cy + 300 / 2, large.cy, 3);
@@ -59,7 +56,7 @@ TEST_F(MonitorLayout, TheListsTakeTheRoomThatThereIs) {
 
 TEST_F(MonitorLayout, ItGetsNoSmallerThanItsControlsAllow) {
     resize(10, 10);
-    expectTidy();
+    expectTidyWindow();
     EXPECT_GT(sizeOf(window).cx, 600);
 }
 
@@ -74,7 +71,7 @@ TEST_F(MonitorLayout, ItGrowsWithTheDensityOfTheScreen) {
     EXPECT_NEAR(2 * font, fontHeight(IDC_USERS), 1);
     EXPECT_EQ(fontHeight(IDC_USERS), fontHeight(ID_LOCK));
     EXPECT_EQ(fontHeight(IDC_USERS), fontHeight(IDC_LOG));
-    expectTidy();
+    expectTidyWindow();
 }
 
 TEST_F(MonitorLayout, TheStatusBarHasRoomForItsTexts) {

@@ -6,6 +6,7 @@
 #include "apps/monitor/ReconnectDelay.h"
 #include "apps/monitor/ServerRows.h"
 #include "apps/monitor/Words.h"
+#include "tests/monitor/Tidy.h"
 
 using namespace apps::monitor;
 
@@ -14,6 +15,7 @@ namespace {
 using ::testing::ElementsAre;
 using Keys = std::vector<std::wstring>;
 
+// Three rows; what is shown of them, by their keys.
 class MonitorTable : public ::testing::Test {
   protected:
     MonitorTable() {
@@ -25,51 +27,43 @@ class MonitorTable : public ::testing::Test {
         for (int i = 0; i < table.count(); ++i) keys.push_back(table.at(i).key);
         return keys;
     }
+    Keys sorted(int column) {
+        table.sortBy(column);
+        return shown();
+    }
+    Keys filtered(const wchar_t* text) {
+        table.setFilter(text);
+        return shown();
+    }
 
     Table table{{{L"Name", 10}, {L"Number", 10, true}}};
 };
 
-TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCase) {
+TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCaseAndTurnsRound) {
     EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
-}
-
-TEST_F(MonitorTable, TurnsRoundWhenOrderedByTheSameColumnAgain) {
-    table.sortBy(0);
-    EXPECT_THAT(shown(), ElementsAre(L"k3", L"k1", L"k2"));
+    EXPECT_THAT(sorted(0), ElementsAre(L"k3", L"k1", L"k2"));
     EXPECT_FALSE(table.isAscending());
     table.sortBy(1);
     EXPECT_TRUE(table.isAscending());
 }
 
 TEST_F(MonitorTable, OrdersNumbersByTheirValueAndEqualOnesByTheirKeys) {
-    table.sortBy(1);
-    EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
-    table.sortBy(1);
-    EXPECT_THAT(shown(), ElementsAre(L"k1", L"k3", L"k2"));
+    EXPECT_THAT(sorted(1), ElementsAre(L"k2", L"k1", L"k3"));
+    EXPECT_THAT(sorted(1), ElementsAre(L"k1", L"k3", L"k2"));
 }
 
 TEST_F(MonitorTable, ShowsTheRowsThatHaveTheTextInAnyCell) {
-    table.setFilter(L"AN");
-    EXPECT_THAT(shown(), ElementsAre(L"k2"));
-    table.setFilter(L"10");
-    EXPECT_THAT(shown(), ElementsAre(L"k1", L"k3"));
-    table.setFilter(L"bob10");
-    EXPECT_EQ(0, table.count());
+    EXPECT_THAT(filtered(L"AN"), ElementsAre(L"k2"));
+    EXPECT_THAT(filtered(L"10"), ElementsAre(L"k1", L"k3"));
+    EXPECT_THAT(filtered(L"bob10"), ElementsAre());
     EXPECT_EQ(3, table.total());
-    table.setFilter(L"");
-    EXPECT_EQ(3, table.count());
+    EXPECT_EQ(L"k3", table.any(2).key);  // also what is not shown
+    EXPECT_EQ(3U, filtered(L"").size());
 }
 
 TEST_F(MonitorTable, LetterCaseIsThatOfAllAlphabets) {
     table.setRows({{L"k1", {L"zo\u00CB", L"1"}}, {L"k2", {L"Zo\u00EB", L"2"}}});
-    table.setFilter(L"ZO\u00EB");
-    EXPECT_EQ(2, table.count());
-}
-
-TEST_F(MonitorTable, KnowsAlsoTheRowsThatAreNotShown) {
-    table.setFilter(L"anna");
-    EXPECT_EQ(1, table.count());
-    EXPECT_EQ(L"k3", table.any(2).key);
+    EXPECT_EQ(2U, filtered(L"ZO\u00EB").size());
 }
 
 TEST_F(MonitorTable, KeepsOrderAndFilterForNewRows) {
@@ -123,66 +117,44 @@ TEST(MonitorLog, ForgetsTheOldestLines) {
     EXPECT_EQ(std::to_wstring(Log::kMostLines + 1), log.at(log.count() - 1).event);
 }
 
-TEST(MonitorWords, SayHowFarTheWindowIsBehind) {
+TEST(MonitorWords, AreThoseOfTheWindow) {
     EXPECT_EQ(L"Posted 3 of 9", words::posted({3, 9, false}));
     EXPECT_EQ(L"Flowing", words::flow({3, 9, false}));
     EXPECT_EQ(L"Paused", words::flow({3, 9, true}));
-}
-
-TEST(MonitorWords, CountWhatIsShown) {
     EXPECT_EQ(L"Users (3)", words::counted(L"Users", 3, 3));
     EXPECT_EQ(L"Users (0 of 3)", words::counted(L"Users", 0, 3));
-}
-
-TEST(MonitorWords, AWaitIsToldInWholeSeconds) {
     EXPECT_EQ(L"The server has gone away. Trying again in 2 s",
               words::waiting(words::goneAway(), std::chrono::milliseconds(1001)));
 }
 
-std::vector<RECT> partsOf(const Layout& layout) {
-    std::vector<RECT> parts(layout.buttons.begin(), layout.buttons.end());
+void expectTidyLayout(const LayoutInput& input) {
+    const Layout layout = layOut(input);
+    std::vector<RECT> parts{layout.filterLabel, layout.filter, layout.logTitle, layout.log};
+    parts.insert(parts.end(), layout.buttons.begin(), layout.buttons.end());
     parts.insert(parts.end(), layout.titles.begin(), layout.titles.end());
     parts.insert(parts.end(), layout.lists.begin(), layout.lists.end());
-    for (const RECT& part : {layout.filterLabel, layout.filter, layout.logTitle, layout.log})
-        parts.push_back(part);
-    return parts;
-}
-
-void expectTidy(const LayoutInput& input) {
-    const std::vector<RECT> parts = partsOf(layOut(input));
-    for (size_t i = 0; i < parts.size(); ++i) {
-        EXPECT_LT(parts[i].left, parts[i].right);
-        EXPECT_LT(parts[i].top, parts[i].bottom);
-        EXPECT_GE(parts[i].left, 0);
-        EXPECT_GE(parts[i].top, 0);
-        EXPECT_LE(parts[i].right, input.width);
-        EXPECT_LE(parts[i].bottom, input.height);
-        RECT common{};
-        for (size_t j = 0; j < i; ++j)
-            EXPECT_FALSE(::IntersectRect(&common, &parts[i], &parts[j])) << j << " and " << i;
-    }
+    expectTidy(parts, {0, 0, input.width, input.height});
 }
 
 TEST(MonitorLayoutRules, NothingOverlapsInTheSmallestWindow) {
     for (const int dpi : {96, 120, 144, 192}) {
         const int textHeight = scaled(14, dpi);
         const SIZE smallest = smallestClient(dpi, textHeight);
-        expectTidy({smallest.cx, smallest.cy, dpi, textHeight});
-        expectTidy({2 * smallest.cx, 3 * smallest.cy, dpi, textHeight});
+        expectTidyLayout({smallest.cx, smallest.cy, dpi, textHeight});
+        expectTidyLayout({2 * smallest.cx, 3 * smallest.cy, dpi, textHeight});
     }
 }
 
 TEST(MonitorLayoutRules, AWindowIsHeldWithinTheScreen) {
     const RECT screen{0, 40, 1400, 1000};
-    const auto expect = [&](const RECT& held, const RECT& area) {
+    for (const auto& [held, area] :
+         {std::pair<RECT, RECT>{{100, 100, 1120, 740}, {100, 100, 1120, 740}},
+          {{380, 360, 1400, 1000}, {700, 900, 1720, 1540}},
+          {{0, 40, 1020, 680}, {-9, -9, 1011, 631}},
+          {screen, {100, 100, 2140, 1380}}}) {
         const RECT found = within(area, screen);
-        EXPECT_TRUE(::EqualRect(&held, &found))
-            << found.left << ' ' << found.top << ' ' << found.right << ' ' << found.bottom;
-    };
-    expect({100, 100, 1120, 740}, {100, 100, 1120, 740});
-    expect({380, 360, 1400, 1000}, {700, 900, 1720, 1540});
-    expect({0, 40, 1020, 680}, {-9, -9, 1011, 631});
-    expect(screen, {100, 100, 2140, 1380});
+        EXPECT_TRUE(::EqualRect(&held, &found)) << area.left << ": " << found.left;
+    }
 }
 
 TEST(MonitorLayoutRules, LengthsFollowTheDensity) {

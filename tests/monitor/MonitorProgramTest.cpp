@@ -6,18 +6,20 @@ namespace {
 class MonitorProgram : public MonitorTest {
   protected:
     void run(const std::wstring& arguments) {
-        SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
-        m_output = UniqueKernelHandle(::CreateFileW(
-            m_folder.path(L"output").c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-            &inheritable, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        m_output = outputFile(m_folder.path(L"output"));
         program = std::make_unique<ChildProcess>(L"nymonitor.exe", arguments, nullptr,
                                                  m_output.get(), m_output.get());
     }
-    DWORD status() const {
-        EXPECT_TRUE(program->hasEnded(kLong));
-        return program->exitCode();
+    bool hasWindow() {
+        window = ::FindWindowW(MonitorWnd::kClassName, nullptr);
+        return window != nullptr;
     }
-    std::string output() const { return m_folder.content(L"output"); }
+    // Ends with the status, and has printed this among other things.
+    void expectEnd(DWORD status, const std::string& printed = "") const {
+        EXPECT_TRUE(program->hasEnded(kLong));
+        EXPECT_EQ(status, program->exitCode());
+        EXPECT_THAT(m_folder.content(L"output"), ::testing::HasSubstr(printed));
+    }
 
     std::unique_ptr<ChildProcess> program;
 
@@ -30,13 +32,10 @@ TEST_F(MonitorProgram, RunsUntilItsWindowIsClosed) {
     startServer();
     OtherUser anna(server->port(), "anna");
     run(L"--user dora --server 127.0.0.1:" + std::to_wstring(server->port()));
-    EXPECT_TRUE(soon([&] {
-        window = ::FindWindowW(MonitorWnd::kClassName, nullptr);
-        return window != nullptr && rows(IDC_USERS) == 2;
-    }));
+    EXPECT_TRUE(soon([&] { return hasWindow() && rows(IDC_USERS) == 2; }));
     EXPECT_EQ("nymonitor - 127.0.0.1:" + std::to_string(server->port()), textOf(window));
     ::PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_EQ(0U, status());
+    expectEnd(0);
     EXPECT_TRUE(soon([&] {
         NySeUserPtrArray users;
         anna.client.getAllUser(users);
@@ -47,23 +46,19 @@ TEST_F(MonitorProgram, RunsUntilItsWindowIsClosed) {
 TEST_F(MonitorProgram, EndsAlsoWhileTheServerDoesNotAnswer) {
     const peers::ResettingPort silent;
     run(L"--server 127.0.0.1:" + std::to_wstring(silent.port()));
-    EXPECT_TRUE(
-        soon([&] { return (window = ::FindWindowW(MonitorWnd::kClassName, nullptr)) != nullptr; }));
+    EXPECT_TRUE(soon([&] { return hasWindow(); }));
     ::PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_EQ(0U, status());
+    expectEnd(0);
 }
 
 TEST_F(MonitorProgram, ExplainsItself) {
     run(L"--help");
-    EXPECT_EQ(0U, status());
-    EXPECT_THAT(output(),
-                ::testing::HasSubstr("Example: nymonitor --server 127.0.0.1:40123 --user Anna"));
+    expectEnd(0, "Example: nymonitor --server 127.0.0.1:40123 --user Anna");
 }
 
 TEST_F(MonitorProgram, RefusesAServerThatIsNone) {
     run(L"--server nowhere");
-    EXPECT_EQ(2U, status());
-    EXPECT_THAT(output(), ::testing::HasSubstr("nowhere is not HOST:PORT"));
+    expectEnd(2, "nowhere is not HOST:PORT");
 }
 
 }  // namespace

@@ -17,18 +17,19 @@ class MonitorRequests : public MonitorTest {
     std::unique_ptr<OtherUser> anna;
 };
 
-TEST_F(MonitorRequests, ControlLLocks) {
-    keys::pressWithControl('L');
-    answer(L"Lock", "deck");
+TEST_F(MonitorRequests, ControlLLocksAndControlUUnlocks) {
+    ask('L', L"Lock", "deck");
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"deck"}));
     EXPECT_TRUE(hasLogged("Lock", "deck (access1+access2+exclude1+exclude2): granted"));
     EXPECT_EQ(std::vector<unsigned>{0x1B}, anna->modesOf("deck"));
+    ask('U', L"Unlock", "deck");
+    EXPECT_TRUE(becomes(IDC_LOCKS, 0, {}));
+    EXPECT_TRUE(hasLogged("Unlock", "deck: sent"));
+    EXPECT_TRUE(anna->modesOf("deck").empty());
 }
 
 TEST_F(MonitorRequests, ALockHasTheModeThatIsTicked) {
-    keys::pressWithControl('L');
-    const HWND asked = dialog(L"Lock");
-    ASSERT_NE(nullptr, asked);
+    open('L', L"Lock");
     keys::type("a");
     keys::press(VK_TAB);
     keys::press(VK_SPACE);
@@ -39,20 +40,8 @@ TEST_F(MonitorRequests, ALockHasTheModeThatIsTicked) {
 
 TEST_F(MonitorRequests, ARefusedLockIsSaidSo) {
     anna->client.lock("deck", 0x18);
-    keys::pressWithControl('L');
-    answer(L"Lock", "deck");
+    ask('L', L"Lock", "deck");
     EXPECT_TRUE(hasLogged("Lock", "deck (access1+access2+exclude1+exclude2): refused"));
-}
-
-TEST_F(MonitorRequests, ControlUUnlocks) {
-    keys::pressWithControl('L');
-    answer(L"Lock", "deck");
-    EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"deck"}));
-    keys::pressWithControl('U');
-    answer(L"Unlock", "deck");
-    EXPECT_TRUE(becomes(IDC_LOCKS, 0, {}));
-    EXPECT_TRUE(hasLogged("Unlock", "deck: sent"));
-    EXPECT_TRUE(anna->modesOf("deck").empty());
 }
 
 TEST_F(MonitorRequests, TheChosenRowIsProposed) {
@@ -60,9 +49,7 @@ TEST_F(MonitorRequests, TheChosenRowIsProposed) {
     EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {"model"}));
     tabTo(IDC_CONNECTIONS);
     keys::press(VK_DOWN);
-    keys::pressWithControl('O');
-    const HWND asked = dialog(L"Open connection");
-    ASSERT_NE(nullptr, asked);
+    const HWND asked = open('O', L"Open connection");
     EXPECT_EQ("model", textOf(::GetDlgItem(asked, IDC_TEXT)));
     keys::press(VK_RETURN);
     EXPECT_TRUE(hasLogged("Open", "model: opened, id 0"));
@@ -70,17 +57,14 @@ TEST_F(MonitorRequests, TheChosenRowIsProposed) {
 }
 
 TEST_F(MonitorRequests, ControlOOpensAndControlWCloses) {
-    keys::pressWithControl('O');
-    answer(L"Open connection", "bridge");
+    ask('O', L"Open connection", "bridge");
     EXPECT_TRUE(hasLogged("Open", "bridge: opened, id 0"));
     EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {"bridge"}));
-    keys::pressWithControl('W');
-    answer(L"Close connection", "0");
+    ask('W', L"Close connection", "0");
     EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {}));
     EXPECT_TRUE(hasLogged("Close", "bridge: sent"));
     EXPECT_EQ(0, anna->opensOf("bridge"));
-    keys::pressWithControl('W');
-    answer(L"Close connection", "0");
+    ask('W', L"Close connection", "0");
     EXPECT_TRUE(hasLogged("Close", "0: there is no such connection"));
 }
 
@@ -89,25 +73,12 @@ TEST_F(MonitorRequests, ClosingTakesAnIdBeforeAStringAndAlsoWhatTheFilterHides) 
     EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {"1", "bridge"}));
     typeFilter("anna");
     EXPECT_TRUE(becomes(IDC_CONNECTIONS, 1, {}));
-    keys::pressWithControl('W');
-    answer(L"Close connection", "1");
+    ask('W', L"Close connection", "1");
     EXPECT_TRUE(hasLogged("Close", "bridge: sent"));
 }
 
-TEST_F(MonitorRequests, F2Renames) {
-    keys::press(VK_F2);
-    answer(L"Rename", "doris");
-    EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "doris"}));
-    EXPECT_TRUE(soon([this] {
-        return status(StatusBar::connection).find(" as doris, session ") != std::string::npos;
-    }));
-    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
-}
-
 TEST_F(MonitorRequests, AnEmptyNameIsNotTaken) {
-    keys::press(VK_F2);
-    const HWND asked = dialog(L"Rename");
-    ASSERT_NE(nullptr, asked);
+    const HWND asked = open(VK_F2, L"Rename");
     EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(asked, IDOK)));
     keys::type("d");
     EXPECT_TRUE(soon([&] { return ::IsWindowEnabled(::GetDlgItem(asked, IDOK)); }));
@@ -149,16 +120,13 @@ class MonitorSending : public MonitorRequests {
 };
 
 TEST_F(MonitorSending, ControlMSendsToEverybody) {
-    keys::pressWithControl('M');
-    answer(L"Send message", "hello");
+    ask('M', L"Send message", "hello");
     EXPECT_TRUE(hasLogged("Send", "to everybody: sent"));
     EXPECT_TRUE(receives("58 hello"));
 }
 
 TEST_F(MonitorSending, ControlMSendsToOneUser) {
-    keys::pressWithControl('M');
-    const HWND asked = dialog(L"Send message");
-    ASSERT_NE(nullptr, asked);
+    open('M', L"Send message");
     keys::type("hello");
     keys::press(VK_TAB);
     keys::type("c");
@@ -170,15 +138,11 @@ TEST_F(MonitorSending, ControlMSendsToOneUser) {
 TEST_F(MonitorSending, TheReceiversAreAllOthersAlsoThoseWhomTheFilterHides) {
     typeFilter("anna");
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna"}));
-    keys::pressWithControl('M');
-    const HWND asked = dialog(L"Send message");
-    ASSERT_NE(nullptr, asked);
+    const HWND asked = open('M', L"Send message");
     const HWND box = ::GetDlgItem(asked, IDC_RECEIVER);
     Texts names;
     for (WPARAM i = 0; i < static_cast<WPARAM>(::SendMessageW(box, CB_GETCOUNT, 0, 0)); ++i) {
-        wchar_t name[64] = L"";
-        ::SendMessageW(box, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(name));
-        names.push_back(utf8(name));
+        names.push_back(readText(box, CB_GETLBTEXT, i));
     }
     EXPECT_EQ((Texts{"everybody", "anna", "carl"}), names);
     keys::press(VK_ESCAPE);

@@ -36,8 +36,14 @@ bool soon(Question question) {
     return eventually(question, kLong);
 }
 
-inline std::wstring portRange(unsigned first, unsigned count) {
-    return std::to_wstring(first) + L'-' + std::to_wstring(first + count - 1);
+// What a control answers to a message that asks for a text.
+inline std::string readText(HWND control, UINT message, WPARAM what) {
+    wchar_t text[512] = L"";
+    ::SendMessageW(control, message, what, reinterpret_cast<LPARAM>(text));
+    return toUtf8(CString(text));
+}
+inline std::string textOf(HWND control) {
+    return readText(control, WM_GETTEXT, 512);
 }
 
 // Another user of the server, without a listener.
@@ -77,7 +83,10 @@ class OtherUser {
 
 class MonitorTest : public ::testing::Test {
   protected:
-    MonitorTest() { m_ports = L" --ports " + portRange(static_cast<unsigned>(freeRow(40)), 40); }
+    MonitorTest() {
+        const int first = freeRow(40);
+        m_ports = L" --ports " + std::to_wstring(first) + L'-' + std::to_wstring(first + 39);
+    }
     ~MonitorTest() override { closeWindow(); }
 
     void startServer(int port = 0) {
@@ -104,7 +113,8 @@ class MonitorTest : public ::testing::Test {
     void openConnected() {
         if (!server) startServer();
         ASSERT_NO_FATAL_FAILURE(openWindow(server->port()));
-        ASSERT_TRUE(soon([this] { return isConnected(); })) << status(StatusBar::connection);
+        ASSERT_TRUE(soon([this] { return isConnectedAs("dora"); }))
+            << status(StatusBar::connection);
         ASSERT_TRUE(hasLogged("Connection", status(StatusBar::connection)));
     }
     void closeWindow() {
@@ -133,29 +143,21 @@ class MonitorTest : public ::testing::Test {
     }
 
     HWND control(int id) const { return ::GetDlgItem(window, id); }
-    bool isConnected() const {
-        return status(StatusBar::connection).rfind("Connected to ", 0) == 0 &&
+    bool isConnectedAs(const std::string& user) const {
+        const std::string told = status(StatusBar::connection);
+        return told.rfind("Connected to ", 0) == 0 &&
+               told.find(" as " + user + ", session ") != std::string::npos &&
                ::IsWindowEnabled(control(ID_LOCK)) && !column(IDC_USERS, 0).empty();
     }
 
-    static std::string utf8(const wchar_t* text) { return toUtf8(CString(text)); }
-    static std::string textOf(HWND control) {
-        wchar_t text[512] = L"";
-        ::SendMessageW(control, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
-        return utf8(text);
-    }
-
     std::string status(StatusBar::Part part) const {
-        wchar_t text[512] = L"";
-        ::SendMessageW(control(IDC_STATUS), SB_GETTEXTW, part, reinterpret_cast<LPARAM>(text));
-        return utf8(text);
+        return readText(control(IDC_STATUS), SB_GETTEXTW, part);
+    }
+    bool says(StatusBar::Part part, const std::string& text) const {
+        return soon([&] { return status(part) == text; });
     }
     std::string tip(StatusBar::Part part) const {
-        wchar_t text[512] = L"";
-        ::SendMessageW(control(IDC_STATUS), SB_GETTIPTEXTW,
-                       MAKEWPARAM(part, static_cast<WORD>(std::size(text))),
-                       reinterpret_cast<LPARAM>(text));
-        return utf8(text);
+        return readText(control(IDC_STATUS), SB_GETTIPTEXTW, MAKEWPARAM(part, 512));
     }
 
     std::string cell(int list, int row, int column) const {
@@ -166,7 +168,7 @@ class MonitorTest : public ::testing::Test {
         item.cchTextMax = static_cast<int>(std::size(text));
         ::SendMessageW(control(list), LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
                        reinterpret_cast<LPARAM>(&item));
-        return utf8(text);
+        return toUtf8(CString(text));
     }
     int rows(int list) const {
         return static_cast<int>(::SendMessageW(control(list), LVM_GETITEMCOUNT, 0, 0));
@@ -213,16 +215,22 @@ class MonitorTest : public ::testing::Test {
         EXPECT_TRUE(soon([&] { return !::IsWindow(asked); }));
     }
 
+    // Opens the dialog by its shortcut, F2 or a letter with Control.
+    static HWND open(WORD key, const wchar_t* title) {
+        key == VK_F2 ? keys::press(key) : keys::pressWithControl(key);
+        const HWND opened = dialog(title);
+        EXPECT_NE(nullptr, opened);
+        return opened;
+    }
+    static void ask(WORD key, const wchar_t* title, const std::string& text) {
+        open(key, title);
+        answer(title, text);
+    }
+
     void typeFilter(const std::string& text) const {
         keys::pressWithControl('F');
         keys::type(text);
         EXPECT_TRUE(soon([&] { return textOf(control(IDC_FILTER)) == text; }));
-    }
-
-    static RECT areaOf(HWND control) {
-        RECT area{};
-        ::GetWindowRect(control, &area);
-        return area;
     }
 
     static inline std::atomic<int> abandoned = 0;
