@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "apps/common/SelfConnect.h"
 #include "NyServer/socket/TimedConnect.h"
 
 using namespace socketcalls;
@@ -40,7 +41,7 @@ bool ListenerLink::connectOnce(const Patience& patience) {
     UniqueSocket socket = makeSocket();
     const Readiness readiness =
         connectUntil(socket.get(), m_address, [&patience] { return patience.isOver(); });
-    if (readiness != Readiness::ready || isConnectedToItself(socket.get())) return false;
+    if (readiness != Readiness::ready || apps::isConnectedToItself(socket.get())) return false;
     m_socket = std::move(socket);
     m_heard.clear();
     ++m_opened;

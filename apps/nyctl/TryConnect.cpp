@@ -1,5 +1,6 @@
 #include "apps/nyctl/TryConnect.h"
 
+#include "apps/common/SelfConnect.h"
 #include "NyServer/base/UniqueHandle.h"
 #include "NyServer/socket/TimedConnect.h"
 

@@ -1,10 +1,10 @@
-#include "NyServer/socket/TimedConnect.h"
+#include "apps/common/SelfConnect.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/socket/Peers.h"
 
-using socketcalls::isConnectedToItself;
+using apps::isConnectedToItself;
 
 namespace {
 
