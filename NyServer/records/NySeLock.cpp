@@ -12,11 +12,11 @@ constexpr unsigned int kExcludesNewcomers = NySe::exclude1 | NySe::exclude2;
 
 void NySeLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        storeFields(ar);
+        ar << m_strLockName;
     } else {
         ar >> m_strLockName;
-        m_holders.Serialize(ar);
     }
+    m_holders.Serialize(ar);
 }
 
 // The holders stay out: a grant is of one lock, not of its copies.

@@ -3,7 +3,6 @@
 
 #include <array>
 
-#include "NyServer/records/detail/NySeRecordStore.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
 class NySeUser;
@@ -35,18 +34,6 @@ class NYSERVER_API NySeLock : public QoObject2 {
     // Writes the holders as one object at the position of `file`, which is left behind it. Throws
     // CMemoryException when the file cannot grow.
     void writeUserArray(CMemFile& file) const;
-
-    // What Serialize writes, into an archive or what takes its place.
-    template <class TARGET>
-    void storeFields(TARGET& target) const {
-        target << m_strLockName;
-        NySe::storeRecords<NySeSessionLock>(target, m_holders);
-    }
-
-    // Where the fields lie that are not in the object itself, for whoever is about to store it.
-    NYSERVER_INLINE std::array<const void*, 2> storedMemory() const {
-        return {m_strLockName.GetString(), m_holders.GetData()};
-    }
 
   private:
     CString m_strLockName;

@@ -21,12 +21,8 @@ void grant(NySeLock& lock, const NySeUser& user, unsigned int mode) {
 }  // namespace
 
 void NySeLockArray::Serialize(CArchive& ar) {
-    if (ar.IsStoring()) {
-        NySe::storeRecords<NySeLock>(ar, *this);
-    } else {
-        constexpr bool areCopiesComplete = false;  // they have no holders
-        NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeLock), areCopiesComplete);
-    }
+    constexpr bool areCopiesComplete = false;  // they have no holders
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeLock), areCopiesComplete);
 }
 
 INT_PTR NySeLockArray::lookForLockName(const CString& name) const {

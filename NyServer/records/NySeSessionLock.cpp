@@ -2,18 +2,17 @@
 
 void NySeSessionLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
-        storeFields(ar);
+        ar.Write(&m_fields, sizeof m_fields);
     } else {
-        ar >> m_lockState >> m_sessionNumber;
+        ar >> m_fields.lockState >> m_fields.sessionNumber;
     }
 }
 
 void NySeSessionLock::typeCopyFrom(const NySeSessionLock& other) {
-    m_sessionNumber = other.m_sessionNumber;
-    m_lockState = other.m_lockState;
+    m_fields = other.m_fields;
 }
 
 void NySeSessionLock::typeCompareTo(const NySeSessionLock& other, short key,
                                     QoSort::CompareResult& result) const {
-    if (key == 1) result = NySe::compareNumbers(m_sessionNumber, other.m_sessionNumber);
+    if (key == 1) result = NySe::compareNumbers(getSessionNumber(), other.getSessionNumber());
 }

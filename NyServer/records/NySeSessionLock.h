@@ -1,7 +1,6 @@
 // NySeSessionLock: one grant of a lock to one user session.
 #pragma once
 
-#include "NyServer/records/detail/NySeRecordStore.h"
 #include "NyServer/records/NySeRecord.h"
 
 // Which session holds the lock and under which share mode. One object may be used by one thread at
@@ -13,23 +12,22 @@ class NYSERVER_API NySeSessionLock : public QoObject2 {
 
   public:
     // Of the user who holds the lock.
-    NYSERVER_INLINE const LONG& getSessionNumber() const { return m_sessionNumber; }
+    NYSERVER_INLINE const LONG& getSessionNumber() const { return m_fields.sessionNumber; }
     NYSERVER_INLINE void setSessionNumber(const LONG& sessionNumber) {
-        m_sessionNumber = sessionNumber;
+        m_fields.sessionNumber = sessionNumber;
     }
 
     // The share mode of this grant: the bits that NySeLock::seekShareMode reads, and any others.
-    NYSERVER_INLINE unsigned int getLockState() const { return m_lockState; }
-    NYSERVER_INLINE void setLockState(unsigned int lockState) { m_lockState = lockState; }
+    NYSERVER_INLINE unsigned int getLockState() const { return m_fields.lockState; }
+    NYSERVER_INLINE void setLockState(unsigned int lockState) { m_fields.lockState = lockState; }
 
-    // What Serialize writes, into an archive or what takes its place. The lock state comes first:
-    // that is the wire order.
-    template <class TARGET>
-    void storeFields(TARGET& target) const {
-        NySe::storeValues(target, m_lockState, m_sessionNumber);
-    }
+    // The fields, in the wire order.
+    struct Fields {
+        unsigned int lockState = 0;
+        LONG sessionNumber = 0;
+    };
+    NYSERVER_INLINE const Fields& fields() const { return m_fields; }
 
   private:
-    LONG m_sessionNumber = 0;
-    unsigned int m_lockState = 0;
+    Fields m_fields;
 };

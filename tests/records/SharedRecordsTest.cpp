@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <memory>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include "NyServer/records/NySeLockArray.h"
@@ -26,6 +28,13 @@ class PlainWriter {
         const BYTE* const start = reinterpret_cast<const BYTE*>(&value);
         m_bytes.insert(m_bytes.end(), start, start + sizeof value);
     }
+    void map(const CObject* object) {
+        ++m_last;
+        m_numbers.emplace(object, m_last);
+    }
+    void holder(const CObject* object) {
+        if (beginObject(object)) holderFields(object);
+    }
     void table(const NySeLockArray& table) {
         writeTable(table, [this](const CObject* object) {
             const auto& lock = static_cast<const NySeLock&>(*object);
@@ -34,15 +43,16 @@ class PlainWriter {
         });
     }
     void holders(const NySeSessionLockPtrArray& table) {
-        writeTable(table, [this](const CObject* object) {
-            const auto& holder = static_cast<const NySeSessionLock&>(*object);
-            value(holder.getLockState());
-            value(holder.getSessionNumber());
-        });
+        writeTable(table, [this](const CObject* object) { holderFields(object); });
     }
     const Bytes& bytes() const { return m_bytes; }
 
   private:
+    void holderFields(const CObject* object) {
+        const auto& holder = static_cast<const NySeSessionLock&>(*object);
+        value(holder.getLockState());
+        value(holder.getSessionNumber());
+    }
     template <class WriteFields>
     void writeTable(const CObArray& table, WriteFields writeFields) {
         value(static_cast<WORD>(table.GetSize()));
@@ -246,7 +256,7 @@ TEST_F(SharedRecords, MappedLockIsNotWritten) {
                   "01 00  03 00"));
 }
 
-// The second archive finds that the first one numbers the records.
+// Each archive has numbers of its own.
 TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
     makeLocks(100);
     listAll(m_table);
@@ -281,20 +291,130 @@ TEST_F(SharedRecords, HoldersAreWrittenInTheMidstOfATable) {
 }
 
 TEST_F(SharedRecords, ArchiveThatWritesOneAtATimeGetsTheSameBytes) {
-    makeLocks(30);
-    listAll(m_table);
-    list(m_table, {3, 29});
+    makeLocks(2, 30);
     PlainWriter plain;
-    plain.table(m_table);
+    plain.holders(lock(0).getHolders());
+    plain.holders(lock(1).getHolders());
+    plain.holders(lock(0).getHolders());
     EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
                     SimpleArchive simple(ar);
-                    NySe::storeRecords<NySeLock>(simple, m_table);
+                    for (const size_t index : {size_t{0}, size_t{1}, size_t{0}}) {
+                        NySe::storeTable<NySeSessionLock>(lock(index).getHolders(), simple);
+                    }
                 }));
-    EXPECT_EQ(toHex(stored([&](CArchive& ar) {
-                  SimpleArchive simple(ar);
-                  lock(1).getHolders().GetAt(2)->storeFields(simple);
-              })),
-              hex("02 00 00 00 01 00 00 00"));
+}
+
+// A record before, inside and after its table, and the table again.
+TEST_F(SharedRecords, HolderStandsBeforeAndAfterItsTable) {
+    makeLocks(3);
+    listAll(m_table);
+    NySeSessionLock* const known = lock(1).getHolders().GetAt(2);
+    PlainWriter plain;
+    plain.holder(known);
+    plain.table(m_table);
+    plain.holder(known);
+    plain.holder(lock(2).getHolders().GetAt(0));
+    plain.holders(lock(1).getHolders());
+    EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                    ar << known;
+                    m_table.Serialize(ar);
+                    ar << known << lock(2).getHolders().GetAt(0);
+                    lock(1).getHolders().Serialize(ar);
+                }));
+}
+
+// An owning table may hold a record twice for a while.
+TEST_F(SharedRecords, OwningTableHoldsALockTwice) {
+    NySeLockArray table;
+    makeLocks(3);
+    for (const size_t index : {size_t{0}, size_t{1}, size_t{0}, size_t{2}, size_t{1}}) {
+        table.append(&lock(index));
+    }
+    lock(2).getHolders().append(lock(0).getHolders().GetAt(0));
+    expectPlainBytes(table);
+    lock(2).getHolders().SetAt(3, nullptr);
+    table.setDeleteObject(false);
+}
+
+// Tables that own and that borrow, whose records are shared at random, in place and as objects.
+TEST_F(SharedRecords, RandomTablesHaveThePlainBytes) {
+    std::mt19937 random(kShuffleSeed);
+    const auto below = [&random](size_t limit) { return random() % limit; };
+    makeLocks(40);
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(::testing::Message() << "round " << round << ", seed " << kShuffleSeed);
+        std::vector<NySeSessionLock*> lent;
+        for (size_t i = below(4); i > 0; --i) {
+            NySeSessionLockPtrArray& from = lock(below(40)).getHolders();
+            if (from.GetSize() > 0) lent.push_back(from.GetAt(static_cast<INT_PTR>(below(3))));
+        }
+        NySeSessionLockPtrArray borrowing{QoArraySerial2::kDoNotDelete};
+        NySeSessionLockPtrArray owning;
+        owning.append(new NySeSessionLock);
+        owning.append(new NySeSessionLock);
+        for (NySeSessionLock* const each : lent) {
+            borrowing.append(each);
+            owning.append(each);
+        }
+        if (below(4) == 0) owning.InsertAt(1, nullptr);
+        NySeLockArray locks(below(2) == 0 ? QoArraySerial2::kDoNotDelete : 0);
+        for (size_t i = below(30); i > 0; --i) locks.append(&lock(below(40)));
+        PlainWriter plain;
+        StreamFile file;
+        CArchive ar(&file, CArchive::store, below(2) == 0 ? 1 : 4096);
+        for (size_t i = 1 + below(6); i > 0; --i) {
+            switch (below(5)) {
+                case 0:
+                    plain.table(locks);
+                    locks.Serialize(ar);
+                    break;
+                case 1:
+                    plain.holders(borrowing);
+                    borrowing.Serialize(ar);
+                    break;
+                case 2:
+                    plain.holders(owning);
+                    owning.Serialize(ar);
+                    break;
+                case 3:
+                    plain.map(&lock(i));
+                    ar.MapObject(&lock(i));
+                    break;
+                default:
+                    plain.holder(lock(i).getHolders().GetAt(0));
+                    ar << lock(i).getHolders().GetAt(0);
+            }
+        }
+        ar.Close();
+        EXPECT_TRUE(plain.bytes() == file.m_bytes);
+        locks.setDeleteObject(false);
+        for (INT_PTR i = owning.GetSize() - 1; i >= 2; --i) {
+            if (std::count(lent.begin(), lent.end(), owning.GetAt(i)) > 0) owning.SetAt(i, nullptr);
+        }
+    }
+}
+
+TEST_F(SharedRecords, FourThreadsStoreTheSameTable) {
+    makeLocks(500);
+    listAll(m_table);
+    PlainWriter plain;
+    plain.table(m_table);
+    plain.table(m_table);
+    std::array<int, 4> right{};
+    std::vector<std::thread> threads;
+    for (int& count : right) {
+        threads.emplace_back([this, &count, &plain] {
+            for (int i = 0; i < 20; ++i) {
+                const Bytes written = stored([this](CArchive& ar) {
+                    m_table.Serialize(ar);
+                    m_table.Serialize(ar);
+                });
+                if (written == plain.bytes()) ++count;
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    for (const int count : right) EXPECT_EQ(20, count);
 }
 
 }  // namespace

@@ -2,6 +2,6 @@
 // and native/.
 #pragma once
 
-#include "AfxText.h"
+#include "detail/AfxText.h"
 
 AfxText textFromAnsi(LPCSTR text, size_t byteCount);

@@ -99,14 +99,17 @@ class NYBASE_API CArchive {
     ULONGLONG BytesLeft() const;
 
     // An object by reference: its class, once per archive, its number and its fields, once per
-    // object; null for null. Throws CNotSupportedException for a class that is not serialisable,
-    // CArchiveException badIndex when the archive's numbers are used up.
+    // object; null for null. An object is known by its address: one that takes the place of a
+    // deleted one while the archive is open counts as written. Throws CNotSupportedException for a
+    // class that is not serialisable, CArchiveException badIndex when the archive's numbers are
+    // used up.
     void WriteObject(const CObject* object);
-    // A count, and then each object as WriteObject does it, in less time for those of type T, whose
-    // `template <class TARGET> void storeFields(TARGET&) const` writes what its Serialize writes,
-    // to an archive or what takes its place. Of this library alone.
-    template <class T>
+    // A count, and then each object as WriteObject does it. Of this library alone, as is the next.
     void WriteObjects(const CObject* const* objects, size_t count);
+    // The same, in less time for objects of type T, whose Serialize writes nothing but the bytes of
+    // `fieldsOf(const T&)`, a plain value.
+    template <class T, class FieldsOf>
+    void WriteFields(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
     // The object written by WriteObject: a new one, owned by the caller, or the one that was read
     // earlier from this archive. wanted: the class it must be of, null for any. Throws
     // CArchiveException badIndex for bytes that are no object (or are nested too deep), badClass
@@ -141,7 +144,6 @@ class NYBASE_API CArchive {
     class WrittenNumbers;
     class ReadNumbers;
 
-    friend class AfxObjectWriter;
     friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
     friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
 
@@ -162,8 +164,10 @@ class NYBASE_API CArchive {
     ReadNumbers& read();
     [[noreturn]] void throwBad(int cause) const;
     void writeLongCount(size_t count);
-    void writeTag(DWORD number, DWORD classFlag);
     void writeAnyObject(const CObject* object);
+    void writeTag(DWORD number, DWORD classFlag);
+    template <class T, class FieldsOf>
+    bool tryWriteFields(const CObject* const* objects, size_t count, FieldsOf& fieldsOf);
     // The number of the class that comes next; 0, with the number in *objectTag, when an object
     // read earlier comes next.
     DWORD readClassNumber(DWORD* objectTag);

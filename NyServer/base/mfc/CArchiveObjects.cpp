@@ -12,6 +12,29 @@ bool acceptsSchema(const CRuntimeClass* pClass, UINT stored) {
 
 }  // namespace
 
+DWORD CArchive::WrittenNumbers::numberOfClass(const CRuntimeClass* pClass) const {
+    for (const Class& known : m_classes) {
+        if (known.pClass == pClass) return known.number;
+    }
+    return 0;
+}
+
+bool CArchive::WrittenNumbers::addClass(const CRuntimeClass* pClass) {
+    if (!m_list.add(nullptr)) return false;
+    m_classes.push_back({pClass, static_cast<DWORD>(m_list.size()), nullptr, {}});
+    return true;
+}
+
+DWORD CArchive::WrittenNumbers::numberOfObject(const CObject* object) {
+    AfxAddressSet::Near near;
+    if (m_seen.insert(object, near)) return 0;
+    for (; m_listed < m_list.size(); ++m_listed) {
+        m_numbers.emplace(m_list[m_listed], static_cast<DWORD>(m_listed + 1));
+    }
+    const auto found = m_numbers.find(object);
+    return found != m_numbers.end() ? found->second : 0;
+}
+
 inline CArchive::WrittenNumbers& CArchive::written() {
     if (m_written == nullptr) [[unlikely]]
         m_written = std::make_unique<WrittenNumbers>();
@@ -53,7 +76,9 @@ void CArchive::WriteClass(const CRuntimeClass* pClass) {
 void CArchive::WriteObject(const CObject* object) {
     // A loading archive has written nothing.
     if (object != nullptr && m_written != nullptr && roomLeft() >= sizeof(WORD)) [[likely]] {
-        if (const WORD tag = m_written->addUsual(object); tag != 0) [[likely]] {
+        WrittenNumbers::Class* const known = m_written->classOf(typeid(*object));
+        if (known != nullptr && m_written->addNew(object, *known)) [[likely]] {
+            const WORD tag = known->tag();
             std::memcpy(m_out, &tag, sizeof tag);
             m_out += sizeof tag;
             // Serialize is one function for both directions; a storing one does not change its
@@ -75,15 +100,26 @@ void CArchive::writeAnyObject(const CObject* object) {
         writeTag(number, 0);
         return;
     }
-    if (const WORD tag = written().tagOf(typeid(*object)); tag != 0) {
-        *this << tag;
-    } else {
-        const CRuntimeClass* const pClass = object->GetRuntimeClass();
-        WriteClass(pClass);
-        written().rememberTag(typeid(*object), pClass);
-    }
+    const CRuntimeClass* const pClass = object->GetRuntimeClass();
+    WriteClass(pClass);
+    if (written().classOf(typeid(*object)) == nullptr) written().addType(typeid(*object), pClass);
     if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
     const_cast<CObject*>(object)->Serialize(*this);
+}
+
+void CArchive::WriteObjects(const CObject* const* objects, size_t count) {
+    // The objects of a large table are not in the processor's caches; most take two lines.
+    constexpr size_t kAhead = 8;
+    constexpr uintptr_t kLine = 64;
+    WriteCount(count);
+    for (size_t i = 0; i < count; ++i) {
+        if (i + kAhead < count) {
+            const uintptr_t ahead = reinterpret_cast<uintptr_t>(objects[i + kAhead]);
+            __builtin_prefetch(reinterpret_cast<const void*>(ahead));
+            __builtin_prefetch(reinterpret_cast<const void*>(ahead + kLine));
+        }
+        WriteObject(objects[i]);
+    }
 }
 
 void CArchive::MapObject(const CObject* object) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "CArchiveWritten.h"
+#include "detail/AfxWrittenNumbers.h"
 
 using namespace AfxTags;
 

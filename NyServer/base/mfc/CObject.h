@@ -94,12 +94,6 @@ class NYBASE_API CObject {
 
   protected:
     CObject() = default;
-
-  private:
-    friend class CArchive;
-
-    // By which an archive knows what it has written; CArchive::WrittenNumbers tells how.
-    mutable ULONGLONG m_archiveMark = 0;
 };
 
 // What DYNAMIC_DOWNCAST does: `object` when it is of kind `wanted`, else null; null for null.

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "afxplatform.h"
-#include "AfxText.h"
+#include "detail/AfxText.h"
 
 // A value: copies are independent of each other. One object may be used by one thread at a time.
 // Lengths and indices count UTF-16 code units; a string may hold zero characters inside.

@@ -1,5 +1,5 @@
 #include "afx.h"
-#include "AfxShortText.h"
+#include "detail/AfxShortText.h"
 
 namespace {
 
@@ -7,6 +7,13 @@ constexpr BYTE kWidePrefix = AfxShortText::kWidePrefix;
 constexpr WORD kWideMark = AfxShortText::kWideMark;
 constexpr size_t kLongForm = AfxShortText::kLongForm;
 constexpr size_t kLongestString = 0x7FFFFFFF;
+
+// Not inlined, so that the short texts need no room on the stack.
+[[gnu::noinline]] CArchive& writeAnyText(CArchive& ar, const CString& text) {
+    AfxWriteStringLength(ar, static_cast<UINT_PTR>(text.GetLength()), TRUE);
+    ar.Write(text.GetString(), text.GetLength() * static_cast<int>(sizeof(WCHAR)));
+    return ar;
+}
 
 }  // namespace
 
@@ -48,13 +55,10 @@ UINT_PTR AfxReadStringLength(CArchive& ar, int& charSize) {
 
 CArchive& operator<<(CArchive& ar, const CString& text) {
     const size_t run = AfxShortText::bytesOf(text);
-    if (run != 0 && ar.roomLeft() >= run) {
-        AfxShortText::write(ar.m_out, text);
-        ar.m_out += run;
-        return ar;
-    }
-    AfxWriteStringLength(ar, static_cast<UINT_PTR>(text.GetLength()), TRUE);
-    ar.Write(text.GetString(), text.GetLength() * static_cast<int>(sizeof(WCHAR)));
+    if (run == 0 || ar.roomLeft() < run) [[unlikely]]
+        return writeAnyText(ar, text);
+    AfxShortText::write(ar.m_out, text);
+    ar.m_out += run;
     return ar;
 }
 

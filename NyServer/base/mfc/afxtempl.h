@@ -2,7 +2,7 @@
 #pragma once
 
 #include "afxcoll.h"
-#include "AfxObjectWriter.h"
+#include "detail/AfxWriteFields.h"
 
 #include <limits>
 

@@ -83,7 +83,7 @@ class QoArraySerial2::BackReferences {
     static constexpr ULONGLONG kMostMultiple = 18;
     static constexpr ULONGLONG kAllowance = 2048;
     static constexpr DWORD kNumbersOfTable = 2;  // its class and itself
-    static constexpr ULONGLONG kPlace = 24;      // in the table, which grows
+    static constexpr ULONGLONG kPlace = 32;      // in the table, which grows
 
     void count(const QoObject2& record, size_t fields, INT_PTR size) {
         m_cloned += fields;

@@ -70,6 +70,21 @@ void loadTable(QoArraySerial2& table, const CRuntimeClass* pClass, bool areCopie
     }
 }
 
+// Writes a table of records of class RECORD, which write their fields() and nothing else, as
+// QoArraySerial2 does; all at once where the archive can do that.
+template <class RECORD, class ARCHIVE>
+void storeTable(QoArraySerial2& table, ARCHIVE& ar) {
+    const auto fieldsOf = [](const RECORD& record) { return record.fields(); };
+    if constexpr (requires(const CObject* const* records) {
+                      ar.template WriteFields<RECORD>(records, size_t{}, fieldsOf);
+                  }) {
+        const size_t count = static_cast<size_t>(table.GetCount());
+        ar.template WriteFields<RECORD>(table.GetData(), count, fieldsOf);
+    } else {
+        table.QoArraySerial2::Serialize(ar);
+    }
+}
+
 // Writes or reads the records of a table, which must be of class pClass, as QoArraySerial2 does.
 // areCopiesComplete: a copy of such a record holds all that the record does.
 inline void serializeTable(QoArraySerial2& table, CArchive& ar, const CRuntimeClass* pClass,

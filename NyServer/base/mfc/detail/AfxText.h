@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "afxplatform.h"
+#include "NyServer/base/mfc/afxplatform.h"
 #include "NyServer/base/support/detail/SmallBlocks.h"
 
 using AfxText = std::basic_string<WCHAR, std::char_traits<WCHAR>, SmallBlockAllocator<WCHAR>>;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "AfxCopy.h"
-#include "CString.h"
+#include "NyServer/base/mfc/CString.h"
 
 // Before the characters go three bytes that mark a wide text and one with its length. They travel:
 // do not change them.

@@ -1,0 +1,38 @@
+// CArchive::WriteFields. Internal to the class library.
+//
+// Wins: records of a fixed size are written with one look at the room and no call, which takes
+// half the time off a table of locks with three holders each.
+#pragma once
+
+#include "AfxWrittenNumbers.h"
+
+template <class T, class FieldsOf>
+[[gnu::flatten]] void CArchive::WriteFields(const CObject* const* objects, size_t count,
+                                            FieldsOf fieldsOf) {
+    if (!tryWriteFields<T>(objects, count, fieldsOf)) WriteObjects(objects, count);
+}
+
+// Nothing is changed until all objects are seen to be new and of that very type.
+template <class T, class FieldsOf>
+bool CArchive::tryWriteFields(const CObject* const* objects, size_t count, FieldsOf& fieldsOf) {
+    using Fields = std::remove_cvref_t<std::invoke_result_t<FieldsOf, const T&>>;
+    static_assert(std::has_unique_object_representations_v<Fields>);
+    // A loading archive has written nothing.
+    if (m_written == nullptr || count >= 0xFFFF) return false;
+    WrittenNumbers::Class* const known = m_written->classOf(typeid(T));
+    const size_t bytes = sizeof(WORD) + count * (sizeof(WORD) + sizeof(Fields));
+    if (known == nullptr || roomLeft() < bytes) return false;
+    const WORD shortCount = static_cast<WORD>(count);
+    const WORD tag = known->tag();
+    BYTE* out = m_out + sizeof shortCount;
+    const auto write = [&](const CObject& object) {
+        const Fields fields = fieldsOf(static_cast<const T&>(object));
+        std::memcpy(out, &tag, sizeof tag);
+        std::memcpy(out + sizeof tag, &fields, sizeof fields);
+        out += sizeof tag + sizeof fields;
+    };
+    if (!m_written->addNew(objects, count, *known, write)) return false;
+    std::memcpy(m_out, &shortCount, sizeof shortCount);
+    m_out = out;
+    return true;
+}
