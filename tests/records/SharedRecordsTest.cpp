@@ -244,6 +244,17 @@ TEST_F(SharedRecords, HolderOfADerivedClassWritesItsOwnFields) {
                   "01 80 77  01 80 03 00 00 00 02 00 00 00"));
 }
 
+TEST_F(SharedRecords, HolderOfADerivedClassStandsAmongOthersOfAKnownClass) {
+    makeLocks(2, 1);
+    lock(1).getHolders().append(new DerivedHolder);
+    EXPECT_EQ(toHex(stored([&](CArchive& ar) {
+                  lock(0).getHolders().Serialize(ar);
+                  lock(1).getHolders().Serialize(ar);
+              })),
+              hex("01 00  FF FF DF 07 0F 00 'NySeSessionLock' 00 00 00 00 00 00 00 00"
+                  "02 00  01 80 00 00 00 00 01 00 00 00  01 80 77"));
+}
+
 // What was mapped counts as written.
 TEST_F(SharedRecords, MappedLockIsNotWritten) {
     makeLocks(2, 0);
