@@ -18,8 +18,9 @@
 
 namespace apps::monitor {
 
-// Connects, registers, listens for the window, and runs the user's tasks one after the other. Reconnects
-// after the connection ends, with an increasing delay. Reports to the view through the queue.
+// Connects, registers, listens for the window, and runs the user's tasks one after the other.
+// Reconnects after the connection ends, with an increasing delay. Reports to the view through the
+// queue.
 //
 // Threads: the window's thread creates, starts, stops and calls it. No call waits for the server
 // except the destructor. The window, the queue and the view must outlive it.
