@@ -131,7 +131,7 @@ void addRequests() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape): an error ends it
     addFloor<bench::Table<bench::Lock>>(
         "W1", [] { return bench::plainLocks(bench::kLocks); }, bench::kLocks);
     addFloor<bench::Table<bench::User>>(
