@@ -26,8 +26,8 @@ bool CArchive::WrittenNumbers::addClass(const CRuntimeClass* pClass) {
 }
 
 DWORD CArchive::WrittenNumbers::numberOfObject(const CObject* object) {
-    AfxAddressSet::Near near;
-    if (m_seen.insert(object, near)) return 0;
+    AfxAddressSet::Recent recent;
+    if (m_seen.insert(object, recent)) return 0;
     for (; m_listed < m_list.size(); ++m_listed) {
         m_numbers.emplace(m_list[m_listed], static_cast<DWORD>(m_listed + 1));
     }

@@ -13,18 +13,18 @@
 class AfxAddressSet {
   public:
     // The word of the address before, which most objects of a class share with it.
-    struct Near {
+    struct Recent {
         uintptr_t group = 0;
         uint64_t* word = nullptr;
     };
 
     // False when the address, or another of the same 16 bytes, was in the set already.
-    bool insert(const void* address, Near& near) {
+    bool insert(const void* address, Recent& recent) {
         const uintptr_t place = reinterpret_cast<uintptr_t>(address) / kPlace;
-        if (place / kInWord != near.group) near = {place / kInWord, wordOf(place / kInWord)};
-        const uint64_t word = *near.word;
+        if (place / kInWord != recent.group) recent = {place / kInWord, wordOf(place / kInWord)};
+        const uint64_t word = *recent.word;
         if ((word >> place % kInWord & 1) != 0) return false;
-        *near.word = word | uint64_t{1} << place % kInWord;
+        *recent.word = word | uint64_t{1} << place % kInWord;
         return true;
     }
 

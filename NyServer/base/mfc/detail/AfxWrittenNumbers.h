@@ -32,7 +32,7 @@ class CArchive::WrittenNumbers {
         const CRuntimeClass* pClass;
         DWORD number;
         const std::type_info* type;  // of its objects, null when it is not known
-        AfxAddressSet::Near near;
+        AfxAddressSet::Recent recent;
         WORD tag() const { return static_cast<WORD>(number | AfxTags::kClassFlag); }
     };
 
@@ -64,7 +64,7 @@ class CArchive::WrittenNumbers {
     // Gives the next number to an object of that class. False, with none given, when it was or may
     // have been written earlier.
     bool addNew(const CObject* object, Class& known) {
-        return m_seen.insert(object, known.near) && m_list.add(object);
+        return m_seen.insert(object, known.recent) && m_list.add(object);
     }
     // The same for many, each of which `write` is called with. Also false when one of them is null
     // or of another type.
@@ -76,7 +76,7 @@ class CArchive::WrittenNumbers {
         for (size_t i = 0; i < count; ++i) {
             const CObject* const object = objects[i];
             if (object == nullptr || &typeid(*object) != type) return false;
-            if (!m_seen.insert(object, known.near)) return false;
+            if (!m_seen.insert(object, known.recent)) return false;
             write(*object);
             place[i] = object;
         }
