@@ -78,7 +78,7 @@ void storeTable(QoArraySerial2& table, ARCHIVE& ar) {
     if constexpr (requires(const CObject* const* records) {
                       ar.template WriteFields<RECORD>(records, size_t{}, fieldsOf);
                   }) {
-        const size_t count = static_cast<size_t>(table.GetCount());
+        const size_t count = static_cast<size_t>(table.GetSize());
         ar.template WriteFields<RECORD>(table.GetData(), count, fieldsOf);
     } else {
         table.QoArraySerial2::Serialize(ar);
