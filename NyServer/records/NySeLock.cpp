@@ -19,7 +19,7 @@ void NySeLock::Serialize(CArchive& ar) {
     m_holders.Serialize(ar);
 }
 
-// The holders stay out: a grant is of one lock, not of its copies.
+// Copies have no holders: a grant belongs to one lock, not to its copies.
 void NySeLock::typeCopyFrom(const NySeLock& other) {
     setStrLockName(other.getStrLockName());
 }

@@ -141,8 +141,7 @@ void CMemFile::Free(BYTE* memory) {
 
 void CMemFile::GrowFile(size_t bytes) {
     if (m_nGrowBytes == 0) AfxThrowMemoryException();
-    // At least half as much again, so that a file written in small steps is not moved at every
-    // step.
+    // Grows by at least half, so that a file written in small steps is not copied at each of them.
     const size_t wanted = std::max(bytes, m_nBufferSize + m_nBufferSize / 2);
     if (wanted > kLargestBlock - m_nGrowBytes) AfxThrowMemoryException();
     const size_t size = (wanted + m_nGrowBytes - 1) / m_nGrowBytes * m_nGrowBytes;

@@ -9,7 +9,7 @@
 
 #include "NyServer/base/support/ThreadBlocks.h"
 
-// The address sanitizer watches blocks only when each is allocated by itself.
+// The address sanitizer checks blocks only if each is allocated separately.
 #if defined(__SANITIZE_ADDRESS__)
 #define NY_BLOCKS_ARE_SHARED 0
 #elif defined(__has_feature)
@@ -82,7 +82,7 @@ class Store {
 // Never destroyed: blocks are freed until the process ends.
 constinit Store store;
 
-// The rare cases are functions of their own, so that the usual ones need no room on the stack.
+// The rare cases are separate functions, so that the common ones need no stack frame.
 
 [[gnu::noinline]] void* allocateWithoutThread(size_t index) {
     FreeBlock* const batch = store.take(index);
