@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr unsigned int kAsksForAccess = NySe::access1 | NySe::access2;
-constexpr unsigned int kExcludesNewcomers = NySe::exclude1 | NySe::exclude2;
+constexpr unsigned int kAccessBits = NySe::access1 | NySe::access2;
+constexpr unsigned int kExcludeBits = NySe::exclude1 | NySe::exclude2;
 
 }  // namespace
 
@@ -30,9 +30,9 @@ void NySeLock::typeCompareTo(const NySeLock& other, short key,
 }
 
 bool NySeLock::seekShareMode(unsigned int mode) const {
-    if ((mode & kAsksForAccess) == 0) return true;
+    if ((mode & kAccessBits) == 0) return true;
     for (INT_PTR i = 0; i < m_holders.GetSize(); ++i) {
-        if ((m_holders.GetAt(i)->getLockState() & kExcludesNewcomers) != 0) return false;
+        if ((m_holders.GetAt(i)->getLockState() & kExcludeBits) != 0) return false;
     }
     return true;
 }

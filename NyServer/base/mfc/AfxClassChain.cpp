@@ -29,7 +29,7 @@ AfxClassChain::Lock AfxClassChain::lock() {
     return Lock(mutex());
 }
 
-AfxClassChain::Lock AfxClassChain::lockToLeave() {
+AfxClassChain::Lock AfxClassChain::lockForUnload() {
     return Lock(mutex(), std::chrono::seconds(1));
 }
 

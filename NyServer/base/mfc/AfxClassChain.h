@@ -25,7 +25,7 @@ class AfxClassChain {
     static Lock lock();
     // For a module that is being unloaded: stops waiting after a second. The process may be ending,
     // and the thread that held the lock may have ended.
-    static Lock lockToLeave();
+    static Lock lockForUnload();
 
     static void registerClass(CRuntimeClass* newClass);
     static CRuntimeClass* find(LPCSTR className);

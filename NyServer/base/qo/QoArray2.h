@@ -132,13 +132,13 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
 
     // REQUIRES: the elements are in the order of the sort criteria. Returns the index where `probe`
     // belongs: before equal elements, or after them.
-    INT_PTR searchIfSorted(const OBJECT* probe, bool behindEqual) const {
+    INT_PTR searchIfSorted(const OBJECT* probe, bool afterEqual) const {
         INT_PTR low = 0;
         INT_PTR high = GetSize();
         while (low < high) {
             const INT_PTR middle = low + (high - low) / 2;
             const QoSort::CompareResult result = this->GetAt(middle)->vCompareTo(*probe, m_sortKey);
-            if (result == QoSort::before || (behindEqual && result == QoSort::equal)) {
+            if (result == QoSort::before || (afterEqual && result == QoSort::equal)) {
                 low = middle + 1;
             } else {
                 high = middle;
@@ -146,7 +146,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         }
         QoSort::CompareResult result =
             low < GetSize() ? probe->vCompareTo(*this->GetAt(low), m_sortKey) : QoSort::noOrder;
-        onEndSearchIfSorted(*probe, behindEqual, low, result);
+        onEndSearchIfSorted(*probe, afterEqual, low, result);
         return low;
     }
 
