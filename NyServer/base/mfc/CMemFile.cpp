@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+IMPLEMENT_DYNAMIC(CFile, CObject)
 IMPLEMENT_DYNAMIC(CMemFile, CFile)
 
 namespace {
@@ -13,6 +14,10 @@ namespace {
 constexpr size_t kLargestBlock = std::numeric_limits<ptrdiff_t>::max();
 
 }  // namespace
+
+UINT CFile::GetBufferPtr(UINT, UINT, void**, void**) {
+    return 0;
+}
 
 CMemFile::CMemFile(UINT growBytes) : m_nGrowBytes(growBytes) {}
 
