@@ -59,9 +59,9 @@ void ListControl::setTitle(const std::wstring& title) {
     ::SetWindowTextW(m_title.GetSafeHwnd(), title.c_str());
 }
 
-// The columns share the room in proportion to their widths, and take no less than these. There is
-// always room for a scroll bar, so that they can stay as they are, or as the user has drawn them,
-// when the rows change.
+// The columns share the width in proportion to their own widths, which are the minimum. Space for a
+// scroll bar is always reserved, so that they keep their widths, or those set by the user, when the
+// rows change.
 void ListControl::fitColumns() {
     RECT client{};
     ::GetClientRect(window(), &client);

@@ -9,8 +9,8 @@
 
 namespace apps::nyctl {
 
-// Adds every command to `app`; parsing a line that names one runs it and leaves its outcome in
-// `status`. All three must outlive `app`.
+// Adds every command to `app`. Parsing a line with a command runs it and sets `status` to its
+// outcome. All three must outlive `app`.
 void addCommands(CLI::App& app, Session& session, const Output& output, ExitStatus& status);
 
 }  // namespace apps::nyctl

@@ -1,4 +1,4 @@
-// The checks of the connection, and how all are shown.
+// The checks of the connection, and the output of all checks.
 #include "apps/nyctl/Doctor.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ Options withOwnUser(Options options) {
     return options;
 }
 
-// `text` in a column of that width.
+// Returns `text` padded to that width.
 std::string cell(std::string text, size_t width) {
     text.resize(std::max(width, text.size()), ' ');
     return text;
@@ -166,7 +166,7 @@ Run defineDoctor(CLI::App& command) {
     auto timeOut = std::make_shared<int>(15);
     command
         .add_option("--timeout", *timeOut,
-                    "Seconds that the server has for a connection and for a notification")
+                    "Time-out in seconds for a connection and for a notification")
         ->check(CLI::Range(1, kLongest))
         ->capture_default_str();
     return [timeOut](Context& context) {

@@ -1,4 +1,4 @@
-// The checks of the way back: from the server to this user's listener and its window.
+// The checks from the server to this user's listener and its window.
 #include <memory>
 
 #include "apps/nyctl/Doctor.h"
@@ -10,7 +10,7 @@ namespace apps::nyctl {
 
 namespace {
 
-// How often is looked whether what is waited for has come, in milliseconds.
+// The interval of the checks while waiting, in milliseconds.
 constexpr DWORD kWaitRound = 20;
 
 // A text that no other doctor sends.
@@ -57,8 +57,7 @@ bool Doctor::sendToUser(const std::string& text) {
     return other.client().isAlive();
 }
 
-// The server connects when it has something to tell. Nothing is shown of it: there is no window
-// yet.
+// The server connects when it has a notification. There is no window yet, so it is not shown.
 Finding Doctor::awaitServer() {
     if (!m_session.listenFrom(user().getPort()))
         return {"the server gives no port that is free here",
@@ -101,7 +100,7 @@ Finding Doctor::passThroughWindow(const std::string& text) {
                 "takes connections in the listener's place",
                 exitNoAnswer};
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-    // Others may have been told something, too.
+    // There may be notifications of other users, too.
     if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }))
         return {"messages that are not consumed: " + std::to_string(listener.getPostMsgCount()),
                 "notifications come faster than the window takes them",

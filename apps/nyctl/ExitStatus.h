@@ -1,4 +1,4 @@
-// What nyctl tells the program that started it. Scripts test these numbers: do not change them.
+// The exit status of nyctl. Scripts test these numbers: do not change them.
 #pragma once
 
 namespace apps::nyctl {
@@ -8,7 +8,7 @@ enum ExitStatus : int {
     exitNo = 1,        // no, refused
     exitUsage = 2,     // the command line was wrong
     exitNoAnswer = 3,  // no connection, or no answer
-    exitTimeOut = 4    // the time was up before what was waited for had come
+    exitTimeOut = 4    // timed out
 };
 
 }  // namespace apps::nyctl

@@ -33,7 +33,7 @@ Record describe(const NySeMessage& message) {
     return {{"message", toUtf8(message.getStrMessage())}};
 }
 
-// How to tell programs of the objects of one class.
+// How objects of one class become JSON.
 struct Kind {
     const CRuntimeClass* type;
     Record (*fields)(const CObject& object);

@@ -1,4 +1,4 @@
-// What a notification says, for people and for programs.
+// A notification as text and as JSON.
 #pragma once
 
 #include <afx.h>
@@ -11,14 +11,14 @@
 namespace apps::nyctl {
 
 struct Notice {
-    // Time of day, number and its words, class and text of the object inside, size of the payload.
+    // Time of day, number and its words, class and text of the object, size of the payload.
     std::string line;
-    // The same: time (UTC), action, words, class, object, size in bytes. class is null when the
-    // payload is no object that this program knows, object also when it has no fields to show.
+    // The same: time (UTC), action, words, class, object, size in bytes. class is null if the
+    // payload is not an object of a known class, object also if no fields are shown for it.
     Record record;
 };
 
-// The notification as it comes now. `payload` is what the server sent, standing at its start.
+// Reads a notification that arrives now. `payload` is what the server sent, at position 0.
 Notice readNotice(NySe::ActionType action, CMemFile& payload);
 
 }  // namespace apps::nyctl

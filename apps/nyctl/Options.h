@@ -1,4 +1,4 @@
-// What is said before the command.
+// The options before the command.
 #pragma once
 
 #include "apps/common/Session.h"
@@ -7,8 +7,8 @@ namespace apps::nyctl {
 
 struct Options : Account {
     bool json = false;
-    bool isShell = false;       // the commands come from standard input, one after the other
-    bool isUserChosen = false;  // said, not taken from the system
+    bool isShell = false;       // commands are read from standard input
+    bool isUserChosen = false;  // given, not the login name
 };
 
 }  // namespace apps::nyctl

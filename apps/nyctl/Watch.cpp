@@ -8,7 +8,7 @@ namespace apps::nyctl {
 
 namespace {
 
-// How often the server is looked for and the time is looked at, in milliseconds.
+// The interval of the checks of the connection and the time-out, in milliseconds.
 constexpr DWORD kRound = 100;
 
 void awaitMessage() {
@@ -22,11 +22,11 @@ ExitStatus Watch::run() {
     const StopRequest stopRequest;
     const ExitStatus status = follow();
     if (status == exitNo) Output::complain("the server gives no port that is free here");
-    // Not earlier: the window uses the listener, which goes with the connection.
+    // Not earlier: the window uses the listener, which is destroyed with the connection.
     return status == exitNoAnswer ? noAnswer(m_context) : status;
 }
 
-// The window is there before the listener, so that nothing is missed from the registration on.
+// The window exists before the listener starts, so that no notification is missed.
 ExitStatus Watch::follow() {
     NyServerApp& listener = m_context.session.listener();
     const WatchWindow window(
@@ -37,7 +37,7 @@ ExitStatus Watch::follow() {
     for (;;) {
         if (const auto end = outcome()) return *end;
         if (dispatchNextMessage()) continue;
-        // Only now: what came before the server went away is shown first.
+        // Checked last, so that notifications received before the connection was lost are shown.
         if (!m_context.client().IsConnected()) {
             Output::complain("the server has gone away");
             return exitNoAnswer;

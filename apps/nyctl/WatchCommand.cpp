@@ -8,12 +8,13 @@ Run defineWatch(CLI::App& command) {
     constexpr double kLongest = 1e6;
     auto count = std::make_shared<unsigned long>(0);
     auto seconds = std::make_shared<double>(0);
-    command.add_option("--count", *count, "End with status 0 after so many notifications")
+    command.add_option("--count", *count, "Exit with status 0 after this many notifications")
         ->check(CLI::Range(1UL, 1'000'000'000UL));
     command
-        .add_option("--timeout", *seconds,
-                    "End after so many seconds: with status 4 when fewer than --count have come, "
-                    "with 0 without --count")
+        .add_option(
+            "--timeout", *seconds,
+            "Exit after this many seconds: with status 4 if fewer than --count arrived, with 0 "
+            "without --count")
         ->check(CLI::Range(0.001, kLongest));
     return [count, seconds](Context& context) {
         const WatchLimits limits{*count, std::chrono::duration<double>(*seconds)};
