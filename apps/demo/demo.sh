@@ -97,7 +97,7 @@ expect 'bob   2'
 
 tell "Bob watches; Anna takes a lock that keeps others from access, and Bob is told"
 begins bob watch --count 1 --timeout 60
-hears bob 'watching at port'
+hears bob 'listening on port'
 says anna lock part/42 --mode 0x18
 expect 'granted: true'
 echo "bob, who watches:"

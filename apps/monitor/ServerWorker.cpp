@@ -129,7 +129,7 @@ std::wstring ServerWorker::serveOne() {
     } else if (takeRefresh()) {
         isAnswered = readTables();
     } else if (!m_session.client().IsConnected()) {
-        return words::goneAway();
+        return words::connectionLost();
     }
     return isAnswered ? std::wstring() : whyUnanswered();
 }
@@ -193,7 +193,7 @@ void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
 }
 
 std::wstring ServerWorker::whyUnanswered() {
-    return m_session.client().IsConnected() ? words::noAnswer() : words::goneAway();
+    return m_session.client().IsConnected() ? words::noAnswer() : words::connectionLost();
 }
 
 void ServerWorker::dropTasks() {

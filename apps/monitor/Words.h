@@ -23,7 +23,7 @@ std::wstring connected(const Account& account, const NySeUser& user);
 std::wstring waiting(const std::wstring& reason, std::chrono::milliseconds delay);
 std::wstring noConnection(const Account& account);
 std::wstring noPort();
-std::wstring goneAway();
+std::wstring connectionLost();
 std::wstring noAnswer();
 std::wstring noMemory();
 // The outcome of a request.

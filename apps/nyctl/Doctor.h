@@ -16,7 +16,7 @@ struct Finding {
     std::string remedy;   // what to do, in a sentence
     ExitStatus status = exitYes;
 
-    static Finding well(std::string found) { return {std::move(found), {}, {}, exitYes}; }
+    static Finding ok(std::string found) { return {std::move(found), {}, {}, exitYes}; }
 };
 
 // Has its own connections, listener and user; the user is removed when it is destroyed. Used by one
@@ -45,7 +45,7 @@ class Doctor {
     Finding lookUpName();
     Finding connect();
     Finding agreeOnSchema();
-    Finding askForLife();
+    Finding checkLiveness();
     Finding registerUser();
     Finding awaitServer();
     Finding awaitNotification();

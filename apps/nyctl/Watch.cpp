@@ -21,7 +21,7 @@ void awaitMessage() {
 ExitStatus Watch::run() {
     const StopRequest stopRequest;
     const ExitStatus status = follow();
-    if (status == exitNo) Output::complain("the server gives no port that is free here");
+    if (status == exitNo) Output::complain("the server has no port that is free on this machine");
     // Not earlier: the window uses the listener, which is destroyed with the connection.
     return status == exitNoAnswer ? noAnswer(m_context) : status;
 }
@@ -32,14 +32,14 @@ ExitStatus Watch::follow() {
     const WatchWindow window(
         listener, [this](NySe::ActionType action, CMemFile& payload) { show(action, payload); });
     if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoAnswer;
-    Output::note("watching at port " + std::to_string(listener.getPortNumber()));
+    Output::note("listening on port " + std::to_string(listener.getPortNumber()));
     m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
         if (const auto end = outcome()) return *end;
         if (dispatchNextMessage()) continue;
         // Checked last, so that notifications received before the connection was lost are shown.
         if (!m_context.client().IsConnected()) {
-            Output::complain("the server has gone away");
+            Output::complain("the connection to the server was lost");
             return exitNoAnswer;
         }
         awaitMessage();

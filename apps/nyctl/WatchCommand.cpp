@@ -19,8 +19,7 @@ Run defineWatch(CLI::App& command) {
     return [count, seconds](Context& context) {
         const WatchLimits limits{*count, std::chrono::duration<double>(*seconds)};
         if (context.output.options().isShell && !limits.hasCount() && !limits.hasTime()) {
-            Output::complain(
-                "watch without --count or --timeout would never come to the shell's next line");
+            Output::complain("in the shell, watch needs --count or --timeout");
             return exitUsage;
         }
         return Watch(context, limits).run();
