@@ -121,9 +121,9 @@ void ListControl::showOrder(int column, bool isAscending) {
     }
 }
 
-void ListControl::onNotify(NMHDR& notice) const {
-    if (notice.code != LVN_GETDISPINFOW) return;
-    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
+void ListControl::onNotify(NMHDR& header) const {
+    if (header.code != LVN_GETDISPINFOW) return;
+    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
     if ((item.mask & LVIF_TEXT) == 0) return;
     item.pszText = const_cast<wchar_t*>(m_textOf(item.iItem, item.iSubItem).c_str());
 }

@@ -44,7 +44,7 @@ class ListControl {
     void showOrder(int column, bool isAscending);
 
     // Handles the list's WM_NOTIFY messages except clicks.
-    void onNotify(NMHDR& notice) const;
+    void onNotify(NMHDR& header) const;
 
   private:
     bool createTitle(CWnd& parent, const std::wstring& title);

@@ -21,7 +21,7 @@ class ListPane {
     void setRows(const std::vector<Row>& rows);
     void setFilter(const std::wstring& text);
     // Handles the list's WM_NOTIFY messages.
-    void onNotify(NMHDR& notice);
+    void onNotify(NMHDR& header);
 
     // The rows that are shown.
     const Table& table() const { return m_table; }

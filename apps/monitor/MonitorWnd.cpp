@@ -153,10 +153,10 @@ void MonitorWnd::onSizeLimits(MINMAXINFO& limits) const {
     limits.ptMinTrackSize = {area.right - area.left, area.bottom - area.top};
 }
 
-LRESULT MonitorWnd::onNotify(NMHDR& notice) {
+LRESULT MonitorWnd::onNotify(NMHDR& header) {
     for (size_t i = 0; i < kPanes; ++i)
-        if (static_cast<int>(notice.idFrom) == kPaneIds[i]) m_panes[i].onNotify(notice);
-    if (notice.idFrom == IDC_LOG) m_log.control().onNotify(notice);
+        if (static_cast<int>(header.idFrom) == kPaneIds[i]) m_panes[i].onNotify(header);
+    if (header.idFrom == IDC_LOG) m_log.control().onNotify(header);
     return 0;
 }
 

@@ -55,7 +55,7 @@ class MonitorWnd : public CWnd, private MonitorView {
     void onSize();
     void onDpiChanged(int dpi, const RECT& area);
     void onSizeLimits(MINMAXINFO& limits) const;
-    LRESULT onNotify(NMHDR& notice);
+    LRESULT onNotify(NMHDR& header);
     LRESULT onNotification(WPARAM wParam, LPARAM lParam);
     void showNotification(NyServerNotification& notification);
     void onActivate(bool isActive);

@@ -1,7 +1,7 @@
 // The events from the server, the listener and the worker.
 #include <utility>
 
-#include "apps/common/NoticeText.h"
+#include "apps/common/NotificationText.h"
 #include "apps/monitor/MonitorWnd.h"
 #include "apps/monitor/resource.h"
 #include "apps/monitor/Words.h"
@@ -51,7 +51,7 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
         NySe::readReplyObject(notification.getMemFile(), nullptr));
     const NySe::NotificationKind kind = NySe::notificationKind(action);
     addLog(std::to_wstring(action) + L' ' + wide(std::string(kind.words)),
-           wide(noticeContent(object.get())));
+           wide(notificationContent(object.get())));
     m_areTablesBehind = m_areTablesBehind || kind.changesTables;
 }
 

@@ -1,7 +1,7 @@
 #include "apps/nyctl/Watch.h"
 
 #include "apps/common/StopRequest.h"
-#include "apps/nyctl/Notice.h"
+#include "apps/nyctl/Notification.h"
 #include "apps/nyctl/WatchWindow.h"
 
 namespace apps::nyctl {
@@ -55,8 +55,8 @@ std::optional<ExitStatus> Watch::outcome() const {
 
 void Watch::show(NySe::ActionType action, CMemFile& payload) {
     ++m_seen;
-    const Notice notice = readNotice(action, payload);
-    m_context.output.next({notice.line}, notice.record);
+    const Notification notification = readNotification(action, payload);
+    m_context.output.next({notification.line}, notification.record);
 }
 
 }  // namespace apps::nyctl

@@ -10,7 +10,7 @@
 
 namespace apps::nyctl {
 
-struct Notice {
+struct Notification {
     // Time of day, number and its words, class and text of the object, size of the payload.
     std::string line;
     // The same: time (UTC), action, words, class, object, size in bytes. class is null if the
@@ -19,6 +19,6 @@ struct Notice {
 };
 
 // Reads a notification that arrives now. `payload` is what the server sent, at position 0.
-Notice readNotice(NySe::ActionType action, CMemFile& payload);
+Notification readNotification(NySe::ActionType action, CMemFile& payload);
 
 }  // namespace apps::nyctl
