@@ -8,10 +8,18 @@
 
 #include "apps/common/Session.h"
 #include "apps/common/Utf8.h"
-#include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
 
 namespace apps::nyctl {
+
+// The exit status of nyctl. Scripts test these numbers: do not change them.
+enum ExitStatus : int {
+    exitYes = 0,       // yes, granted, done
+    exitNo = 1,        // no, refused
+    exitUsage = 2,     // the command line was wrong
+    exitNoAnswer = 3,  // no connection, or no answer
+    exitTimeOut = 4    // timed out
+};
 
 struct Context {
     Session& session;

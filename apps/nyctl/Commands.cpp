@@ -1,6 +1,5 @@
 #include "apps/nyctl/Commands.h"
 
-#include "apps/nyctl/CommandTools.h"
 #include "apps/nyctl/Doctor.h"
 
 namespace apps::nyctl {

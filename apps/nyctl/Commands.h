@@ -1,11 +1,7 @@
 // The commands of nyctl, the same on the command line and in the shell.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
-#include "apps/common/Session.h"
-#include "apps/nyctl/ExitStatus.h"
-#include "apps/nyctl/Output.h"
+#include "apps/nyctl/CommandTools.h"
 
 namespace apps::nyctl {
 

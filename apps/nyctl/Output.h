@@ -5,9 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "apps/nyctl/Options.h"
+#include "apps/common/Session.h"
 
 namespace apps::nyctl {
+
+// The options before the command.
+struct Options : Account {
+    bool json = false;
+    bool isShell = false;       // commands are read from standard input
+    bool isUserChosen = false;  // given, not the login name
+};
 
 using Record = nlohmann::ordered_json;
 

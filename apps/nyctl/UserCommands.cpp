@@ -1,6 +1,6 @@
 // The commands about users and what is sent to them.
 #include "apps/nyctl/CommandTools.h"
-#include "apps/nyctl/WatchCommand.h"
+#include "apps/nyctl/Watch.h"
 #include "NyServer/records/NySeMessage.h"
 
 namespace apps::nyctl {

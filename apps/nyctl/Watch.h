@@ -39,4 +39,6 @@ class Watch {
     unsigned long m_seen = 0;
 };
 
+Run defineWatch(CLI::App& command);
+
 }  // namespace apps::nyctl
