@@ -25,7 +25,7 @@ class PeerCodec {
         m_peer.read(view, value);
         return value;
     }
-    // What is read is what was given, compared as the floor writes it.
+    // The value that is read must be equal to the original, compared as encoded by the floor.
     bool restores(View view) { return floorBytes(read(view)) == m_expected; }
 
   private:

@@ -1,9 +1,9 @@
-// The smallest complete host: registers at a central server, takes a lock, and prints what the
-// server tells about the other users.
+// The smallest complete host: registers at a central server, takes a lock, and prints the
+// notifications about other users.
 //
 //   host ADDRESS PORT COUNT SECONDS
 //
-// Ends with 0 after COUNT notifications, with 1 when they do not come within SECONDS or a step
+// Ends with 0 after COUNT notifications, with 1 if they do not arrive within SECONDS or a step
 // fails, with 2 for wrong usage.
 #include <afxwin.h>
 
@@ -24,10 +24,10 @@
 namespace {
 
 const CString kLockName = _T("part/1");
-// Both kinds of access for us, none for others.
+// Both kinds of access, and none for others.
 constexpr unsigned kAlone = NySe::access1 | NySe::access2 | NySe::exclude1 | NySe::exclude2;
 
-// A line of UTF-8, which whoever reads along sees at once.
+// Prints a line of UTF-8 without delay.
 void say(const CString& line) {
     std::string bytes(3 * static_cast<size_t>(line.GetLength()), '\0');
     const int length = ::WideCharToMultiByte(CP_UTF8, 0, line, line.GetLength(), bytes.data(),
@@ -108,8 +108,8 @@ class MainWnd : public CWnd {
     int m_wanted;
 };
 
-// Registers the user and listens on the port that comes with it; on another one when some program
-// of this machine is there already. The server ends the search with -1.
+// Registers the user and listens on its port, or on another one if a program of this machine uses
+// that port. The server returns -1 when it has no more ports.
 bool registerAndListen(NySeClientApp& client, NyServerApp& listener) {
     NySeUser user;
     user.setStrUserName(_T("Host"));
