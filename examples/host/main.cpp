@@ -41,8 +41,8 @@ int fail(const char* what, int status = 1) {
     return status;
 }
 
-// The record that came with a notification. It has come over the network: null when the bytes are
-// no such record.
+// Returns the record of a notification. It arrived over the network: null if the bytes are not such
+// a record.
 template <class Record>
 std::unique_ptr<Record> recordOf(NyServerNotification& notification) {
     CObject* const object = NySe::readReplyObject(notification.getMemFile(), RUNTIME_CLASS(Record));
@@ -63,8 +63,8 @@ CString describe(NyServerNotification& notification) {
     return text;
 }
 
-// The window that the listener posts to: the application's main window. This one only gets
-// messages and is never seen.
+// The window that the listener posts to: the application's main window. This one only receives
+// messages and is never shown.
 class MainWnd : public CWnd {
   public:
     MainWnd(NyServerApp& listener, int wanted) : m_listener(listener), m_wanted(wanted) {}
@@ -77,7 +77,7 @@ class MainWnd : public CWnd {
         return ::SetTimer(m_hWnd, 1, milliseconds, nullptr) != 0;
     }
 
-    // From here on nothing more is posted. What was posted is consumed; then the window can go.
+    // From here on nothing more is posted. Consume what was posted; then destroy the window.
     ~MainWnd() override {
         m_listener.setAppWnd(nullptr);
         const UINT posted = NySe::_TM_NYSERVERMESSAGE;
@@ -95,8 +95,8 @@ class MainWnd : public CWnd {
     }
 
   private:
-    // The notification takes over the memory that came with the message. When it goes, it frees
-    // that, and tells the listener, which would otherwise stop reading sooner or later.
+    // The notification owns the memory that came with the message. Its destructor frees it and
+    // informs the listener, which would otherwise stop reading sooner or later.
     LRESULT onNotification(WPARAM wParam, LPARAM lParam) {
         NyServerNotification notification(wParam, lParam, &m_listener);
         say(describe(notification));
@@ -129,8 +129,8 @@ int run(const char* address, int port, int wanted, int seconds) {
     client.initializeSchema();
     if (client.getSchemaType() != NySe::schema2015) return fail("the server speaks otherwise");
 
-    // The window uses the listener, so the listener is made first and goes last; it then waits for
-    // its threads.
+    // The window uses the listener, so the listener is created first and destroyed last; its
+    // destructor waits for its threads.
     NyServerApp listener;
     MainWnd window(listener, wanted);
     if (!window.create(seconds)) return fail("no window");
