@@ -23,7 +23,7 @@ cleanup() {
 }
 trap cleanup EXIT
 
-tell() { printf '\n* %s\n' "$*"; }
+heading() { printf '\n* %s\n' "$*"; }
 
 # says NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $answer afterwards.
 says() {
@@ -72,7 +72,7 @@ starts() {
   esac
 }
 
-tell "A central server starts on a free port"
+heading "A central server starts on a free port"
 set -m  # a background program ignores Ctrl+C unless it is a job of its own
 run nycentral --ports "$(free_row)" --port-file "$work/port" > "$work/central.log" 2>&1 &
 central=$!
@@ -84,7 +84,7 @@ sed 's/^/    /' "$work/central.log"
 starts anna
 starts bob
 
-tell "Anna asks whether it is alive, and both register"
+heading "Anna asks whether it is alive, and both register"
 says anna ping
 expect 'alive: true'
 says anna register
@@ -95,7 +95,7 @@ says anna users
 expect 'anna  1'
 expect 'bob   2'
 
-tell "Bob watches; Anna takes a lock that excludes others, and Bob is notified"
+heading "Bob watches; Anna takes a lock that excludes others, and Bob is notified"
 begins bob watch --count 1 --timeout 60
 hears bob 'listening on port'
 says anna lock part/42 --mode 0x18
@@ -104,20 +104,20 @@ echo "bob, who watches:"
 hears bob
 expect '50 a lock was granted  NySeLock: part/42, held by session 1 (exclude1+exclude2)'
 
-tell "Bob is refused what Anna has locked"
+heading "Bob is refused what Anna has locked"
 says bob lock part/42 --mode 0x01
 expect 'granted: false'
 says bob locks
 expect 'exclude1+exclude2'
 
-tell "Anna releases it; Bob asks again and gets it"
+heading "Anna releases it; Bob asks again and gets it"
 says anna unlock part/42
 says bob lock part/42 --mode 0x01
 expect 'granted: true'
 says anna holders part/42
 expect bob
 
-tell "Both open the same connection, and both close it; its id is reused"
+heading "Both open the same connection, and both close it; its id is reused"
 says anna "open 'Server=a;Db=b'"
 expect 'id: 0'
 says bob "open 'server=A;db=B'"
@@ -132,11 +132,11 @@ expect_not Server
 says bob "open 'Server=c;Db=d'"
 expect 'id: 0'
 
-tell "The server information"
+heading "The server information"
 says anna info
 expect 'COLLABORATIVE SERVER INFORMATION'
 
-tell "Bob disconnects; his locks and connections are released"
+heading "Bob disconnects; his locks and connections are released"
 exec 4>&-
 has_left() { [[ $(run nyctl --server "$server" --json users) != *bob* ]]; }
 await has_left
@@ -147,7 +147,7 @@ expect_not part/42
 says anna connections
 expect_not Server
 
-tell "The server stops"
+heading "The server stops"
 exec 3>&-
 stop "$central"
 central=

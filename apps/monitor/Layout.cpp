@@ -34,8 +34,8 @@ class Measures {
     int title() const { return text() + px(kTitleGap); }
     // The lists and the log have the same height.
     int listsHeight() const {
-        const int room = bottom() - barBottom() - 2 * px(kGap) - 2 * title();
-        return room / 2;
+        const int available = bottom() - barBottom() - 2 * px(kGap) - 2 * title();
+        return available / 2;
     }
 
   private:
@@ -63,12 +63,12 @@ void layOutBar(const Measures& measures, Layout& layout) {
 // The list of locks has the longest texts and is the widest.
 void layOutLists(const Measures& measures, Layout& layout) {
     constexpr std::array kShares = {29, 27, 44};
-    const int room = measures.right() - measures.left() - 2 * measures.px(kGap);
+    const int available = measures.right() - measures.left() - 2 * measures.px(kGap);
     const int top = measures.barBottom() + measures.px(kGap);
     int left = measures.left();
     for (size_t i = 0; i < layout.lists.size(); ++i) {
         const bool isLast = i + 1 == layout.lists.size();
-        const int width = isLast ? measures.right() - left : room * kShares[i] / 100;
+        const int width = isLast ? measures.right() - left : available * kShares[i] / 100;
         layout.titles[i] = at(left, top, width, measures.text());
         layout.lists[i] = at(left, top + measures.title(), width, measures.listsHeight());
         left += width + measures.px(kGap);

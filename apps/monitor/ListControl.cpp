@@ -70,12 +70,12 @@ void ListControl::fitColumns() {
     const int shares =
         std::accumulate(m_columns.begin(), m_columns.end(), 0,
                         [](int sum, const Column& column) { return sum + column.width; });
-    const int room = std::max(static_cast<int>(client.right), scaled(shares, m_dpi));
+    const int width = std::max(static_cast<int>(client.right), scaled(shares, m_dpi));
     int left = 0;
     int share = 0;
     for (int i = 0; i < static_cast<int>(m_columns.size()); ++i) {
         share += m_columns[static_cast<size_t>(i)].width;
-        const int right = ::MulDiv(room, share, shares);
+        const int right = ::MulDiv(width, share, shares);
         ListView_SetColumnWidth(window(), i, right - left);
         left = right;
     }

@@ -120,10 +120,10 @@ UINT CMemFile::exposeForReading(UINT count, void** start, void** max) {
 UINT CMemFile::exposeForWriting(UINT count, void** start, void** max) {
     if (m_nGrowBytes != 0 || m_nPosition + count <= m_nBufferSize)
         prepareWrite(m_nPosition + count);
-    const size_t room = m_nPosition < m_nBufferSize ? m_nBufferSize - m_nPosition : 0;
+    const size_t remaining = m_nPosition < m_nBufferSize ? m_nBufferSize - m_nPosition : 0;
     const UINT available =
-        static_cast<UINT>(std::min<size_t>(room, std::numeric_limits<UINT>::max()));
-    *start = m_lpBuffer + (room > 0 ? m_nPosition : 0);
+        static_cast<UINT>(std::min<size_t>(remaining, std::numeric_limits<UINT>::max()));
+    *start = m_lpBuffer + (remaining > 0 ? m_nPosition : 0);
     *max = static_cast<BYTE*>(*start) + available;
     return available;
 }

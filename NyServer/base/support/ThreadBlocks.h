@@ -19,8 +19,8 @@ static_assert(sizeof(FreeBlock) <= kBlockStep);
 struct ThreadBlocks {
     struct List {
         FreeBlock* first;
-        size_t room;       // blocks that may still be freed into it before it is a whole batch
-        FreeBlock* spare;  // a whole batch, or null
+        size_t spaceInBatch;  // blocks that may still be freed into it until it is a whole batch
+        FreeBlock* spare;     // a whole batch, or null
     };
     std::array<List, kBlockSizes> lists;
 };
