@@ -9,7 +9,7 @@ namespace apps::monitor {
 
 namespace {
 
-// How often the connection is checked while there is nothing to do.
+// The interval of the checks of the connection while there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
 // A failure does not show whether the server refused or did not answer. The time does: the client

@@ -1,4 +1,4 @@
-// What the commands of nyctl share.
+// Types and functions of the commands of nyctl.
 #pragma once
 
 #include <CLI/CLI.hpp>

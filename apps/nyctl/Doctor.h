@@ -9,7 +9,7 @@
 
 namespace apps::nyctl {
 
-// What one check found.
+// The result of one check.
 struct Finding {
     std::string found;    // in a few words
     std::string meaning;  // of a failure, in a sentence; empty if there is none

@@ -33,7 +33,7 @@ Record describe(const NySeMessage& message) {
     return {{"message", toUtf8(message.getStrMessage())}};
 }
 
-// How objects of one class become JSON.
+// The conversion of the objects of one class to JSON.
 struct Kind {
     const CRuntimeClass* type;
     Record (*fields)(const CObject& object);

@@ -59,7 +59,7 @@ std::vector<LinkedModule> linkedModules() {
     return modules;
 }
 
-// Where to search, in this order. The current module comes before all others of its kind.
+// The modules to search, in this order. The current module is before all others of its kind.
 std::vector<HINSTANCE> searchOrder(HINSTANCE current) {
     const auto modules = linkedModules();
     const auto isCurrentOfSystem = std::ranges::any_of(modules, [=](const LinkedModule& linked) {

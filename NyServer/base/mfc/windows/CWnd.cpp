@@ -43,7 +43,7 @@ class CreationHook {
 
     bool isSet() const { return m_hook != nullptr; }
 
-    // Whether the object got a window and has not lost it since.
+    // Returns whether the object has received a window and not lost it since.
     bool hasWindow() const { return m_owner != nullptr; }
 
     // The object has lost its window, or is about to be destroyed.
