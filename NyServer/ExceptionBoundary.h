@@ -10,7 +10,7 @@
 
 namespace NySe {
 
-// What `action` returns, or `failure` when it throws.
+// Returns what `action` returns, or `failure` if it throws.
 template <class Action>
 auto resultOr(std::invoke_result_t<Action> failure, Action action) -> decltype(action()) {
     try {
@@ -23,7 +23,7 @@ auto resultOr(std::invoke_result_t<Action> failure, Action action) -> decltype(a
     return failure;
 }
 
-// Runs `action`. False when it threw.
+// Runs `action`. Returns false if it threw.
 template <class Action>
 bool succeeds(Action action) {
     return resultOr(false, [&action] {
@@ -32,7 +32,7 @@ bool succeeds(Action action) {
     });
 }
 
-// Runs `action`, which a CFileException or a CArchiveException ends early. Other exceptions pass.
+// Runs `action` and catches a CFileException or a CArchiveException. Other exceptions pass.
 template <class Action>
 void dropArchiveErrors(Action action) {
     try {
@@ -44,8 +44,8 @@ void dropArchiveErrors(Action action) {
     }
 }
 
-// What `action` returns; null, false or 0 when it runs out of memory, which the language reports by
-// std::bad_alloc and the class library by CMemoryException. Other exceptions pass.
+// Returns what `action` returns; null, false or 0 if it runs out of memory, which the language
+// reports by std::bad_alloc and the class library by CMemoryException. Other exceptions pass.
 template <class Action>
 auto zeroIfOutOfMemory(Action action) -> decltype(action()) {
     try {

@@ -47,7 +47,7 @@ class FloorCodec {
     std::vector<unsigned char> m_buffer;
 };
 
-// A table as the central server answers with it: one object in a message file that is reused.
+// A table as in the central server's reply: one object in a reused message file.
 template <class Value>
 class LibraryCodec {
   public:

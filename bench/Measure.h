@@ -12,7 +12,7 @@ inline void count(benchmark::State& state, size_t bytes, size_t records) {
 
 inline bool hasFailed = false;
 
-// What was timed is not what was meant to be: there is no time, and the program's status says so.
+// The check of a benchmark failed: reports no time, and the program ends with status 1.
 inline void fail(benchmark::State& state, const char* what) {
     hasFailed = true;
     state.SkipWithError(what);
@@ -61,13 +61,14 @@ inline void timeCopy(benchmark::State& state, size_t bytes, size_t records) {
 }
 
 // The C library raises its thresholds for mapping and returning memory when a large block is freed.
-// Done once beforehand, so that every benchmark starts as a program that has run for long.
+// Done once in advance, so that every benchmark runs as in a program that has been running for
+// long.
 inline void primeHeap() {
     std::vector<char> block(16 << 20);
     benchmark::DoNotOptimize(block.data());
 }
 
-// The program's status: 1 when something failed.
+// Returns the program's status: 1 if something failed.
 inline int runBenchmarks(int argc, char** argv) {
     primeHeap();
     benchmark::Initialize(&argc, argv);

@@ -48,7 +48,7 @@ struct Request {
 template <class Record>
 using Table = std::vector<std::unique_ptr<Record>>;
 
-// A linear congruential generator, of which the high bits are used.
+// A linear congruential generator; its high bits are used.
 class Seed {
   public:
     uint32_t below(uint32_t limit) {

@@ -1,4 +1,4 @@
-// How long records take to become bytes and back, beside a floor and memcpy.
+// The time to encode and decode records, compared with a floor and memcpy.
 //
 //   W1/encode/*  W1/decode/*   a table of 10,000 locks, each with a name of 24 characters and 3
 //                              holders

@@ -1,9 +1,9 @@
-// How fast a lock is found in a table by its name, beside a plain loop that compares name by name.
+// The time to find a lock in a table by its name, compared with a plain loop over the names.
 //
 //   lookForLockName/N   the last lock of the table
 //   lookForMissing/N    a name that is not in the table
 //   addLock/N           a request for the last lock, which its holder refuses
-//   removeLock/N        the last lock, of which the user holds nothing
+//   removeLock/N        the last lock, which the user does not hold
 //   plainLoop/N         CompareNoCase with each name up to the last lock
 //   alikeNames/N        lookForLockName of the last lock where all names begin alike
 //   alikePlainLoop/N    the plain loop there

@@ -1,11 +1,11 @@
 // How the cost of a record depends on the number of records: locks with 3 holders.
 //
 //   encode/library/N  decode/library/N  encode/floor/N  decode/floor/N
-//   encode/touch/N    looks at each piece of memory that encode/library reads, and writes nothing
+//   encode/touch/N    reads each piece of memory that encode/library reads, and writes nothing
 //   N = 100, 1,000, ... 1,000,000 records
 //
-// Time divided by N is the cost of a record. What does not fit into the processor's caches any
-// more costs more on the floor too.
+// Time divided by N is the cost of a record. Records that do not fit into the processor's caches
+// cost more on the floor too.
 #include "bench/Measure.h"
 
 namespace {

@@ -1,4 +1,4 @@
-# ny_options: what every target of this project is compiled with.
+# ny_options: the compiler options of every target of this project.
 add_library(ny_options INTERFACE)
 set(warnings
   -Wall -Wextra -Wpedantic -Werror
@@ -15,7 +15,7 @@ endif()
 target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warnings}>")
 
 if(WIN32)
-  # The socket layer is IPv4 and dotted text throughout: the older calls are meant.
+  # The socket layer is IPv4 and dotted text throughout: the older calls are intended.
   target_compile_definitions(ny_options INTERFACE _WINSOCK_DEPRECATED_NO_WARNINGS)
 endif()
 
@@ -24,8 +24,8 @@ if(NY_SANITIZE)
   add_link_options(-fsanitize=${NY_SANITIZE})
 endif()
 
-# clang-tidy reads each source before it is compiled. clang has the Windows target; the compiler of the build has the
-# headers for it.
+# clang-tidy reads each source before it is compiled. clang compiles for Windows with the headers of the build's
+# compiler.
 if(NY_TIDY)
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include
     OUTPUT_VARIABLE include OUTPUT_STRIP_TRAILING_WHITESPACE)

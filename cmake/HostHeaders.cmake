@@ -1,7 +1,7 @@
 # Header-only libraries that Debian installs under /usr/include. A cross build must not see that folder whole (it holds
-# the host's C library), so each library gets a folder of its own with one link in it.
+# the host's C library), so each library gets its own folder with one link in it.
 function(ny_header_only_library target folder package)
-  if(CMAKE_HOST_WIN32)  # the compiler looks where they are installed
+  if(CMAKE_HOST_WIN32)  # the compiler finds them where they are installed
     add_library(${target} INTERFACE)
     return()
   endif()

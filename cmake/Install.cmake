@@ -1,15 +1,15 @@
-# The package: what `cmake --install` puts where, and the archive that the target `package` makes of it.
+# The package: the folders of `cmake --install`, and the archive that the target `package` makes of them.
 #
-#   bin      the DLLs, those of the language runtime, and the programs
+#   bin      the DLLs, the DLLs of the language runtime, and the programs
 #   include  the public headers, in their folders
-#   lib      the import libraries; in cmake/NyServer what find_package reads
+#   lib      the import libraries; in cmake/NyServer the files for find_package
 #   docs     the documents and the example
 #   tools    the dissector
 include(CMakePackageConfigHelpers)
 
 set(ny_programs nycentral nyctl nymonitor)
 
-# Debug information names the folders of the machine that it was made on.
+# Debug information has the paths of the build machine.
 install(CODE "set(CMAKE_INSTALL_DO_STRIP ON)")
 
 install(TARGETS NyServerDll NyBaseDll EXPORT NyServerTargets RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
@@ -18,8 +18,8 @@ install(FILES ${NY_RUNTIME_DLLS} DESTINATION bin)
 
 install(TARGETS nyserver_headers nybase_headers FILE_SET HEADERS DESTINATION include)
 
-# What a user of the library has to know of its build. The class library's names are a matter of NyBaseDll, so that they
-# can be left away together with it.
+# The build properties that users of the library need. The class library's names belong to NyBaseDll, so that they can
+# be omitted together with it.
 target_include_directories(NyServerDll INTERFACE $<INSTALL_INTERFACE:include>)
 target_include_directories(NyBaseDll INTERFACE
   $<INSTALL_INTERFACE:include> $<INSTALL_INTERFACE:include/NyServer/base/mfc> $<INSTALL_INTERFACE:include/NyServer/base/qo>)

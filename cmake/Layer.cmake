@@ -1,13 +1,13 @@
 # The library as layers. Each of the modules base and server is made of layers:
 #
-#   ny<module>_headers  what a source needs that includes the module's headers; nothing to link
+#   ny<module>_headers  for sources that include the module's headers; nothing to link
 #   ny_<layer>          the objects of one layer; each source is compiled once
-#   ny<module>          all layers of the module, for a program that contains them; the DLL is made of it too
+#   ny<module>          all layers of the module, for a program that contains them; the DLL is linked from it too
 #
-# Objects, not archives: a linker would leave the records out, whose classes register themselves.
+# Objects, not archives: a linker would omit the records, whose classes register themselves.
 
-# ny_module(MODULE): NY<MODULE>_EXPORTS and NY<MODULE>_STATIC are the states of its export macro that this build sets; a
-# user of the DLL defines neither.
+# ny_module(MODULE): NY<MODULE>_EXPORTS and NY<MODULE>_STATIC are the values of its export macro in this build; a user
+# of the DLL defines neither.
 function(ny_module module)
   add_library(ny${module}_headers INTERFACE)
   add_library(ny${module} INTERFACE)

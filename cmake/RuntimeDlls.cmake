@@ -1,5 +1,5 @@
 # The language runtime is shared by all modules, so that an exception thrown in one can be caught in another; its DLLs
-# lie beside the programs. NY_RUNTIME_DLLS: where the compiler has them.
+# are in the folder of the programs. NY_RUNTIME_DLLS: their paths in the compiler.
 set(NY_RUNTIME_DLLS)
 cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH ny_compiler_folder)
 foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)

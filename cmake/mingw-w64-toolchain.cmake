@@ -1,5 +1,5 @@
 # Build for 64-bit Windows with mingw-w64 (the posix-threads variant has std::thread and std::mutex).
-if(CMAKE_HOST_WIN32)  # the compiler at hand, such as MSYS2's; programs run by themselves
+if(CMAKE_HOST_WIN32)  # the installed compiler, such as MSYS2's; programs run natively
   set(CMAKE_C_COMPILER gcc)
   set(CMAKE_CXX_COMPILER g++)
   return()

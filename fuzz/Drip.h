@@ -1,4 +1,4 @@
-// A connection of which the bytes come as the fuzzer likes.
+// A connection whose bytes arrive in pieces that the fuzzer chooses.
 #pragma once
 
 #include <algorithm>
@@ -8,15 +8,15 @@
 
 #include "tests/support/Bytes.h"
 
-// What is read is taken from copies of a Drip too, as from a socket's handle.
+// Copies of a Drip read from the same bytes, like copies of a socket's handle.
 class Drip {
   public:
-    // The last byte says how many come at once.
+    // The last byte is the size of the pieces.
     Drip(const uint8_t* bytes, size_t size)
         : m_left(std::make_shared<Bytes>(bytes, bytes + size)),
           m_atOnce(size == 0 ? 1 : 80 - bytes[size - 1] % 80) {}
 
-    // One read, as of a connection: the number of bytes put into `buffer`, 0 when all were read.
+    // Reads like a connection. Returns the number of bytes stored in `buffer`, 0 at the end.
     int operator()(char* buffer, int length, int = 0) const {
         const int count = std::min({length, m_atOnce, static_cast<int>(m_left->size())});
         if (count < 1) return count;

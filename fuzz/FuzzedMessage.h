@@ -1,4 +1,4 @@
-// A message that is taken apart and made again.
+// A message that is decoded and encoded again.
 #pragma once
 
 #include <cstdint>
@@ -31,7 +31,7 @@ inline void copyArgument(char kind, CArchive& from, NySeMemFile& to) {
     }
 }
 
-// Ends the program unless a reply that holds the object gives one that writes the same.
+// Ends the program unless the object, written as a reply and read again, writes the same bytes.
 inline void requireReads(const CObject& object, const CRuntimeClass* expected) {
     NySeMemFile reply;
     reply.startWrite(NySe::schema2015);
@@ -47,8 +47,8 @@ inline void requireReads(const CObject& object, const CRuntimeClass* expected) {
     require(contentsOf(again) == contentsOf(reply), "and it is what was written");
 }
 
-// Reads the arguments behind the header of `message`: i an integer, s a string, u a user, m a
-// message record. The message made of them; no bytes when they are not there.
+// Reads the arguments after the header of `message`: i an integer, s a string, u a user, m a
+// message record. Returns a message with these arguments; empty if they are missing.
 inline Bytes copyMessage(const Bytes& message, std::string_view arguments) {
     NySeMemFile from;
     from.Write(message.data(), static_cast<UINT>(message.size()));

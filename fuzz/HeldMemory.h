@@ -1,9 +1,9 @@
-// Counts the memory that a decoder asks for.
+// Counts the memory that a decoder allocates.
 #pragma once
 
 #include <cstddef>
 
-// Counts from its construction on what the calling thread holds, by whichever allocator. One at a
+// Counts from its construction on the memory of the calling thread, of all allocators. One at a
 // time.
 class HeldMemory {
   public:
@@ -12,7 +12,7 @@ class HeldMemory {
     HeldMemory& operator=(const HeldMemory&) = delete;
     ~HeldMemory();
 
-    // Ends the program when more than `bytes` were held at one time, above what was held at the
+    // Ends the program if more than `bytes` were held at one time, in addition to those at the
     // construction.
     void requireAtMost(size_t bytes) const;
 };

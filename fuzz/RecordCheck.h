@@ -1,4 +1,4 @@
-// What must hold of every record and table, whatever bytes it is read from.
+// The invariants of every record and table, whatever bytes it is read from.
 #pragma once
 
 #include <afx.h>
@@ -8,8 +8,8 @@
 #include "tests/support/Bytes.h"
 
 // Reads the bytes as an object of that class and as its fields alone, under the current schema and
-// an older one. Ends the program when more is read than the bytes, when more memory is asked for
-// than a small multiple of them, or when what was read, written and read again, is different.
+// an older one. Ends the program if it reads beyond the bytes, allocates more than a small multiple
+// of them, or if the result, written and read again, differs.
 void checkRecord(const CRuntimeClass& recordClass, const Bytes& bytes);
 
 // A whole fuzzer.

@@ -1,5 +1,4 @@
-// The online service's answers: what is cut out of a text stands between its tags, and is cut out
-// when it does.
+// The online service's replies: the element text is found exactly if it is between its tags.
 #include "fuzz/HeldMemory.h"
 #include "fuzz/Require.h"
 #include "NyServer/online/ElementText.h"

@@ -1,4 +1,4 @@
-// What the listener receives, posts to the window, and the window takes apart.
+// A frame that the listener receives and posts to the window, and that the window decodes.
 #include "fuzz/Drip.h"
 #include "fuzz/HeldMemory.h"
 #include "fuzz/Require.h"

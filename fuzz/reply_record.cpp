@@ -1,5 +1,4 @@
-// The record reader: an object of the class that was asked for, which writes and reads the same, or
-// none.
+// The record reader: an object of the expected class, which writes and reads the same, or none.
 #include "fuzz/Drip.h"
 #include "fuzz/FuzzedMessage.h"
 #include "fuzz/HeldMemory.h"

@@ -1,4 +1,4 @@
-// The scalar reader: one read that gives all of it, or nothing.
+// The scalar reader: one read that returns all of it, or nothing.
 #include "fuzz/Drip.h"
 #include "fuzz/Require.h"
 #include "NyServer/framing/NySeReply.h"

@@ -1,7 +1,6 @@
-# free-row.pl PROCESS: prints a range of 20 ports, FIRST-LAST, that nobody uses, for a server to hand out. With those of
-# another server of this machine its users would be told this server's news, so that the range belongs to PROCESS until
-# that ends: the port before it is listened on as a mark. All of them are below those that the system gives to who asks
-# for any.
+# free-row.pl PROCESS: prints a range of 20 ports, FIRST-LAST, that nobody uses, for a server to assign. Two servers
+# with the same range would notify each other's users, so the range is reserved for PROCESS until that ends, by
+# listening on the port before it. All ports are below the system's range of ephemeral ports.
 use strict;
 use warnings;
 use IO::Socket::INET;

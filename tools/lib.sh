@@ -1,5 +1,4 @@
-# Shared by the scripts: where the project is, which files it has, waits, free ports, and steps with their seconds, notes
-# and failures.
+# Functions of the scripts: the project's folder and files, waits, free ports, and steps with their times and failures.
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 logs=$root/build/logs
 
@@ -17,7 +16,7 @@ usage() {
   exit 2
 }
 
-# await COMMAND...: until the command succeeds, at most 60 s; false, with a word about it, when it does not.
+# await COMMAND...: waits until the command succeeds, at most 60 s; false, with a message, if it does not.
 await() {
   local end=$((SECONDS + 60))
   until "$@"; do
@@ -31,14 +30,15 @@ gone() {
   ! kill -0 "$1" 2> /dev/null
 }
 
-# free_row: prints a range of ports, FIRST-LAST, that nobody uses, for a server to hand out. It is this script's own.
+# free_row: prints a range of ports, FIRST-LAST, that nobody uses, for a server to assign. It is reserved for this
+# script.
 free_row() {
   perl "$root/tools/free-row.pl" $$
 }
 
-# step NAME COMMAND...: says that it starts, runs the command with its output in build/logs/NAME.log, and prints one line:
-# the outcome, the seconds, and the command's last line when that begins with "= ". A failure also prints what the output says of it and
-# how to repeat the step, and adds the name to build/logs/failed-steps.
+# step NAME COMMAND...: prints that it starts, runs the command with its output in build/logs/NAME.log, and prints one
+# line: the outcome, the seconds, and the command's last line when that begins with "= ". After a failure prints the
+# relevant output and how to repeat the step, and adds the name to build/logs/failed-steps.
 step() {
   local name=$1 start=$SECONDS log=$logs/$1.log command=${*:2}
   shift
@@ -53,7 +53,7 @@ step() {
   return 1
 }
 
-# telling_lines LOG: all of a short log; of a long one the lines that tell of failures, and the end.
+# telling_lines LOG: prints a short log whole; of a long one the lines with failures, and the end.
 telling_lines() {
   if [ "$(wc -l < "$1")" -le 25 ]; then
     cat "$1"

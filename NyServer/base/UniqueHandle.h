@@ -5,8 +5,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
-// The one owner of a handle, which `close` closes. `invalid` is the value that needs no closing.
-// The handle held before is always closed when another takes its place.
+// The only owner of a handle, which `close` closes. `invalid` is the value that is not closed. A
+// new handle replaces and closes the old one.
 template <class Handle, auto close, Handle invalid = Handle{}>
 class UniqueHandle {
   public:
@@ -24,7 +24,7 @@ class UniqueHandle {
     [[nodiscard]] Handle get() const { return m_handle; }
     explicit operator bool() const { return m_handle != invalid; }
 
-    // Hands the handle to the caller, who closes it.
+    // Returns the handle, which the caller then owns.
     [[nodiscard]] Handle release() { return std::exchange(m_handle, invalid); }
 
     // REQUIRES: nobody else owns `handle`.
@@ -37,7 +37,7 @@ class UniqueHandle {
     Handle m_handle = invalid;
 };
 
-// Threads, mutexes, events: what reports failure with a null handle.
+// Threads, mutexes, events: whatever reports failure with a null handle.
 using UniqueKernelHandle = UniqueHandle<HANDLE, ::CloseHandle>;
 
 // Memory from GlobalAlloc.

@@ -1,11 +1,11 @@
-// The one way into the Windows headers: their version, without the rarely used parts, Winsock 2
-// before windows.h.
+// Includes the Windows headers, for all sources: their version, without the rarely used parts,
+// Winsock 2 before windows.h.
 #pragma once
 
 #ifdef _WINSOCKAPI_
 #ifndef _WINSOCK2API_
 #error \
-    "winsock.h came first: include this project's headers before <windows.h>, or define WIN32_LEAN_AND_MEAN."
+    "winsock.h was included first: include this project's headers before <windows.h>, or define WIN32_LEAN_AND_MEAN."
 #endif
 #endif
 

@@ -1,4 +1,4 @@
-// What every request of NySeClientApp is made of. Internal.
+// Sends the requests of NySeClientApp and receives their replies. Internal.
 #pragma once
 
 #include "NyServer/client/NySeClientApp.h"
@@ -41,7 +41,7 @@ bool NySeClientApp::request(NySe::ActionType action, const Arguments&... argumen
     return requestUnder(m_schema, action, arguments...);
 }
 
-// True when all of the scalar that comes next arrived at once; `value` may be partly overwritten
+// Receives a scalar. Returns true if all of it arrived at once; `value` may be partly overwritten
 // otherwise.
 template <class Scalar>
 bool NySeClientApp::receiveScalarInto(Scalar& value) {
@@ -50,14 +50,14 @@ bool NySeClientApp::receiveScalarInto(Scalar& value) {
     });
 }
 
-// The scalar that comes next, or `failure`.
+// Receives a scalar. Returns it, or `failure`.
 template <class Scalar>
 Scalar NySeClientApp::receiveScalar(Scalar failure) {
     Scalar value;
     return receiveScalarInto(value) ? value : failure;
 }
 
-// The record in the message that comes next; null when none comes or it is of another class.
+// Receives a message. Returns the record in it; null if none arrives or it is of another class.
 template <class Record>
 std::shared_ptr<Record> NySeClientApp::receiveRecord() {
     CMemFile reply;
@@ -66,7 +66,7 @@ std::shared_ptr<Record> NySeClientApp::receiveRecord() {
     return std::shared_ptr<Record>(static_cast<Record*>(object));
 }
 
-// Appends the records of the table that comes next; `into` stays as it was when none comes.
+// Receives a table and appends its records to `into`, which is unchanged if none arrives.
 template <class Table>
 void NySeClientApp::receiveTable(Table& into) {
     NySe::succeeds([&] {

@@ -10,12 +10,12 @@ constexpr int kConnected = 0;
 constexpr int kNotConnected = 90;
 
 void switchOffNagle(SOCKET socket) {
-    // A request without an answer must not hold the next one back.
+    // A request without a reply must not delay the next one.
     const BOOL on = TRUE;
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
 }
 
-// A table that deletes nothing until the scope ends.
+// Suspends a table's ownership of its records until the scope ends.
 class OwnershipPause {
   public:
     explicit OwnershipPause(QoArraySerial2& table)
@@ -114,7 +114,7 @@ void NySeClientApp::transfertObject(QoArraySerial2& from, QoArraySerial2& to) {
     try {
         to.addFrom(from);
     } catch (...) {
-        // The records stay where they were.
+        // The records stay in `from`.
         to.RemoveAt(held, to.GetSize() - held);
         throw;
     }

@@ -15,7 +15,7 @@
 class CUT_WSClient;
 
 // Each request is one exchange on one TCP connection: the call sends a message and, if the request
-// has an answer, waits for it. Construct; connect; initializeSchema; any requests; disconnect;
+// has a reply, waits for it. Construct; connect; initializeSchema; any requests; disconnect;
 // destroy.
 //
 // Threads: replies are matched to requests by their order alone, so an object can do one exchange
@@ -25,7 +25,7 @@ class CUT_WSClient;
 // one of an object and its copies may be destroyed.
 //
 // No call throws for what the network or the server does: a request that cannot be sent or gets no
-// usable answer returns its failure value. A scalar answer must arrive in one piece within 15
+// usable reply returns its failure value. A scalar reply must arrive in one piece within 15
 // seconds; a longer one may arrive in pieces, at most 30 seconds apart. A table owns the records
 // that a call appends to it as its own delete-ownership flag says.
 class NYSERVER_API NySeClientApp {
@@ -41,7 +41,7 @@ class NYSERVER_API NySeClientApp {
     // and getStrAddress then return what they say below.
     // REQUIRES: not connected; the socket of an open connection would be lost.
     int connect(int port, const char* address, int timeout);
-    // Sends the disconnect code and closes the connection. False when the close failed.
+    // Sends the disconnect code and closes the connection. Returns false if the close failed.
     bool disconnect();
     // Returns 1 while the server keeps the connection open, else 0.
     int IsConnected();
@@ -55,30 +55,31 @@ class NYSERVER_API NySeClientApp {
     // Returns this computer's name, without asking the server.
     CString getHostName() const;
 
-    // Agrees on the schema of all later requests. It stays as it was when the request cannot be
-    // sent and when no answer comes. An answer of fewer than 4 bytes overwrites that many of its
-    // low bytes: connect again, whatever getSchemaType returns then.
+    // Agrees on the schema of all later requests. It is unchanged if the request cannot be sent or
+    // no reply arrives. A reply of fewer than 4 bytes overwrites that many of its low bytes:
+    // connect again, whatever getSchemaType returns then.
     void initializeSchema();
     NYSERVER_INLINE NySe::SchemaType getSchemaType() const { return m_schema; }
-    // True when the server answers NySe::kAliveAnswer.
+    // Returns true if the server replies NySe::kAliveAnswer.
     bool isAlive();
-    // Returns the server's version; -1.0 when no answer arrives, or when the request cannot be
-    // sent, and then nothing is read.
+    // Returns the server's version; -1.0 if no reply arrives, or if the request cannot be sent;
+    // then nothing is read.
     double getVersion();
 
-    // Asks for the lock of that name under a share mode (bits of NySe::ShareMode). True when it
-    // was granted; false when it was refused and on failure.
+    // Requests the lock with that name under a share mode (bits of NySe::ShareMode). Returns true
+    // if it was granted; false if it was refused and on failure.
     bool lock(const CString& name, unsigned mode);
-    // Releases the lock. True when the whole message was sent; the server does not answer.
+    // Releases the lock. Returns true if the whole message was sent; the server does not reply.
     bool unLock(const CString& name);
-    // Appends the users who hold the lock to `users`. False when nobody holds it and on failure.
-    // True when it is held, even if the server sends no table of users or that table is lost.
-    // Without a table `users` is unchanged.
+    // Appends the users who hold the lock to `users`. Returns false if nobody holds it and on
+    // failure. Returns true if it is held, even if the server sends no table of users or that table
+    // is lost. Without a table `users` is unchanged.
     bool isLockBy(const CString& name, NySeUserPtrArray& users);
     // Appends the server's locks to `locks`, which is unchanged on failure.
     void getLock(NySeLockArray& locks);
 
-    // Opens the connection of that name and returns the id that the server gives it; -1 on failure.
+    // Opens the connection with that name and returns the id that the server assigns to it; -1 on
+    // failure.
     long openConnection(const CString& name);
     // Closes it once. A failure is not reported.
     void closeConnection(long id);
@@ -86,23 +87,23 @@ class NYSERVER_API NySeClientApp {
     void isOpenConnectionBy(long id, NySeUserPtrArray& users);
     // Appends the server's connections to `connections`, which is unchanged on failure.
     void getConnection(NySeConnectionArray& connections);
-    // Sends two numbers and an object, whose meaning is the application's. A failure is not
-    // reported; an object that cannot be archived is omitted or truncated.
+    // Sends two numbers and an object, which the application defines. A failure is not reported; an
+    // object that cannot be archived is omitted or truncated.
     void sendConnectionData(int first, int second, CObject& object);
 
     // Appends the server's users to `users`, which is unchanged on failure.
     void getAllUser(NySeUserPtrArray& users);
     // Registers `user` and returns the port for the user's notification listener. Every field of
-    // `user` is set as the server completed it. Returns 0 on failure, with `user` unchanged.
+    // `user` is set to what the server returns. Returns 0 on failure, with `user` unchanged.
     int getPortClient(NySeUser& user);
     // Returns another port for the calling user's notification listener; -1 on failure.
     int getAnotherPort();
-    // Renames the calling user. True when the server accepted the name; false when it did not and
-    // on failure.
+    // Renames the calling user. Returns true if the server accepted the name; false if it did not
+    // and on failure.
     bool updateUserName(const CString& name);
-    // Have the server forward an object, whose meaning is the application's, to one user or to all.
-    // For one user both are archived under the user's schema. A failure is not reported; an object
-    // that cannot be archived is omitted or truncated.
+    // Have the server forward an object, which the application defines, to one user or to all. For
+    // one user both are archived under the user's schema. A failure is not reported; an object that
+    // cannot be archived is omitted or truncated.
     void sendUserData(NySeUser& user, CObject& object);
     void sendAllUserData(CObject& object);
 
@@ -128,10 +129,10 @@ class NYSERVER_API NySeClientApp {
     bool sendMemFile(NySeMemFile& message);
     bool receiveMemfile(CMemFile& into);
     bool receiveString(CString& into);
-    // Moves all records of `from` to the end of `to`; `from` is empty then.
+    // Moves all records of `from` to the end of `to`; `from` is empty afterwards.
     static void transfertObject(QoArraySerial2& from, QoArraySerial2& to);
 
-    // What every request is made of, in ClientExchange.h.
+    // Defined in ClientExchange.h.
     template <class... Arguments>
     bool request(NySe::ActionType action, const Arguments&... arguments);
     template <class... Arguments>

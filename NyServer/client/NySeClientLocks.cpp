@@ -5,7 +5,7 @@ namespace {
 
 // The status after which the server sends the lock's users.
 constexpr BYTE kUsersFollow = 1;
-// The second field of the question who holds a lock.
+// The second field of isLockBy.
 constexpr LONG kReserved = 0;
 
 }  // namespace

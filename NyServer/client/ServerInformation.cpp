@@ -12,7 +12,7 @@ constexpr ULONGLONG kTicksPerSecond = 10'000'000;
 
 using UniqueSystemString = UniqueHandle<BSTR, ::SysFreeString>;
 
-// False for a time before 1970, which no clock shows.
+// Returns false for a time before 1970.
 bool toLocalTime(long seconds, SYSTEMTIME& local) {
     if (seconds < 0) return false;
     ULARGE_INTEGER ticks;
@@ -23,7 +23,7 @@ bool toLocalTime(long seconds, SYSTEMTIME& local) {
            ::SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local);
 }
 
-// Null when the date has no text.
+// Returns null if the date cannot be formatted.
 UniqueSystemString formatInUserLocale(DATE date) {
     BSTR text = nullptr;
     ::VarBstrFromDate(date, LANG_USER_DEFAULT, LOCALE_NOUSEROVERRIDE, &text);

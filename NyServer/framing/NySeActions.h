@@ -2,7 +2,7 @@
 // never reuse one.
 #pragma once
 
-// The requests, which go from a client to the central server: X(enumerator, name, number).
+// The requests, sent by a client to the central server: X(enumerator, name, number).
 // clang-format off
 #define NYSE_REQUESTS(X) \
     X(actionIsAlive, "isAlive", 1)  /* also the central server's probe of a listener */ \
@@ -30,9 +30,9 @@
     X(actionGetVersion, "getVersion", 106)  /* travels bare: 4 bytes, no length */ \
     X(actionDisconnect, "disconnect", 666)  /* travels bare: 4 bytes, no length */
 
-// The notifications, which go from the central server to the clients' listeners:
-// X(number, enumerator, words, whether the server's tables have changed, class of the object; null
-// when the application chooses it). docs/central-server.md says who gets which and when.
+// The notifications, sent by the central server to the clients' listeners: X(number, enumerator,
+// words, whether the server's tables have changed, class of the object; null when the application
+// chooses it). docs/central-server.md says who gets which and when.
 #define NYSE_NOTIFICATIONS(X) \
     X(50, notifyLockGranted, "a lock was granted", true, "NySeLock") \
     X(51, notifyLockReleased, "a lock was released", true, "NySeLock") \
@@ -47,7 +47,7 @@
 
 namespace NySe {
 
-// What a message asks for or tells.
+// The action of a message: a request or a notification.
 enum ActionType : int {
     noAction = -1,
 #define NYSE_ENUMERATOR(enumerator, name, number) enumerator = number,
@@ -59,7 +59,7 @@ enum ActionType : int {
 #undef NYSE_ENUMERATORS
             actionFirstNotification = actionNotification50,
     actionLastNotification = actionNotification58,
-    lastSendableAction = 701  // a client sends nothing above
+    lastSendableAction = 701  // a client sends no larger action
 };
 
 struct RequestKind {
@@ -91,7 +91,7 @@ constexpr bool isNotification(int action) {
     return action >= actionFirstNotification && action <= actionLastNotification;
 }
 
-// The words for an action that is no notification are "unknown".
+// Returns the row of `action`; noAction with the words "unknown" if it is not a notification.
 constexpr NotificationKind notificationKind(int action) {
     for (const NotificationKind& kind : kNotifications)
         if (kind.action == action) return kind;
@@ -104,7 +104,7 @@ enum SchemaType : unsigned int {
     schema2015 = 2015  // the current one
 };
 
-// The answer of a living server or listener to actionIsAlive.
+// The reply of a running server or listener to actionIsAlive.
 inline constexpr int kAliveAnswer = 512;
 
 // A message starts with its action (when it has one) and the length of its payload, both signed and

@@ -27,8 +27,8 @@ NySeMemFile::~NySeMemFile() noexcept {
     closeArchive();
 }
 
-// An archive gives its unread bytes back to the file, which throws when the file was changed under
-// it; neither a destructor nor the end of reading may.
+// Closing a loading archive returns its unread bytes to the file, which throws if the file has
+// changed meanwhile. Neither a destructor nor the end of reading may throw.
 void NySeMemFile::closeArchive() {
     if (m_archive) NySe::dropArchiveErrors([this] { m_archive->Close(); });
     m_archive.reset();
@@ -99,7 +99,7 @@ void NySeMemFile::writeObject(const CObject& object) {
 
 void NySeMemFile::writeObject(const NySeUser& user) {
     if (!isWriting()) return;
-    // An archive of its own knows no class yet, so the description is always a full one.
+    // A separate archive, so that the class description is always complete.
     CMemFile scratch(kGrowBytes);
     NySe::dropArchiveErrors([&] {
         CArchive archive(&scratch, CArchive::store);

@@ -1,4 +1,4 @@
-// NySeMemFile: the message in which every exchange travels.
+// NySeMemFile: the format of every message but the two bare requests.
 //
 //   offset  bytes  content
 //   0       4      action, signed        only when the message was started with an action
@@ -18,52 +18,51 @@
 
 class NySeUser;
 
-// Owns its archive, of which at most one is open at a time. One object may be used by one thread at
-// a time.
+// Owns its archive; at most one is open at a time. One object may be used by one thread at a time.
 class NYSERVER_API NySeMemFile : public CMemFile {
   public:
     NySeMemFile();
-    // Deletes the open archive, which flushes a storing one.
+    // Closes the open archive, which flushes a storing one.
     ~NySeMemFile() noexcept override;
 
-    // Begin a message without or with an action: what was written before is dropped, and a storing
-    // archive is opened behind the header, under `schema`.
+    // Start a message without or with an action: discard what was written before and open a storing
+    // archive after the header, under `schema`.
     void startWrite(NySe::SchemaType schema);
     void startWriteAction(NySe::ActionType action, NySe::SchemaType schema);
-    // Closes the archive, fills the header in and goes to the start. A message started with
-    // noAction keeps its header unwritten and its position at the end. Nothing happens when no
-    // archive is open.
+    // Closes the archive, fills in the header and seeks to the start. For a message started with
+    // noAction, leaves the header unwritten and the position at the end. Does nothing if no archive
+    // is open.
     void stopWriting();
-    // A whole message without payload.
+    // Writes a complete message without a payload.
     void writeAction(NySe::ActionType action, NySe::SchemaType schema);
 
     // Opens a loading archive at the current position.
     void startReading();
     void stopReading();
 
-    // Write into the open archive; nothing happens when none is open or it is loading.
+    // Write to the open archive; do nothing if none is open or it is loading.
     void writeInteger(LONG value);
     void writeString(const CString& text);
-    // The object in class-tagged form. When it cannot be archived, the message simply lacks or
-    // truncates it.
+    // Writes the object in class-tagged form. An object that cannot be archived is omitted or
+    // truncated.
     void writeObject(const CObject& object);
-    // The user in class-tagged form under the user's own schema, with a class description of its
-    // own whatever the message holds already.
+    // Writes the user in class-tagged form under the user's own schema, with a complete class
+    // description even if the message already has one.
     void writeObject(const NySeUser& user);
-    // Moves the content of `source` into this file, not through the archive; `source` is empty
-    // then. Always true. REQUIRES: the block of `source` comes from malloc, as its own does; the
-    // archive holds nothing unflushed, as right after startWriteAction.
+    // Moves the contents of `source` into this file, bypassing the archive; `source` is empty
+    // afterwards. Always returns true. REQUIRES: the block of `source` was allocated by malloc, as
+    // CMemFile does; the archive has nothing unflushed, as right after startWriteAction.
     bool writeMemfile(CMemFile& source);
 
-    // The bytes, getLength() of them, which stay this file's and live as long as it does or until
-    // it is detached or attached; null when it never held any. The file then stands at its start
-    // and cannot grow any more: writing past its capacity throws CMemoryException.
-    // REQUIRES: no archive is open.
+    // Returns the getLength() bytes, which this file owns and which are valid until it is detached,
+    // attached or destroyed; null if it never held any. Afterwards the position is 0 and the file
+    // cannot grow: writing beyond its capacity throws CMemoryException. REQUIRES: no archive is
+    // open.
     BYTE* getBuffer();
-    // In bytes.
+    // Returns the length in bytes.
     NYSERVER_INLINE ULONGLONG getLength() const { return GetLength(); }
     NYSERVER_INLINE CMemFile& getMemFile() { return *this; }
-    // The open archive, or null.
+    // Returns the open archive, or null.
     NYSERVER_INLINE CArchive* getArchive() { return m_archive ? &*m_archive : nullptr; }
 
     NYSERVER_INLINE const NySe::ActionType& getActionType() const { return m_actionType; }
@@ -80,6 +79,6 @@ class NYSERVER_API NySeMemFile : public CMemFile {
 
     NySe::ActionType m_actionType = NySe::noAction;
     NySe::SchemaType m_schemaType = NySe::noSchema;
-    std::optional<CArchive> m_archive;  // in place: opening a message asks for no memory
+    std::optional<CArchive> m_archive;  // in place: opening a message allocates nothing
     bool m_actionMode = false;
 };

@@ -1,23 +1,23 @@
-// How a notification is put into the message that the window gets, and taken out of its bytes.
+// Wraps a notification in the message for the window, and finds it in the bytes of that message.
 #pragma once
 
 #include "NyServer/framing/NySeMemFile.h"
 
 namespace NySe {
 
-// Makes `message` the one for the window: the action, and as its payload all that `body` holds.
-// `body` is empty then.
+// Sets `message` to the action with the contents of `body` as its payload. `body` is empty
+// afterwards.
 NYSERVER_API void wrapNotification(NySeMemFile& message, ActionType action, CMemFile& body);
 
-// Borrowed from the bytes that it was found in.
+// Points into the bytes in which it was found.
 struct FoundNotification {
     ActionType action = noAction;
     BYTE* payload = nullptr;  // null when there is none
     UINT length = 0;          // in bytes
 };
 
-// The notification in `size` bytes; noAction, and no payload, when they hold none. Of a payload
-// that is shorter than announced, what is there.
+// Returns the notification in `size` bytes; noAction and no payload if they hold none. If fewer
+// bytes are present than announced, the payload is those.
 NYSERVER_API FoundNotification findNotification(BYTE* bytes, size_t size);
 
 }  // namespace NySe

@@ -8,8 +8,8 @@
 
 namespace {
 
-// The class of the object that comes next. The class library's own array of objects can be archived
-// too, but does not own what it holds: nobody would delete it.
+// Returns the class of the next object. Throws CArchiveException for the class library's own array
+// of objects: it does not own its elements, which would leak.
 const CRuntimeClass* nextClass(CMemFile& reply) {
     const ULONGLONG start = reply.GetPosition();
     CArchive archive(&reply, CArchive::load);
@@ -27,7 +27,7 @@ CObject* NySe::readReplyObject(CMemFile& reply, const CRuntimeClass* expected) {
     const bool read = succeeds([&] {
         const CRuntimeClass* const wanted = expected ? expected : nextClass(reply);
         CArchive archive(&reply, CArchive::load);
-        // Another class is refused before an object of it is made.
+        // An object of another class is refused before it is created.
         object.reset(archive.ReadObject(wanted));
         archive.Close();
     });

@@ -1,4 +1,4 @@
-// How a reply is taken apart once its bytes are there. Nothing here touches a socket.
+// Reads replies. Nothing here uses a socket: the bytes come from a `receive` function.
 #pragma once
 
 #include <algorithm>
@@ -7,14 +7,12 @@
 
 namespace NySe {
 
-// Announced lengths are believed in steps of this many bytes: memory is asked for only as bytes
-// arrive.
+// Memory for an announced length is allocated in steps of this many bytes, as the bytes arrive.
 inline constexpr LONG kReceiveStep = 64 * 1024;
 
 // Fills `into` with `length` bytes from `receive(char* buffer, int length)`, which returns the
-// number of bytes that it put there, less than 1 when no more will come. `into` ends at its start,
-// with what arrived. Returns the number of bytes that are missing; a length of 0 or less misses
-// none.
+// number of bytes stored, or less than 1 at the end of the data. Afterwards `into` holds what
+// arrived and its position is 0. Returns the number of missing bytes; 0 for a length of 0 or less.
 template <class Receive>
 LONG receiveBody(CMemFile& into, LONG length, Receive receive) {
     LONG missing = std::max<LONG>(length, 0);
@@ -33,22 +31,21 @@ LONG receiveBody(CMemFile& into, LONG length, Receive receive) {
     return missing;
 }
 
-// How long what comes next may take, in seconds.
+// Time-outs in seconds: for a scalar, and for each piece of a message.
 inline constexpr int kScalarTimeOut = 15;
 inline constexpr int kChunkTimeOut = 30;
 
-// Reads a scalar by one `receive(char* buffer, int length, int timeOut)`, which is as the one of
-// receiveBody and waits for at most `timeOut` seconds. True when that one read gave all of it;
-// `value` may be partly overwritten otherwise.
+// Reads a scalar by one call of `receive(char* buffer, int length, int timeOut)`, which is like
+// that of receiveBody and waits for at most `timeOut` seconds. Returns true if that call returned
+// all of it; `value` may be partly overwritten otherwise.
 template <class Scalar, class Receive>
 bool receiveScalar(Scalar& value, Receive receive) {
     const int size = sizeof value;
     return receive(reinterpret_cast<char*>(&value), size, kScalarTimeOut) == size;
 }
 
-// Fills `value` piece by piece from `receive`, which is as the one of receiveBody. The number of
-// bytes that came; when the first receive gave none, its result, with `value` as that receive left
-// it.
+// Fills `value` in pieces from `receive`, which is like that of receiveBody. Returns the number of
+// bytes received; if the first call received none, its result, with `value` as that call left it.
 template <class Value, class Receive>
 int collect(Value& value, Receive receive) {
     constexpr int size = sizeof value;
@@ -62,8 +59,8 @@ int collect(Value& value, Receive receive) {
     return received;
 }
 
-// Reads a length and that many bytes by the same `receive`. True when all came; `into` ends at its
-// start, with what came of the bytes.
+// Reads a length and that many bytes from a `receive` like that of receiveScalar. Returns true if
+// all arrived. Afterwards `into` holds the bytes that arrived and its position is 0.
 template <class Receive>
 bool receiveMessage(CMemFile& into, Receive receive) {
     LONG length = 0;
@@ -74,13 +71,13 @@ bool receiveMessage(CMemFile& into, Receive receive) {
     return missing == 0;
 }
 
-// The one object in `reply`, new and owned by the caller; null when the bytes are no object or one
-// of another class than `expected`. expected null: any archivable class, a host's own too, except
-// the class library's CObArray itself, whose elements nobody would own.
+// Returns the object in `reply`, owned by the caller; null if the bytes are not an object of class
+// `expected`. If `expected` is null, every archivable class is accepted, including a host's own,
+// except the class library's CObArray, whose elements nobody would own.
 NYSERVER_API CObject* readReplyObject(CMemFile& reply, const CRuntimeClass* expected);
 
-// The one string in `reply`. When the bytes are no string, `text` stays as it was and false is
-// returned.
+// Reads the string in `reply` into `text`. If the bytes are not a string, returns false and leaves
+// `text` unchanged.
 NYSERVER_API bool readReplyString(NySeMemFile& reply, CString& text);
 
 }  // namespace NySe

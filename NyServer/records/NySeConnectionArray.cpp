@@ -17,7 +17,8 @@ NySeConnection withId(LONG id) {
 
 }  // namespace
 
-// The records, then the last id, then the free ids. After a failed load the table is as a new one.
+// The records, then the last id, then the free ids. After a failed load the table is like a new
+// one.
 void NySeConnectionArray::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         QoArraySerial2::Serialize(ar);
@@ -31,7 +32,7 @@ void NySeConnectionArray::Serialize(CArchive& ar) {
         ar >> m_lastId;
         m_freeIds.Serialize(ar);
     } catch (...) {
-        // Nobody has been given the records, whether the table owns them or not.
+        // Nobody else has pointers to the records, whether the table owns them or not.
         NySe::empty(*this, true);
         forgetIds();
         throw;
@@ -53,7 +54,7 @@ LONG NySeConnectionArray::openConnection(const CString& connection) {
     entry->setId(nextId());
     entry->setRefCount(1);
     add(entry.get());
-    takeId();  // not before the entry is in: that may fail
+    takeId();  // only after add, which may fail
     return entry.release()->getId();
 }
 
@@ -73,7 +74,7 @@ bool NySeConnectionArray::closeConnection(LONG id) {
     NySeConnection* open = findById(id);
     if (open == nullptr) return false;
     const LONG left = NySe::sum(open->getRefCount(), -1);
-    if (left <= 0) m_freeIds.insertSorted(id);  // before anything is changed: it may fail
+    if (left <= 0) m_freeIds.insertSorted(id);  // first, since it may fail
     open->setRefCount(left);
     if (left > 0) return false;
     RemoveAt(lookForId(id), 1);

@@ -1,31 +1,31 @@
-// NySeConnectionArray: the table of open connections, which gives them their ids.
+// NySeConnectionArray: the table of open connections, which assigns their ids.
 #pragma once
 
 #include "NyServer/records/NySeConnection.h"
 #include "NyServer/records/QoArraySimple.h"
 
-// Sorted by id. Ids count up from 0; those of closed connections are given again, smallest first.
-// Connection strings are the same when they differ only in letter case. Finders lend what they
-// find. Any number of threads may call the const operations of one table at a time, while nobody
-// changes it or its connections.
+// Sorted by id. Ids count up from 0; those of closed connections are reused, smallest first.
+// Connection strings are the same when they differ only in letter case. Finders return borrowed
+// pointers. Any number of threads may call the const operations of one table at a time, while
+// nobody changes it or its connections.
 class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeConnectionArray, NySeConnection)
 
   public:
-    // Opens the connection once more, or gives it an id and enters it with a count of 1. Returns
-    // its id. Throws, with nothing changed, when there is no memory.
+    // Increments the open count of the connection, or adds it with a new id and a count of 1.
+    // Returns its id. Throws, with nothing changed, when out of memory.
     LONG openConnection(const CString& connection);
 
-    // Closes the connection once. True when that was the last time: it is deleted and its id free
-    // again. False when it is still open, or when no connection has that id. Throws, with nothing
-    // changed, when there is no memory to keep the id in.
+    // Decrements the open count. Returns true if that was the last open: the connection is deleted
+    // and its id is free. Returns false if it is still open or no connection has that id. Throws,
+    // with nothing changed, when out of memory.
     bool closeConnection(LONG id);
 
-    // The first connection of that string or id; null when there is none.
+    // Return the first connection with that string or id; null if there is none.
     NySeConnection* findByConnection(const CString& connection) const;
     NySeConnection* findById(LONG id) const;
 
-    // Its index; -1 when there is none.
+    // Return its index; -1 if there is none.
     INT_PTR lookForConnection(const CString& connection) const;
     INT_PTR lookForId(LONG id) const;
 
@@ -34,8 +34,8 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
     void takeId();
     void forgetIds();
 
-    // Ascending. A table that was loaded may name an id twice. The class library's arrays copy
-    // their elements, but are not copyable.
+    // Ascending. A loaded table may contain an id twice. Copied explicitly: the class library's
+    // arrays have no copy constructor.
     struct FreeIds : NySe::QoArraySimple<LONG> {
         FreeIds() { setAllowDuplicates(1); }
         FreeIds(const FreeIds& other) : FreeIds() { Copy(other); }
@@ -45,6 +45,6 @@ class NYSERVER_API NySeConnectionArray : public QoArraySerial2 {
         }
     };
 
-    LONG m_lastId = -1;  // the highest id given by counting
+    LONG m_lastId = -1;  // the highest id assigned so far
     FreeIds m_freeIds;
 };

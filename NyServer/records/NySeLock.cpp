@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr unsigned int kAsksForAccess = NySe::access1 | NySe::access2;
-constexpr unsigned int kExcludesNewcomers = NySe::exclude1 | NySe::exclude2;
+constexpr unsigned int kAccessBits = NySe::access1 | NySe::access2;
+constexpr unsigned int kExcludeBits = NySe::exclude1 | NySe::exclude2;
 
 }  // namespace
 
@@ -19,7 +19,7 @@ void NySeLock::Serialize(CArchive& ar) {
     m_holders.Serialize(ar);
 }
 
-// The holders stay out: a grant is of one lock, not of its copies.
+// Copies have no holders: a grant belongs to one lock, not to its copies.
 void NySeLock::typeCopyFrom(const NySeLock& other) {
     setStrLockName(other.getStrLockName());
 }
@@ -30,9 +30,9 @@ void NySeLock::typeCompareTo(const NySeLock& other, short key,
 }
 
 bool NySeLock::seekShareMode(unsigned int mode) const {
-    if ((mode & kAsksForAccess) == 0) return true;
+    if ((mode & kAccessBits) == 0) return true;
     for (INT_PTR i = 0; i < m_holders.GetSize(); ++i) {
-        if ((m_holders.GetAt(i)->getLockState() & kExcludesNewcomers) != 0) return false;
+        if ((m_holders.GetAt(i)->getLockState() & kExcludeBits) != 0) return false;
     }
     return true;
 }

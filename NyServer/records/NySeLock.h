@@ -7,7 +7,7 @@
 
 class NySeUser;
 
-// Users are known by their session number alone. A copy or clone takes the name and not the
+// Users are identified by their session number alone. A copy or clone has the name but not the
 // holders. One object may be used by one thread at a time.
 //
 // Compare keys: 1 lock name without letter case.
@@ -22,17 +22,17 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSERVER_INLINE NySeSessionLockPtrArray& getHolders() { return m_holders; }
     NYSERVER_INLINE const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
 
-    // Whether `mode` (NySe::ShareMode) may be granted beside the present holders: not when it asks
-    // for access (access1 or access2) and a holder excludes others (exclude1 or exclude2). The
-    // excluding bits of `mode` itself are not compared with the holders, and an earlier grant of
-    // the same session counts like any other.
+    // Returns whether `mode` (NySe::ShareMode) may be granted in addition to the current holders:
+    // not if it requests access (access1 or access2) and a holder excludes others (exclude1 or
+    // exclude2). The excluding bits of `mode` itself are not compared with the holders, and an
+    // earlier grant of the same session counts like any other.
     bool seekShareMode(unsigned int mode) const;
 
-    // Drops every grant of that user's session; there may be none.
+    // Removes all grants of that user's session, if any.
     void removeUser(const NySeUser& user);
 
-    // Writes the holders as one object at the position of `file`, which is left behind it. Throws
-    // CMemoryException when the file cannot grow.
+    // Writes the holders as one object at the position of `file` and advances it. Throws
+    // CMemoryException if the file cannot grow.
     void writeUserArray(CMemFile& file) const;
 
   private:

@@ -3,8 +3,8 @@
 
 #include "NyServer/records/NySeRecord.h"
 
-// Lets a text travel in the same archives as the other records. Messages have no order: no compare
-// key is known. One object may be used by one thread at a time.
+// Carries a text in the same archives as the other records. Messages have no order: there is no
+// compare key. One object may be used by one thread at a time.
 class NYSERVER_API NySeMessage : public QoObject2 {
     NYSE_DECLARE_RECORD(NySeMessage)
 

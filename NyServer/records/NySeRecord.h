@@ -1,8 +1,8 @@
-// The pattern that every record and every table of records follows, told once.
+// The pattern that every record and every table of records follows.
 //
-// A record is copied, cloned and compared through its base class. It says only what is its own: its
-// fields, their archive order (Serialize), what a copy takes (typeCopyFrom) and how two compare
-// under each key (typeCompareTo).
+// A record is copied, cloned and compared through its base class. Its class defines only its
+// fields, their archive order (Serialize), what a copy contains (typeCopyFrom) and how two objects
+// compare under each key (typeCompareTo).
 #pragma once
 
 #include <afx.h>
@@ -13,36 +13,37 @@
 
 namespace NySe {
 
-// Or-ed with VERSIONABLE_SCHEMA, the declared schema of every record and table. It travels: do not
-// change it.
+// Or-ed with VERSIONABLE_SCHEMA, the declared schema of every record and table. It is on the wire:
+// do not change it.
 inline constexpr UINT kRecordSchema = 2015;
 
-// The object schema in force in `ar`, without the versionable flag; it stays in force.
+// Returns the object schema of `ar` without the versionable flag. Unlike GetObjectSchema, leaves it
+// set.
 inline UINT objectSchema(CArchive& ar) {
     const UINT schema = ar.GetObjectSchema();
     ar.SetObjectSchema(schema);
     return schema & ~VERSIONABLE_SCHEMA;
 }
 
-// The sum in 32 bits; numbers that were loaded may be anything, so that it may wrap.
+// Adds modulo 2^32: loaded numbers may have any value.
 inline LONG sum(LONG left, LONG right) {
     return static_cast<LONG>(static_cast<DWORD>(left) + static_cast<DWORD>(right));
 }
 
-// How comparisons answer. Hosts test these numbers: do not change them.
-inline constexpr auto kNoOrder = static_cast<QoSort::CompareResult>(-2);  // the key is not known
+// The results of comparisons. Hosts test these numbers: do not change them.
+inline constexpr auto kNoOrder = static_cast<QoSort::CompareResult>(-2);  // unknown key
 inline constexpr auto kBefore = static_cast<QoSort::CompareResult>(-1);
 inline constexpr auto kEqual = static_cast<QoSort::CompareResult>(0);
 inline constexpr auto kAfter = static_cast<QoSort::CompareResult>(1);
 
-// The order of two numbers by their signed 32-bit difference.
+// Compares two numbers by their signed 32-bit difference.
 inline QoSort::CompareResult compareNumbers(LONG left, LONG right) {
     const LONG difference = static_cast<LONG>(static_cast<DWORD>(left) - static_cast<DWORD>(right));
     if (difference == 0) return kEqual;
     return difference < 0 ? kBefore : kAfter;
 }
 
-// The order of two texts, whatever their letter case.
+// Compares two texts without letter case.
 inline QoSort::CompareResult compareTexts(const CString& left, const CString& right) {
     const int order = left.CompareNoCase(right);
     if (order == 0) return kEqual;
@@ -73,13 +74,13 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
 
 }  // namespace NySe
 
-// What a record and a table have in common: serialisable by class name, and these three.
+// What records and tables have in common: serialisation by class name, and these three functions.
 //
-// clone(): a new object with this one's contents, owned by the caller; null when no memory is left.
+// clone(): returns a copy, owned by the caller; null when out of memory.
 //
-// cast(): `object` when it is of this class, else null; null for null.
+// cast(): returns `object` if it is of this class, else null; null for null.
 //
-// desc(): the class name in ASCII, for the life of the process.
+// desc(): returns the class name in ASCII, valid until the process ends.
 #define NYSE_DECLARE_SERIAL(Class)                                              \
     DECLARE_DYNCREATE(Class)                                                    \
     friend NYSERVER_API CArchive& AFXAPI operator>>(CArchive& ar, Class*& pOb); \
@@ -94,9 +95,9 @@ QoSort::CompareResult compareRecord(const T& record, const QoObject2& other, sho
         return class##Class.m_lpszClassName;                                    \
     }
 
-// Opens a record's class body. operator== asks for key 0, which no record knows, so that it is true
-// only of one and the same object: find and lookFor compare contents. vCompareTo gives noOrder for
-// a key that typeCompareTo leaves alone.
+// Opens a record's class body. operator== compares under key 0, which no record has, so it is true
+// only for the same object; find and lookFor compare contents. vCompareTo returns noOrder for a key
+// that typeCompareTo does not handle.
 #define NYSE_DECLARE_RECORD(Record)                                                     \
     NYSE_DECLARE_SERIAL(Record)                                                         \
     NYSERVER_INLINE Record() = default;                                                 \

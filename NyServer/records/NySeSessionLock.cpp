@@ -1,4 +1,4 @@
-#include "NyServer/records/NySeSessionLock.h"
+#include "NyServer/records/NySeSessionLockPtrArray.h"
 
 void NySeSessionLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
@@ -15,4 +15,9 @@ void NySeSessionLock::typeCopyFrom(const NySeSessionLock& other) {
 void NySeSessionLock::typeCompareTo(const NySeSessionLock& other, short key,
                                     QoSort::CompareResult& result) const {
     if (key == 1) result = NySe::compareNumbers(getSessionNumber(), other.getSessionNumber());
+}
+
+void NySeSessionLockPtrArray::Serialize(CArchive& ar) {
+    if (ar.IsStoring()) return NySe::storeTable<NySeSessionLock>(*this, ar);
+    NySe::serializeTable(*this, ar, RUNTIME_CLASS(NySeSessionLock));
 }

@@ -1,21 +1,21 @@
-// The share mode of a lock: what a session asks for, and what it excludes while it holds the lock.
-// NySeLock::seekShareMode says which modes go together.
+// The share mode of a lock: what a session requests, and what it excludes while it holds the lock.
+// NySeLock::seekShareMode defines which modes are compatible.
 #pragma once
 
 #include <string>
 
-// The bits with a meaning: X(word, value). They travel and are stored: do not change a value.
+// The bits with a meaning: X(word, value). They are on the wire and stored: do not change a value.
 // clang-format off
 #define NYSE_SHARE_MODES(X) \
-    X(access1, 0x01)  /* asks for access of the first kind */ \
-    X(access2, 0x02)  /* asks for access of the second kind */ \
+    X(access1, 0x01)  /* requests access of the first kind */ \
+    X(access2, 0x02)  /* requests access of the second kind */ \
     X(exclude1, 0x08) /* refuses later requests for access, first kind */ \
     X(exclude2, 0x10) /* refuses later requests for access, second kind */
 // clang-format on
 
 namespace NySe {
 
-// A share mode is any of them together; other bits travel and mean nothing.
+// A share mode is any combination of them; other bits are kept and have no meaning.
 enum ShareMode : unsigned int {
 #define NYSE_ENUMERATOR(word, value) word = value,
     NYSE_SHARE_MODES(NYSE_ENUMERATOR)
@@ -33,7 +33,8 @@ inline constexpr ShareModeBit kShareModeBits[] = {
 #undef NYSE_ROW
 };
 
-// The words of the bits that are set, as "exclude1+exclude2"; "none" when none has a meaning.
+// Returns the words of the bits that are set, as "exclude1+exclude2"; "none" if none of them has a
+// word.
 inline std::string shareModeWords(unsigned int mode) {
     std::string words;
     for (const auto& [bit, word] : kShareModeBits) {

@@ -3,9 +3,9 @@
 
 #include "NyServer/records/NySeRecord.h"
 
-// Who the user is, on which machine, where the user's notification listener is reached, and under
-// which session number and schema the user's client speaks. A fresh user has no session and no
-// port. One object may be used by one thread at a time.
+// The user's name and machine, the port of the user's notification listener, and the session number
+// and schema of the user's client. A new user has no session and no port. One object may be used by
+// one thread at a time.
 //
 // Compare keys: 1 user name, 2 session number, 3 user name and then session number. Names compare
 // without letter case.
@@ -28,17 +28,17 @@ class NYSERVER_API NySeUser : public QoObject2 {
     NYSERVER_INLINE const LONG& getPort() const { return m_port; }
     NYSERVER_INLINE void setPort(const LONG& port) { m_port = port; }
 
-    // Given by the central server; locks know their holders by it alone.
+    // Assigned by the central server; locks identify their holders by it alone.
     NYSERVER_INLINE const LONG& getSessionNumber() const { return m_sessionNumber; }
     NYSERVER_INLINE void setSessionNumber(const LONG& sessionNumber) {
         m_sessionNumber = sessionNumber;
     }
 
-    // The request schema that the user's client speaks.
+    // The request schema of the user's client.
     NYSERVER_INLINE const LONG& getSchema() const { return m_schema; }
     NYSERVER_INLINE void setSchema(const LONG& schema) { m_schema = schema; }
 
-    // The kind of client application; carried, never interpreted.
+    // The kind of client application; stored, never interpreted.
     NYSERVER_INLINE const LONG& getSoftType() const { return m_softType; }
     NYSERVER_INLINE void setSoftType(const LONG& softType) { m_softType = softType; }
 

@@ -11,13 +11,13 @@ class NYSERVER_API NySeUserPtrArray : public QoArraySerial2 {
     NYSE_DECLARE_TABLE(NySeUserPtrArray, NySeUser)
 
   public:
-    // The first user of that session or name (without letter case), borrowed from the table; null
-    // when there is none.
+    // Return the first user with that session or name (without letter case), borrowed from the
+    // table; null if there is none.
     NySeUser* findBySessionNumber(int sessionNumber) const;
     NySeUser* findByUserName(const CString& userName) const;
 
-    // Adds the very users of `users` that `sessions` name, once for each session lock, at their
-    // sorted places; session locks without a user are passed over. REQUIRES: this table does not
-    // own its records.
+    // Adds the users in `users`, not copies, to which `sessions` refers, once for each session
+    // lock, in sorted order; session locks without a user are skipped. REQUIRES: this table does
+    // not own its records.
     void addFromSessionArray(NySeUserPtrArray& users, NySeSessionLockPtrArray& sessions);
 };

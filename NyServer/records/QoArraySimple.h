@@ -9,11 +9,11 @@ namespace NySe {
 template <class TYPE>
 class QoArraySimple : public CArray<TYPE, const TYPE&> {
   public:
-    // Whether a value may be held more than once; not until this is called.
+    // Sets whether a value may occur more than once; by default it may not.
     void setAllowDuplicates(int allow) { m_allowDuplicates = allow; }
 
     // Inserts before the first element that is not less. Returns the index, or -1, with nothing
-    // inserted, when the value is held already and duplicates are not allowed.
+    // inserted, if the value is present and duplicates are not allowed.
     INT_PTR insertSorted(const TYPE& value) {
         INT_PTR low = 0;
         INT_PTR high = this->GetSize();

@@ -10,7 +10,7 @@
 
 namespace NySe {
 
-// A text that many others are compared with. It belongs to the caller.
+// A text that is compared with many others. The caller owns it.
 class SoughtText {
   public:
     explicit SoughtText(const CString& text)
@@ -18,7 +18,7 @@ class SoughtText {
         if (m_length >= kTail) m_tail = foldTail(m_text + m_length);
     }
 
-    // Whether other.CompareNoCase(text) is 0.
+    // Returns whether other.CompareNoCase(text) is 0.
     bool equals(const CString& other) const {
         return mayEqual(other) && other.CompareNoCase(m_text) == 0;
     }
@@ -30,7 +30,7 @@ class SoughtText {
     // False for nearly every other text, from its length and its last four characters: a search
     // among names that begin alike takes a third to a tenth of the time. A zero character ends
     // either text, so that a longer one may be equal. Letters beyond ASCII are left to
-    // CompareNoCase, which folds them as the locale has it.
+    // CompareNoCase, which may fold them.
     bool mayEqual(const CString& other) const {
         if (static_cast<size_t>(other.GetLength()) < m_length) return false;
         const WCHAR* const end = other.GetString() + m_length;
@@ -62,9 +62,9 @@ struct TextKey {
     short key;
 };
 
-// What table.lookFor(probe, key) returns for a probe with that text. A record of a derived class
-// may compare as it likes: from the first one on, the probe is used; `given` is that probe, and
-// where it is null one is made, for which memory is needed.
+// Returns what table.lookFor(probe, key) returns for a probe with that text. A derived class may
+// compare differently: at the first record of one, the whole search is done with a probe. That is
+// `given`, or a new one if it is null, which needs memory.
 template <auto KEY, class Record = typename decltype(KEY)::Record>
 INT_PTR lookForText(const QoArraySerial2& table, const CString& text,
                     const Record* given = nullptr) {
@@ -84,7 +84,7 @@ INT_PTR lookForText(const QoArraySerial2& table, const CString& text,
     return -1;
 }
 
-// The record there, as table.find(probe, key) returns it; null when there is none.
+// Returns the record there, as table.find(probe, key) does; null if there is none.
 template <auto KEY, class Record = typename decltype(KEY)::Record>
 Record* findText(const QoArraySerial2& table, const CString& text) {
     const INT_PTR index = lookForText<KEY>(table, text);

@@ -27,7 +27,7 @@ inline CLI::Option* addUserOption(CLI::App& app, Account& account) {
 // it.
 inline void parseCommandLine(CLI::App& app) {
     std::vector<std::string> arguments = commandLineArguments();
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    std::reverse(arguments.begin(), arguments.end());  // the order that the parser expects
     app.parse(arguments);
 }
 

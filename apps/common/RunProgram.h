@@ -9,9 +9,9 @@ namespace apps {
 
 // Returns what `run` returns. If it throws, calls `complain` with the reason and returns `failure`.
 //
-// The rule of the programs for running out of memory: nothing tries to continue; the exception ends
-// the session with the server. A command line program ends with it. The monitor's worker, which has
-// an exception boundary of its own, closes the connection and connects again later.
+// When a program runs out of memory, it does not try to continue: the exception ends the session
+// with the server. A command line program ends with it. The monitor's worker, which has an
+// exception boundary of its own, closes the connection and connects again later.
 template <class Run, class Complain>
 int runProgram(Run run, Complain complain, int failure) {
     constexpr const char* kOutOfMemory = "out of memory";

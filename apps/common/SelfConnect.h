@@ -4,9 +4,9 @@
 
 namespace apps {
 
-// Whether both ends of the connection are this socket. A connect to a free port in the range from
-// which the system chooses local ports may connect the socket to itself. False for a socket that is
-// not connected.
+// Returns whether both ends of the connection are this socket. A connect to a free port in the
+// range from which the system chooses local ports may connect the socket to itself. False for a
+// socket that is not connected.
 inline bool isConnectedToItself(SOCKET socket) {
     sockaddr_in own{};
     sockaddr_in peer{};

@@ -40,14 +40,14 @@ class Session {
     bool open();
     // Connects only, unless that was done. Returns whether there is a connection.
     bool connect();
-    // Disconnects; the next open connects again. Call it after a missing answer: an answer that
-    // arrives late would be taken for that of the next request.
+    // Disconnects; the next open connects again. Call it after a missing answer: a late answer
+    // would be taken for that of the next request.
     void close();
     // Registers the user, unless that was done. Returns false if there is no connection or the
     // server assigned no port.
     bool registerUser();
     // Returns the user's listener, which listens after listen. It is destroyed with the connection,
-    // not before: the server considers a user gone whose listener is gone.
+    // not before: the server removes a user whose listener has ended.
     NyServerApp& listener();
     // Registers the user and listens, unless that was done, at the port that the server assigns. If
     // that port is in use on this machine, requests another one. Returns false if there is no

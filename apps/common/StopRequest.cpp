@@ -8,7 +8,7 @@ namespace {
 
 HANDLE makeEvent() {
     const HANDLE made = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    if (made == nullptr) throw std::runtime_error("the system makes no event");
+    if (made == nullptr) throw std::runtime_error("the event cannot be created");
     return made;
 }
 

@@ -1,4 +1,4 @@
-// Text between the programs' UTF-8 and the library's UTF-16.
+// Converts text between the programs' UTF-8 and the library's UTF-16.
 #pragma once
 
 #include <afx.h>
@@ -11,7 +11,7 @@ namespace apps {
 std::string toUtf8(const CString& text);
 CString fromUtf8(const std::string& text);
 
-// The program's arguments in UTF-8, without its own name.
+// Returns the program's arguments in UTF-8, without its own name.
 std::vector<std::string> commandLineArguments();
 
 }  // namespace apps

@@ -1,15 +1,15 @@
 #!/usr/bin/env bash
-# demo.sh: a central server and two users, told as a story. Starts what it needs and stops it again.
+# demo.sh: demonstrates a central server with two users. Stops what it starts.
 set -eu
 . "$(dirname "${BASH_SOURCE[0]}")/../../tools/lib.sh"
 bin=$root/build/windows/bin
 work=$(mktemp -d)
 central=
 
-# Background uses get a process of their own name and number: nothing of this script stays in between.
+# With exec, so that the process id of a background job is that of the program.
 run() { exec "$root/tools/run-in-wine" "$bin/$1.exe" "${@:2}"; }
 
-# stop PID: as Ctrl+C does, and waits; by force when that does not help.
+# stop PID: as Ctrl+C does, and waits; by force if that has no effect.
 stop() {
   kill -INT "$1" 2> /dev/null || return 0
   await gone "$1" || kill -KILL "$1"
@@ -23,21 +23,21 @@ cleanup() {
 }
 trap cleanup EXIT
 
-tell() { printf '\n* %s\n' "$*"; }
+heading() { printf '\n* %s\n' "$*"; }
 
-# says NAME COMMAND: gives the user's shell one line and shows what comes back; it stays in $answer.
+# says NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $answer afterwards.
 says() {
   begins "$@"
   hears "$1"
 }
 
-# begins NAME COMMAND: gives the user's shell one line.
+# begins NAME COMMAND: sends one line to the user's shell.
 begins() {
   printf '%s> nyctl %s\n' "$1" "${*:2}"
   printf '%s\necho =\n' "${*:2}" >&"${shells[$1]}"
 }
 
-# hears NAME [TEXT]: shows what comes back up to the mark, or up to the line that holds the text; it stays in $answer.
+# hears NAME [TEXT]: shows the reply up to the mark, or up to the line with the text; it is in $answer afterwards.
 hears() {
   local line
   answer=
@@ -56,7 +56,7 @@ fail() {
   exit 1
 }
 
-# expect TEXT: the story goes as it is told.
+# expect TEXT: fails unless the text is in $answer.
 expect() { [[ $answer == *"$1"* ]] || fail "this should say \"$1\""; }
 expect_not() { [[ $answer != *"$1"* ]] || fail "this should not say \"$1\""; }
 
@@ -72,7 +72,7 @@ starts() {
   esac
 }
 
-tell "A central server starts on a free port"
+heading "A central server starts on a free port"
 set -m  # a background program ignores Ctrl+C unless it is a job of its own
 run nycentral --ports "$(free_row)" --port-file "$work/port" > "$work/central.log" 2>&1 &
 central=$!
@@ -84,7 +84,7 @@ sed 's/^/    /' "$work/central.log"
 starts anna
 starts bob
 
-tell "Anna asks whether it is alive, and both register"
+heading "Anna asks whether it is alive, and both register"
 says anna ping
 expect 'alive: true'
 says anna register
@@ -95,29 +95,29 @@ says anna users
 expect 'anna  1'
 expect 'bob   2'
 
-tell "Bob watches; Anna takes a lock that keeps others from access, and Bob is told"
+heading "Bob watches; Anna takes a lock that excludes others, and Bob is notified"
 begins bob watch --count 1 --timeout 60
-hears bob 'watching at port'
+hears bob 'listening on port'
 says anna lock part/42 --mode 0x18
 expect 'granted: true'
 echo "bob, who watches:"
 hears bob
 expect '50 a lock was granted  NySeLock: part/42, held by session 1 (exclude1+exclude2)'
 
-tell "What Anna has locked, Bob is refused"
+heading "Bob is refused what Anna has locked"
 says bob lock part/42 --mode 0x01
 expect 'granted: false'
 says bob locks
 expect 'exclude1+exclude2'
 
-tell "Anna releases it; Bob asks again and gets it"
+heading "Anna releases it; Bob asks again and gets it"
 says anna unlock part/42
 says bob lock part/42 --mode 0x01
 expect 'granted: true'
 says anna holders part/42
 expect bob
 
-tell "Both open the same connection, and both close it; its id is given again"
+heading "Both open the same connection, and both close it; its id is reused"
 says anna "open 'Server=a;Db=b'"
 expect 'id: 0'
 says bob "open 'server=A;db=B'"
@@ -132,11 +132,11 @@ expect_not Server
 says bob "open 'Server=c;Db=d'"
 expect 'id: 0'
 
-tell "The server tells about itself"
+heading "The server information"
 says anna info
 expect 'COLLABORATIVE SERVER INFORMATION'
 
-tell "Bob leaves; what he held is free"
+heading "Bob disconnects; his locks and connections are released"
 exec 4>&-
 has_left() { [[ $(run nyctl --server "$server" --json users) != *bob* ]]; }
 await has_left
@@ -147,11 +147,11 @@ expect_not part/42
 says anna connections
 expect_not Server
 
-tell "The server stops"
+heading "The server stops"
 exec 3>&-
 stop "$central"
 central=
 sed -n 's/^stopping/    stopping/p' "$work/central.log"
 grep -q '^stopping' "$work/central.log" || fail "the server did not stop by itself"
 echo
-echo "That was it."
+echo "The demo has ended."

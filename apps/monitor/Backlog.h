@@ -5,7 +5,7 @@ namespace apps::monitor {
 // Notifications that the listener has posted and the window has not consumed.
 struct Backlog {
     int posted = 0;  // notifications
-    long limit = 0;  // above so many the listener reads nothing more until all are consumed
+    long limit = 0;  // above it the listener stops reading until all are consumed
     bool isPaused = false;
 };
 

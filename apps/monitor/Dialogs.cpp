@@ -10,12 +10,12 @@ namespace apps::monitor {
 
 namespace {
 
-// A dialog with one text that must not be empty, and whatever else its kind has.
+// A dialog with one text that must not be empty; derived classes add more.
 class Dialog {
   public:
     virtual ~Dialog() = default;
 
-    // True when the user has chosen OK; the fields have been read then.
+    // Returns true if the user has chosen OK; the fields have been read then.
     bool ask(int id, HWND owner) {
         return ::DialogBoxParamW(AfxGetInstanceHandle(), MAKEINTRESOURCEW(id), owner, &onMessage,
                                  reinterpret_cast<LPARAM>(this)) == IDOK;

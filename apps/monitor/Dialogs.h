@@ -1,4 +1,4 @@
-// What the user is asked for before a request.
+// The dialogs for the input of a request.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,8 @@
 
 namespace apps::monitor {
 
-// Each shows a dialog over `owner` and waits for its end; nothing when the user cancels. Empty
-// names and texts are not taken.
+// Each shows a dialog over `owner` and waits until it is closed. Returns nothing if the user
+// cancels. Empty names and texts are not accepted.
 
 struct LockInput {
     std::wstring name;
@@ -24,7 +24,7 @@ struct MessageInput {
 // REQUIRES: at least one receiver.
 std::optional<MessageInput> askMessage(HWND owner, const std::vector<Receiver>& receivers);
 
-// One text; `text` is there at first.
+// One text, initially `text`.
 struct TextQuestion {
     const wchar_t* title;
     const wchar_t* label;

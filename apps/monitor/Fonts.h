@@ -8,10 +8,10 @@ namespace apps::monitor {
 
 using UniqueFont = UniqueHandle<HFONT, ::DeleteObject>;
 
-// As the user has set it, for a screen of `dpi`. Null when the system has none.
+// Returns the font that the user has set, for a screen of `dpi`; null if the system has none.
 UniqueFont makeWindowFont(int dpi);
 
-// The height of a line in that font, in pixels.
+// Returns the height of a line in that font, in pixels.
 int textHeight(HFONT font);
 
 }  // namespace apps::monitor

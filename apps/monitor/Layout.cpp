@@ -32,10 +32,10 @@ class Measures {
     int control() const { return text() + px(kTextPadding); }
     int barBottom() const { return px(kMargin) + control(); }
     int title() const { return text() + px(kTitleGap); }
-    // What the lists and the log share.
+    // The lists and the log have the same height.
     int listsHeight() const {
-        const int room = bottom() - barBottom() - 2 * px(kGap) - 2 * title();
-        return room / 2;
+        const int available = bottom() - barBottom() - 2 * px(kGap) - 2 * title();
+        return available / 2;
     }
 
   private:
@@ -60,15 +60,15 @@ void layOutBar(const Measures& measures, Layout& layout) {
                             measures.px(kFilterLabelWidth), measures.text());
 }
 
-// The locks' list, which has most to say, is the widest.
+// The list of locks has the longest texts and is the widest.
 void layOutLists(const Measures& measures, Layout& layout) {
     constexpr std::array kShares = {29, 27, 44};
-    const int room = measures.right() - measures.left() - 2 * measures.px(kGap);
+    const int available = measures.right() - measures.left() - 2 * measures.px(kGap);
     const int top = measures.barBottom() + measures.px(kGap);
     int left = measures.left();
     for (size_t i = 0; i < layout.lists.size(); ++i) {
         const bool isLast = i + 1 == layout.lists.size();
-        const int width = isLast ? measures.right() - left : room * kShares[i] / 100;
+        const int width = isLast ? measures.right() - left : available * kShares[i] / 100;
         layout.titles[i] = at(left, top, width, measures.text());
         layout.lists[i] = at(left, top + measures.title(), width, measures.listsHeight());
         left += width + measures.px(kGap);
@@ -98,13 +98,13 @@ Layout layOut(const LayoutInput& input) {
     return layout;
 }
 
-RECT within(RECT area, const RECT& room) {
-    ::OffsetRect(&area, static_cast<int>(std::min(0L, room.right - area.right)),
-                 static_cast<int>(std::min(0L, room.bottom - area.bottom)));
-    ::OffsetRect(&area, static_cast<int>(std::max(0L, room.left - area.left)),
-                 static_cast<int>(std::max(0L, room.top - area.top)));
-    area.right = std::min(area.right, room.right);
-    area.bottom = std::min(area.bottom, room.bottom);
+RECT within(RECT area, const RECT& bounds) {
+    ::OffsetRect(&area, static_cast<int>(std::min(0L, bounds.right - area.right)),
+                 static_cast<int>(std::min(0L, bounds.bottom - area.bottom)));
+    ::OffsetRect(&area, static_cast<int>(std::max(0L, bounds.left - area.left)),
+                 static_cast<int>(std::max(0L, bounds.top - area.top)));
+    area.right = std::min(area.right, bounds.right);
+    area.bottom = std::min(area.bottom, bounds.bottom);
     return area;
 }
 

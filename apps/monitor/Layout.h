@@ -1,4 +1,4 @@
-// Where the parts of the window are.
+// The positions of the parts of the window.
 #pragma once
 
 #include <afxwin.h>
@@ -9,12 +9,12 @@
 
 namespace apps::monitor {
 
-// A length for screens of 96 dots per inch on one of `dpi`, in pixels.
+// Scales a length for 96 dots per inch to `dpi`. Returns pixels.
 int scaled(int length, int dpi);
 
 // Text heights are the window's font's; all else is scaled.
 struct LayoutInput {
-    int width = 0;  // of what is above the status bar, in pixels
+    int width = 0;  // of the area above the status bar, in pixels
     int height = 0;
     int dpi = 96;
     int textHeight = 13;  // of a line of the window's font, in pixels
@@ -33,16 +33,16 @@ struct Layout {
     RECT log;
 };
 
-// Nothing overlaps, and nothing lies outside, in a window of at least smallestClient.
+// In a window of at least smallestClient nothing overlaps and nothing is outside.
 Layout layOut(const LayoutInput& input);
 
-// `area` shrunk and moved as far as needed to lie within `room`.
-RECT within(RECT area, const RECT& room);
+// Returns `area` shrunk and moved as far as needed to be within `bounds`.
+RECT within(RECT area, const RECT& bounds);
 
 // Moves the window to `area` of its parent.
 void placeWindow(const CWnd& window, const RECT& area);
 
-// The smallest size that has room for all, in pixels.
+// Returns the smallest size in which all parts fit, in pixels.
 SIZE smallestClient(int dpi, int textHeight);
 
 }  // namespace apps::monitor

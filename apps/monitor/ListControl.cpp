@@ -59,9 +59,9 @@ void ListControl::setTitle(const std::wstring& title) {
     ::SetWindowTextW(m_title.GetSafeHwnd(), title.c_str());
 }
 
-// The columns share the room in proportion to their widths, and take no less than these. There is
-// always room for a scroll bar, so that they can stay as they are, or as the user has drawn them,
-// when the rows change.
+// The columns share the width in proportion to their own widths, which are the minimum. Space for a
+// scroll bar is always reserved, so that they keep their widths, or those set by the user, when the
+// rows change.
 void ListControl::fitColumns() {
     RECT client{};
     ::GetClientRect(window(), &client);
@@ -70,12 +70,12 @@ void ListControl::fitColumns() {
     const int shares =
         std::accumulate(m_columns.begin(), m_columns.end(), 0,
                         [](int sum, const Column& column) { return sum + column.width; });
-    const int room = std::max(static_cast<int>(client.right), scaled(shares, m_dpi));
+    const int width = std::max(static_cast<int>(client.right), scaled(shares, m_dpi));
     int left = 0;
     int share = 0;
     for (int i = 0; i < static_cast<int>(m_columns.size()); ++i) {
         share += m_columns[static_cast<size_t>(i)].width;
-        const int right = ::MulDiv(room, share, shares);
+        const int right = ::MulDiv(width, share, shares);
         ListView_SetColumnWidth(window(), i, right - left);
         left = right;
     }
@@ -121,9 +121,9 @@ void ListControl::showOrder(int column, bool isAscending) {
     }
 }
 
-void ListControl::onNotify(NMHDR& notice) const {
-    if (notice.code != LVN_GETDISPINFOW) return;
-    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(notice).item;
+void ListControl::onNotify(NMHDR& header) const {
+    if (header.code != LVN_GETDISPINFOW) return;
+    LVITEMW& item = reinterpret_cast<NMLVDISPINFOW&>(header).item;
     if ((item.mask & LVIF_TEXT) == 0) return;
     item.pszText = const_cast<wchar_t*>(m_textOf(item.iItem, item.iSubItem).c_str());
 }

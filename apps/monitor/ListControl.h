@@ -1,4 +1,5 @@
-// ListControl: a list with columns under a title, which asks its owner for each text it shows.
+// ListControl: a list with columns under a title, which gets each text that it shows from its
+// owner.
 #pragma once
 
 #include <afxwin.h>
@@ -14,16 +15,16 @@
 
 namespace apps::monitor {
 
-// It belongs to the thread that makes its windows.
+// It belongs to the thread that creates its windows.
 class ListControl {
   public:
-    // The text of a row's column; it stays as it is until the next change of the list.
+    // Returns the text of a row's column, which is unchanged until the next change of the list.
     using TextOf = std::function<const std::wstring&(int row, int column)>;
 
     ListControl(std::vector<Column> columns, TextOf textOf)
         : m_columns(std::move(columns)), m_textOf(std::move(textOf)) {}
 
-    // REQUIRES: no windows yet. False when the system makes none.
+    // Returns false if the windows cannot be created. REQUIRES: not created yet.
     bool create(CWnd& parent, int id, const std::wstring& title);
 
     HWND window() const { return m_list.GetSafeHwnd(); }
@@ -31,19 +32,19 @@ class ListControl {
     void place(const RECT& title, const RECT& list);
     void setTitle(const std::wstring& title);
 
-    // So many rows are shown, and none is as it was.
+    // Sets the number of rows and redraws all of them.
     void setCount(int count);
-    // The last row is in view, or there is none.
+    // Returns whether the last row is visible, or there is none.
     bool isAtEnd() const;
     void scrollToEnd();
-    // The row that the keyboard is at; -1 when there is none.
+    // Returns the row with the focus; -1 if there is none.
     int focusedRow() const;
     void focusRow(int row);
     // Marks the column by which the rows are ordered.
     void showOrder(int column, bool isAscending);
 
-    // Handles what the list tells its parent, but for clicks.
-    void onNotify(NMHDR& notice) const;
+    // Handles the list's WM_NOTIFY messages except clicks.
+    void onNotify(NMHDR& header) const;
 
   private:
     bool createTitle(CWnd& parent, const std::wstring& title);

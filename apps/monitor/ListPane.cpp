@@ -34,10 +34,10 @@ void ListPane::setFilter(const std::wstring& text) {
     change([&] { m_table.setFilter(text); });
 }
 
-void ListPane::onNotify(NMHDR& notice) {
-    m_list.onNotify(notice);
-    if (notice.code != LVN_COLUMNCLICK) return;
-    const int column = reinterpret_cast<const NMLISTVIEW&>(notice).iSubItem;
+void ListPane::onNotify(NMHDR& header) {
+    m_list.onNotify(header);
+    if (header.code != LVN_COLUMNCLICK) return;
+    const int column = reinterpret_cast<const NMLISTVIEW&>(header).iSubItem;
     change([&] { m_table.sortBy(column); });
     m_list.showOrder(m_table.sortColumn(), m_table.isAscending());
 }

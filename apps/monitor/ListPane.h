@@ -1,11 +1,11 @@
-// ListPane: a table with its title, as the user sorts and filters it.
+// ListPane: a table with its title, sorted and filtered by the user.
 #pragma once
 
 #include "apps/monitor/ListControl.h"
 
 namespace apps::monitor {
 
-// It belongs to the thread that makes its windows.
+// It belongs to the thread that creates its windows.
 class ListPane {
   public:
     ListPane(const wchar_t* title, std::vector<Column> columns)
@@ -13,19 +13,19 @@ class ListPane {
     ListPane(const ListPane&) = delete;
     ListPane& operator=(const ListPane&) = delete;
 
-    // False when the system makes no windows.
+    // Returns false if the windows cannot be created.
     bool create(CWnd& parent, int id);
     ListControl& control() { return m_list; }
 
-    // The chosen row stays chosen while it is shown.
+    // The selected row stays selected while it is shown.
     void setRows(const std::vector<Row>& rows);
     void setFilter(const std::wstring& text);
-    // Handles what the list tells its parent.
-    void onNotify(NMHDR& notice);
+    // Handles the list's WM_NOTIFY messages.
+    void onNotify(NMHDR& header);
 
-    // All that are shown.
+    // The rows that are shown.
     const Table& table() const { return m_table; }
-    // Null when none is chosen.
+    // Returns null if no row is selected.
     const Row* chosen() const;
 
   private:

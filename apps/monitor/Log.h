@@ -1,4 +1,4 @@
-// Log: what has happened, as far back as anybody will read.
+// Log: the latest events.
 #pragma once
 
 #include <deque>
@@ -12,7 +12,8 @@ struct LogLine {
     std::wstring content;
 };
 
-// Forgets the oldest line when there are too many. One object may be used by one thread at a time.
+// Removes the oldest line when there are more than kMostLines. One object may be used by one thread
+// at a time.
 class Log {
   public:
     static constexpr size_t kMostLines = 1000;

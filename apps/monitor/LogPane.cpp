@@ -21,7 +21,7 @@ void LogPane::add(LogLine line) {
 
 void LogPane::update() {
     if (!std::exchange(m_isBehind, false)) return;
-    const bool isFollowed = m_list.isAtEnd();  // else the user reads further up
+    const bool isFollowed = m_list.isAtEnd();  // else the user has scrolled up
     m_list.setCount(m_log.count());
     if (isFollowed) m_list.scrollToEnd();
 }

@@ -1,4 +1,4 @@
-// LogPane: what has happened, the newest below.
+// LogPane: the list of events, newest last.
 #pragma once
 
 #include "apps/monitor/ListControl.h"
@@ -6,14 +6,14 @@
 
 namespace apps::monitor {
 
-// It belongs to the thread that makes its windows.
+// It belongs to the thread that creates its windows.
 class LogPane {
   public:
-    // False when the system makes no windows.
+    // Returns false if the windows cannot be created.
     bool create(CWnd& parent, int id) { return m_list.create(parent, id, L"What happens"); }
     ListControl& control() { return m_list; }
 
-    // Is shown at the next update.
+    // Adds a line, which is shown at the next update.
     void add(LogLine line);
     void update();
 

@@ -6,6 +6,7 @@
 
 #include "apps/common/Session.h"
 #include "apps/monitor/Backlog.h"
+#include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/Mutex.h"
 
 namespace apps::monitor {
@@ -13,7 +14,15 @@ namespace apps::monitor {
 // A listener that reports the backlog of its window. Any thread may call backlog.
 class MonitorListener : public NyServerApp {
   public:
-    Backlog backlog();
+    Backlog backlog() {
+        const ThreadListLock lock(*this);
+        Backlog backlog{getPostMsgCount(), getPostMessageLimit(), false};
+        for (const ThreadListEntry* entry = ThreadListFirst(); entry != nullptr;
+             entry = entry->next)
+            if (static_cast<const NyServerThreadApp*>(entry->worker)->isPaused())
+                backlog.isPaused = true;
+        return backlog;
+    }
 };
 
 // A session whose listener is a MonitorListener.

@@ -25,7 +25,7 @@ constexpr std::array<Button, kButtonCount> kButtons = {{{L"Lock...", ID_LOCK},
                                                         {L"Rename...", ID_RENAME}}};
 constexpr std::array kPaneIds = {IDC_USERS, IDC_CONNECTIONS, IDC_LOCKS};
 
-// True when windows of the class can be made.
+// Returns whether windows of the class can be created.
 bool registerClass() {
     WNDCLASSEXW traits{};
     traits.cbSize = sizeof traits;
@@ -45,7 +45,7 @@ HMENU asMenu(int id) {
 
 }  // namespace
 
-// Not later: its last messages need what it is made of.
+// Not later: its last messages need the members.
 MonitorWnd::~MonitorWnd() {
     DestroyWindow();
 }
@@ -75,7 +75,7 @@ bool MonitorWnd::onCreate() {
     return true;
 }
 
-// At its first size, as far as the screen has room.
+// Sets the initial size, limited to the screen.
 void MonitorWnd::placeOnScreen() {
     RECT area{};
     ::GetWindowRect(m_hWnd, &area);
@@ -121,7 +121,7 @@ void MonitorWnd::useDpi(int dpi) {
     for (ListPane& pane : m_panes) pane.control().setFont(font.get(), dpi);
     m_log.control().setFont(font.get(), dpi);
     m_status.setFont(font.get(), dpi);
-    m_font = std::move(font);  // the controls have let go of the one before
+    m_font = std::move(font);  // the controls no longer use the previous one
 }
 
 void MonitorWnd::onSize() {
@@ -146,17 +146,17 @@ void MonitorWnd::onDpiChanged(int dpi, const RECT& area) {
 }
 
 void MonitorWnd::onSizeLimits(MINMAXINFO& limits) const {
-    if (!m_font) return;  // too early to know
+    if (!m_font) return;  // before onCreate
     const SIZE client = smallestClient(m_dpi, textHeight(m_font.get()));
     RECT area{0, 0, client.cx, client.cy + m_status.height()};
     ::AdjustWindowRectExForDpi(&area, kWindowStyle, TRUE, 0, static_cast<UINT>(m_dpi));
     limits.ptMinTrackSize = {area.right - area.left, area.bottom - area.top};
 }
 
-LRESULT MonitorWnd::onNotify(NMHDR& notice) {
+LRESULT MonitorWnd::onNotify(NMHDR& header) {
     for (size_t i = 0; i < kPanes; ++i)
-        if (static_cast<int>(notice.idFrom) == kPaneIds[i]) m_panes[i].onNotify(notice);
-    if (notice.idFrom == IDC_LOG) m_log.control().onNotify(notice);
+        if (static_cast<int>(header.idFrom) == kPaneIds[i]) m_panes[i].onNotify(header);
+    if (header.idFrom == IDC_LOG) m_log.control().onNotify(header);
     return 0;
 }
 

@@ -21,8 +21,8 @@ class NyServerNotification;
 
 namespace apps::monitor {
 
-// Lists of users, connections and locks, a log and a status bar; nothing that it does waits for the
-// server. It belongs to the thread that makes it.
+// Lists of users, connections and locks, a log and a status bar. It never waits for the server. It
+// belongs to the thread that creates it.
 class MonitorWnd : public CWnd, private MonitorView {
   public:
     static constexpr wchar_t kClassName[] = L"nymonitor";
@@ -30,14 +30,15 @@ class MonitorWnd : public CWnd, private MonitorView {
     explicit MonitorWnd(const Account& account) : m_account(account) {}
     ~MonitorWnd() override;
 
-    // Makes the window, not yet visible, and connects. False when the system makes none.
+    // Creates the window, not yet visible, and connects. Returns false if the window cannot be
+    // created.
     bool create();
 
-    // For the message loop: true when the message was a shortcut or moved the keyboard on.
+    // For the message loop: returns true if the message was a shortcut or moved the focus.
     bool translate(MSG& message);
 
-    // Once the window has gone: waits so long for the talk with the server to end. False when that
-    // goes on; then this object's destructor waits for it.
+    // After the window is destroyed: waits for the worker to end. Returns false if it is still
+    // running; the destructor waits for it.
     bool stop(std::chrono::milliseconds timeOut) { return m_worker.stop(timeOut); }
 
   protected:
@@ -54,17 +55,17 @@ class MonitorWnd : public CWnd, private MonitorView {
     void onSize();
     void onDpiChanged(int dpi, const RECT& area);
     void onSizeLimits(MINMAXINFO& limits) const;
-    LRESULT onNotify(NMHDR& notice);
+    LRESULT onNotify(NMHDR& header);
     LRESULT onNotification(WPARAM wParam, LPARAM lParam);
     void showNotification(NyServerNotification& notification);
     void onActivate(bool isActive);
-    // Gives the keyboard back to the control that had it; a control that is off takes none.
+    // Returns the focus to the control that had it, unless that is disabled.
     void takeKeyboard();
     void onDestroy();
     void useDpi(int dpi);
-    // True when the listener has paused or flows again.
+    // Returns whether the listener has paused or resumed.
     bool watchBacklog(const Backlog& backlog);
-    // What was shown is brought up to date soon; many changes at once cost no more than one.
+    // Schedules an update of the window; many changes at once cause one update.
     void updateSoon();
     void update();
     bool isUpdateLate() const;
@@ -98,7 +99,7 @@ class MonitorWnd : public CWnd, private MonitorView {
     const Account m_account;
     int m_dpi = USER_DEFAULT_SCREEN_DPI;
     UniqueFont m_font;
-    HACCEL m_shortcuts = nullptr;  // the system's
+    HACCEL m_shortcuts = nullptr;  // owned by the system
 
     std::array<CWnd, kButtonCount> m_buttons;
     CWnd m_filterLabel;
@@ -108,7 +109,7 @@ class MonitorWnd : public CWnd, private MonitorView {
                                          ListPane(L"Locks", lockColumns())};
     LogPane m_log;
     StatusBar m_status;
-    HWND m_keyboard = nullptr;  // the control that had the keyboard when the window lost it
+    HWND m_keyboard = nullptr;  // the control that had the focus when the window was deactivated
 
     std::wstring m_state;
     LONG m_session = 0;  // this user's at the server

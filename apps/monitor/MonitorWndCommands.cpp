@@ -1,4 +1,4 @@
-// What the user can do in the window.
+// The user's commands.
 #include <algorithm>
 
 #include "apps/monitor/Dialogs.h"

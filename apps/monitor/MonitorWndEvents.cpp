@@ -1,7 +1,7 @@
-// What the server, the listener and the worker tell the window.
+// The events from the server, the listener and the worker.
 #include <utility>
 
-#include "apps/common/NoticeText.h"
+#include "apps/common/NotificationText.h"
 #include "apps/monitor/MonitorWnd.h"
 #include "apps/monitor/resource.h"
 #include "apps/monitor/Words.h"
@@ -25,7 +25,7 @@ constexpr int kRequestIds[] = {ID_LOCK, ID_UNLOCK, ID_OPEN, ID_CLOSE, ID_SEND, I
 
 }  // namespace
 
-// The listener that posted it may have gone meanwhile; then nobody counts.
+// The listener that posted it may have been destroyed meanwhile; then nobody counts.
 LRESULT MonitorWnd::onNotification(WPARAM wParam, LPARAM lParam) {
     bool hasTurned = false;
     const auto take = [&](MonitorListener* listener) {
@@ -51,7 +51,7 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
         NySe::readReplyObject(notification.getMemFile(), nullptr));
     const NySe::NotificationKind kind = NySe::notificationKind(action);
     addLog(std::to_wstring(action) + L' ' + wide(std::string(kind.words)),
-           wide(noticeContent(object.get())));
+           wide(notificationContent(object.get())));
     m_areTablesBehind = m_areTablesBehind || kind.changesTables;
 }
 
@@ -67,12 +67,12 @@ void MonitorWnd::updateSoon() {
     ::SetTimer(m_hWnd, kUpdateTimer, kUpdateDelay, nullptr);
 }
 
-// The timer's message comes only when no posted one waits.
+// The timer's message arrives only when no posted message is waiting.
 bool MonitorWnd::isUpdateLate() const {
     return m_isUpdateDue && ::GetTickCount64() - m_dueSince >= kUpdateDelay;
 }
 
-// Nor is anything painted while posted messages wait.
+// Nor does the window repaint while posted messages are waiting.
 void MonitorWnd::showAtOnce() {
     update();
     ::RedrawWindow(m_hWnd, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);

@@ -11,14 +11,14 @@ class ReconnectDelay {
   public:
     using Duration = std::chrono::milliseconds;
 
-    // The wait before the next attempt.
+    // Returns the wait before the next attempt.
     Duration next() {
         const Duration delay = m_next;
         m_next = std::min(2 * m_next, kLongest);
         return delay;
     }
 
-    // An attempt has succeeded.
+    // To be called when an attempt has succeeded.
     void reset() { m_next = kFirst; }
 
   private:

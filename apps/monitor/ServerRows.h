@@ -1,4 +1,4 @@
-// What the server's tables look like in the window's lists.
+// The server's tables as rows of the window's lists.
 #pragma once
 
 #include "apps/monitor/Table.h"
@@ -8,7 +8,7 @@
 
 namespace apps::monitor {
 
-// The columns, and the rows to them.
+// The columns and their rows.
 std::vector<Column> userColumns();
 std::vector<Column> connectionColumns();
 std::vector<Column> lockColumns();
@@ -16,11 +16,11 @@ std::vector<Column> lockColumns();
 // Keys: the session number, the id, the lock's name.
 std::vector<Row> userRows(const NySeUserPtrArray& users);
 std::vector<Row> connectionRows(const NySeConnectionArray& connections);
-// Holders have their user's name, or their session number when that has no user; a mode stands for
-// each holder, in words.
+// A holder is shown by user name, or by session number if the session has no user. There is one
+// mode per holder, in words.
 std::vector<Row> lockRows(const NySeLockArray& locks, const NySeUserPtrArray& users);
 
-// The three as of one moment.
+// The three tables, read one after the other.
 struct ServerRows {
     std::vector<Row> users;
     std::vector<Row> connections;

@@ -9,7 +9,7 @@ namespace apps::monitor {
 
 namespace {
 
-// How often the connection is checked while there is nothing to do.
+// The interval of the checks of the connection while there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
 // A failure does not show whether the server refused or did not answer. The time does: the client
@@ -129,7 +129,7 @@ std::wstring ServerWorker::serveOne() {
     } else if (takeRefresh()) {
         isAnswered = readTables();
     } else if (!m_session.client().IsConnected()) {
-        return words::goneAway();
+        return words::connectionLost();
     }
     return isAnswered ? std::wstring() : whyUnanswered();
 }
@@ -193,7 +193,7 @@ void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
 }
 
 std::wstring ServerWorker::whyUnanswered() {
-    return m_session.client().IsConnected() ? words::noAnswer() : words::goneAway();
+    return m_session.client().IsConnected() ? words::noAnswer() : words::connectionLost();
 }
 
 void ServerWorker::dropTasks() {

@@ -20,7 +20,7 @@ void StatusBar::setFont(HFONT font, int dpi) {
     ::SendMessageW(m_bar.GetSafeHwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
 }
 
-// The connection and the activity, which have most to say, share what the others leave.
+// The connection and the activity have the longest texts and share the remaining width.
 void StatusBar::fit() {
     ::SendMessageW(m_bar.GetSafeHwnd(), WM_SIZE, 0, 0);
     RECT client{};

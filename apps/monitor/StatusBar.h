@@ -10,12 +10,12 @@
 
 namespace apps::monitor {
 
-// It belongs to the thread that makes its window.
+// It belongs to the thread that creates its window.
 class StatusBar {
   public:
     enum Part { connection, activity, posted, flow };
 
-    // False when the system makes no window.
+    // Returns false if the window cannot be created.
     bool create(CWnd& parent, int id);
     void setFont(HFONT font, int dpi);
     // To be called when the parent's size changes.

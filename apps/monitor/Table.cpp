@@ -14,7 +14,7 @@ std::wstring lowered(std::wstring text) {
     return text;
 }
 
-// Below 0, 0 or above it, as left comes before right, beside it or after it.
+// Returns a number below 0, 0 or above 0 if left is before, equal to or after right.
 int compareNumbers(const std::wstring& left, const std::wstring& right) {
     const long a = std::wcstol(left.c_str(), nullptr, 10);
     const long b = std::wcstol(right.c_str(), nullptr, 10);

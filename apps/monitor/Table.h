@@ -1,4 +1,4 @@
-// Table: rows of text as a list shows them, sorted and filtered.
+// Table: rows of text for a list, sorted and filtered.
 #pragma once
 
 #include <string>
@@ -8,42 +8,42 @@ namespace apps::monitor {
 
 struct Column {
     const wchar_t* title;
-    int width;  // at 96 dots per inch, in pixels; also its share of the room that is left over
+    int width;  // at 96 dots per inch, in pixels; also its share of the remaining width
     bool isNumber = false;
 };
 
 struct Row {
-    std::wstring key;  // says which thing it is, also after the next change
+    std::wstring key;  // identifies the object, also after the next change
     std::vector<std::wstring> cells;
 };
 
-// Shown are the rows that have the filter's text in one of their cells, whatever its letter case.
-// They are ordered by one column: numbers by their value, texts without letter case, equal cells by
-// their keys. One object may be used by one thread at a time.
+// Shows the rows that have the filter's text in one of their cells, without letter case. They are
+// ordered by one column: numbers by their value, texts without letter case, equal cells by their
+// keys. One object may be used by one thread at a time.
 class Table {
   public:
-    // Ordered by the first column at first.
+    // Initially ordered by the first column.
     explicit Table(std::vector<Column> columns) : m_columns(std::move(columns)) {}
 
-    // Takes the place of all rows. REQUIRES: a cell for each column.
+    // Replaces all rows. REQUIRES: a cell for each column.
     void setRows(std::vector<Row> rows);
     // Empty: all rows are shown.
     void setFilter(const std::wstring& text);
-    // Orders by this column; the other way round when it was ordered by it.
+    // Orders by this column; reverses the order if it already is.
     void sortBy(int column);
 
     const std::vector<Column>& columns() const { return m_columns; }
     int sortColumn() const { return m_sortColumn; }
     bool isAscending() const { return m_isAscending; }
 
-    // All rows, and those shown.
+    // The number of all rows, and of those shown.
     int total() const { return static_cast<int>(m_rows.size()); }
     int count() const { return static_cast<int>(m_shown.size()); }
     // A shown row. REQUIRES: 0 <= index < count().
     const Row& at(int index) const { return m_rows[m_shown[static_cast<size_t>(index)]].row; }
     // A row, shown or not, as they were given. REQUIRES: 0 <= index < total().
     const Row& any(int index) const { return m_rows[static_cast<size_t>(index)].row; }
-    // Where the row with this key is shown; -1 when it is not.
+    // Returns the index of the shown row with this key; -1 if there is none.
     int find(const std::wstring& key) const;
 
   private:

@@ -13,7 +13,7 @@ CString toCString(const std::wstring& text) {
     return {text.c_str(), static_cast<int>(text.size())};
 }
 
-// The server does not say what came of it.
+// The server does not reply to it.
 constexpr wchar_t kSent[] = L"sent";
 
 void send(NySeClientApp& client, const Receiver& receiver, NySeMessage& message) {

@@ -1,4 +1,4 @@
-// What the user can have the worker do with the server.
+// The user's requests, which the worker sends.
 #pragma once
 
 #include <functional>
@@ -9,14 +9,14 @@
 namespace apps::monitor {
 
 struct Task {
-    std::wstring event;  // as the log calls it
+    std::wstring event;  // for the log
     std::wstring what;   // its object, as "part/42"
-    // Makes the request and returns the outcome in words. Whether the server has answered is found
-    // out afterwards.
+    // Sends the request and returns the outcome in words. The caller checks afterwards whether the
+    // server has answered.
     std::function<std::wstring(NySeClientApp& client, Account& account)> run;
 };
 
-// Who is sent something: the user of a session, or everybody.
+// A receiver of a message: the user of a session, or everybody.
 struct Receiver {
     static constexpr LONG kEverybody = -1;
 
@@ -29,7 +29,7 @@ Task unlockTask(const std::wstring& name);
 Task openTask(const std::wstring& connection);
 Task closeTask(const std::wstring& connection, LONG id);
 Task sendTask(const Receiver& receiver, const std::wstring& text);
-// The account keeps a name that the server has taken.
+// Sets the account's user to a name that the server accepts.
 Task renameTask(const std::wstring& name);
 
 }  // namespace apps::monitor

@@ -33,11 +33,11 @@ std::wstring noConnection(const Account& account) {
 }
 
 std::wstring noPort() {
-    return L"The server gives no port that is free here";
+    return L"The server has no port that is free on this machine";
 }
 
-std::wstring goneAway() {
-    return L"The server has gone away";
+std::wstring connectionLost() {
+    return L"The connection to the server was lost";
 }
 
 std::wstring noAnswer() {
@@ -45,7 +45,7 @@ std::wstring noAnswer() {
 }
 
 std::wstring noMemory() {
-    return L"There is not enough memory";
+    return L"Out of memory";
 }
 
 std::wstring notConnected() {

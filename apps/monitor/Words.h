@@ -11,7 +11,7 @@
 
 namespace apps::monitor {
 
-// Texts of the window are UTF-16, as the system's own.
+// Texts of the window are UTF-16, like the system's.
 std::wstring wide(const CString& text);
 std::wstring wide(const std::string& utf8);
 
@@ -19,14 +19,14 @@ namespace words {
 
 std::wstring connecting(const Account& account);
 std::wstring connected(const Account& account, const NySeUser& user);
-// Why there is no connection, and how long it takes until the next attempt.
+// The reason why there is no connection, and the time until the next attempt.
 std::wstring waiting(const std::wstring& reason, std::chrono::milliseconds delay);
 std::wstring noConnection(const Account& account);
 std::wstring noPort();
-std::wstring goneAway();
+std::wstring connectionLost();
 std::wstring noAnswer();
 std::wstring noMemory();
-// What came of a request.
+// The outcome of a request.
 std::wstring notConnected();
 
 // As "Posted 3 of 9000".

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kWrongUsage = 2;
 
-// Where whoever started the program reads it: a program with windows often has no output.
+// A program with windows often has no standard output; then shows a message box.
 void say(const std::string& text) {
     if (::GetFileType(::GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_UNKNOWN) {
         AfxMessageBox(fromUtf8(text));
@@ -22,7 +22,7 @@ void say(const std::string& text) {
     std::fflush(stdout);
 }
 
-// Nothing has to be put in order, and a thread may still wait for the server.
+// There is nothing to save, and a thread may still wait for the server.
 void endAtOnce() {
     ::TerminateProcess(::GetCurrentProcess(), 0);
 }

@@ -1,4 +1,4 @@
-// What the commands of nyctl are made of. Internal to the programs.
+// Types and functions of the commands of nyctl.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -8,10 +8,18 @@
 
 #include "apps/common/Session.h"
 #include "apps/common/Utf8.h"
-#include "apps/nyctl/ExitStatus.h"
 #include "apps/nyctl/Output.h"
 
 namespace apps::nyctl {
+
+// The exit status of nyctl. Scripts test these numbers: do not change them.
+enum ExitStatus : int {
+    exitYes = 0,       // yes, granted, done
+    exitNo = 1,        // no, refused
+    exitUsage = 2,     // the command line was wrong
+    exitNoAnswer = 3,  // no connection, or no answer
+    exitTimeOut = 4    // timed out
+};
 
 struct Context {
     Session& session;
@@ -22,7 +30,8 @@ struct Context {
 
 using Run = std::function<ExitStatus(Context&)>;
 
-// One row a command. define: adds its arguments to `command` and returns what runs with them.
+// One row per command. `define` adds its arguments to `command` and returns the function that runs
+// it.
 struct Command {
     const char* name;
     const char* help;
@@ -35,9 +44,9 @@ extern const std::vector<Command> kUserCommands;
 extern const std::vector<Command> kLockCommands;
 extern const std::vector<Command> kConnectionCommands;
 extern const std::vector<Command> kServerCommands;
-extern const std::vector<Command> kOnlineCommands;  // below "online"; without a server
+extern const std::vector<Command> kOnlineCommands;  // below "online"; they need no server
 
-// A required argument, filled when the line is parsed; it lives as long as what runs with it.
+// Adds a required argument, which is set when the line is parsed.
 template <class Value>
 std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char* help) {
     auto value = std::make_shared<Value>();
@@ -48,20 +57,21 @@ std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char*
 // Reports it and closes the connection. Returns exitNoAnswer.
 ExitStatus noAnswer(Context& context);
 
-// For calls that do not report a failure: `status` when the server still answers, else noAnswer.
+// For calls that do not report a failure. Returns `status` if the server still answers, else
+// noAnswer.
 ExitStatus ifAnswered(Context& context, ExitStatus status);
 
-// Registers the user unless that was done. Returns exitYes, exitNo when refused, exitNoAnswer.
+// Registers the user unless that was done. Returns exitYes, exitNo if refused, or exitNoAnswer.
 ExitStatus ensureRegistered(Context& context);
 
-// In hex, as "0x18".
+// Returns the mode in hex, as "0x18".
 std::string shareModeDigits(unsigned mode);
 
 Record describe(const NySeUser& user);
 Record describe(const NySeConnection& connection);
 void printUsers(Context& context, const NySeUserPtrArray& users);
 
-// Copies the server's user of that name into `user`. False when there is none.
+// Copies the server's user with that name into `user`. Returns false if there is none.
 bool findUser(Context& context, const std::string& name, NySeUser& user);
 
 }  // namespace apps::nyctl

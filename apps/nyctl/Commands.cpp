@@ -1,16 +1,15 @@
 #include "apps/nyctl/Commands.h"
 
-#include "apps/nyctl/CommandTools.h"
 #include "apps/nyctl/Doctor.h"
 
 namespace apps::nyctl {
 
 namespace {
 
-// It makes connections of its own, so that it can say why there is none.
+// Makes its own connections, so that it can report why one fails.
 const std::vector<Command> kDoctor = {
     {"doctor",
-     "Check in seven steps what a host needs of the server, and explain the first failure",
+     "Check in seven steps what a host needs from the server, and explain the first failure",
      "doctor", &defineDoctor}};
 
 enum class Needs { server, nothing };
@@ -50,7 +49,7 @@ void addCommands(CLI::App& app, Session& session, const Output& output, ExitStat
     }
     adder.add(app, kDoctor, Needs::nothing);
     CLI::App* const online =
-        app.add_subcommand("online", "Asks the maker's online service, not the central server");
+        app.add_subcommand("online", "Query the maker's online service, not the central server");
     online->require_subcommand(1);
     online->footer("Example: nyctl online ping");
     adder.add(*online, kOnlineCommands, Needs::nothing);

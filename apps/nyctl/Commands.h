@@ -1,16 +1,12 @@
 // The commands of nyctl, the same on the command line and in the shell.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
-#include "apps/common/Session.h"
-#include "apps/nyctl/ExitStatus.h"
-#include "apps/nyctl/Output.h"
+#include "apps/nyctl/CommandTools.h"
 
 namespace apps::nyctl {
 
-// Adds every command to `app`; parsing a line that names one runs it and leaves its outcome in
-// `status`. All three must outlive `app`.
+// Adds every command to `app`. Parsing a line with a command runs it and sets `status` to its
+// outcome. All three must outlive `app`.
 void addCommands(CLI::App& app, Session& session, const Output& output, ExitStatus& status);
 
 }  // namespace apps::nyctl

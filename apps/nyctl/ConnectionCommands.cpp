@@ -55,8 +55,8 @@ Run defineConnections(CLI::App&) {
 const std::vector<Command> kConnectionCommands = {
     {"open", "Open a connection", "open 'Server=a;Db=b'", &defineOpen},
     {"close", "Close a connection once", "close 0", &defineClose},
-    {"openers", "Who has a connection open", "openers 0", &defineOpeners},
-    {"connections", "All connections", "connections", &defineConnections},
+    {"openers", "List the users who have a connection open", "openers 0", &defineOpeners},
+    {"connections", "List all connections", "connections", &defineConnections},
 };
 
 }  // namespace apps::nyctl

@@ -1,4 +1,4 @@
-// The checks of the connection, and how all are shown.
+// The checks of the connection, and the output of all checks.
 #include "apps/nyctl/Doctor.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ Options withOwnUser(Options options) {
     return options;
 }
 
-// `text` in a column of that width.
+// Returns `text` padded to that width.
 std::string cell(std::string text, size_t width) {
     text.resize(std::max(width, text.size()), ' ');
     return text;
@@ -53,7 +53,7 @@ const std::array<Doctor::Check, 7> Doctor::kChecks = {
     {{"name look-up", &Doctor::lookUpName},
      {"connect", &Doctor::connect},
      {"schema", &Doctor::agreeOnSchema},
-     {"liveness", &Doctor::askForLife},
+     {"liveness", &Doctor::checkLiveness},
      {"registration", &Doctor::registerUser},
      {"listener port", &Doctor::awaitServer},
      {"window message", &Doctor::awaitNotification}}};
@@ -83,13 +83,13 @@ Finding Doctor::lookUpName() {
     const char* const name = m_server.host.c_str();
     if (client.IsIPAddress(name) == 1) {
         m_dotted = m_server.host;
-        return Finding::well(m_dotted + " is an address");
+        return Finding::ok(m_dotted + " is an address");
     }
     char dotted[30] = "";
     if (client.GetAddressFromName(name, dotted, sizeof dotted) == UTE_SUCCESS) m_dotted = dotted;
-    if (!m_dotted.empty()) return Finding::well(m_server.host + " is " + m_dotted);
+    if (!m_dotted.empty()) return Finding::ok(m_server.host + " is " + m_dotted);
     return {"no address of " + m_server.host, "this machine's name service does not know the name",
-            "look at the spelling; try the IPv4 address in its place: nyctl --server ADDRESS:" +
+            "check the spelling; try the IPv4 address instead: nyctl --server ADDRESS:" +
                 std::to_string(m_server.port) + " doctor",
             exitNoAnswer};
 }
@@ -101,20 +101,20 @@ Finding Doctor::connect() {
         outcome = ConnectOutcome::refused;
     switch (outcome) {
         case ConnectOutcome::connected:
-            return Finding::well(where + " takes connections");
+            return Finding::ok(where + " accepts connections");
         case ConnectOutcome::refused:
             return {where + " refuses connections",
-                    "the machine is there, but no program listens at this port of this address",
-                    "start the central server, and give the port that it says it listens on; one "
-                    "that listens on 127.0.0.1 is for its own machine only (nycentral --bind)",
+                    "the machine is reached, but no program listens on this port of this address",
+                    "start the central server, and use the port that it prints; a server that "
+                    "listens on 127.0.0.1 accepts only its own machine (nycentral --bind)",
                     exitNoAnswer};
         case ConnectOutcome::unreachable:
-            return {where + " cannot be reached", "no network leads from this machine to that one",
-                    "look at the address, and at this machine's network", exitNoAnswer};
+            return {where + " cannot be reached", "no network route leads to that machine",
+                    "check the address and this machine's network", exitNoAnswer};
         default:
             return {where + " does not answer within " + timeOut(),
-                    "the machine is off, or a firewall swallows what is sent to this port",
-                    "look whether the machine runs, and let the port through the firewalls",
+                    "the machine is off, or a firewall drops the packets to this port",
+                    "check that the machine is running, and open the port in the firewalls",
                     exitNoAnswer};
     }
 }
@@ -123,41 +123,41 @@ Finding Doctor::agreeOnSchema() {
     NySeClientApp& client = m_session.client();
     client.initializeSchema();
     const auto schema = static_cast<unsigned>(client.getSchemaType());
-    if (schema == NySe::schema2015) return Finding::well(std::to_string(schema));
+    if (schema == NySe::schema2015) return Finding::ok(std::to_string(schema));
     if (schema != NySe::noSchema)
         return {"the server grants " + std::to_string(schema) + ", not 2015",
-                "it writes its records otherwise, or it is no central server at all",
-                "use a central server of schema 2015; look whether the port is that of another "
+                "it uses another record format, or it is not a central server",
+                "use a central server of schema 2015; check whether the port is that of another "
                 "program",
                 exitNo};
     if (client.IsConnected() == 0)
         return {"the server closes the connection",
-                "it serves as many clients as it may, or it is no central server",
-                "look at what it says; have other clients end, or start it with a larger "
-                "--max-sessions; look whether the port is that of another program",
+                "it has as many clients as its limit allows, or it is not a central server",
+                "read its output; disconnect other clients, or start it with a larger "
+                "--max-sessions; check whether the port is that of another program",
                 exitNoAnswer};
-    return {"no schema within 15 s", "it hangs, or what listens there is no central server",
-            "look whether the port is that of another program; start the server again",
-            exitNoAnswer};
+    return {"no schema within 15 s", "it hangs, or it is not a central server",
+            "check whether the port is that of another program; restart the server", exitNoAnswer};
 }
 
-Finding Doctor::askForLife() {
-    if (m_session.client().isAlive()) return Finding::well("the server says that it is alive");
-    return {"no sign of life", "the server agreed on the schema, but then stopped answering",
-            "look at what it says and at how busy its machine is; start it again", exitNoAnswer};
+Finding Doctor::checkLiveness() {
+    if (m_session.client().isAlive()) return Finding::ok("the server is alive");
+    return {"the server does not reply",
+            "the server agreed on the schema, but then stopped answering",
+            "read its output, check the load of its machine; restart it", exitNoAnswer};
 }
 
 Finding Doctor::registerUser() {
     if (m_session.registerUser())
-        return Finding::well(m_options.user + " is session " +
-                             std::to_string(user().getSessionNumber()) + ", to be told at port " +
-                             std::to_string(user().getPort()));
+        return Finding::ok(m_options.user + " is session " +
+                           std::to_string(user().getSessionNumber()) + ", notifications to port " +
+                           std::to_string(user().getPort()));
     if (!m_session.client().isAlive())
-        return {"no answer", "the server stopped answering when a user was to be registered",
-                "look at what it says; start it again", exitNoAnswer};
+        return {"no answer", "the server stopped answering when the user was registered",
+                "read its output; restart it", exitNoAnswer};
     return {"the server refuses " + m_options.user,
-            "it has no notification port left, or takes no such user",
-            "have other users end, or start the server with more --ports; try another --user",
+            "it has no notification port left, or does not accept that name",
+            "disconnect other users, or start the server with more --ports; try another --user",
             exitNo};
 }
 
@@ -166,7 +166,7 @@ Run defineDoctor(CLI::App& command) {
     auto timeOut = std::make_shared<int>(15);
     command
         .add_option("--timeout", *timeOut,
-                    "Seconds that the server has for a connection and for a notification")
+                    "Time-out in seconds for a connection and for a notification")
         ->check(CLI::Range(1, kLongest))
         ->capture_default_str();
     return [timeOut](Context& context) {

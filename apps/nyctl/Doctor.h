@@ -1,4 +1,4 @@
-// Doctor: what a host needs of a central server, tried one after the other.
+// Doctor: checks one after the other what a host needs from a central server.
 #pragma once
 
 #include <array>
@@ -9,17 +9,17 @@
 
 namespace apps::nyctl {
 
-// What one check found.
+// The result of one check.
 struct Finding {
     std::string found;    // in a few words
-    std::string meaning;  // of a failure, in a sentence; empty when all is well
+    std::string meaning;  // of a failure, in a sentence; empty if there is none
     std::string remedy;   // what to do, in a sentence
     ExitStatus status = exitYes;
 
-    static Finding well(std::string found) { return {std::move(found), {}, {}, exitYes}; }
+    static Finding ok(std::string found) { return {std::move(found), {}, {}, exitYes}; }
 };
 
-// It has connections and a listener of its own, and a user, who is gone when it is. Used by one
+// Has its own connections, listener and user; the user is removed when it is destroyed. Used by one
 // thread, for one run.
 class Doctor {
   public:
@@ -28,14 +28,14 @@ class Doctor {
         Finding (Doctor::*run)();
     };
 
-    // In their order. Each needs what the ones before it have found well.
+    // In order. Each requires that the ones before it succeeded.
     static const std::array<Check, 7> kChecks;
 
-    // `options` say where the server is and, when isUserChosen, the name to register under.
-    // `timeOut`: how long the server has for a connection or a notification.
+    // `options` has the server and, if isUserChosen, the name to register under. `timeOut` is for a
+    // connection and for a notification.
     Doctor(const Options& options, std::chrono::seconds timeOut);
 
-    // Shows each check; none is tried behind the first that fails. The status of that one, or
+    // Runs and shows the checks up to the first that fails. Returns the status of that one, or
     // exitYes.
     ExitStatus examine(const Output& output);
 
@@ -45,17 +45,17 @@ class Doctor {
     Finding lookUpName();
     Finding connect();
     Finding agreeOnSchema();
-    Finding askForLife();
+    Finding checkLiveness();
     Finding registerUser();
     Finding awaitServer();
     Finding awaitNotification();
 
-    // A text for this user from another session, which is no user's. False when the server does not
-    // take it.
+    // Sends a text to this user from another session, which is not registered. Returns false if the
+    // server does not accept it.
     bool sendToUser(const std::string& text);
-    // Sends it and waits for it to come to a window. A finding of failure, or well.
+    // Sends the text and waits until it arrives at a window.
     Finding passThroughWindow(const std::string& text);
-    // Dispatches messages until `isDone`; false when the timeout ends before that.
+    // Dispatches messages until `isDone` returns true. Returns false at the time-out.
     template <class Condition>
     bool waitFor(Condition isDone) const;
     std::string timeOut() const { return std::to_string(m_timeOut.count()) + " s"; }
@@ -64,7 +64,7 @@ class Doctor {
     const Options m_options;
     const ServerAddress m_server;
     const std::chrono::seconds m_timeOut;
-    std::string m_dotted;  // the server's address once it is known
+    std::string m_dotted;  // the server's address, after the look-up
     Session m_session;
 };
 

@@ -1,4 +1,4 @@
-// The checks of the way back: from the server to this user's listener and its window.
+// The checks from the server to this user's listener and its window.
 #include <memory>
 
 #include "apps/nyctl/Doctor.h"
@@ -10,7 +10,7 @@ namespace apps::nyctl {
 
 namespace {
 
-// How often is looked whether what is waited for has come, in milliseconds.
+// The interval of the checks while waiting, in milliseconds.
 constexpr DWORD kWaitRound = 20;
 
 // A text that no other doctor sends.
@@ -27,9 +27,9 @@ bool holds(CMemFile& payload, const std::string& text) {
 }
 
 Finding noSecondSession() {
-    return {"the server serves no second session",
-            "it serves as many clients as it may, or stopped answering",
-            "look at what it says; have other clients end, or start it with a larger "
+    return {"the server accepts no second session",
+            "it has as many clients as its limit allows, or stopped answering",
+            "read its output; disconnect other clients, or start it with a larger "
             "--max-sessions",
             exitNoAnswer};
 }
@@ -57,57 +57,59 @@ bool Doctor::sendToUser(const std::string& text) {
     return other.client().isAlive();
 }
 
-// The server connects when it has something to tell. Nothing is shown of it: there is no window
-// yet.
+// The server connects when it has a notification. There is no window yet, so it is not shown.
 Finding Doctor::awaitServer() {
     if (!m_session.listenFrom(user().getPort()))
-        return {"the server gives no port that is free here",
-                "other programs of this machine listen at all the ports that it has to give",
+        return {"the server has no port that is free on this machine",
+                "other programs of this machine listen on all the ports that it assigns",
                 "end those programs, or start the server with other --ports", exitNo};
     const NyServerApp& listener = m_session.listener();
     const std::string port = std::to_string(listener.getPortNumber());
     if (!sendToUser(ownText())) return noSecondSession();
     if (waitFor([&listener] { return listener.GetNumConnections() > 0; }))
-        return Finding::well("the server has come to port " + port);
-    return {"nobody has come to port " + port + " within " + timeOut(),
-            "the server cannot reach this machine's listener: a firewall keeps it out, or an "
-            "address is translated between the two machines",
-            "let the server's machine through to the ports that it hands out (nycentral --ports) "
-            "on this machine's firewall, and on those between",
-            exitNoAnswer};
+        return Finding::ok("the server connected to port " + port);
+    return {
+        "no connection to port " + port + " within " + timeOut(),
+        "the server cannot reach this machine's listener: a firewall blocks it, or an "
+        "address is translated between the two machines",
+        "allow the server's machine to connect to the ports that it assigns (nycentral --ports) "
+        "in this machine's firewall and those between",
+        exitNoAnswer};
 }
 
 Finding Doctor::awaitNotification() {
     try {
         return passThroughWindow(ownText());
     } catch (const std::runtime_error& error) {  // no window
-        return {error.what(), "notifications come as messages of a window, and there can be none",
-                "run it in a session that may have windows, with fewer windows open", exitNo};
+        return {error.what(),
+                "notifications arrive as messages of a window, and none can be created",
+                "run it in a session that allows windows, with fewer windows open", exitNo};
     }
 }
 
 Finding Doctor::passThroughWindow(const std::string& text) {
-    bool hasCome = false;
+    bool isReceived = false;
     NyServerApp& listener = m_session.listener();
     const WatchWindow window(listener, [&](NySe::ActionType, CMemFile& payload) {
-        hasCome = hasCome || holds(payload, text);
+        isReceived = isReceived || holds(payload, text);
     });
     const auto begin = Clock::now();
     if (!sendToUser(text)) return noSecondSession();
-    if (!waitFor([&hasCome] { return hasCome; }))
-        return {"no notification within " + timeOut(),
-                "the server came to the listener, but tells it nothing that was sent to the user",
-                "look at what the server says; look whether a program between the two machines "
-                "takes connections in the listener's place",
-                exitNoAnswer};
+    if (!waitFor([&isReceived] { return isReceived; }))
+        return {
+            "no notification within " + timeOut(),
+            "the server connected to the listener, but does not forward what was sent to the user",
+            "read the server's output; check whether a program between the two machines "
+            "accepts connections in place of the listener",
+            exitNoAnswer};
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-    // Others may have been told something, too.
+    // There may be notifications of other users, too.
     if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }))
         return {"messages that are not consumed: " + std::to_string(listener.getPostMsgCount()),
-                "notifications come faster than the window takes them",
-                "have the other users send less, and try again", exitNo};
-    return Finding::well("a notification came within " + std::to_string(taken.count()) +
-                         " ms; none is left to consume");
+                "notifications arrive faster than the window consumes them",
+                "have the other users send less, and retry", exitNo};
+    return Finding::ok("a notification arrived after " + std::to_string(taken.count()) +
+                       " ms; all are consumed");
 }
 
 }  // namespace apps::nyctl

@@ -45,7 +45,7 @@ Run defineHolders(CLI::App& command) {
     return [name = argument<std::string>(command, "NAME", "The lock's name")](Context& context) {
         NySeUserPtrArray users;
         const bool held = context.client().isLockBy(fromUtf8(*name), users);
-        // Yes without a holder: the table that follows the yes was lost.
+        // Held without a holder: the table that follows the status was lost.
         if (held && users.GetSize() == 0) return noAnswer(context);
         const ExitStatus status = held ? exitYes : ifAnswered(context, exitNo);
         if (status != exitNoAnswer) printUsers(context, users);
@@ -76,7 +76,7 @@ Run defineLocks(CLI::App&) {
                 rows.push_back(describe(*locks[i], *holders[j], users));
             }
         }
-        // An empty table may also mean that no answer came.
+        // An empty table may also mean that no answer arrived.
         const bool isCertain = !rows.empty() && users.GetSize() > 0;
         const ExitStatus status = isCertain ? exitYes : ifAnswered(context, exitYes);
         if (status == exitYes) {
@@ -89,10 +89,10 @@ Run defineLocks(CLI::App&) {
 }  // namespace
 
 const std::vector<Command> kLockCommands = {
-    {"lock", "Take a lock under a share mode", "lock part/42 --mode 0x18", &defineLock},
+    {"lock", "Request a lock under a share mode", "lock part/42 --mode 0x18", &defineLock},
     {"unlock", "Release a lock", "unlock part/42", &defineUnlock},
-    {"holders", "Who holds a lock", "holders part/42", &defineHolders},
-    {"locks", "All locks with their holders", "locks", &defineLocks},
+    {"holders", "List the users who hold a lock", "holders part/42", &defineHolders},
+    {"locks", "List all locks and their holders", "locks", &defineLocks},
 };
 
 }  // namespace apps::nyctl

@@ -6,7 +6,7 @@ namespace apps::nyctl {
 
 namespace {
 
-// "production", "test", or an address; why it is none of these, or "".
+// Returns an error message, empty for "production", "test" and an http address.
 std::string checkService(const std::string& service) {
     const bool isAddress = service.rfind("http://", 0) == 0 || service.rfind("https://", 0) == 0;
     if (service == "production" || service == "test" || isAddress) return {};
@@ -17,13 +17,13 @@ std::shared_ptr<std::string> serviceOption(CLI::App& command) {
     auto service = std::make_shared<std::string>("production");
     command
         .add_option("--service", *service,
-                    "production, test or an http address; ends in a slash, or is given one")
+                    "production, test or an http address; a missing final slash is added")
         ->check(checkService)
         ->capture_default_str();
     return service;
 }
 
-// Chooses a service for as long as it lives; then it is production again.
+// Selects a service while it exists, and production again afterwards.
 class ChosenService {
   public:
     explicit ChosenService(const std::string& service) : m_address(fromUtf8(service)) {
@@ -75,10 +75,11 @@ Run defineVersion(CLI::App& command) {
 }  // namespace
 
 const std::vector<Command> kOnlineCommands = {
-    {"ping", "Whether the service can be reached: 0 yes, 3 no", "online ping --service test",
+    {"ping", "Check whether the service can be reached: 0 yes, 3 no", "online ping --service test",
      &defineOnlinePing},
     {"version",
-     "The version published for a product: 0 found, 1 none or no production service, 3 no answer",
+     "Show the version published for a product: 0 found, 1 none or no production service, 3 no "
+     "answer",
      "online version 42", &defineVersion},
 };
 

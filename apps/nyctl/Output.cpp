@@ -8,7 +8,7 @@ namespace apps::nyctl {
 
 namespace {
 
-// The control characters: U+0000 to U+001F but the tab, U+007F, and U+0080 to U+009F in their two
+// Control characters are U+0000 to U+001F except the tab, U+007F, and U+0080 to U+009F in two
 // bytes.
 bool isControl(const std::string& utf8, size_t at) {
     const auto byte = [&utf8](size_t i) { return static_cast<unsigned char>(utf8[i]); };
@@ -16,7 +16,7 @@ bool isControl(const std::string& utf8, size_t at) {
     return (byte(at) < ' ' && byte(at) != '\t') || byte(at) == 0x7F;
 }
 
-// For people: what other users chose as their names must not steer the terminal.
+// Names chosen by other users must not control the terminal.
 std::string printable(const std::string& utf8) {
     std::string text;
     for (size_t i = 0; i < utf8.size(); ++i) {

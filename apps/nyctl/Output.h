@@ -1,13 +1,20 @@
-// Output: what the commands find, as a table for people or as JSON for programs.
+// Output: prints results as tables or as JSON.
 #pragma once
 
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "apps/nyctl/Options.h"
+#include "apps/common/Session.h"
 
 namespace apps::nyctl {
+
+// The options before the command.
+struct Options : Account {
+    bool json = false;
+    bool isShell = false;       // commands are read from standard input
+    bool isUserChosen = false;  // given, not the login name
+};
 
 using Record = nlohmann::ordered_json;
 
@@ -16,21 +23,21 @@ class Output {
     // The options are read when something is printed; they must outlive this object.
     explicit Output(const Options& options) : m_options(options) {}
 
-    // One thing: "name: value" lines, or one object.
+    // Prints one record: "name: value" lines, or one object.
     void record(const Record& record) const;
-    // Many things of one kind: a row each under `columns`, or an object each.
+    // Prints records of one kind: a row each under `columns`, or an object each.
     void table(const std::vector<std::string>& columns, const std::vector<Record>& rows) const;
-    // Lines of text: as they are, or one object {name: line} each.
+    // Prints lines of text: as they are, or one object {name: line} each.
     void lines(const char* name, const std::vector<std::string>& lines) const;
-    // The next thing of a series that goes on: `lines`, or one object. Nothing is held back.
+    // Prints the next item of a series: `lines`, or one object.
     void next(const std::vector<std::string>& lines, const Record& record) const;
-    // What was said before the command.
+    // The options before the command.
     const Options& options() const { return m_options; }
-    // The lines of a text, without their ends.
+    // Returns the lines of a text without line ends.
     static std::vector<std::string> split(const std::string& text);
-    // What is no result, on standard error.
+    // Prints to standard error what is not a result.
     static void note(const std::string& text);
-    // Why a command failed.
+    // Reports why a command failed.
     static void complain(const std::string& text) { note(text); }
 
   private:

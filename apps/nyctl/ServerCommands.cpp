@@ -56,7 +56,7 @@ Run defineVerify(CLI::App&) {
 }
 
 Run defineEvents(CLI::App& command) {
-    return [count = argument<int>(command, "N", "How many events at most")](Context& context) {
+    return [count = argument<int>(command, "N", "The maximum number of events")](Context& context) {
         const std::string events = toUtf8(context.client().getEventListFromEventViewer(*count));
         const ExitStatus status = events.empty() ? ifAnswered(context, exitYes) : exitYes;
         if (status == exitYes) context.output.lines("event", Output::split(events));
@@ -66,7 +66,7 @@ Run defineEvents(CLI::App& command) {
 
 Run defineShutdown(CLI::App&) {
     return [](Context& context) {
-        // After the request the server does not answer any more.
+        // After the request the server no longer answers.
         const ExitStatus status = ifAnswered(context, exitYes);
         if (status == exitYes) context.client().shutDownServer();
         return status;
@@ -76,12 +76,13 @@ Run defineShutdown(CLI::App&) {
 }  // namespace
 
 const std::vector<Command> kServerCommands = {
-    {"ping", "Whether the server is alive, its version and the schema agreed", "ping", &definePing},
-    {"time", "The server's time in seconds since 1970", "time", &defineTime},
-    {"machine", "The identity of the server's machine", "machine", &defineMachine},
-    {"info", "The server-information block", "info", &defineInfo},
+    {"ping", "Show whether the server is alive, its version and the agreed schema", "ping",
+     &definePing},
+    {"time", "Show the server's time in seconds since 1970", "time", &defineTime},
+    {"machine", "Show the identity of the server's machine", "machine", &defineMachine},
+    {"info", "Show information about the server", "info", &defineInfo},
     {"verify", "Have the server check its tables", "verify", &defineVerify},
-    {"events", "The server's last events, newest first", "events 10", &defineEvents},
+    {"events", "Show the server's last events, newest first", "events 10", &defineEvents},
     {"shutdown", "Stop the server", "shutdown", &defineShutdown},
 };
 

@@ -1,4 +1,4 @@
-// The shell: commands from standard input, one a line, all on one connection.
+// The shell: commands from standard input, one per line, all on one connection.
 #pragma once
 
 #include "apps/nyctl/Commands.h"
@@ -6,7 +6,7 @@
 namespace apps::nyctl {
 
 // Runs until the end of the input or the line "exit". Empty lines and lines that begin with # are
-// passed over. Returns the outcome of the last command that was not exitYes, or exitYes.
+// skipped. Returns the outcome of the last command that was not exitYes, or exitYes.
 ExitStatus runShell(Session& session, const Output& output);
 
 }  // namespace apps::nyctl

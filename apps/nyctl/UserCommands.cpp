@@ -1,6 +1,6 @@
 // The commands about users and what is sent to them.
 #include "apps/nyctl/CommandTools.h"
-#include "apps/nyctl/WatchCommand.h"
+#include "apps/nyctl/Watch.h"
 #include "NyServer/records/NySeMessage.h"
 
 namespace apps::nyctl {
@@ -25,7 +25,7 @@ Run defineUsers(CLI::App&) {
     return [](Context& context) {
         NySeUserPtrArray users;
         context.client().getAllUser(users);
-        // An empty table may also mean that no answer came.
+        // An empty table may also mean that no answer arrived.
         const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
         if (status == exitYes) printUsers(context, users);
         return status;
@@ -82,14 +82,14 @@ Run defineSendConnection(CLI::App& command) {
 
 const std::vector<Command> kUserCommands = {
     {"register", "Register the user and show its record", "register", &defineRegister},
-    {"users", "The users that the server knows", "users", &defineUsers},
-    {"port", "Another port for the user's listener", "port", &definePort},
-    {"rename", "Give the user another name", "rename Anna", &defineRename},
+    {"users", "List the registered users", "users", &defineUsers},
+    {"port", "Request another port for the user's listener", "port", &definePort},
+    {"rename", "Rename the user", "rename Anna", &defineRename},
     {"send-connection", "Send a text to the users of a connection",
      "send-connection 0 1 'model saved'", &defineSendConnection},
     {"send-user", "Send a text to one user", "send-user Bob 'are you there?'", &defineSendUser},
     {"send-all", "Send a text to all users", "send-all 'back in five minutes'", &defineSendAll},
-    {"watch", "Register, and show each notification as it comes", "watch --count 3 --timeout 60",
+    {"watch", "Register, and show each notification as it arrives", "watch --count 3 --timeout 60",
      &defineWatch},
 };
 

@@ -1,14 +1,14 @@
 #include "apps/nyctl/Watch.h"
 
 #include "apps/common/StopRequest.h"
-#include "apps/nyctl/Notice.h"
+#include "apps/nyctl/Notification.h"
 #include "apps/nyctl/WatchWindow.h"
 
 namespace apps::nyctl {
 
 namespace {
 
-// How often the server is looked for and the time is looked at, in milliseconds.
+// The interval of the checks of the connection and the time-out, in milliseconds.
 constexpr DWORD kRound = 100;
 
 void awaitMessage() {
@@ -21,25 +21,25 @@ void awaitMessage() {
 ExitStatus Watch::run() {
     const StopRequest stopRequest;
     const ExitStatus status = follow();
-    if (status == exitNo) Output::complain("the server gives no port that is free here");
-    // Not earlier: the window uses the listener, which goes with the connection.
+    if (status == exitNo) Output::complain("the server has no port that is free on this machine");
+    // Not earlier: the window uses the listener, which is destroyed with the connection.
     return status == exitNoAnswer ? noAnswer(m_context) : status;
 }
 
-// The window is there before the listener, so that nothing is missed from the registration on.
+// The window exists before the listener starts, so that no notification is missed.
 ExitStatus Watch::follow() {
     NyServerApp& listener = m_context.session.listener();
     const WatchWindow window(
         listener, [this](NySe::ActionType action, CMemFile& payload) { show(action, payload); });
     if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoAnswer;
-    Output::note("watching at port " + std::to_string(listener.getPortNumber()));
+    Output::note("listening on port " + std::to_string(listener.getPortNumber()));
     m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
         if (const auto end = outcome()) return *end;
         if (dispatchNextMessage()) continue;
-        // Only now: what came before the server went away is shown first.
+        // Checked last, so that notifications received before the connection was lost are shown.
         if (!m_context.client().IsConnected()) {
-            Output::complain("the server has gone away");
+            Output::complain("the connection to the server was lost");
             return exitNoAnswer;
         }
         awaitMessage();
@@ -55,8 +55,30 @@ std::optional<ExitStatus> Watch::outcome() const {
 
 void Watch::show(NySe::ActionType action, CMemFile& payload) {
     ++m_seen;
-    const Notice notice = readNotice(action, payload);
-    m_context.output.next({notice.line}, notice.record);
+    const Notification notification = readNotification(action, payload);
+    m_context.output.next({notification.line}, notification.record);
+}
+
+Run defineWatch(CLI::App& command) {
+    constexpr double kLongest = 1e6;
+    auto count = std::make_shared<unsigned long>(0);
+    auto seconds = std::make_shared<double>(0);
+    command.add_option("--count", *count, "Exit with status 0 after this many notifications")
+        ->check(CLI::Range(1UL, 1'000'000'000UL));
+    command
+        .add_option(
+            "--timeout", *seconds,
+            "Exit after this many seconds: with status 4 if fewer than --count arrived, with 0 "
+            "without --count")
+        ->check(CLI::Range(0.001, kLongest));
+    return [count, seconds](Context& context) {
+        const WatchLimits limits{*count, std::chrono::duration<double>(*seconds)};
+        if (context.output.options().isShell && !limits.hasCount() && !limits.hasTime()) {
+            Output::complain("in the shell, watch needs --count or --timeout");
+            return exitUsage;
+        }
+        return Watch(context, limits).run();
+    };
 }
 
 }  // namespace apps::nyctl

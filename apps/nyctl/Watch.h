@@ -1,4 +1,4 @@
-// Watch: shows the notifications that come, until something ends it.
+// Watch: shows notifications as they arrive.
 #pragma once
 
 #include <chrono>
@@ -9,8 +9,8 @@
 namespace apps::nyctl {
 
 struct WatchLimits {
-    unsigned long count = 0;                // notifications; 0: any number
-    std::chrono::duration<double> time{0};  // 0: as long as it takes
+    unsigned long count = 0;                // of notifications; 0: unlimited
+    std::chrono::duration<double> time{0};  // 0: unlimited
     bool hasCount() const { return count != 0; }
     bool hasTime() const { return time.count() > 0; }
 };
@@ -20,16 +20,16 @@ class Watch {
   public:
     Watch(Context& context, const WatchLimits& limits) : m_context(context), m_limits(limits) {}
 
-    // exitYes when the number of notifications has come, when no number was asked for and the time
-    // is up, and after Ctrl+C; exitTimeOut when the time is up earlier; exitNo when the server
-    // gives no port that is free; exitNoAnswer when the server does not answer or goes away.
+    // Returns exitYes when the number of notifications has arrived, at the time-out if there is no
+    // such number, and after Ctrl+C; exitTimeOut if the time-out comes first; exitNo if the server
+    // has no free port; exitNoAnswer if the server does not answer or the connection is lost.
     ExitStatus run();
 
   private:
     using Clock = std::chrono::steady_clock;
 
     ExitStatus follow();
-    // Why it ends now; nothing when it goes on.
+    // Returns the status to end with now, or nothing to continue.
     std::optional<ExitStatus> outcome() const;
     void show(NySe::ActionType action, CMemFile& payload);
 
@@ -38,5 +38,7 @@ class Watch {
     Clock::time_point m_end;
     unsigned long m_seen = 0;
 };
+
+Run defineWatch(CLI::App& command);
 
 }  // namespace apps::nyctl

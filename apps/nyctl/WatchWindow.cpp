@@ -11,7 +11,7 @@ namespace apps::nyctl {
 WatchWindow::WatchWindow(NyServerApp& listener, Show show)
     : m_listener(listener), m_show(std::move(show)) {
     if (!CreateEx(0, AfxRegisterWndClass(0), L"nyctl", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr))
-        throw std::runtime_error("the system makes no window");
+        throw std::runtime_error("the window cannot be created");
     m_listener.setAppWnd(this);
 }
 
@@ -26,7 +26,7 @@ WatchWindow::~WatchWindow() {
 LRESULT WatchWindow::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != NySe::_TM_NYSERVERMESSAGE) return CWnd::WindowProc(message, wParam, lParam);
     NyServerNotification notification(wParam, lParam, &m_listener);
-    // Any program can post the message with nothing behind it.
+    // Any program can post the message without a notification.
     if (notification.getActionType() != NySe::noAction)
         m_show(notification.getActionType(), notification.getMemFile());
     return 0;

@@ -10,16 +10,16 @@
 
 namespace apps::nyctl {
 
-// It is the listener's window as long as it lives; the listener must live longer. It belongs to the
-// thread that makes it and gets its messages when that thread dispatches them.
+// The listener's window while it exists; the listener must outlive it. It belongs to the thread
+// that creates it and receives its messages when that thread dispatches them.
 class WatchWindow : public CWnd {
   public:
     using Show = std::function<void(NySe::ActionType action, CMemFile& payload)>;
 
-    // `show` is called once for each notification. Throws std::runtime_error when the system makes
-    // no window.
+    // `show` is called once for each notification. Throws std::runtime_error if the window cannot
+    // be created.
     WatchWindow(NyServerApp& listener, Show show);
-    // Drops the notifications that have not been dispatched.
+    // Discards the notifications that have not been dispatched.
     ~WatchWindow() override;
 
   protected:
@@ -30,7 +30,7 @@ class WatchWindow : public CWnd {
     const Show m_show;
 };
 
-// Dispatches one message of this thread. False when none is waiting.
+// Dispatches one message of this thread. Returns false if there is none.
 bool dispatchNextMessage();
 
 }  // namespace apps::nyctl

@@ -12,16 +12,16 @@ int run() {
     const Output output(options);
     ExitStatus status = exitYes;
 
-    CLI::App app("Talks to a central server, and to the online service.", "nyctl");
+    CLI::App app("Sends requests to a central server and to the online service.", "nyctl");
     app.require_subcommand(1);
     addServerOption(app, options)->envname("NYCTL_SERVER");
     addUserOption(app, options)->envname("NYCTL_USER")->each([&](const std::string&) {
         options.isUserChosen = true;
     });
-    app.add_flag("--json", options.json, "One JSON object a line instead of tables");
+    app.add_flag("--json", options.json, "Print one JSON object per line instead of tables");
     addCommands(app, session, output, status);
-    CLI::App* const shell =
-        app.add_subcommand("shell", "Commands from standard input, one a line, on one connection");
+    CLI::App* const shell = app.add_subcommand(
+        "shell", "Run commands from standard input, one per line, on one connection");
     shell->footer("Example: printf 'register\\nusers\\n' | nyctl --user Anna shell");
     shell->callback([&] {
         options.isShell = true;
@@ -30,7 +30,7 @@ int run() {
     app.footer(
         "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
-        "answer, 4 the time was up.");
+        "answer, 4 timed out.");
 
     try {
         parseCommandLine(app);

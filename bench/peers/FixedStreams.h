@@ -1,5 +1,5 @@
-// Stream buffers over one block of memory each: the least that a library can be given which writes
-// to streams.
+// Stream buffers over one block of memory each: the cheapest ones for a library that writes to
+// streams.
 #pragma once
 
 #include <cstring>
@@ -10,7 +10,7 @@
 
 namespace bench {
 
-// Refuses what goes beyond its capacity.
+// Refuses writes beyond its capacity.
 class FixedOutput : public std::streambuf {
   public:
     FixedOutput() : m_bytes(kPeerBytes) { rewind(); }

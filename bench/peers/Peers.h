@@ -25,7 +25,7 @@ class PeerCodec {
         m_peer.read(view, value);
         return value;
     }
-    // What is read is what was given, compared as the floor writes it.
+    // The value that is read must be equal to the original, compared as encoded by the floor.
     bool restores(View view) { return floorBytes(read(view)) == m_expected; }
 
   private:
@@ -46,7 +46,7 @@ void addPeerFor(const std::string& workload, const std::string& row, Value (*mak
     benchmark::RegisterBenchmark((workload + "/encode/" + row).c_str(), [=](auto& state) {
         const Value value = make();
         Codec codec(value);
-        for (int time = 0; time < 2; ++time) {  // what is reused has to begin anew
+        for (int time = 0; time < 2; ++time) {  // twice, since memory is reused
             if (!codec.restores(codec.encode(value))) return fail(state, "wrong value");
         }
         timeEncoding(state, codec, value, records);

@@ -1,6 +1,6 @@
 // Boost.Serialization: binary archives without their header, over a stream buffer that is reused.
 //
-//   .../boost         its default traits: class numbers, and object numbers behind pointers
+//   .../boost         its default traits: class numbers, and object numbers of pointers
 //   .../boost-tuned   by value: no class information, no tracking, the holders as one block
 //
 // The library does not know strings of this character type: a length and a block of bytes.

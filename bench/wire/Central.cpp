@@ -1,5 +1,5 @@
-// nycentral as many clients find it: each takes a lock of its own and waits for the grant, which is
-// what is timed, and releases it.
+// nycentral with many clients: each requests its own lock, waits for the grant, which is timed, and
+// releases it.
 #include <cstdio>
 #include <string>
 #include <thread>
@@ -39,7 +39,7 @@ class LockingClient {
     int m_failures = 0;
 };
 
-// A user of the server whose listener is to be told of every lock.
+// A user of the server whose listener is notified of every lock.
 class ListeningUser {
   public:
     explicit ListeningUser(int port) {
@@ -120,7 +120,7 @@ void timeWithLivingListener(const bench::WireOptions& options) {
     const ListeningUser user(program.port());
     timeClients("10 clients, one listener", program.port(), 10, options);
     bench::require(eventually([&] { return listeners.frames() > 0; }, std::chrono::seconds(60)),
-                   "the listener was told nothing");
+                   "the listener was not notified");
 }
 
 void timeWithDeadListener(const bench::WireOptions& options) {

@@ -1,4 +1,4 @@
-// What it takes to hold connections open: a thread and a socket for each, the listener's, and
+// The cost of open connections: of a thread and a socket for each, of the listener's, and of
 // nycentral's.
 #include <cstdio>
 #include <string>
@@ -37,8 +37,8 @@ class CountingListener : public NyServerApp {
     }
 };
 
-// The other ends are in a process of their own, so that this one has only what is counted. It ends
-// with this one: its input is then closed.
+// The other ends are in a separate process, so that this one has only what is counted. That process
+// ends with this one, which closes its input.
 class Holder {
   public:
     explicit Holder(unsigned int port)

@@ -1,5 +1,5 @@
-// Notifications taken by the listener beside a loop that makes the same calls: from the first byte
-// sent until the window has all of a burst.
+// Notifications received by the listener, compared with a loop of the same calls: the time from the
+// first byte sent until the window has all of a burst.
 #include <cstdio>
 #include <cstring>
 #include <thread>
@@ -29,7 +29,7 @@ std::string burstOfNotifications() {
     return burst;
 }
 
-// What the listener does for a notification, as calls of the system alone.
+// What the listener does for a notification, with system calls only.
 class RawListener {
   public:
     explicit RawListener(HWND window) : m_window(window) {}

@@ -10,7 +10,7 @@
 
 namespace {
 
-// As the system gives it: every handle of every process. GetProcessHandleCount counts none in Wine.
+// The system's table of every handle of every process. GetProcessHandleCount counts none in Wine.
 struct HandleEntry {
     void* object;
     ULONG_PTR process;
@@ -32,7 +32,7 @@ constexpr size_t kTableBytes = 16U << 20;
 size_t handlesOf(HANDLE process) {
     const auto bytes = std::make_unique<BYTE[]>(kTableBytes);
     bench::require(::NtQuerySystemInformation(kAllHandles, bytes.get(), kTableBytes, nullptr) >= 0,
-                   "the system does not tell its handles");
+                   "the system does not report its handles");
     const auto* const table = reinterpret_cast<const HandleTable*>(bytes.get());
     const HandleEntry* const first = table->entries;
     return static_cast<size_t>(std::count_if(
@@ -45,6 +45,6 @@ size_t handlesOf(HANDLE process) {
 bench::ProcessUsage bench::ProcessUsage::of(HANDLE process) {
     PROCESS_MEMORY_COUNTERS counters{};
     require(::GetProcessMemoryInfo(process, &counters, sizeof counters) != 0,
-            "the process does not tell its memory");
+            "the process does not report its memory");
     return {counters.WorkingSetSize, counters.PagefileUsage, handlesOf(process)};
 }

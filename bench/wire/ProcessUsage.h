@@ -1,4 +1,4 @@
-// What a process has of memory and handles.
+// The memory and handles of a process.
 #pragma once
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -10,7 +10,7 @@ struct ProcessUsage {
     size_t committed;   // bytes
     size_t handles;
 
-    // Throws std::runtime_error when the system does not tell.
+    // Throws std::runtime_error if the system does not report them.
     static ProcessUsage of(HANDLE process);
 };
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr long kTimeOut = 15;  // seconds, as long as the library waits
 
-// The bytes of the request in front; 0 when not all of it is there.
+// Returns the size of the first request; 0 if it is incomplete.
 size_t answerFirst(SOCKET socket, const char* bytes, size_t held) {
     LONG header[2];
     if (held < sizeof header) return 0;

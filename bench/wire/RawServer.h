@@ -1,5 +1,4 @@
-// A server that answers requests with as few calls as it can be done with, and the calls that a
-// client needs at least.
+// A server that replies with as few system calls as possible, and a client that does the same.
 #pragma once
 
 #include <string>
@@ -8,7 +7,7 @@
 
 namespace bench {
 
-// Answers isAlive with 512 and lock with a granting byte; takes anything else without an answer.
+// Answers isAlive with 512 and lock with a granting byte; other requests get no reply.
 void answerRequests(peers::Connection& connection);
 
 // send, select with a time-out, recv: whether the answer came, in one piece.

@@ -1,9 +1,9 @@
-// The smallest complete host: registers at a central server, takes a lock, and prints what the
-// server tells about the other users.
+// The smallest complete host: registers at a central server, takes a lock, and prints the
+// notifications about other users.
 //
 //   host ADDRESS PORT COUNT SECONDS
 //
-// Ends with 0 after COUNT notifications, with 1 when they do not come within SECONDS or a step
+// Ends with 0 after COUNT notifications, with 1 if they do not arrive within SECONDS or a step
 // fails, with 2 for wrong usage.
 #include <afxwin.h>
 
@@ -24,10 +24,10 @@
 namespace {
 
 const CString kLockName = _T("part/1");
-// Both kinds of access for us, none for others.
+// Both kinds of access, and none for others.
 constexpr unsigned kAlone = NySe::access1 | NySe::access2 | NySe::exclude1 | NySe::exclude2;
 
-// A line of UTF-8, which whoever reads along sees at once.
+// Prints a line of UTF-8 without delay.
 void say(const CString& line) {
     std::string bytes(3 * static_cast<size_t>(line.GetLength()), '\0');
     const int length = ::WideCharToMultiByte(CP_UTF8, 0, line, line.GetLength(), bytes.data(),
@@ -41,8 +41,8 @@ int fail(const char* what, int status = 1) {
     return status;
 }
 
-// The record that came with a notification. It has come over the network: null when the bytes are
-// no such record.
+// Returns the record of a notification. It arrived over the network: null if the bytes are not such
+// a record.
 template <class Record>
 std::unique_ptr<Record> recordOf(NyServerNotification& notification) {
     CObject* const object = NySe::readReplyObject(notification.getMemFile(), RUNTIME_CLASS(Record));
@@ -63,8 +63,8 @@ CString describe(NyServerNotification& notification) {
     return text;
 }
 
-// The window that the listener posts to: the application's main window. This one only gets
-// messages and is never seen.
+// The window that the listener posts to: the application's main window. This one only receives
+// messages and is never shown.
 class MainWnd : public CWnd {
   public:
     MainWnd(NyServerApp& listener, int wanted) : m_listener(listener), m_wanted(wanted) {}
@@ -77,7 +77,7 @@ class MainWnd : public CWnd {
         return ::SetTimer(m_hWnd, 1, milliseconds, nullptr) != 0;
     }
 
-    // From here on nothing more is posted. What was posted is consumed; then the window can go.
+    // From here on nothing more is posted. Consume what was posted; then destroy the window.
     ~MainWnd() override {
         m_listener.setAppWnd(nullptr);
         const UINT posted = NySe::_TM_NYSERVERMESSAGE;
@@ -95,8 +95,8 @@ class MainWnd : public CWnd {
     }
 
   private:
-    // The notification takes over the memory that came with the message. When it goes, it frees
-    // that, and tells the listener, which would otherwise stop reading sooner or later.
+    // The notification owns the memory that came with the message. Its destructor frees it and
+    // informs the listener, which would otherwise stop reading sooner or later.
     LRESULT onNotification(WPARAM wParam, LPARAM lParam) {
         NyServerNotification notification(wParam, lParam, &m_listener);
         say(describe(notification));
@@ -108,8 +108,8 @@ class MainWnd : public CWnd {
     int m_wanted;
 };
 
-// Registers the user and listens on the port that comes with it; on another one when some program
-// of this machine is there already. The server ends the search with -1.
+// Registers the user and listens on its port, or on another one if a program of this machine uses
+// that port. The server returns -1 when it has no more ports.
 bool registerAndListen(NySeClientApp& client, NyServerApp& listener) {
     NySeUser user;
     user.setStrUserName(_T("Host"));
@@ -129,8 +129,8 @@ int run(const char* address, int port, int wanted, int seconds) {
     client.initializeSchema();
     if (client.getSchemaType() != NySe::schema2015) return fail("the server speaks otherwise");
 
-    // The window uses the listener, so the listener is made first and goes last; it then waits for
-    // its threads.
+    // The window uses the listener, so the listener is created first and destroyed last; its
+    // destructor waits for its threads.
     NyServerApp listener;
     MainWnd window(listener, wanted);
     if (!window.create(seconds)) return fail("no window");

@@ -77,7 +77,7 @@ TEST_F(NyctlDoctor, FindsAllWell) {
     EXPECT_EQ(exitYes, examine());
     doctor.expectAllIsWell();
     EXPECT_EQ("127.0.0.1 is an address", doctor.checks()[nameLookUp]["found"]);
-    EXPECT_EQ(address() + " takes connections", doctor.checks()[connecting]["found"]);
+    EXPECT_EQ(address() + " accepts connections", doctor.checks()[connecting]["found"]);
     EXPECT_EQ("2015", doctor.checks()[schema]["found"]);
     EXPECT_EQ(exitYes, doctor("localhost:" + std::to_string(server.GetPort())));
     EXPECT_EQ("localhost is 127.0.0.1", doctor.checks()[nameLookUp]["found"]);
@@ -155,7 +155,7 @@ class NoWindows {
 TEST_F(NyctlDoctor, NamesAWindowThatCannotBe) {
     const NoWindows none;
     EXPECT_EQ(exitNo, examine());
-    doctor.expectEndsAt(windowMessage, "the system makes no window");
+    doctor.expectEndsAt(windowMessage, "the window cannot be created");
 }
 
 // No central server, one that follows a test, or one with few ports.
@@ -193,7 +193,7 @@ TEST_F(NyctlDoctorAlone, NamesARegistrationThatIsRefused) {
 TEST_F(NyctlDoctorAlone, NamesPortsThatAreTakenHereUnlessAnotherIsFree) {
     const TakenPort taken;
     EXPECT_EQ(exitNo, examineCentral({taken.port()}));
-    doctor.expectEndsAt(listenerPort, "the server gives no port that is free here");
+    doctor.expectEndsAt(listenerPort, "the server has no port that is free on this machine");
     EXPECT_EQ(exitYes, examineCentral({taken.port(), freePorts(1)[0]}));
     doctor.expectAllIsWell();
 }
@@ -239,8 +239,8 @@ TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
          exitNo,
          schema,
          "the server grants 2010, not 2015"},
-        {{agreed}, exitNoAnswer, liveness, "no sign of life"},
-        {{agreed, otherLife}, exitNoAnswer, liveness, "no sign of life"},
+        {{agreed}, exitNoAnswer, liveness, "the server does not reply"},
+        {{agreed, otherLife}, exitNoAnswer, liveness, "the server does not reply"},
         {{agreed, {otherLife.first, m_alive}}, exitNoAnswer, registration, "no answer"},
     };
     for (const auto& [answers, status, check, found] : cases) {
@@ -261,7 +261,7 @@ TEST_F(NyctlDoctorAlone, NamesAListenerPortThatNobodyComesTo) {
     answers[NySe::actionSendUserData] = answering("");
     EXPECT_EQ(exitNoAnswer, examine(answers, 2));
     doctor.expectEndsAt(listenerPort,
-                        "nobody has come to port " + std::to_string(m_port) + " within 2 s");
+                        "no connection to port " + std::to_string(m_port) + " within 2 s");
 }
 
 TEST_F(NyctlDoctorAlone, NamesAServerWithoutASecondSession) {
@@ -272,7 +272,7 @@ TEST_F(NyctlDoctorAlone, NamesAServerWithoutASecondSession) {
         return wireOf<LONG>(NySe::schema2015);
     };
     EXPECT_EQ(exitNoAnswer, examine(answers));
-    doctor.expectEndsAt(listenerPort, "the server serves no second session");
+    doctor.expectEndsAt(listenerPort, "the server accepts no second session");
 }
 
 // One that comes to the listener at the first text, and says `told` at the second.

@@ -104,9 +104,9 @@ TEST_F(Nyctl, WatchEndsWithTheServer) {
     serve({{NySe::actionGetPortClient, answering(registrationAnswer(port))}});
     EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
-    EXPECT_EQ("nyctl: watching at port " + std::to_string(port) +
-                  "\nnyctl: the server has gone away\nnyctl: no answer from " + m_options.server +
-                  "\n",
+    EXPECT_EQ("nyctl: listening on port " + std::to_string(port) +
+                  "\nnyctl: the connection to the server was lost\nnyctl: no answer from " +
+                  m_options.server + "\n",
               m_run.complaint());
 }
 
@@ -114,7 +114,7 @@ TEST_F(Nyctl, WatchIsNoWhenALivingServerGivesNoPort) {
     serve({{NySe::actionGetPortClient, answering(wireOf<LONG>(0))},
            {NySe::actionIsAlive, answering(wireOf<LONG>(NySe::kAliveAnswer))}});
     EXPECT_EQ(exitNo, run("watch"));
-    EXPECT_EQ("nyctl: the server gives no port that is free here\n", m_run.complaint());
+    EXPECT_EQ("nyctl: the server has no port that is free on this machine\n", m_run.complaint());
 }
 
 TEST_F(Nyctl, UsersAreListedOneAnObject) {

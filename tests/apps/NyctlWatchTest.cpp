@@ -238,7 +238,7 @@ TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
     EXPECT_EQ(exitYes, watch("--timeout 0.3"));
     EXPECT_GE(::GetTickCount64() - begin, 280U);
     EXPECT_EQ("", m_run.printed());
-    EXPECT_THAT(m_run.complaint(), HasSubstr("nyctl: watching at port "));
+    EXPECT_THAT(m_run.complaint(), HasSubstr("nyctl: listening on port "));
 }
 
 TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
@@ -260,9 +260,7 @@ TEST_F(NyctlWatch, AnEarlierStopRequestIsForgotten) {
 TEST_F(NyctlWatch, InTheShellItHasToEnd) {
     m_options.isShell = true;
     EXPECT_EQ(exitUsage, watch(""));
-    EXPECT_EQ(
-        "nyctl: watch without --count or --timeout would never come to the shell's next line\n",
-        m_run.complaint());
+    EXPECT_EQ("nyctl: in the shell, watch needs --count or --timeout\n", m_run.complaint());
     EXPECT_FALSE(isThere("Bob"));
     EXPECT_EQ(exitYes, watch("--timeout 0.1"));
     EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.1"));
@@ -322,7 +320,7 @@ class NyctlWatchNoPort : protected TakenPort, public NyctlWatch {
 TEST_F(NyctlWatchNoPort, IsRefused) {
     EXPECT_EQ(exitNo, watch("--timeout 5"));
     EXPECT_THAT(m_run.complaint(),
-                HasSubstr("nyctl: the server gives no port that is free here\n"));
+                HasSubstr("nyctl: the server has no port that is free on this machine\n"));
 }
 
 // A listener of which nobody knows.

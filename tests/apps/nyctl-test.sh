@@ -146,7 +146,7 @@ watch() {
   set +m
   exec 5< "$work/seen"
   watchers=1
-  expect_seen 'watching at port'
+  expect_seen 'listening on port'
 }
 
 # expect_seen TEXT: the watcher's next line holds the text, and comes while the watcher goes on.
@@ -196,7 +196,7 @@ printf 'shutdown\n' > "$work/lines"
 watch watch
 expect_shell 0 ''
 expect_stopped
-expect_seen 'the server has gone away'
+expect_seen 'the connection to the server was lost'
 expect_watched 3
 start_central "$nycentral"
 expect 0 '' --server "127.0.0.1:$port" shutdown

@@ -87,7 +87,7 @@ TEST_F(QoArray2Test, SortedSearchAnswersWhereAProbeBelongs) {
 
 struct SearchEnd {
     int probe;
-    bool behindEqual;
+    bool afterEqual;
     INT_PTR index;
     QoSort::CompareResult result;
     bool operator==(const SearchEnd&) const = default;
@@ -97,10 +97,10 @@ class SearchSpy : public CountedTable {
   public:
     using CountedTable::CountedTable;
 
-    void onEndSearchIfSorted(const QoObject2& probe, bool behindEqual, INT_PTR& index,
+    void onEndSearchIfSorted(const QoObject2& probe, bool afterEqual, INT_PTR& index,
                              QoSort::CompareResult& result) const override {
         const int number = static_cast<const Counted&>(probe).m_number;
-        m_ends.push_back({number, behindEqual, index, result});
+        m_ends.push_back({number, afterEqual, index, result});
         if (m_answer >= 0) index = m_answer;
     }
 
@@ -116,7 +116,7 @@ TEST_F(QoArray2Test, SortedSearchReportsItsEnd) {
     const SearchSpy table({2, 4});
     for (const SearchEnd& end : ends) {
         const Counted probe(end.probe);
-        table.searchIfSorted(&probe, end.behindEqual);
+        table.searchIfSorted(&probe, end.afterEqual);
     }
     EXPECT_EQ(ends, table.m_ends);
 }

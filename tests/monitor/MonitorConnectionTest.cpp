@@ -101,7 +101,8 @@ class MonitorConnection : public MonitorTest {
     }
     void killServer() const {
         server->process().kill();
-        EXPECT_TRUE(hasLogged("Connection", "The server has gone away. Trying again in 1 s"));
+        EXPECT_TRUE(
+            hasLogged("Connection", "The connection to the server was lost. Trying again in 1 s"));
     }
     // The worker gives up after 15 s, which a busy machine may need for what a test types.
     bool isWaitingOrGaveUp(const std::string& waiting) const {

@@ -123,8 +123,8 @@ TEST(MonitorWords, AreThoseOfTheWindow) {
     EXPECT_EQ(L"Paused", words::flow({3, 9, true}));
     EXPECT_EQ(L"Users (3)", words::counted(L"Users", 3, 3));
     EXPECT_EQ(L"Users (0 of 3)", words::counted(L"Users", 0, 3));
-    EXPECT_EQ(L"The server has gone away. Trying again in 2 s",
-              words::waiting(words::goneAway(), std::chrono::milliseconds(1001)));
+    EXPECT_EQ(L"The connection to the server was lost. Trying again in 2 s",
+              words::waiting(words::connectionLost(), std::chrono::milliseconds(1001)));
 }
 
 void expectTidyLayout(const LayoutInput& input) {

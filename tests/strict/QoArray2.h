@@ -19,7 +19,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
                              const CString& more) const;
     virtual INT_PTR GetSize() const;
     virtual void RemoveAll();
-    virtual void onEndSearchIfSorted(const QoObject2& probe, bool behindEqual, INT_PTR& index,
+    virtual void onEndSearchIfSorted(const QoObject2& probe, bool afterEqual, INT_PTR& index,
                                      QoSort::CompareResult& result) const;
 
     OBJECT* GetAt(INT_PTR index) const;
@@ -32,7 +32,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     void addFrom(const QoArray2& other, bool sorted);
     OBJECT* find(const OBJECT* probe, short key) const;
     INT_PTR lookFor(const OBJECT* probe, short key) const;
-    INT_PTR searchIfSorted(const OBJECT* probe, bool behindEqual) const;
+    INT_PTR searchIfSorted(const OBJECT* probe, bool afterEqual) const;
     bool getDeleteObject() const;
     void setDeleteObject(bool deleteObject);
 };

@@ -1,9 +1,10 @@
--- Wireshark dissector for the protocol between clients, central server and listeners. README.md tells how to install it.
+-- Wireshark dissector for the protocol between clients, central server and listeners. README.md describes how to
+-- install it.
 --
--- One side of a connection asks: a client its central server, or the central server a client's listener. The asking side
--- sends an action, a length and a payload; the other side sends nothing but answers, in the order of the questions, and
--- an answer does not say what it answers. So the first pass over a capture keeps a queue of open requests for each
--- connection, and notes for every message which request it belongs to; later passes look that up.
+-- One side of a connection sends requests: a client to its central server, or the central server to a client's
+-- listener. A request is an action, a length and a payload; the other side sends only replies, in the order of the
+-- requests, and a reply does not identify its request. So the first pass over a capture keeps a queue of open requests
+-- for each connection, and records for every message which request it belongs to; later passes look that up.
 local known = require "nyserver.fields"
 local Archive = require "nyserver.archive"
 local messages = require "nyserver.messages"
@@ -18,10 +19,10 @@ local nyserver = Proto("nyserver", "NyServer")
 nyserver.fields = f
 nyserver.experts = remarks
 nyserver.prefs.ports =
-    Pref.range("Ports of central servers", "", "TCP ports whose traffic is always taken for this protocol", 65535)
+    Pref.range("Ports of central servers", "", "TCP ports whose traffic is always decoded as this protocol", 65535)
 nyserver.prefs.heuristic =
-    Pref.bool("Recognise other connections", true, "Take a connection on any port by what its first message looks like")
-nyserver.prefs.longest = Pref.uint("Longest payload", 16 * 1024 * 1024, "In bytes; a longer one is taken for a mistake")
+    Pref.bool("Recognise other connections", true, "Recognise a connection on any port by its first message")
+nyserver.prefs.longest = Pref.uint("Longest payload", 16 * 1024 * 1024, "In bytes; a longer one is malformed")
 
 -- Connections
 
@@ -37,7 +38,7 @@ local function is_absurd(length)
     return length < 0 or length > nyserver.prefs.longest
 end
 
--- Whether the bytes from `at` on may be the start of what an asking side sends.
+-- Whether the bytes from `at` on may be the start of a request.
 local function may_be_request(tvb, at)
     local left = tvb:len() - at
     if left < 4 then return true end
@@ -48,8 +49,8 @@ local function may_be_request(tvb, at)
     return not is_absurd(length) and length >= row.least and length <= row.most
 end
 
--- The offset behind the message at `at`; nil when the bytes there are no message of an asking side, or not the start of
--- one in the library's own form.
+-- Returns the offset after the message at `at`; nil if the bytes there are not a request, or not the start of one in
+-- the library's own form.
 local function behind_request(tvb, at)
     if not may_be_request(tvb, at) then return nil end
     local row = messages[tvb:range(at, 4):le_int()]
@@ -62,7 +63,7 @@ local function behind_request(tvb, at)
     return bytes == start:sub(1, #bytes) and at + kHeader + length or nil
 end
 
--- Whether a connection that nothing is known of is one of ours, from its first bytes.
+-- Whether the first bytes of a connection are of this protocol.
 local function is_recognised(tvb)
     local at = 0
     while at and at + 4 <= tvb:len() do
@@ -71,7 +72,7 @@ local function is_recognised(tvb)
     return at ~= nil and at > 0
 end
 
--- Whether the preference names this port.
+-- Whether this port is in the preference.
 local function serves(port)
     for first, last in nyserver.prefs.ports:gmatch "(%d+)%-?(%d*)" do
         if port >= tonumber(first) and port <= (tonumber(last) or tonumber(first)) then return true end
@@ -104,7 +105,7 @@ local function new_conversation(tvb, pinfo)
     }
 end
 
--- What is asked behind a good-bye is asked on another connection between the same two ends.
+-- A request after a disconnect is on another connection between the same two ends.
 local function conversation_of(tvb, pinfo)
     if pinfo.visited and notes[pinfo.number] then return notes[pinfo.number].conversation end
     local name = name_of(pinfo)
@@ -118,7 +119,7 @@ local function conversation_of(tvb, pinfo)
     return conversation
 end
 
--- What the first pass has noted, or notes now, about the next message of the frame.
+-- Returns what the first pass has recorded, or records now, about the next message of the frame.
 local function note_of(conversation, pinfo, asks)
     local place = tonumber(pinfo.private.nyserver_place or 1)
     local frame = notes[pinfo.number]
@@ -140,7 +141,7 @@ local function expects_answer(row)
     return (row.scalar or row.message) ~= nil
 end
 
--- Notes on the first pass that a message is complete.
+-- Records on the first pass that a message is complete.
 local function settle(conversation, pinfo, asks, message)
     local request = message.note.request
     if message.is_absurd and not (asks and message.note.notifies and message.length < 0) then
@@ -163,8 +164,8 @@ local function settle(conversation, pinfo, asks, message)
     end
 end
 
--- The extent of a message: these give its `size` as far as the bytes up to now tell it, and `is_open` while more bytes
--- may make it larger.
+-- The extent of a message: these return its `size` as far as known from the bytes so far, and `is_open` while more
+-- bytes may make it larger.
 
 local function measure_question(tvb, at, note)
     local left = tvb:len() - at
@@ -204,7 +205,7 @@ local function measure_answer(tvb, at, note)
         return message
     end
     message.length = tvb:range(at + message.length_at, kLength):le_int()
-    -- A client takes a negative length for an empty message.
+    -- A client treats a negative length as an empty message.
     message.is_absurd = message.length > nyserver.prefs.longest
     if not message.is_absurd then message.size = message.size + math.max(message.length, 0) end
     return message
@@ -230,7 +231,7 @@ local function show_length(tree, tvb, at, message)
     end
 end
 
--- Shows the payload between two offsets. A few words about it.
+-- Shows the payload between two offsets. Returns a short description.
 local function show_payload(tree, tvb, first, last, read)
     local item = tree
     if last > first then item = tree:add(f.payload, tvb:range(first, last - first)) end

@@ -17,7 +17,7 @@ CRuntimeClass* findOnList(CRuntimeClass* first, LPCSTR className) {
     return nullptr;
 }
 
-// Never destroyed: modules leave after the static objects of this one have gone.
+// Never destroyed: modules may be unloaded after this module's static objects are destroyed.
 std::timed_mutex& mutex() {
     static auto* const chainMutex = new std::timed_mutex;
     return *chainMutex;
@@ -29,7 +29,7 @@ AfxClassChain::Lock AfxClassChain::lock() {
     return Lock(mutex());
 }
 
-AfxClassChain::Lock AfxClassChain::lockToLeave() {
+AfxClassChain::Lock AfxClassChain::lockForUnload() {
     return Lock(mutex(), std::chrono::seconds(1));
 }
 

@@ -1,4 +1,4 @@
-// In which order modules are searched for a class by name. Internal to the class library.
+// The order in which modules are searched for a class by name. Internal to the class library.
 #pragma once
 
 #include "CObject.h"
@@ -15,22 +15,23 @@ struct AfxSharedModule {
 };
 
 // Searched first is what the application has registered, then what modules have published, the
-// newest first, then the class library's own. Modules come and go while other threads look up
-// classes, hence the lock. Nobody calls into the loader while holding it: the loader's own lock is
-// held already where a module publishes its classes.
+// newest first, then the class library's own. Modules are loaded and unloaded while other threads
+// look up classes, hence the lock. Nobody calls the loader while holding it: the loader's own lock
+// is already held when a module publishes its classes.
 class AfxClassChain {
   public:
-    // The lock of everything below.
+    // Guards everything below.
     using Lock = std::unique_lock<std::timed_mutex>;
     static Lock lock();
-    // For a module that is being unloaded: gives the lock up after a second. The process may be
-    // ending, and the thread that held the lock with it.
-    static Lock lockToLeave();
+    // For a module that is being unloaded: stops waiting after a second. The process may be ending,
+    // and the thread that held the lock may have ended.
+    static Lock lockForUnload();
 
     static void registerClass(CRuntimeClass* newClass);
     static CRuntimeClass* find(LPCSTR className);
 
-    // Takes the classes that `isOwn` names from the application's. Their list, newest first.
+    // Removes the classes for which `isOwn` is true from the application's. Returns their list,
+    // newest first.
     template <class IsOwn>
     static CRuntimeClass* take(IsOwn isOwn) {
         CRuntimeClass* taken = nullptr;
@@ -49,7 +50,7 @@ class AfxClassChain {
         return taken;
     }
 
-    // `module` stays the caller's, who withdraws it before it goes.
+    // The caller owns `module` and withdraws it before it is destroyed.
     static void publish(AfxSharedModule& module);
     // Without effect on a module that is not published.
     static void withdraw(AfxSharedModule& module);

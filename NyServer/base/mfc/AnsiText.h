@@ -1,5 +1,5 @@
-// Text between UTF-16 and the active ANSI code page. One implementation per platform, in windows/
-// and native/.
+// Converts text in the active ANSI code page to UTF-16. One implementation per platform, in
+// windows/ and native/.
 #pragma once
 
 #include "detail/AfxText.h"

@@ -13,7 +13,7 @@ void CException::Delete() {
 }
 
 void AFXAPI AfxThrowMemoryException() {
-    // Made beforehand: there is no memory to make it now.
+    // Created in advance: there is no memory to create it now.
     static CMemoryException noMemory(FALSE);
     throw &noMemory;
 }

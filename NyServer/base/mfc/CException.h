@@ -4,7 +4,7 @@
 #include "CObject.h"
 #include "CString.h"
 
-// Whoever catches an exception and does not throw it on calls Delete() once.
+// A handler that does not rethrow an exception calls Delete() once.
 class NYBASE_API CException : public CObject {
     DECLARE_DYNAMIC(CException)
   public:
@@ -22,14 +22,14 @@ class NYBASE_API CSimpleException : public CException {
     using CException::CException;
 };
 
-// No memory was left.
+// Out of memory.
 class NYBASE_API CMemoryException : public CSimpleException {
     DECLARE_DYNAMIC(CMemoryException)
   public:
     using CSimpleException::CSimpleException;
 };
 
-// The object cannot do what was asked of it.
+// The object does not support the operation.
 class NYBASE_API CNotSupportedException : public CSimpleException {
     DECLARE_DYNAMIC(CNotSupportedException)
   public:
@@ -53,8 +53,8 @@ class NYBASE_API CArchiveException : public CException {
         readOnly = 2,   // writing into a loading archive
         endOfFile = 3,  // the data ended inside a value
         writeOnly = 4,  // reading from a storing archive
-        badIndex = 5,   // the bytes are no archive ("invalid format")
-        badClass = 6,   // an object of another class than asked for, or of an unknown one
+        badIndex = 5,   // the bytes are not an archive ("invalid format")
+        badClass = 6,   // an object of an unexpected or an unknown class
         badSchema = 7   // stored under a schema that the class does not read
     };
 

@@ -16,14 +16,14 @@ class NYBASE_API CFile : public CObject {
     virtual CString GetFilePath() const { return m_strFileName; }
     virtual void SetFilePath(LPCTSTR path) { m_strFileName = path; }
 
-    // The new position. Throws CFileException badSeek, with the position unchanged, for one before
-    // the beginning or above the largest LONGLONG. A position beyond the end is legal; the file
-    // grows when something is written there.
+    // Returns the new position. Throws CFileException badSeek, with the position unchanged, for a
+    // position before the beginning or above the largest LONGLONG. A position beyond the end is
+    // legal; the file grows when something is written there.
     virtual ULONGLONG Seek(LONGLONG offset, UINT from) = 0;
     virtual void SetLength(ULONGLONG length) = 0;
     virtual ULONGLONG GetLength() const = 0;
 
-    // The number of bytes read, less than `count` at the end of the file.
+    // Returns the number of bytes read, less than `count` at the end of the file.
     virtual UINT Read(void* buffer, UINT count) = 0;
     // Writes all `count` bytes or throws.
     virtual void Write(const void* buffer, UINT count) = 0;
@@ -32,8 +32,8 @@ class NYBASE_API CFile : public CObject {
     virtual void Flush() = 0;
     virtual void Close() = 0;
 
-    // Direct access to the file's own memory, where it has any. bufferCheck: the BufferFlags
-    // supported, 0 for none.
+    // Direct access to the file's own memory, if it has any. bufferCheck: returns the supported
+    // BufferFlags, 0 for none.
     virtual UINT GetBufferPtr(UINT command, UINT count = 0, void** start = nullptr,
                               void** max = nullptr);
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+IMPLEMENT_DYNAMIC(CFile, CObject)
 IMPLEMENT_DYNAMIC(CMemFile, CFile)
 
 namespace {
@@ -13,6 +14,10 @@ namespace {
 constexpr size_t kLargestBlock = std::numeric_limits<ptrdiff_t>::max();
 
 }  // namespace
+
+UINT CFile::GetBufferPtr(UINT, UINT, void**, void**) {
+    return 0;
+}
 
 CMemFile::CMemFile(UINT growBytes) : m_nGrowBytes(growBytes) {}
 
@@ -115,10 +120,10 @@ UINT CMemFile::exposeForReading(UINT count, void** start, void** max) {
 UINT CMemFile::exposeForWriting(UINT count, void** start, void** max) {
     if (m_nGrowBytes != 0 || m_nPosition + count <= m_nBufferSize)
         prepareWrite(m_nPosition + count);
-    const size_t room = m_nPosition < m_nBufferSize ? m_nBufferSize - m_nPosition : 0;
+    const size_t remaining = m_nPosition < m_nBufferSize ? m_nBufferSize - m_nPosition : 0;
     const UINT available =
-        static_cast<UINT>(std::min<size_t>(room, std::numeric_limits<UINT>::max()));
-    *start = m_lpBuffer + (room > 0 ? m_nPosition : 0);
+        static_cast<UINT>(std::min<size_t>(remaining, std::numeric_limits<UINT>::max()));
+    *start = m_lpBuffer + (remaining > 0 ? m_nPosition : 0);
     *max = static_cast<BYTE*>(*start) + available;
     return available;
 }
@@ -141,8 +146,7 @@ void CMemFile::Free(BYTE* memory) {
 
 void CMemFile::GrowFile(size_t bytes) {
     if (m_nGrowBytes == 0) AfxThrowMemoryException();
-    // At least half as much again, so that a file written in small steps is not moved at every
-    // step.
+    // Grows by at least half, so that a file written in small steps is not copied at each of them.
     const size_t wanted = std::max(bytes, m_nBufferSize + m_nBufferSize / 2);
     if (wanted > kLargestBlock - m_nGrowBytes) AfxThrowMemoryException();
     const size_t size = (wanted + m_nGrowBytes - 1) / m_nGrowBytes * m_nGrowBytes;

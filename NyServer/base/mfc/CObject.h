@@ -1,4 +1,4 @@
-// CObject, the root of all objects that can be asked for their class, and CRuntimeClass, which
+// CObject, the root of all classes with run-time class information, and CRuntimeClass, which
 // describes a class.
 #pragma once
 
@@ -19,13 +19,13 @@ class CObject;
 #endif
 #define AFXAPI
 
-// Or-ed into a declared schema: any stored schema may be read, and Serialize asks GetObjectSchema
-// which one it is. The flag lies above the 16 bits that are stored.
+// Or-ed into a declared schema: any stored schema may be read, and Serialize calls GetObjectSchema
+// to know which one it is. The flag is above the 16 bits that are stored.
 #define VERSIONABLE_SCHEMA 0x80000000U
 
 // One static description per class; it lives as long as its module. Reading it needs no lock, and
-// classes may be looked up by any thread while modules are loaded and freed. Whoever frees a module
-// sees to it that nobody uses its classes any more.
+// classes may be looked up by any thread while modules are loaded and freed. A module is freed only
+// when its classes are no longer used.
 struct NYBASE_API CRuntimeClass {
     LPCSTR m_lpszClassName;  // ASCII
     int m_nObjectSize;       // bytes
@@ -34,24 +34,24 @@ struct NYBASE_API CRuntimeClass {
     CRuntimeClass*(PASCAL* m_pfnGetBaseClass)();  // null only for CObject
     CRuntimeClass* m_pNextClass;                  // next on its module's list, newest first
 
-    // A new object in its default state, owned by the caller; null when the class is not
-    // dynamically creatable or no memory is left.
+    // Returns a new object in its default state, owned by the caller; null if the class is not
+    // dynamically creatable or when out of memory.
     CObject* CreateObject() const;
 
-    // TRUE when this class is `base` or derived from it.
+    // Returns TRUE if this class is `base` or derived from it.
     BOOL IsDerivedFrom(const CRuntimeClass* base) const;
 
-    // TRUE when objects of the class can be written to an archive and read back.
+    // Returns TRUE if objects of the class can be written to an archive and read back.
     BOOL IsSerializable() const { return m_wSchema != 0xFFFF; }
 
-    // The class of that name that the application has registered, or else an extension module or
-    // the class library; null when there is none.
+    // Returns the class with that name: the application's, else that of an extension module, else
+    // the class library's; null if there is none.
     static CRuntimeClass* PASCAL FromName(LPCSTR className);
     static CRuntimeClass* PASCAL FromName(LPCWSTR className);
 };
 
-// Registers a class for look-up by name; made once per class, by its IMPLEMENT_SERIAL.
-// REQUIRES: called while the class's module is being loaded.
+// Registers a class for look-up by name; called once per class, by its IMPLEMENT_SERIAL. REQUIRES:
+// called while the class's module is being loaded.
 NYBASE_API void AFXAPI AfxClassInit(CRuntimeClass* newClass);
 
 struct AFX_CLASSINIT {
@@ -61,8 +61,9 @@ struct AFX_CLASSINIT {
 // Objects of one class tree may be used by one thread at a time; nothing here locks.
 class NYBASE_API CObject {
   public:
-    // Objects are many and small. One form of new hides all others, so these are all; the last two
-    // cannot give back the block of an object whose constructor throws, whose size nobody knows.
+    // Objects are many and small. One form of new hides all others, so all are declared here. The
+    // last two forms of delete, called if a constructor throws, cannot free the block: its size is
+    // unknown.
     static void* PASCAL operator new(size_t bytes) { return allocateSmallBlock(bytes); }
     static void* PASCAL operator new(size_t, void* place) { return place; }
     static void* PASCAL operator new(size_t bytes, LPCSTR, int) { return operator new(bytes); }
@@ -78,7 +79,7 @@ class NYBASE_API CObject {
     CObject& operator=(const CObject&) = delete;
     virtual CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject() = default;
-    // Writes or reads the object's own fields; this one has none.
+    // Writes or reads the object's own fields; CObject has none.
     virtual void Serialize(CArchive& ar);
     virtual void AssertValid() const;
     virtual void Dump(CDumpContext& dc) const;
@@ -96,7 +97,8 @@ class NYBASE_API CObject {
     CObject() = default;
 };
 
-// What DYNAMIC_DOWNCAST does: `object` when it is of kind `wanted`, else null; null for null.
+// Implements DYNAMIC_DOWNCAST: returns `object` if it is of kind `wanted`, else null; null for
+// null.
 NYBASE_API CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* wanted, CObject* object);
 
 #define RUNTIME_CLASS(class_name) (class_name::GetThisClass())

@@ -29,7 +29,7 @@ class NYBASE_API CString {
     LPCWSTR GetString() const { return m_text.c_str(); }
     operator LPCWSTR() const { return m_text.c_str(); }
 
-    // The character at `index`; the one at GetLength() reads 0. Throws CInvalidArgException outside
+    // Returns the character at `index`, 0 at GetLength(). Throws CInvalidArgException outside
     // 0..GetLength().
     WCHAR GetAt(int index) const;
     WCHAR operator[](int index) const { return GetAt(index); }
@@ -47,19 +47,21 @@ class NYBASE_API CString {
         return *this;
     }
 
-    // Order by code unit: negative, 0 or positive. A zero character ends the comparison.
+    // Compares by code unit. Returns a number below, equal to or above 0. A zero character ends the
+    // comparison.
     int Compare(LPCWSTR other) const;
     // The same with A to Z folded to lower case, and no other letter, so that tables keep one order
     // on every machine.
     int CompareNoCase(LPCWSTR other) const;
 
-    // The index of the first match at or after `start` (below 0 counts as 0), or -1.
+    // Returns the index of the first match at or after `start` (below 0 counts as 0), or -1.
     int Find(LPCWSTR text, int start = 0) const;
     int Find(WCHAR character, int start = 0) const;
-    // The index of the last match, or -1.
+    // Returns the index of the last match, or -1.
     int ReverseFind(WCHAR character) const;
 
-    // Copies of parts; counts and starts are cut to what is there, negative ones to 0.
+    // Return copies of parts. Counts and starts beyond the end are reduced to it; negative ones
+    // count as 0.
     CString Left(int count) const;
     CString Right(int count) const;
     CString Mid(int start) const;
@@ -72,18 +74,18 @@ class NYBASE_API CString {
     // there is none.
     void Format(UINT formatId, ...);
 
-    // Takes the text with that identifier from the first module that has it: the current resource
+    // Loads the text with that identifier from the first module that has it: the current resource
     // handle's, then the extension modules, the newest first; or from the string table of
-    // `instance` alone. FALSE when there is none (or it is empty): the text is what it was then.
+    // `instance` alone. Returns FALSE, with the text unchanged, if there is none or it is empty.
     BOOL LoadString(UINT id);
     BOOL LoadString(HINSTANCE instance, UINT id);
 
-    // A writable area of at least `minLength` characters and a terminator, valid until
+    // Returns a writable buffer of at least `minLength` characters and a terminator, valid until
     // ReleaseBuffer, which must be the next call on this object.
     LPWSTR GetBuffer(int minLength = 0);
     // Sets the length after writing into the buffer; -1: up to the first zero character.
     void ReleaseBuffer(int newLength = -1);
-    // As GetBuffer, with the length set to exactly `length`.
+    // Like GetBuffer, with the length set to exactly `length`.
     LPWSTR GetBufferSetLength(int length);
 
   private:

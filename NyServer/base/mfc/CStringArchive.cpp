@@ -8,7 +8,7 @@ constexpr WORD kWideMark = AfxShortText::kWideMark;
 constexpr size_t kLongForm = AfxShortText::kLongForm;
 constexpr size_t kLongestString = 0x7FFFFFFF;
 
-// Not inlined, so that the short texts need no room on the stack.
+// Not inlined, so that short texts need no buffer on the stack.
 [[gnu::noinline]] CArchive& writeAnyText(CArchive& ar, const CString& text) {
     AfxWriteStringLength(ar, static_cast<UINT_PTR>(text.GetLength()), TRUE);
     ar.Write(text.GetString(), text.GetLength() * static_cast<int>(sizeof(WCHAR)));
@@ -24,7 +24,7 @@ void AfxWriteStringLength(CArchive& ar, UINT_PTR length, BOOL unicode) {
     } else if (length < 0xFFFE) {
         ar << static_cast<BYTE>(0xFF) << static_cast<WORD>(length);
     } else {
-        // FFFE in two bytes would read as the mark of a wide string.
+        // FFFE in two bytes would be read as the mark of a wide string.
         ar << static_cast<BYTE>(0xFF) << static_cast<WORD>(0xFFFF) << static_cast<DWORD>(length);
     }
 }
@@ -75,7 +75,7 @@ CArchive& operator>>(CArchive& ar, CString& text) {
     }
     int charSize = 0;
     const size_t length = AfxReadStringLength(ar, charSize);
-    // Checked before memory is asked for: a short archive may announce any length.
+    // Checked before memory is allocated: a short archive may announce any length.
     if (length * static_cast<size_t>(charSize) > ar.BytesLeft()) {
         AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
     }

@@ -9,7 +9,7 @@
 #include <vector>
 
 // Indices and counts outside the array throw CInvalidArgException. One array may be used by one
-// thread at a time. Elements are values; where they are pointers, the objects are not the array's.
+// thread at a time. Elements are values; if they are pointers, the array does not own the objects.
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class AfxArray : public CObject {
   public:
@@ -36,7 +36,7 @@ class AfxArray : public CObject {
 
     void Copy(const AfxArray& other) { m_elements = other.m_elements; }
 
-    // The index of the new last element.
+    // Returns the index of the new last element.
     INT_PTR Add(ARG_TYPE element) {
         if (m_elements.capacity() == 0) m_elements.reserve(kFewElements);
         m_elements.push_back(element);
@@ -81,9 +81,8 @@ class AfxArray : public CObject {
     Elements m_elements;
 };
 
-// Reads the archive form of an array whose elements have their own: a count, then each element in
-// turn. The contents are replaced, and the array grows with the elements that are there, whatever
-// the count says.
+// Reads an array in archive form: a count, then each element. The contents are replaced. The array
+// grows as elements are read, whatever count is announced.
 template <class ARRAY, class TYPE>
 void afxLoadElements(CArchive& ar, ARRAY& array, TYPE element) {
     array.RemoveAll();

@@ -8,11 +8,11 @@
 #undef AFX_API
 #define AFX_API NYBASE_API
 
-// Pointers to objects, which stay whoever's they are.
+// Pointers to objects, which the array does not own.
 class NYBASE_API CObArray : public AfxArray<CObject*, CObject*> {
     DECLARE_SERIAL(CObArray)
   public:
-    // A count, then each object as WriteObject writes it. Loaded objects are the caller's.
+    // A count, then each object as WriteObject writes it. The caller owns loaded objects.
     void Serialize(CArchive& ar) override;
 };
 

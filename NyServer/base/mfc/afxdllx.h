@@ -18,18 +18,18 @@ struct AFX_EXTENSION_MODULE {
     COleObjectFactory* pFirstSharedFactory;
 };
 
-// To be called when the process attaches: fills `state` and takes over the classes that lie in this
-// module. They are found again once a CDynLinkLibrary publishes them. Called again, it changes
-// nothing. FALSE, with `state` untouched, when `hModule` is null.
+// To be called when the process attaches: fills `state` and moves the module's own classes there
+// from the application's. Look-ups find them again once a CDynLinkLibrary publishes them. A second
+// call changes nothing. Returns FALSE, with `state` unchanged, if `hModule` is null.
 NYBASE_API BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule);
 
 // To be called when the process detaches: deletes every CDynLinkLibrary of the module, or of all
-// extension modules when `bAll`, so that nobody finds what is about to go. Without effect on a
-// state that is not initialised.
+// extension modules when `bAll`, so that nothing of a module that is being unloaded is found.
+// Without effect on a state that is not initialised.
 NYBASE_API void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll = FALSE);
 
-// A module's place in the chain that class names and resources are searched in. To be made with
-// new: AfxTermExtensionModule deletes it. May be made and deleted on any thread.
+// A module's place in the chain in which class names and resources are searched. To be created with
+// new: AfxTermExtensionModule deletes it. May be created and deleted on any thread.
 class NYBASE_API CDynLinkLibrary : public CObject {
     DECLARE_DYNAMIC(CDynLinkLibrary)
   public:

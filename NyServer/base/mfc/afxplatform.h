@@ -1,5 +1,5 @@
 // The seam between the class library and the platform: integer types, characters and literals. This
-// is the only file of the portable core that asks which platform it is.
+// is the only file of the portable core that tests for the platform.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +20,7 @@ typedef int BOOL;
 typedef unsigned int UINT;
 typedef intptr_t INT_PTR;
 typedef uintptr_t UINT_PTR;
-typedef long long LONGLONG;  // as there; a native long is no archive value
+typedef long long LONGLONG;  // as on Windows; archives have no native long
 typedef unsigned long long ULONGLONG;
 typedef char16_t WCHAR;
 typedef WCHAR TCHAR;
@@ -30,7 +30,7 @@ typedef const WCHAR* LPCWSTR;
 typedef WCHAR* LPWSTR;
 typedef LPCWSTR LPCTSTR;
 typedef LPWSTR LPTSTR;
-typedef struct HINSTANCE__* HINSTANCE;  // nobody makes one
+typedef struct HINSTANCE__* HINSTANCE;  // never defined
 #define TRUE 1
 #define FALSE 0
 #define _T(literal) u##literal

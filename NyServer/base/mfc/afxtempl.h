@@ -6,7 +6,7 @@
 
 #include <limits>
 
-// Plain values, archived bit by bit: a count, then the elements' own bytes.
+// Plain values, archived bytewise: a count, then the bytes of the elements.
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class CArray : public AfxArray<TYPE, ARG_TYPE> {
   public:
@@ -18,7 +18,7 @@ class CArray : public AfxArray<TYPE, ARG_TYPE> {
             return;
         }
         const size_t count = ar.ReadCount();
-        // Checked before memory is asked for: a short archive may announce any count.
+        // Checked before memory is allocated: a short archive may announce any count.
         if (count > ar.BytesLeft() / sizeof(TYPE)) {
             AfxThrowArchiveException(CArchiveException::endOfFile, ar.m_strFileName);
         }
@@ -30,7 +30,7 @@ class CArray : public AfxArray<TYPE, ARG_TYPE> {
     size_t byteCount() const { return static_cast<size_t>(this->GetSize()) * sizeof(TYPE); }
 };
 
-// An array of pointers with its element type told to the compiler.
+// A typed interface to an array of pointers.
 template <class BASE_CLASS, class TYPE>
 class CTypedPtrArray : public BASE_CLASS {
   public:

@@ -1,4 +1,4 @@
-// QoArray2: an array of pointers to records that owns them, sorts them and finds them.
+// QoArray2: an array of pointers to records, which it owns, sorts and searches.
 #pragma once
 
 #include <afxtempl.h>
@@ -9,11 +9,12 @@
 
 #include "QoObject2.h"
 
-// An owning array deletes the elements that it removes and those it holds when it is destroyed; an
-// element given to it must come from new and belong to nobody else. A copy held by an owning array
-// is a clone, so that no element ever has two owners; an array that does not own its elements
-// shares them. SetAt and SetSize are the class library's: what they drop is not deleted. Sorting
-// and searching need elements that are not null. One array may be used by one thread at a time.
+// An owning array deletes the elements that it removes and those it holds when it is destroyed; its
+// elements must be allocated by new and have no other owner. A copy held by an owning array is a
+// clone, so that no element ever has two owners; an array that does not own its elements shares
+// them. SetAt and SetSize are the class library's: the elements that they remove are not deleted.
+// Sorting and searching need elements that are not null. One array may be used by one thread at a
+// time.
 template <class BASE, class OBJECT>
 class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     using Base = CTypedPtrArray<BASE, OBJECT*>;
@@ -26,9 +27,9 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     }
     ~QoArray2() override { QoArray2::RemoveAll(); }
 
-    // Takes the sort criteria and the elements of `other`, which may share elements with this
-    // array; the ownership flag stays as it is. Throws std::bad_alloc, with nothing changed, when
-    // an element cannot be cloned.
+    // Copies the sort criteria and the elements of `other`, which may share elements with this
+    // array; the ownership flag is unchanged. Throws std::bad_alloc, with nothing changed, when an
+    // element cannot be cloned.
     QoArray2& operator=(const QoArray2& other) {
         if (this == &other) return *this;
         Taken elements = takeFrom(other);
@@ -39,8 +40,8 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         return *this;
     }
 
-    // Under `key`: the order of the first pair of elements that differ, then the shorter array
-    // first.
+    // Compares under `key`: the first pair of elements that differ decides; if none does, the
+    // shorter array is first.
     virtual QoSort::CompareResult vCompareTo(const QoArray2& other, short key) const {
         if (this == &other) return QoSort::equal;
         for (INT_PTR i = 0; i < GetSize() && i < other.GetSize(); ++i) {
@@ -53,8 +54,8 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
 
     virtual const QoArray2& vCopyFrom(const QoArray2& other) { return *this = other; }
 
-    // The texts of at most `maxCount` elements (below 0: of all) with `separator` between them, and
-    // `more` behind them when some are left out.
+    // Returns the texts of at most `maxCount` elements (below 0: of all) with `separator` between
+    // them, followed by `more` if some are omitted.
     virtual CString toString(short format, const CString& separator, int maxCount,
                              const CString& more) const {
         CString text;
@@ -74,7 +75,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     }
 
     // Called at the end of every search under the sort criteria, with the index found and how
-    // `probe` compares with the element there (noOrder behind the last); a derived array may change
+    // `probe` compares with the element there (noOrder beyond the last); a derived array may change
     // both.
     virtual void onEndSearchIfSorted(const QoObject2&, bool, INT_PTR&,
                                      QoSort::CompareResult&) const {}
@@ -92,8 +93,8 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         m_sorted = sorted;
     }
 
-    // Inserts at the sorted place, behind the elements that compare equal; at the end when there
-    // are no sort criteria. Returns the index.
+    // Inserts in sorted order, after equal elements; at the end if there are no sort criteria.
+    // Returns the index.
     INT_PTR add(OBJECT* element) {
         if (!m_sorted) return append(element);
         const INT_PTR index = searchIfSorted(element, true);
@@ -108,20 +109,20 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
     // elements, the same pointers when it does not. Throws std::bad_alloc, with nothing added, when
     // an element cannot be cloned.
     void addFrom(const QoArray2& other) { addFrom(other, false); }
-    // The same; sorted: each at its sorted place.
+    // The same; sorted: each in sorted order.
     void addFrom(const QoArray2& other, bool sorted) {
         Taken elements = takeFrom(other);
         addTaken(elements, sorted);
     }
 
-    // The first element in index order that compares equal to `probe` under `key`, or null. The
-    // array need not be sorted.
+    // Returns the first element in index order that compares equal to `probe` under `key`, or null.
+    // The array need not be sorted.
     OBJECT* find(const OBJECT* probe, short key) const {
         const INT_PTR index = lookFor(probe, key);
         return index >= 0 ? this->GetAt(index) : nullptr;
     }
 
-    // The index of that element, or -1.
+    // Returns the index of that element, or -1.
     INT_PTR lookFor(const OBJECT* probe, short key) const {
         for (INT_PTR i = 0; i < GetSize(); ++i) {
             if (this->GetAt(i)->vCompareTo(*probe, key) == QoSort::equal) return i;
@@ -129,15 +130,15 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         return -1;
     }
 
-    // REQUIRES: the elements are in the order of the sort criteria.
-    // The index where `probe` belongs: before the elements that compare equal, or behind them.
-    INT_PTR searchIfSorted(const OBJECT* probe, bool behindEqual) const {
+    // REQUIRES: the elements are in the order of the sort criteria. Returns the index where `probe`
+    // belongs: before equal elements, or after them.
+    INT_PTR searchIfSorted(const OBJECT* probe, bool afterEqual) const {
         INT_PTR low = 0;
         INT_PTR high = GetSize();
         while (low < high) {
             const INT_PTR middle = low + (high - low) / 2;
             const QoSort::CompareResult result = this->GetAt(middle)->vCompareTo(*probe, m_sortKey);
-            if (result == QoSort::before || (behindEqual && result == QoSort::equal)) {
+            if (result == QoSort::before || (afterEqual && result == QoSort::equal)) {
                 low = middle + 1;
             } else {
                 high = middle;
@@ -145,7 +146,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         }
         QoSort::CompareResult result =
             low < GetSize() ? probe->vCompareTo(*this->GetAt(low), m_sortKey) : QoSort::noOrder;
-        onEndSearchIfSorted(*probe, behindEqual, low, result);
+        onEndSearchIfSorted(*probe, afterEqual, low, result);
         return low;
     }
 
@@ -160,7 +161,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
             if (owned) delete element;
         }
     };
-    // Elements on their way into this array.
+    // Elements to be added to this array.
     using Taken = std::vector<std::unique_ptr<OBJECT, DeleteIfOwned>>;
 
     static OBJECT* cloneOf(const OBJECT* element) {

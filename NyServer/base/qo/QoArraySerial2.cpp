@@ -31,7 +31,7 @@ class ObjectSchemaScope {
     const UINT m_callers;
 };
 
-// What the record writes of itself.
+// The fields that the record writes.
 std::vector<BYTE> fieldsOf(QoObject2& record) {
     CMemFile file;
     CArchive ar(&file, CArchive::store);

@@ -16,20 +16,20 @@ class NYBASE_API QoArraySerial2 : public QoArray2<CObArray, QoObject2> {
     QoArraySerial2() = default;
     explicit QoArraySerial2(unsigned long flags) { setDeleteObject((flags & kDoNotDelete) == 0); }
 
-    // Loading replaces the contents. The loaded records are the table's; a table that does not own
-    // its records leaves them to the caller. A record is read under the schema of its class or that
-    // which the caller has set on the archive with VERSIONABLE_SCHEMA, whichever is older. A
-    // reference to a record that this load has read gives a clone of it, as long as that is a
-    // complete copy and the records take no more memory than a small multiple of the bytes.
+    // Loading replaces the contents. The table owns the loaded records, or the caller if the table
+    // does not own its records. A record is read under the schema of its class or the one that the
+    // caller has set on the archive with VERSIONABLE_SCHEMA, whichever is older. A reference to a
+    // record of this load is read as a clone of it, if clones are complete copies and the records
+    // take no more memory than a small multiple of the bytes.
     //
     // Throws CArchiveException badClass for null and for a record that is not of the element class,
-    // badIndex for any other reference: what was read elsewhere has an owner already. Whatever else
-    // goes wrong passes through; the table is empty then, what had been read is deleted, and nobody
-    // may read on from the archive, which remembers it.
+    // badIndex for any other reference: a record that was read elsewhere already has an owner.
+    // Other exceptions pass. After an exception the table is empty and the records read are
+    // deleted; the archive, which still refers to them, must not be read further.
     void Serialize(CArchive& ar) override;
 
-    // The class that loaded records must be of; QoObject2 unless a table says more. Of this library
-    // alone.
+    // Sets the class of which loaded records must be; QoObject2 by default. Only this
+    // implementation has it.
     void setElementClass(const CRuntimeClass* elementClass) { m_elementClass = elementClass; }
 
   private:

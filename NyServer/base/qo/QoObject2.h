@@ -11,19 +11,17 @@
 class NYBASE_API QoObject2 : public CObject {
     DECLARE_DYNAMIC(QoObject2)
   public:
-    // A text for people; the class name unless a class says more.
+    // Returns a readable text; by default the class name.
     virtual CString toString(short format) const;
 
-    // A new object of the same class and contents, owned by the caller; null when no memory is
-    // left.
+    // Returns a copy of the same class, owned by the caller; null when out of memory.
     virtual QoObject2* vClone() const = 0;
 
-    // Takes the contents of `other` when it is of the same kind; this one takes nothing. Returns
-    // this object.
+    // Copies the contents of `other` if it is of the same kind; the base class copies nothing.
+    // Returns this object.
     virtual const QoObject2& vCopyFrom(const QoObject2& other);
 
-    // How this object sorts against `other` under `key`; noOrder for a key or an object of a kind
-    // that it does not know.
+    // Compares with `other` under `key`. Returns noOrder for an unknown key or kind of object.
     virtual QoSort::CompareResult vCompareTo(const QoObject2& other, short key) const;
 
   protected:

@@ -1,4 +1,4 @@
-// How comparisons answer.
+// The results of comparisons.
 #pragma once
 
 namespace QoSort {
@@ -6,7 +6,7 @@ namespace QoSort {
 // The result of comparing one object with another under a key. Hosts test these numbers: do not
 // change them.
 enum CompareResult : int {
-    noOrder = -2,  // the key is not one that the object knows
+    noOrder = -2,  // the object does not have that key
     before = -1,
     equal = 0,
     after = 1

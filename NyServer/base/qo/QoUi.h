@@ -1,4 +1,4 @@
-// Where modules keep their resources.
+// Finds the module with the resources of another.
 #pragma once
 
 #include <afxwin.h>
@@ -7,10 +7,10 @@
 
 namespace QoUi {
 
-// The loaded module that holds the resources of module `baseName` + `extension`: its variant for
-// the language, named `baseName` + `language` + `extension`, where that is loaded, else the module
-// itself; an empty `language` asks for the module itself. Null when neither is loaded. Nothing is
-// loaded, and the module is not kept loaded. May be called from any thread.
+// Returns the loaded module with the resources of module `baseName` + `extension`: its variant for
+// the language, named `baseName` + `language` + `extension`, if that is loaded and `language` is
+// not empty; else the module itself. Null when neither is loaded. Nothing is loaded, and the module
+// is not kept loaded. May be called from any thread.
 NYBASE_API HINSTANCE getHInstanceModuleRc(const CString& baseName, const CString& extension,
                                           const CString& language);
 

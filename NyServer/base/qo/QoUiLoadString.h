@@ -5,20 +5,20 @@
 
 #include "NyServer/base/support/NyBaseApi.h"
 
-// Derived classes say in which module the text lies. Not to be deleted by a pointer to this class.
+// Derived classes select the module. Not to be deleted by a pointer to this class.
 class NYBASE_API QoUiLoadString {
   public:
     explicit QoUiLoadString(UINT id) : m_id(id) {}
     QoUiLoadString(const QoUiLoadString&) = delete;
     QoUiLoadString& operator=(const QoUiLoadString&) = delete;
 
-    // The text; empty when the module has none with that identifier, or is not known.
+    // Returns the text; empty if the module is unknown or has no text with that identifier.
     CString loadString() const;
 
   protected:
     ~QoUiLoadString() = default;
 
-    // The module; null when it is not known. The current resource handle's unless overridden.
+    // Returns the module; null if it is unknown. By default AfxGetResourceHandle().
     virtual HINSTANCE getResourceHandle() const;
 
   private:

@@ -1,15 +1,16 @@
-// Resource look-ups in another module for a while.
+// QoUiSwitchResource: redirects resource look-ups to another module while it exists.
 #pragma once
 
 #include <afxwin.h>
 
 #include "NyServer/base/support/NyBaseApi.h"
 
-// While it lives, resources are looked for in the given module first. The resource handle is the
-// process's: REQUIRES that switches are made by one thread at a time and end in the reverse order.
+// While it exists, resources are searched in the given module first. The resource handle belongs to
+// the process: REQUIRES that one thread at a time switches, and that switches end in the reverse
+// order.
 class NYBASE_API QoUiSwitchResource {
   public:
-    // Null: look-ups stay where they are.
+    // Null changes nothing.
     explicit QoUiSwitchResource(HINSTANCE instance);
     // Restores the handle that was current before.
     virtual ~QoUiSwitchResource();
@@ -17,7 +18,7 @@ class NYBASE_API QoUiSwitchResource {
     QoUiSwitchResource& operator=(const QoUiSwitchResource&) = delete;
 
   protected:
-    // Switches again, after somebody else has; what is restored in the end stays the same. Null
+    // Switches again, after another switch. The destructor restores the same handle as before. Null
     // changes nothing.
     void setResourceHandle(HINSTANCE instance);
 

@@ -1,13 +1,12 @@
-// QoWaitCursor: tells the user to wait.
+// QoWaitCursor: shows the wait cursor while it exists.
 #pragma once
 
 #include <afxwin.h>
 
 #include "NyServer/base/support/NyBaseApi.h"
 
-// Shows the wait cursor while it lives and then the cursor that was shown before, or none when
-// there was none. Wait cursors may be nested. To be used by one thread, which is the one whose
-// windows show it.
+// The destructor shows the previous cursor, or none if there was none. Wait cursors may be nested.
+// Used by one thread, whose windows show it.
 class NYBASE_API QoWaitCursor {
   public:
     QoWaitCursor();

@@ -9,7 +9,7 @@
 
 #include "NyServer/base/support/ThreadBlocks.h"
 
-// The address sanitizer watches blocks only when each is allocated by itself.
+// The address sanitizer checks blocks only if each is allocated separately.
 #if defined(__SANITIZE_ADDRESS__)
 #define NY_BLOCKS_ARE_SHARED 0
 #elif defined(__has_feature)
@@ -82,7 +82,7 @@ class Store {
 // Never destroyed: blocks are freed until the process ends.
 constinit Store store;
 
-// The rare cases are functions of their own, so that the usual ones need no room on the stack.
+// The rare cases are separate functions, so that the common ones need no stack frame.
 
 [[gnu::noinline]] void* allocateWithoutThread(size_t index) {
     FreeBlock* const batch = store.take(index);
@@ -94,7 +94,7 @@ constinit Store store;
     FreeBlock* const batch =
         list.spare != nullptr ? std::exchange(list.spare, nullptr) : store.take(index);
     list.first = batch->next;
-    list.room = 1;
+    list.spaceInBatch = 1;
     return batch;
 }
 
@@ -106,7 +106,7 @@ constinit Store store;
                                               size_t index) {
     store.put(index, std::exchange(list.spare, list.first));
     list.first = new (memory) FreeBlock{nullptr, nullptr};
-    list.room = blocksInBatch(index) - 1;
+    list.spaceInBatch = blocksInBatch(index) - 1;
 }
 
 void* allocate(size_t index) {
@@ -116,7 +116,7 @@ void* allocate(size_t index) {
     FreeBlock* const block = list.first;
     if (block == nullptr) return allocateFromNextBatch(list, index);
     list.first = block->next;
-    ++list.room;
+    ++list.spaceInBatch;
     return block;
 }
 
@@ -124,9 +124,9 @@ void release(void* memory, size_t index) {
     ThreadBlocks* const blocks = threadBlocks();
     if (blocks == nullptr) return releaseWithoutThread(memory, index);
     ThreadBlocks::List& list = blocks->lists[index];
-    if (list.room == 0) return releaseAfterWholeBatch(list, memory, index);
+    if (list.spaceInBatch == 0) return releaseAfterWholeBatch(list, memory, index);
     list.first = new (memory) FreeBlock{list.first, nullptr};
-    --list.room;
+    --list.spaceInBatch;
 }
 
 }  // namespace

@@ -19,15 +19,15 @@ static_assert(sizeof(FreeBlock) <= kBlockStep);
 struct ThreadBlocks {
     struct List {
         FreeBlock* first;
-        size_t room;       // how many more may be put here before it is a batch
-        FreeBlock* spare;  // a whole batch, or null
+        size_t spaceInBatch;  // blocks that may still be freed into it until it is a whole batch
+        FreeBlock* spare;     // a whole batch, or null
     };
     std::array<List, kBlockSizes> lists;
 };
 
-// The calling thread's blocks; null at the end of a thread or of the process, when they have been
-// given back. One implementation for each platform.
+// The calling thread's blocks; null at the end of a thread or of the process, after they have been
+// returned. One implementation for each platform.
 ThreadBlocks* threadBlocks();
 
-// Gives all to the store. Called once at the end of a thread.
+// Returns all blocks to the store. Called once at the end of a thread.
 void returnThreadBlocks(ThreadBlocks& blocks);

@@ -1,4 +1,4 @@
-// What tables need beside the record base's documented operations.
+// What tables need beyond the documented operations of the record base.
 #pragma once
 
 #include <afx.h>
@@ -10,8 +10,8 @@
 namespace NySe {
 
 // Whether the record base can restrict a table to records of one class. Such a base refuses all
-// others while it loads, gives a copy for each reference to a record of the same table, and leaves
-// nothing behind when loading fails.
+// others on loading, makes a copy for each reference to a record of the same table, and leaves the
+// table empty if loading fails.
 template <class TABLE>
 concept RestrictsElementClass = requires(TABLE& table, const CRuntimeClass* pClass) {
     table.setElementClass(pClass);
@@ -22,7 +22,7 @@ void setElementClass(TABLE& table, const CRuntimeClass* pClass) {
     if constexpr (RestrictsElementClass<TABLE>) table.setElementClass(pClass);
 }
 
-// Empties a table, deleting its records or leaving them alone.
+// Empties a table, with or without deleting its records.
 inline void empty(QoArraySerial2& table, bool deleteRecords) {
     const bool owning = table.getDeleteObject();
     table.setDeleteObject(deleteRecords);
@@ -30,8 +30,8 @@ inline void empty(QoArraySerial2& table, bool deleteRecords) {
     table.setDeleteObject(owning);
 }
 
-// For what any record base may have loaded. Throws CArchiveException badClass for null and for
-// another class than pClass: typed access relies on it.
+// Checks what a record base has loaded. Throws CArchiveException badClass for null and for a class
+// other than pClass: typed access relies on it.
 inline void requireElements(const QoArraySerial2& table, const CRuntimeClass* pClass) {
     for (INT_PTR i = 0; i < table.GetSize(); ++i) {
         const CObject* const element = table.GetAt(i);
@@ -41,8 +41,8 @@ inline void requireElements(const QoArraySerial2& table, const CRuntimeClass* pC
     }
 }
 
-// A record that was loaded again as a reference would have two owners: a copy takes its place.
-// Throws CArchiveException badIndex when there is none. REQUIRES: requireElements.
+// Replaces a record that was loaded again by reference with a copy, so that each has one owner.
+// Throws CArchiveException badIndex if there is no copy. REQUIRES: requireElements.
 inline void separateElements(QoArraySerial2& table, bool areCopiesComplete) {
     std::unordered_set<const CObject*> seen;
     for (INT_PTR i = 0; i < table.GetSize(); ++i) {
@@ -54,9 +54,9 @@ inline void separateElements(QoArraySerial2& table, bool areCopiesComplete) {
     }
 }
 
-// Loads a table by `load`, under a base that does not restrict the class. When that or a check
-// fails the table is empty; what had been read is not deleted then, since it may be in the table
-// twice or belong to somebody else. A reference to a record of another table goes unnoticed.
+// Loads a table by `load`, under a base that does not restrict the class. If that or a check fails,
+// the table is empty afterwards; the records are not deleted, since one may be in the table twice
+// or have another owner. A reference to a record of another table is not detected.
 template <class LOAD>
 void loadTable(QoArraySerial2& table, const CRuntimeClass* pClass, bool areCopiesComplete,
                LOAD load) {

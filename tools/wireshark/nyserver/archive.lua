@@ -1,7 +1,7 @@
--- Reads an archive out of the bytes of a message and shows what it reads.
+-- Reads and shows an archive in the bytes of a message.
 --
--- Nothing is read past the end that the archive was given: a value that is not there, or cannot be, is a fault. A fault
--- ends the reading and is marked in the tree at the place where it happened.
+-- Nothing is read beyond the end of the archive: a missing or invalid value is a fault. A fault ends the reading and is
+-- marked in the tree at its position.
 local known = require "nyserver.fields"
 local f, remarks = known.fields, known.remarks
 
@@ -18,14 +18,14 @@ local kLongestString = 0x7FFFFFFF
 local kWide = ENC_UTF_16 + ENC_LITTLE_ENDIAN
 local kNarrow = ENC_WINDOWS_1252
 
--- Wireshark gives up on a frame with a million items.
+-- Wireshark fails on a frame with a million items.
 local kMostItems = 50000
 
 local Fault = {}
 local function fail(text)
     error(setmetatable({ text = text }, Fault))
 end
--- Thrown where the rest cannot be understood without being wrong.
+-- Thrown where the rest cannot be decoded.
 local kEnough = {}
 
 local Archive = { bodies = {} } -- bodies: what reads the inside of an object, by its class
@@ -40,7 +40,7 @@ function Archive.new(tvb, first, last, tree)
     )
 end
 
--- Runs `read` on the archive. Its result; nil when there was a fault. What is left over is shown as it is.
+-- Runs `read` on the archive. Returns its result, nil after a fault. Remaining bytes are shown undecoded.
 function Archive:decode(read)
     local succeeded, result = pcall(read, self)
     if not succeeded then
@@ -59,7 +59,7 @@ function Archive:decode(read)
     return result
 end
 
--- Forgets the classes and objects so far: what follows was written by an archive of its own.
+-- Clears the known classes and objects: what follows was written by a separate archive.
 function Archive:restart()
     self.numbers = {}
 end
@@ -100,7 +100,7 @@ function Archive:remark(remark)
     if self.room > 0 then self.tree:add_proto_expert_info(remark) end
 end
 
--- Runs `read`, with what it shows below `item`.
+-- Runs `read`, which shows its items below `item`.
 function Archive:below(item, read)
     local outer = self.tree
     self.tree = item or outer
@@ -236,7 +236,7 @@ function Archive:class()
     return nil, earlier
 end
 
--- What an object has behind its class.
+-- The fields of an object.
 function Archive:body(class)
     local number = self:remember { class = class.class }
     self:show(f.object_number, self.tvb:range(self.at, 0), number)

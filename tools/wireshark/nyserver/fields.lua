@@ -1,5 +1,5 @@
--- What display filters know: the fields, and the remarks that mark what is odd or wrong. The field of the action is in
--- messages.lua, with the names of the actions.
+-- The names for display filters: the fields, and the expert information. The field of the action is in messages.lua,
+-- with the names of the actions.
 local M = {}
 
 M.fields = {

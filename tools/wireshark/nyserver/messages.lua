@@ -1,4 +1,4 @@
--- What each action asks with and is answered by. A row has:
+-- The payload and the reply of each action. A row has:
 --
 --   name       of the client's call
 --   payload    reads the arguments; returns a few words about them
@@ -9,7 +9,7 @@
 --   scalar     the bytes of the plain value that is answered
 --   answer     reads it; returns a few words about it
 --   message    reads the message that is answered (behind the scalar, if there is one, when that is 1)
--- A row with neither scalar nor message is not answered.
+-- A row with neither scalar nor message has no reply.
 local known = require "nyserver.fields"
 local records = require "nyserver.records"
 local f, remarks = known.fields, known.remarks
@@ -189,7 +189,7 @@ for action, row in pairs(M) do
 end
 f.action = ProtoField.int32("nyserver.action", "Action", base.DEC, names)
 
--- What an action means that nobody knows.
+-- The row of an unknown action.
 M.unknown = {
     name = "unknown action",
     payload = function(archive)

@@ -75,8 +75,8 @@ end
 
 local M = {}
 
--- The user at the start of getPortClient and sendUserData: archived by itself, under the schema in its own field, which
--- alone tells whether the soft type is there.
+-- The user at the start of getPortClient and sendUserData: archived separately, under the schema in its own field,
+-- which determines whether the soft type is present.
 function M.user_by_its_own_schema(archive)
     local _, name = archive:object(function(_, class)
         if class.class ~= "NySeUser" then return archive:body(class) end

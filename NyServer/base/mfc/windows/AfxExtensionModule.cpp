@@ -9,7 +9,7 @@ namespace {
 
 // The newest link of `module`, or of any module for null; null when there is none.
 CDynLinkLibrary* findLink(HMODULE module) {
-    const auto lock = AfxClassChain::lockToLeave();
+    const auto lock = AfxClassChain::lockForUnload();
     for (const AfxSharedModule* one = AfxClassChain::firstModule(); one != nullptr;
          one = one->next) {
         if (module == nullptr || one->library->m_hModule == module) return one->library;
@@ -46,6 +46,6 @@ CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem)
 }
 
 CDynLinkLibrary::~CDynLinkLibrary() {
-    const auto lock = AfxClassChain::lockToLeave();
+    const auto lock = AfxClassChain::lockForUnload();
     AfxClassChain::withdraw(*m_place);
 }

@@ -14,7 +14,7 @@ struct LinkedModule {
     bool isSystem;
 };
 
-// Keeps a module loaded while it is asked something.
+// Keeps a module loaded while it is used.
 class ModulePin {
   public:
     explicit ModulePin(HMODULE module) : m_isDataFile(isDataFile(module)) {
@@ -28,8 +28,8 @@ class ModulePin {
     ModulePin(const ModulePin&) = delete;
     ModulePin& operator=(const ModulePin&) = delete;
 
-    // False when it has been freed already. A file mapped for its resources alone cannot be pinned;
-    // whoever has mapped it keeps it while a module is linked with it.
+    // False if it has already been freed. A file mapped for its resources alone cannot be pinned;
+    // its owner keeps it mapped while a module is linked with it.
     explicit operator bool() const { return m_isDataFile || m_module != nullptr; }
 
   private:
@@ -59,7 +59,7 @@ std::vector<LinkedModule> linkedModules() {
     return modules;
 }
 
-// Where to search, in this order. The current module comes before all others of its kind.
+// The modules to search, in this order. The current module is before all others of its kind.
 std::vector<HINSTANCE> searchOrder(HINSTANCE current) {
     const auto modules = linkedModules();
     const auto isCurrentOfSystem = std::ranges::any_of(modules, [=](const LinkedModule& linked) {

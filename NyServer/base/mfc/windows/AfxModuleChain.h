@@ -1,16 +1,17 @@
-// What modules own and in which order their resources are searched. Internal to the class library.
+// The classes of modules, and the order in which their resources are searched. Internal to the
+// class library.
 #pragma once
 
 #include "../CObject.h"
 
 #include <functional>
 
-// Takes the classes that lie in the module's image from the application's: it has registered them
-// while it was loaded. Their list, newest first.
+// Removes the classes in the module's image, which has registered them while it was loaded, from
+// the application's. Returns their list, newest first.
 CRuntimeClass* afxTakeClassesOf(HMODULE module);
 
-// The first module that `has` says yes to: the current resource handle's, then the extension
-// modules, the newest first, those of the system last, and the current one just before those when
-// it is linked as one of them; null when none does. `has` may call anything: no lock is held, and
-// the module whose resources it is asked about stays loaded meanwhile.
+// Returns the first module for which `has` returns true: the current resource handle's, then the
+// extension modules, the newest first, those of the system last, and the current one just before
+// those if it is linked as one of them; null if there is none. `has` may call anything: no lock is
+// held, and its module stays loaded during the call.
 HINSTANCE afxFindModule(const std::function<bool(HINSTANCE)>& has);

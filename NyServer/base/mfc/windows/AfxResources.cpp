@@ -8,7 +8,7 @@ namespace {
 
 constinit std::atomic<HINSTANCE> currentResources = nullptr;
 
-// A string as it lies in a module's table, without terminator.
+// A string in a module's table, without terminator.
 struct TableText {
     LPCWSTR text = nullptr;
     int length = 0;  // characters; 0: no such string
@@ -16,7 +16,7 @@ struct TableText {
 
 TableText findText(HINSTANCE instance, UINT id) {
     TableText found;
-    // With no room at all, the call gives the place of the text itself.
+    // With a buffer size of 0 the call returns a pointer to the text itself.
     found.length = ::LoadStringW(instance, id, reinterpret_cast<LPWSTR>(&found.text), 0);
     return found;
 }

@@ -10,7 +10,7 @@ IMPLEMENT_DYNAMIC(CWnd, CObject)
 
 namespace {
 
-// The window property that leads from a handle to its object.
+// The window property that maps a handle to its object.
 constexpr wchar_t kObjectProperty[] = L"NyBaseDll.CWnd";
 
 CWnd* objectOf(HWND window) {
@@ -18,17 +18,17 @@ CWnd* objectOf(HWND window) {
 }
 
 LRESULT answerToException(HWND window, UINT message) {
-    // An invalid area would bring the same message again at once.
+    // An invalid area would cause the same message again at once.
     if (message == WM_PAINT) ::ValidateRect(window, nullptr);
     return message == WM_CREATE ? -1 : 0;
 }
 
-// Other threads may ask for the handle meanwhile.
+// Other threads may read the handle meanwhile.
 void setHandle(CWnd& object, HWND window) {
     std::atomic_ref(object.m_hWnd).store(window, std::memory_order_relaxed);
 }
 
-// Gives the next window of this thread to its object before the window's first message.
+// Attaches the next window of this thread to its object before the window's first message.
 class CreationHook {
   public:
     explicit CreationHook(CWnd& object) : m_outer(std::exchange(current, this)), m_object(&object) {
@@ -43,10 +43,10 @@ class CreationHook {
 
     bool isSet() const { return m_hook != nullptr; }
 
-    // Whether the object got a window and has not lost it since.
+    // Returns whether the object has received a window and not lost it since.
     bool hasWindow() const { return m_owner != nullptr; }
 
-    // The object has lost its window, or is about to go.
+    // The object has lost its window, or is about to be destroyed.
     static void forget(const CWnd& object) {
         for (CreationHook* hook = current; hook != nullptr; hook = hook->m_outer) {
             if (hook->m_owner == &object) hook->m_owner = nullptr;
@@ -83,7 +83,7 @@ struct AfxWindowProcedure {
         } catch (CException* exception) {
             exception->Delete();
         } catch (...) {
-            // Whatever it was, it must not travel through the system's code.
+            // No exception may pass through the system's code.
         }
         return answerToException(window, message);
     }
@@ -95,7 +95,7 @@ struct AfxWindowProcedure {
             ::SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&call)));
     }
 
-    // The window goes on as its class has made it.
+    // The window continues with the procedure of its class.
     static void release(CWnd& object) {
         ::SetWindowLongPtrW(object.m_hWnd, GWLP_WNDPROC,
                             reinterpret_cast<LONG_PTR>(object.m_classProcedure));
@@ -151,8 +151,8 @@ BOOL CWnd::CreateEx(DWORD exStyle, LPCTSTR className, LPCTSTR windowName, DWORD 
     const HWND window =
         ::CreateWindowExW(exStyle, className, windowName, style, x, y, width, height, parent,
                           idOrMenu, AfxGetInstanceHandle(), parameter);
-    // A window refused by another hook goes without a last message. After one, PostNcDestroy may
-    // have deleted this object.
+    // A window refused by another hook is destroyed without a last message. After one,
+    // PostNcDestroy may have deleted this object.
     if (window == nullptr && hook.hasWindow()) AfxWindowProcedure::release(*this);
     return window != nullptr;
 }

@@ -1,5 +1,5 @@
-// Memory for records, short texts and short arrays. A table of records is made of very many of
-// these, and asking the C library for each costs more than reading the record.
+// Memory for records, short texts and short arrays. A table of records consists of very many of
+// them, and allocating each from the C library costs more than reading the record.
 #pragma once
 
 #include <cstddef>
@@ -7,9 +7,9 @@
 
 #include "NyServer/base/support/NyBaseApi.h"
 
-// Each thread keeps a few free blocks of each size and asks the others' store for more only when
-// they are used up. A block may be freed by another thread than the one that it was allocated by.
-// Memory that was a small block once is used for blocks of that size again and never returned.
+// Each thread has a free list for each size and refills it from a shared store. A block may be
+// freed by any thread. Memory of small blocks is reused for blocks of that size and never returned
+// to the system.
 
 // Like operator new and delete: `bytes` is the same in both; throws std::bad_alloc.
 NYBASE_API void* allocateSmallBlock(std::size_t bytes);

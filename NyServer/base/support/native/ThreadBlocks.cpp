@@ -2,9 +2,10 @@
 
 namespace {
 
-// Plain data, so that it can still be looked at when the thread's other objects are destroyed.
+// Plain data, so that it can still be read while the thread's other objects are destroyed.
 constinit thread_local ThreadBlocks blocksOfThread{};
-constinit thread_local ThreadBlocks* usable = nullptr;  // once they are watched, until the end
+// Null before the first use and after the end of the thread.
+constinit thread_local ThreadBlocks* usable = nullptr;
 constinit thread_local bool isReturned = false;
 
 struct ReturnAtThreadEnd {

@@ -16,8 +16,8 @@ void CALLBACK atThreadEnd(void* blocks) {
     returnBlocks(static_cast<ThreadBlocks*>(blocks));
 }
 
-// A slot of fiber local storage, which is the kind that says when a thread ends. When this module
-// is unloaded, giving the slot up returns the blocks of all threads.
+// A slot of fiber-local storage, which has a callback at the end of a thread. When this module is
+// unloaded, freeing the slot returns the blocks of all threads.
 class Slot {
   public:
     Slot() : m_index(FlsAlloc(&atThreadEnd)) {}

@@ -1,4 +1,4 @@
-#include "apps/common/NoticeText.h"
+#include "apps/common/NotificationText.h"
 
 #include <cstdio>
 
@@ -43,7 +43,7 @@ std::string textOf(const NySeMessage& message) {
     return toUtf8(message.getStrMessage());
 }
 
-// Empty when `object` is no Record.
+// Returns an empty text if `object` is not a Record.
 template <class Record>
 std::string textIf(const CObject& object) {
     return object.IsKindOf(RUNTIME_CLASS(Record))
@@ -53,7 +53,7 @@ std::string textIf(const CObject& object) {
 
 }  // namespace
 
-std::string noticeContent(const CObject* object) {
+std::string notificationContent(const CObject* object) {
     if (object == nullptr) return "no object";
     return object->GetRuntimeClass()->m_lpszClassName + textIf<NySeLock>(*object) +
            textIf<NySeConnection>(*object) + textIf<NySeUser>(*object) +

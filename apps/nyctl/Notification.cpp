@@ -1,10 +1,10 @@
-#include "apps/nyctl/Notice.h"
+#include "apps/nyctl/Notification.h"
 
 #include <array>
 #include <cstdio>
 #include <memory>
 
-#include "apps/common/NoticeText.h"
+#include "apps/common/NotificationText.h"
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
@@ -33,7 +33,7 @@ Record describe(const NySeMessage& message) {
     return {{"message", toUtf8(message.getStrMessage())}};
 }
 
-// How to tell programs of the objects of one class.
+// The conversion of the objects of one class to JSON.
 struct Kind {
     const CRuntimeClass* type;
     Record (*fields)(const CObject& object);
@@ -63,7 +63,7 @@ std::string isoTime(const SYSTEMTIME& utc) {
 
 }  // namespace
 
-Notice readNotice(NySe::ActionType action, CMemFile& payload) {
+Notification readNotification(NySe::ActionType action, CMemFile& payload) {
     SYSTEMTIME utc;
     ::GetSystemTime(&utc);
     const ULONGLONG size = payload.GetLength();
@@ -71,7 +71,7 @@ Notice readNotice(NySe::ActionType action, CMemFile& payload) {
     const Kind* const kind = object ? findKind(*object) : nullptr;
     const char* const words = NySe::notificationKind(action).words;
     return {timeOfDay(utc) + "  " + std::to_string(action) + ' ' + words + "  " +
-                noticeContent(object.get()) + "  (" + std::to_string(size) + " bytes)",
+                notificationContent(object.get()) + "  (" + std::to_string(size) + " bytes)",
             {{"time", isoTime(utc)},
              {"action", static_cast<int>(action)},
              {"words", words},

@@ -1,4 +1,4 @@
-// The requests about the server itself, and the report made of them.
+// The requests about the server itself: its information and its administration.
 #include "NyServer/client/ClientExchange.h"
 #include "NyServer/client/ServerInformation.h"
 
@@ -30,4 +30,18 @@ void NySeClientApp::getServerInformation(CStringArray& report) {
     report.Add(labelledLine(_T("MACHINE ID"), getMachineIdentifiant()));
     report.Add(labelledLine(_T("HOSTNAME"), getHostName()));
     report.Add(_T(""));
+}
+
+void NySeClientApp::shutDownServer() {
+    request(NySe::actionShutDownServer);
+}
+
+void NySeClientApp::verifyCoherancy() {
+    request(NySe::actionVerifyCoherancy);
+}
+
+CString NySeClientApp::getEventListFromEventViewer(int value) {
+    CString events;
+    if (request(NySe::actionGetEventListFromEventViewer, value)) receiveString(events);
+    return events;
 }
