@@ -9,14 +9,12 @@
 #include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUserPtrArray.h"
 #include "tests/support/ArchiveBytes.h"
-#include "tests/support/Golden.h"
 #include "tests/support/Thrown.h"
 
 namespace {
 
-const std::string kUserFields = "FFFFFFFF FFFEFF00 FFFEFF00 FFFEFF00 FFFFFFFF 00000000 00000000 ";
-const std::string kUser = "FFFF DF07 0800 'NySeUser' " + kUserFields;
-const std::string kUsersHead = "FFFF DF07 1000 'NySeUserPtrArray' ";
+const std::string kUser =
+    "FFFF DF07 0800 'NySeUser' FFFFFFFF FFFEFF00 FFFEFF00 FFFEFF00 FFFFFFFF 00000000 00000000 ";
 const std::string kLock = "FFFF DF07 0800 'NySeLock' ";
 const std::string kLocksHead = "FFFF DF07 0D00 'NySeLockArray' ";
 const std::string kHolder = "FFFF DF07 0F00 'NySeSessionLock' 18000000 07000000 ";
@@ -48,9 +46,6 @@ template <class Record>
 void expectCause(int expected, const std::string& text) {
     expectCause<Record>(expected, fromHex(text));
 }
-void expectOfUsers(int expected, const std::string& elements) {
-    expectCause<NySeUserPtrArray>(expected, kUsersHead + elements);
-}
 void expectOfHolders(int expected, const std::string& elements) {
     expectCause<NySeLock>(expected, kLock + "FFFEFF00" + elements);
 }
@@ -76,7 +71,7 @@ void expectOnly() {
         expectCause<Table>(isTable ? kFine : kBadClass, headOf(other) + zeros);
         expectCause<Table>(isRecord ? kFine : kBadClass, one + headOf(other) + zeros);
     }
-    expectCause<Table>(kBadClass, one + zeros);                     // a null
+    expectCause<Table>(kBadClass, one + zeros);                    // a null
     expectCause<Table>(kBadClass, one + fromHex("0180") + zeros);  // the table's own class
 }
 
@@ -105,22 +100,6 @@ TEST(HostileRecords, ATableTakesNoHeldLockTwice) {
     const std::string lock = kLocksHead + "0200" + kLock + "FFFEFF00";
     expectCause<NySeLockArray>(kBadIndex, lock + "0100" + kHolder + "0400");
     expectCause<NySeLockArray>(kFine, lock + "0000 0400");
-}
-
-TEST(HostileRecords, ATableTakesNothingTwiceButItsOwnRecords) {
-    expectOfUsers(kFine, "0200" + kUser + "0400");
-    for (const char* other : {"0100", "0200", "0300", "0500"}) {
-        expectOfUsers(kBadIndex, "0200" + kUser + other);
-    }
-    expectOfUsers(kBadIndex, "0100 0200");
-    expectOfUsers(kBadIndex, "0100 0100");
-}
-
-TEST(HostileRecords, ATableTakesNoRecordOfAnotherTable) {
-    Loading loading(fromHex(kUsersHead + "0100" + kUser + "0180 0100 0400"));
-    const std::unique_ptr<CObject> first(loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)));
-    EXPECT_EQ(kBadIndex,
-              archiveCause([&] { loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)); }));
 }
 
 }  // namespace

@@ -186,7 +186,8 @@ TEST_F(ConnectionTable, AgreesWithAPlainModelOnRandomUse) {
     Model model;
     for (int i = 0; i < 10000; ++i) {
         if (random() % 2 == 0) {
-            const std::string text = (random() % 2 == 0 ? "c" : "C") + std::to_string(random() % 40);
+            const std::string text =
+                (random() % 2 == 0 ? "c" : "C") + std::to_string(random() % 40);
             ASSERT_EQ(model.openConnection(text), open(text.c_str())) << i;
         } else {
             const LONG id = static_cast<LONG>(random() % 42) - 1;
