@@ -68,15 +68,14 @@ TEST(WiresharkConversation, ReadsEveryRequestAndTheReplyThatTheDocumentSays) {
             "isOpenConnectionBy 3", "isOpenConnectionBy: NySeUserPtrArray 2", "getLock",
             "getLock: NySeLockArray 2", "lock \"part/42\" 0x18", "lock: granted",
             "unLock \"part/42\"", "isLockBy \"part/42\"", "isLockBy: held, NySeUserPtrArray 2",
-            "getAllUser", "getAllUser: NySeUserPtrArray 2", "getAnotherPort",
-            "getAnotherPort: 512", "sendConnectionData 1 2 NySeMessage saved",
-            "sendUserData to Anna NySeMessage saved", "sendAllUserData NySeMessage saved",
-            "updateUserName \"Anna\"", "updateUserName: done", "shutDownServer",
-            "getCurrentTime", "getCurrentTime: 512", "verifyCoherancy", "getMachineIdentifiant",
-            "getMachineIdentifiant: \"00-1a-2b-3c-4d-5e\"", "getEventListFromEventViewer 25",
-            "getEventListFromEventViewer: \"00-1a-2b-3c-4d-5e\"", "getPortClient Anna",
-            "getPortClient: NySeUser Anna", "initializeSchema 2015", "initializeSchema: 512",
-            "getVersion", "getVersion: 1.5", "disconnect"));
+            "getAllUser", "getAllUser: NySeUserPtrArray 2", "getAnotherPort", "getAnotherPort: 512",
+            "sendConnectionData 1 2 NySeMessage saved", "sendUserData to Anna NySeMessage saved",
+            "sendAllUserData NySeMessage saved", "updateUserName \"Anna\"", "updateUserName: done",
+            "shutDownServer", "getCurrentTime", "getCurrentTime: 512", "verifyCoherancy",
+            "getMachineIdentifiant", "getMachineIdentifiant: \"00-1a-2b-3c-4d-5e\"",
+            "getEventListFromEventViewer 25", "getEventListFromEventViewer: \"00-1a-2b-3c-4d-5e\"",
+            "getPortClient Anna", "getPortClient: NySeUser Anna", "initializeSchema 2015",
+            "initializeSchema: 512", "getVersion", "getVersion: 1.5", "disconnect"));
     for (const Decoded& one : session.messages()) EXPECT_FALSE(one.has("_ws.expert.message"));
 }
 
@@ -179,11 +178,10 @@ TEST(WiresharkConversation, FindsManyMessagesInOneSegment) {
     expectSameAsSession(pipelined);
 }
 
-const Talk inSegments[] = {Talk{wholeSession(), Talk::On::serverPort, 1},
-                           Talk{wholeSession(), Talk::On::serverPort, 2},
-                           Talk{wholeSession(), Talk::On::serverPort, 5},
-                           Talk{wholeSession(), Talk::On::anyPort, 17},
-                           Talk{allAtOnce(), Talk::On::anyPort, 100}};
+const Talk inSegments[] = {
+    Talk{wholeSession(), Talk::On::serverPort, 1}, Talk{wholeSession(), Talk::On::serverPort, 2},
+    Talk{wholeSession(), Talk::On::serverPort, 5}, Talk{wholeSession(), Talk::On::anyPort, 17},
+    Talk{allAtOnce(), Talk::On::anyPort, 100}};
 
 TEST(WiresharkConversation, PutsMessagesTogetherFromSegments) {
     for (const Talk& talk : inSegments) expectSameAsSession(talk);
@@ -322,8 +320,8 @@ Bytes ofText(const std::string& characters) {
 const Talk others[] = {Talk{{asks(ofText("GET / HTTP/1.1\r\n\r\n"))}, Talk::On::anyPort},
                        Talk{{asks(Bytes(64, 0))}, Talk::On::anyPort},
                        Talk{{asks(Bytes(64, 1))}, Talk::On::anyPort},
-                       Talk{{asks(request(5))}, Talk::On::anyPort},           // an unknown action
-                       Talk{{asks(request(10, {1, 2}))}, Talk::On::anyPort},  // a surplus
+                       Talk{{asks(request(5))}, Talk::On::anyPort},             // an unknown action
+                       Talk{{asks(request(10, {1, 2}))}, Talk::On::anyPort},    // a surplus
                        Talk{{asks(request(12, {1, 'a'}))}, Talk::On::anyPort},  // narrow characters
                        Talk{{asks({10, 0, 0})}, Talk::On::anyPort},
                        Talk{{asks(hello() + Bytes(8, 0xEE))}, Talk::On::anyPort},
