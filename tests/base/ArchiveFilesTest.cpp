@@ -122,16 +122,50 @@ class BothFiles : public testing::TestWithParam<bool> {
 INSTANTIATE_TEST_SUITE_P(ArchiveFiles, BothFiles, testing::Bool(),
                          [](const auto& each) { return each.param ? "Memory" : "Stream"; });
 
-TEST_P(BothFiles, ShowWhatWasFlushed) {
-    CArchive ar(&file(), CArchive::store);
-    ar << WORD{0x0201};
-    EXPECT_EQ(file().GetLength(), 0u);
-    ar.Flush();
-    EXPECT_EQ(bytes(), "01 02");
-    EXPECT_EQ(file().GetPosition(), 2u);
-    ar << BYTE{3};
-    ar.Close();
-    EXPECT_EQ(bytes(), "01 02 03");
+// f, c and a flush, close and abort an archive; a digit is written as a byte.
+void play(CArchive& ar, const std::string& script) {
+    for (const char step : script) {
+        if (step == 'f') {
+            ar.Flush();
+        } else if (step == 'c') {
+            ar.Close();
+        } else if (step == 'a') {
+            ar.Abort();
+        } else {
+            ar << static_cast<BYTE>(step - '0');
+        }
+    }
+}
+
+struct Ending {
+    const char* script;
+    UINT flags;         // besides those for storing
+    const char* soFar;  // what the file holds then, and when the archive is destroyed
+    const char* inTheEnd;
+};
+
+constexpr Ending kEndings[] = {{"12", 0, "", "01 02"},
+                               {"12f3", 0, "01 02", "01 02 03"},
+                               {"1f2a", 0, "01", "01"},
+                               {"1f2", CArchive::bNoFlushOnDelete, "01", "01"},
+                               {"1c", CArchive::bNoFlushOnDelete, "01", "01"},
+                               {"1cca", 0, "01", "01"},
+                               {"1afc", 0, "", ""}};
+
+TEST_P(BothFiles, HoldWhatIsFlushedByThemselvesOrByTheEnd) {
+    for (const Ending& ending : kEndings) {
+        SCOPED_TRACE(ending.script);
+        file().SetLength(0);
+        file().SeekToBegin();
+        {
+            CArchive ar(&file(), CArchive::store | ending.flags);
+            EXPECT_TRUE(ar.IsStoring());
+            play(ar, ending.script);
+            EXPECT_EQ(bytes(), ending.soFar);
+            EXPECT_EQ(file().GetPosition(), file().GetLength());
+        }
+        EXPECT_EQ(bytes(), ending.inTheEnd);
+    }
 }
 
 TEST_P(BothFiles, ArchivesBeginAtTheFilesPosition) {
@@ -197,40 +231,6 @@ TEST_P(BothFiles, TakeOneArchiveAfterAnother) {
     }
 }
 
-TEST_P(BothFiles, HaveAllAfterTheDestructor) {
-    { CArchive(&file(), CArchive::store) << BYTE{1}; }
-    EXPECT_EQ(bytes(), "01");
-}
-
-TEST_P(BothFiles, LoseWhatWasNotFlushedOnAbort) {
-    CArchive ar(&file(), CArchive::store);
-    ar << BYTE{1};
-    ar.Flush();
-    ar << BYTE{2};
-    ar.Abort();
-    EXPECT_EQ(bytes(), "01");
-}
-
-TEST_P(BothFiles, LoseWhatWasNotFlushedWhenSoAsked) {
-    {
-        CArchive ar(&file(), CArchive::store | CArchive::bNoFlushOnDelete);
-        ar << BYTE{1};
-        ar.Flush();
-        ar << BYTE{2};
-    }
-    EXPECT_EQ(bytes(), "01");
-}
-
-TEST_P(BothFiles, KeepAllOnCloseEvenThen) {
-    {
-        CArchive ar(&file(), CArchive::store | CArchive::bNoFlushOnDelete);
-        EXPECT_TRUE(ar.IsStoring());
-        ar << BYTE{1};
-        ar.Close();
-    }
-    EXPECT_EQ(bytes(), "01");
-}
-
 TEST_P(BothFiles, AreKnownToTheirArchive) {
     file().SetFilePath(_T("queue.bin"));
     CArchive out(&file(), CArchive::store);
@@ -253,24 +253,6 @@ TEST_P(BothFiles, HaveNothingLeftBeyondTheirEnd) {
     BYTE byte = 9;
     EXPECT_EQ(ar.Read(&byte, 1), 0u);
     EXPECT_EQ(byte, 9);
-}
-
-TEST_P(BothFiles, CloseAndAbortMayComeTwice) {
-    CArchive ar(&file(), CArchive::store);
-    ar << BYTE{1};
-    ar.Close();
-    ar.Close();
-    ar.Abort();
-    EXPECT_EQ(bytes(), "01");
-}
-
-TEST_P(BothFiles, CloseAndFlushDoNothingAfterAbort) {
-    CArchive ar(&file(), CArchive::store);
-    ar << BYTE{1};
-    ar.Abort();
-    ar.Flush();
-    ar.Close();
-    EXPECT_EQ(bytes(), "");
 }
 
 // The bytes that are too few for one value are still there for smaller ones.
@@ -300,19 +282,16 @@ TEST(ArchiveFiles, ThatCannotGrowRefuseValuesWhole) {
     EXPECT_EQ(toHex(contentsOf(file)), "01 02 03");
 }
 
-TEST(ArchiveFiles, OwnExceptionsPassThroughClose) {
-    StreamFile file;
-    CArchive ar(&file, CArchive::store);
-    ar << BYTE{1};
-    file.m_failsIn = 0;
-    EXPECT_EQ(fileCause([&] { ar.Close(); }), CFileException::diskFull);
-}
-
-TEST(ArchiveFiles, OwnExceptionsPassThroughTheDestructor) {
-    StreamFile file;
-    file.m_failsIn = 0;
-    EXPECT_EQ(fileCause([&] { CArchive(&file, CArchive::store) << BYTE{1}; }),
-              CFileException::diskFull);
+TEST(ArchiveFiles, OwnExceptionsPassThroughCloseAndTheDestructor) {
+    for (const char* script : {"1c", "1"}) {
+        StreamFile file;
+        file.m_failsIn = 0;
+        EXPECT_EQ(fileCause([&] {
+                      CArchive ar(&file, CArchive::store);
+                      play(ar, script);
+                  }),
+                  CFileException::diskFull);
+    }
 }
 
 TEST(ArchiveFiles, ThatFailWhileReadingLoseNothing) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <limits>
 
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
@@ -22,11 +21,6 @@ T loaded(const Bytes& bytes) {
     return value;
 }
 
-template <class T>
-void roundTrips(T value) {
-    EXPECT_EQ(loaded<T>(stored([&](CArchive& ar) { ar << value; })), value);
-}
-
 CString textOf(size_t length) {
     CString text;
     LPWSTR buffer = text.GetBufferSetLength(static_cast<int>(length));
@@ -34,47 +28,34 @@ CString textOf(size_t length) {
     return text;
 }
 
+template <class T>
+void expectTravels(T value, const char* bytes) {
+    EXPECT_EQ(valueHex(value), bytes);
+    EXPECT_EQ(valueHex(loaded<T>(fromHex(bytes))), bytes);
+}
+
 TEST(ArchiveValues, TravelAsTheirLittleEndianBytes) {
-    EXPECT_EQ(valueHex(BYTE{0xFE}), "FE");
-    EXPECT_EQ(valueHex('A'), "41");
-    EXPECT_EQ(valueHex(true), "01");
-    EXPECT_EQ(valueHex(false), "00");
-    EXPECT_EQ(valueHex(WORD{0x1234}), "34 12");
-    EXPECT_EQ(valueHex(short{-2}), "FE FF");
-    EXPECT_EQ(valueHex(WCHAR{0x20AC}), "AC 20");
-    EXPECT_EQ(valueHex(-3), "FD FF FF FF");
-    EXPECT_EQ(valueHex(0x12345678u), "78 56 34 12");
-    EXPECT_EQ(valueHex(LONG{-2}), "FE FF FF FF");
-    EXPECT_EQ(valueHex(DWORD{0xFFFFFFFE}), "FE FF FF FF");
-    EXPECT_EQ(valueHex(BOOL{TRUE}), "01 00 00 00");
-    EXPECT_EQ(valueHex(1.0f), "00 00 80 3F");
-    EXPECT_EQ(valueHex(-2.0), "00 00 00 00 00 00 00 C0");
-    EXPECT_EQ(valueHex(LONGLONG{-2}), "FE FF FF FF FF FF FF FF");
-    EXPECT_EQ(valueHex(ULONGLONG{0x0102030405060708}), "08 07 06 05 04 03 02 01");
-}
-
-TEST(ArchiveValues, ComeBackAsTheyWere) {
-    roundTrips(std::numeric_limits<BYTE>::max());
-    roundTrips(std::numeric_limits<char>::min());
-    roundTrips(std::numeric_limits<short>::min());
-    roundTrips(std::numeric_limits<WORD>::max());
-    roundTrips(WCHAR{0xD800});
-    roundTrips(std::numeric_limits<int>::min());
-    roundTrips(std::numeric_limits<unsigned int>::max());
-    roundTrips(std::numeric_limits<LONG>::min());
-    roundTrips(std::numeric_limits<DWORD>::max());
-    roundTrips(std::numeric_limits<LONGLONG>::min());
-    roundTrips(std::numeric_limits<ULONGLONG>::max());
-    roundTrips(1.5f);
-    roundTrips(-0.1);
-}
-
-TEST(ArchiveValues, NanBitsPassUnchanged) {
-    const auto kDouble = std::bit_cast<double>(uint64_t{0x7FF4000000000123});
-    EXPECT_EQ(valueHex(kDouble), "23 01 00 00 00 00 F4 7F");
-    EXPECT_EQ(std::bit_cast<uint64_t>(loaded<double>(fromHex("23 01 00 00 00 00 F4 7F"))),
-              0x7FF4000000000123u);
-    EXPECT_EQ(std::bit_cast<uint32_t>(loaded<float>(fromHex("23 01 A0 7F"))), 0x7FA00123u);
+    expectTravels(BYTE{0xFE}, "FE");
+    expectTravels('A', "41");
+    expectTravels(static_cast<char>(-128), "80");
+    expectTravels(true, "01");
+    expectTravels(false, "00");
+    expectTravels(WORD{0x1234}, "34 12");
+    expectTravels(short{-2}, "FE FF");
+    expectTravels(WCHAR{0x20AC}, "AC 20");
+    expectTravels(WCHAR{0xD800}, "00 D8");
+    expectTravels(-3, "FD FF FF FF");
+    expectTravels(0x12345678u, "78 56 34 12");
+    expectTravels(LONG{-2}, "FE FF FF FF");
+    expectTravels(DWORD{0xFFFFFFFE}, "FE FF FF FF");
+    expectTravels(BOOL{TRUE}, "01 00 00 00");
+    expectTravels(1.0f, "00 00 80 3F");
+    expectTravels(-2.0, "00 00 00 00 00 00 00 C0");
+    expectTravels(LONGLONG{-2}, "FE FF FF FF FF FF FF FF");
+    expectTravels(ULONGLONG{0x0102030405060708}, "08 07 06 05 04 03 02 01");
+    // Numbers that are none keep their bits.
+    expectTravels(std::bit_cast<double>(uint64_t{0x7FF4000000000123}), "23 01 00 00 00 00 F4 7F");
+    expectTravels(std::bit_cast<float>(uint32_t{0x7FA00123}), "23 01 A0 7F");
 }
 
 TEST(ArchiveValues, AnyByteButZeroIsTrue) {
@@ -85,23 +66,19 @@ TEST(ArchiveValues, AnyByteButZeroIsTrue) {
 }
 
 TEST(ArchiveValues, CountsTakeTwoBytesOrSix) {
-    const auto count = [](size_t n) {
-        return toHex(stored([&](CArchive& ar) { ar.WriteCount(n); }));
-    };
-    EXPECT_EQ(count(0), "00 00");
-    EXPECT_EQ(count(0x8000), "00 80");
-    EXPECT_EQ(count(0xFFFE), "FE FF");
-    EXPECT_EQ(count(0xFFFF), "FF FF FF FF 00 00");
-    EXPECT_EQ(count(0x10000), "FF FF 00 00 01 00");
-    EXPECT_EQ(count(0xFFFFFFFE), "FF FF FE FF FF FF");
-    EXPECT_TRUE(throwsA<CInvalidArgException>([&] { count(0xFFFFFFFF); }));
-}
-
-TEST(ArchiveValues, CountsAreReadInBothForms) {
-    EXPECT_EQ(Loading(fromHex("00 00")).ar.ReadCount(), 0u);
-    EXPECT_EQ(Loading(fromHex("FE FF")).ar.ReadCount(), 0xFFFEu);
-    EXPECT_EQ(Loading(fromHex("FF FF FF FF 00 00")).ar.ReadCount(), 0xFFFFu);
+    const std::pair<size_t, const char*> rows[] = {{0, "00 00"},
+                                                   {0x8000, "00 80"},
+                                                   {0xFFFE, "FE FF"},
+                                                   {0xFFFF, "FF FF FF FF 00 00"},
+                                                   {0x10000, "FF FF 00 00 01 00"},
+                                                   {0xFFFFFFFE, "FF FF FE FF FF FF"}};
+    for (const auto& [count, bytes] : rows) {
+        EXPECT_EQ(toHex(stored([n = count](CArchive& ar) { ar.WriteCount(n); })), bytes);
+        EXPECT_EQ(Loading(fromHex(bytes)).ar.ReadCount(), count);
+    }
     EXPECT_EQ(Loading(fromHex("FF FF 01 00 00 00")).ar.ReadCount(), 1u);
+    EXPECT_TRUE(throwsA<CInvalidArgException>(
+        [] { stored([](CArchive& ar) { ar.WriteCount(0xFFFFFFFF); }); }));
 }
 
 TEST(ArchiveValues, BytesLeftCountsWhatIsUnread) {
@@ -192,27 +169,17 @@ TEST_P(StringPrefix, PrecedesTheBytesOfANarrowString) {
 }
 
 TEST(ArchiveStrings, AreTheMarkTheLengthAndTheUnits) {
-    EXPECT_EQ(valueHex(CString(_T("A"))), "FF FE FF 01 41 00");
-    EXPECT_EQ(valueHex(CString()), "FF FE FF 00");
-    EXPECT_EQ(valueHex(CString(_T("\U0001F600"))), "FF FE FF 02 3D D8 00 DE");
-}
-
-TEST(ArchiveStrings, KeepZeroCharacters) {
-    const CString text(_T("a\0b"), 3);
-    EXPECT_EQ(valueHex(text), "FF FE FF 03 61 00 00 00 62 00");
-    EXPECT_EQ(unitsOf(loaded<CString>(fromHex("FF FE FF 03 61 00 00 00 62 00"))), unitsOf(text));
-    EXPECT_EQ(unitsOf(loaded<CString>(fromHex("03 61 00 62"))), unitsOf(text));
-}
-
-TEST(ArchiveStrings, KeepUnpairedSurrogates) {
-    const CString text = loaded<CString>(fromHex("FF FE FF 01 00 DC"));
-    EXPECT_EQ(int{text.GetAt(0)}, 0xDC00);
-    EXPECT_EQ(valueHex(text), "FF FE FF 01 00 DC");
+    expectTravels(CString(_T("A")), "FF FE FF 01 41 00");
+    expectTravels(CString(), "FF FE FF 00");
+    expectTravels(CString(_T("\U0001F600")), "FF FE FF 02 3D D8 00 DE");
+    expectTravels(CString(_T("a\0b"), 3), "FF FE FF 03 61 00 00 00 62 00");
+    expectTravels(CString(WCHAR{0xDC00}), "FF FE FF 01 00 DC");
 }
 
 TEST(ArchiveStrings, WithoutTheMarkAreConverted) {
     EXPECT_EQ(loaded<CString>(fromHex("03 'abc'")), _T("abc"));
     EXPECT_EQ(loaded<CString>(fromHex("00")), _T(""));
+    EXPECT_EQ(unitsOf(loaded<CString>(fromHex("03 61 00 62"))), unitsOf(CString(_T("a\0b"), 3)));
 }
 
 TEST(ArchiveStrings, AreReadFromLongerFormsThanNeeded) {

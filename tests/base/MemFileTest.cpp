@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <random>
 
 #include "tests/support/ArchiveBytes.h"
 #include "tests/support/CStringPrinter.h"
@@ -77,88 +79,120 @@ TEST_F(MemFile, IsEmptyAtFirst) {
     EXPECT_EQ(byte, 7);
     expect("", 0);
     EXPECT_EQ(m_file.Detach(), nullptr);
+    EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCheck), UINT{CFile::bufferDirect});
 }
 
-TEST_F(MemFile, HoldsWhatWasWrittenAndOverwritten) {
-    write("hello ");
-    write("world");
-    expect("hello world", 11);
-    seek(2);
-    write("XY");
-    expect("heXYo world", 4);
-}
+// What a file holds that has room for so many bytes.
+struct Model {
+    std::string content;
+    size_t position = 0;
+    size_t room = 1 << 20;
 
-TEST_F(MemFile, ReadStopsAtTheEnd) {
-    write("abc");
-    seek(1);
-    EXPECT_EQ(read(10), "bc");
-    EXPECT_EQ(read(10), "");
-    seek(50);
-    EXPECT_EQ(read(10), "");
-    expect("abc", 50);
-}
-
-TEST_F(MemFile, SeeksFromEachOrigin) {
-    write("abcdef");
-    EXPECT_EQ(seek(2), 2u);
-    EXPECT_EQ(seek(3, CFile::current), 5u);
-    EXPECT_EQ(seek(-1, CFile::current), 4u);
-    EXPECT_EQ(seek(-4, CFile::end), 2u);
-    EXPECT_EQ(m_file.SeekToEnd(), 6u);
-    m_file.SeekToBegin();
-    expect("abcdef", 0);
-}
-
-TEST_F(MemFile, SeekOutsideAllPositionsThrowsAndStays) {
-    write("abc");
-    const struct {
-        LONGLONG offset;
-        UINT from;
-    } rows[] = {{-1, CFile::begin},
-                {-4, CFile::current},
-                {-4, CFile::end},
-                {INT64_MAX, CFile::current},
-                {INT64_MAX, CFile::end}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(fileCause([&] { seek(row.offset, row.from); }), CFileException::badSeek);
-        expect("abc", 3);
+    bool setLength(size_t length) {
+        if (length > room) return false;
+        content.resize(length);
+        position = std::min(position, length);
+        return true;
     }
-}
+    bool write(const std::string& text) {
+        if (text.empty()) return true;
+        const size_t end = position + text.size();
+        if (end > room) return false;
+        content.resize(std::max(content.size(), end));
+        content.replace(position, text.size(), text);
+        position = end;
+        return true;
+    }
+    std::string read(size_t count) {
+        const std::string bytes = position < content.size() ? content.substr(position, count) : "";
+        position += bytes.size();
+        return bytes;
+    }
+    // Whether there is such a position.
+    bool seek(LONGLONG offset, UINT from) {
+        const size_t start = from == CFile::begin ? 0
+                             : from == CFile::end ? content.size()
+                                                  : position;
+        if (offset < -static_cast<LONGLONG>(start)) return false;
+        position = start + static_cast<size_t>(offset);
+        return true;
+    }
+};
 
-TEST_F(MemFile, SeekBeyondTheEndGrowsNothingUntilWritten) {
-    write("abc");
-    EXPECT_EQ(seek(6), 6u);
-    m_file.Write("", 0);
-    expect("abc", 6);
-    write("x");
-    expect("abc\0\0\0x"s, 7);
-}
+class RandomMemFile : public MemFile, public testing::WithParamInterface<bool> {
+  protected:
+    std::mt19937 m_random{20150716};
+    Model m_model;
 
-TEST_F(MemFile, SetLengthExtendsWithZeros) {
-    write("abc");
-    m_file.SetLength(5);
-    expect("abc\0\0"s, 3);
-    write("d");
-    expect("abcd\0"s, 4);
-}
+    UINT below(UINT limit) { return static_cast<UINT>(m_random() % limit); }
+    void seekAnywhere() {
+        const UINT origins[] = {CFile::begin, CFile::current, CFile::end};
+        const UINT from = origins[below(3)];
+        const LONGLONG offset = LONGLONG{below(60)} - 30;
+        ULONGLONG position = m_file.GetPosition();
+        const int cause = fileCause([&] { position = seek(offset, from); });
+        EXPECT_EQ(position, m_file.GetPosition());
+        EXPECT_EQ(cause, m_model.seek(offset, from) ? -1 : CFileException::badSeek);
+    }
+    void writeText() {
+        const std::string text(below(30), static_cast<char>('a' + below(26)));
+        EXPECT_NE(throwsA<CMemoryException>([&] { write(text.c_str()); }), m_model.write(text));
+    }
+    void writeToItsMemory() {
+        const std::string text(1 + below(30), static_cast<char>('a' + below(26)));
+        if (m_model.position + text.size() > m_model.room) return;
+        EXPECT_GE(offered(CFile::bufferWrite, static_cast<UINT>(text.size())), text.size());
+        std::memcpy(m_start, text.data(), text.size());
+        EXPECT_EQ(m_file.GetLength(), m_model.content.size());
+        EXPECT_EQ(m_file.GetPosition(), m_model.position);
+        EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCommit, static_cast<UINT>(text.size())), 0u);
+        m_model.write(text);
+    }
+    void readFromItsMemory() {
+        const UINT count = below(8) == 0 ? UINT(-1) : below(40);
+        const std::string bytes = m_model.read(count);
+        ASSERT_EQ(offered(CFile::bufferRead, count), bytes.size());
+        EXPECT_EQ(std::string(static_cast<char*>(m_start), static_cast<char*>(m_max)), bytes);
+    }
+    void changeLength() {
+        const UINT length = below(80);
+        const bool isRefused = throwsA<CMemoryException>([&] { m_file.SetLength(length); });
+        EXPECT_NE(isRefused, m_model.setLength(length));
+    }
+    void doAnything() {
+        switch (below(6)) {
+            case 0:
+                return seekAnywhere();
+            case 1:
+                return writeText();
+            case 2:
+                return writeToItsMemory();
+            case 3:
+                return readFromItsMemory();
+            case 4:
+                return changeLength();
+        }
+        const UINT count = below(40);
+        EXPECT_EQ(read(count), m_model.read(count));
+    }
+};
 
-TEST_F(MemFile, SetLengthCutsAndMovesThePositionToTheEnd) {
-    write("abcdef");
-    m_file.SetLength(2);
-    expect("ab", 2);
-    write("Z");
-    expect("abZ", 3);
-}
+INSTANTIATE_TEST_SUITE_P(MemFile, RandomMemFile, testing::Bool(),
+                         [](const auto& each) { return each.param ? "Attached" : "Own"; });
 
-TEST_F(MemFile, BytesCutOffDoNotComeBack) {
-    write("abcdef");
-    m_file.SetLength(2);
-    m_file.SetLength(4);
-    expect("ab\0\0"s, 2);
-    m_file.SetLength(2);
-    seek(4);
-    write("x");
-    expect("ab\0\0x"s, 5);
+// Bytes that the file is attached to cannot grow.
+TEST_P(RandomMemFile, AgreesWithAPlainModel) {
+    BYTE bytes[50] = {};
+    if (GetParam()) {
+        m_file.Attach(bytes, sizeof bytes);
+        m_model = {std::string(sizeof bytes, 0), 0, sizeof bytes};
+    }
+    for (int i = 0; i < 5000 && !HasFailure(); ++i) {
+        doAnything();
+        expect(m_model.content, m_model.position);
+    }
+    if (!GetParam()) return;
+    EXPECT_EQ(std::memcmp(bytes, m_model.content.data(), m_model.content.size()), 0);
 }
 
 TEST_F(MemFile, GrowsInMultiplesOfItsStep) {
@@ -201,6 +235,10 @@ TEST_F(MemFile, LengthsBeyondTheAddressSpaceAreRefused) {
     seek(INT64_MAX);
     expectNoMemory([&] { write("x"); });
     expect("abc", INT64_MAX);
+    for (const UINT from : {UINT{CFile::current}, UINT{CFile::end}}) {
+        EXPECT_EQ(fileCause([&] { seek(INT64_MAX, from); }), CFileException::badSeek);
+    }
+    expect("abc", INT64_MAX);
 }
 
 TEST_F(MemFile, FreesItsOwnBlockOnceOnCloseOrDestruction) {
@@ -234,27 +272,6 @@ TEST_F(MemFile, AttachedBytesAreTheFile) {
     expect("abcd", 0);
     write("X");
     EXPECT_EQ(m_bytes[0], 'X');
-}
-
-TEST_F(MemFile, AttachedBytesCannotGrow) {
-    m_file.Attach(m_bytes, 4);
-    seek(2);
-    expectNoMemory([&] { write("XYZ"); });
-    expectNoMemory([&] { m_file.SetLength(5); });
-    expect("abcd", 2);
-    write("XY");
-    expect("abXY", 4);
-    seek(20);
-    expectNoMemory([&] { write("X"); });
-    expect("abXY", 20);
-}
-
-TEST_F(MemFile, ShortenedAttachedBytesCanBeFilledAgain) {
-    m_file.Attach(m_bytes, 4);
-    m_file.SetLength(1);
-    seek(3);
-    write("Z");
-    expect("a\0\0Z"s, 4);
 }
 
 TEST_F(MemFile, AttachedRoomIsEmptyWhenItMayGrow) {
@@ -293,30 +310,6 @@ TEST_F(MemFile, AnOwnBlockAfterAnAttachedOneIsFreed) {
     m_file.Close();
     EXPECT_EQ(m_file.allocs, 1);
     EXPECT_EQ(m_file.frees, 1);
-}
-
-TEST_F(MemFile, OffersItsMemoryForReading) {
-    const auto expectOffered = [this](UINT asked, const std::string& bytes) {
-        ASSERT_EQ(offered(CFile::bufferRead, asked), bytes.size());
-        EXPECT_EQ(std::string(static_cast<char*>(m_start), static_cast<char*>(m_max)), bytes);
-    };
-    write("abcdef");
-    seek(1);
-    EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCheck), UINT{CFile::bufferDirect});
-    expectOffered(2, "bc");
-    EXPECT_EQ(m_file.GetPosition(), 3u);
-    expectOffered(UINT(-1), "def");
-    expectOffered(UINT(-1), "");
-    expect("abcdef", 6);
-}
-
-TEST_F(MemFile, OffersItsMemoryForWriting) {
-    write("ab");
-    EXPECT_GE(offered(CFile::bufferWrite, 5000), 5000u);
-    std::memcpy(m_start, "xyz", 3);
-    expect("ab", 2);
-    EXPECT_EQ(m_file.GetBufferPtr(CFile::bufferCommit, 3), 0u);
-    expect("abxyz", 5);
 }
 
 TEST_F(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {

@@ -30,23 +30,12 @@ class UsersOfSessions : public ::testing::Test {
     }
 };
 
-TEST_F(UsersOfSessions, AreSortedByNameAndJoinThoseAlreadyThere) {
-    EXPECT_EQ((Sessions{3, 1}), found({1, 3}));
-    EXPECT_EQ((Sessions{2, 3, 1}), found({2}));
-}
-
-TEST_F(UsersOfSessions, AreTheVeryUsers) {
-    found({3});
-    EXPECT_EQ(m_users.findBySessionNumber(3), m_found.GetAt(0));
-}
-
-TEST_F(UsersOfSessions, LackThoseWithoutAUser) {
+TEST_F(UsersOfSessions, AreTheVeryUsersByNameOnePerSessionLock) {
     EXPECT_EQ((Sessions{}), found({}));
-    EXPECT_EQ((Sessions{3}), found({9, 3, -1}));
-}
-
-TEST_F(UsersOfSessions, AppearOncePerSessionLock) {
-    EXPECT_EQ((Sessions{3, 3}), found({3, 3}));
+    EXPECT_EQ((Sessions{3, 1}), found({1, 3}));
+    EXPECT_EQ(m_users.findBySessionNumber(3), m_found.GetAt(0));
+    EXPECT_EQ((Sessions{2, 3, 1}), found({2}));
+    EXPECT_EQ((Sessions{2, 3, 3, 3, 1}), found({9, 3, 3, -1}));
 }
 
 // As the answer to isLockBy: the second is written as a reference.

@@ -20,15 +20,9 @@ TEST_P(GoldenRecord, IsStoredAsItsBytes) {
     EXPECT_EQ(toHex(GetParam().bytes), toHex(storeAs(GetParam(), *makeGolden(GetParam()))));
 }
 
-TEST_P(GoldenRecord, IsLoadedFromItsBytes) {
-    const std::unique_ptr<CObject> loaded = loadAs(GetParam(), GetParam().bytes);
+TEST_P(GoldenRecord, IsLoadedFromItsBytesAndNoMore) {
+    const std::unique_ptr<CObject> loaded = loadAs(GetParam(), GetParam().bytes + Bytes{0xAB});
     EXPECT_STREQ(GetParam().className.c_str(), loaded->GetRuntimeClass()->m_lpszClassName);
-    EXPECT_EQ(toHex(GetParam().bytes), toHex(storeAs(GetParam(), *loaded)));
-}
-
-TEST_P(GoldenRecord, LoadsNoMoreThanItsBytes) {
-    const Bytes longer = GetParam().bytes + Bytes{0xAB};
-    const std::unique_ptr<CObject> loaded = loadAs(GetParam(), longer);
     EXPECT_EQ(toHex(GetParam().bytes), toHex(storeAs(GetParam(), *loaded)));
 }
 

@@ -21,7 +21,6 @@ class Lock : public ::testing::Test {
     void hold(LONG session, unsigned int mode) {
         m_lock.getHolders().add(makeSessionLock(session, mode).clone());
     }
-    void release(LONG session) { m_lock.removeUser(makeUser(_T("anybody"), session)); }
     Sessions sessions() const { return sessionsOf(m_lock.getHolders()); }
     std::string written() {
         m_lock.writeUserArray(m_file);
@@ -58,12 +57,6 @@ TEST_F(Lock, AssignmentKeepsTheHoldersOfTheTarget) {
     EXPECT_EQ((Sessions{7}), sessions());
 }
 
-TEST_F(Lock, WithoutHoldersGrantsEveryMode) {
-    for (const unsigned mode : {0u, 0x01u, 0x02u, 0x18u, 0xFFFFFFFFu}) {
-        EXPECT_TRUE(m_lock.seekShareMode(mode)) << mode;
-    }
-}
-
 struct ShareRow {
     unsigned held;
     unsigned asked;
@@ -87,26 +80,6 @@ TEST_F(Lock, SharesByTheTableOfModes) {
         EXPECT_EQ(row.granted, m_lock.seekShareMode(row.asked))
             << std::hex << row.held << " holds, " << row.asked << " asks";
     }
-}
-
-TEST_F(Lock, OneExcludingHolderAmongManyIsEnough) {
-    hold(1, 0x01);
-    hold(2, 0x02);
-    EXPECT_TRUE(m_lock.seekShareMode(0x01));
-    hold(3, 0x08);
-    EXPECT_FALSE(m_lock.seekShareMode(0x01));
-    EXPECT_TRUE(m_lock.seekShareMode(0x04));
-}
-
-TEST_F(Lock, RemovingAUserDropsEveryGrantOfTheSession) {
-    for (const LONG session : {5, 3, 5, 9, 5}) hold(session, 1);
-    EXPECT_EQ((Sessions{3, 5, 5, 5, 9}), sessions());
-    for (const LONG session : {5, 4}) {
-        release(session);
-        EXPECT_EQ((Sessions{3, 9}), sessions());
-    }
-    for (const LONG session : {9, 3, 3}) release(session);
-    EXPECT_EQ((Sessions{}), sessions());
 }
 
 TEST_F(Lock, LoadingReplacesTheHolders) {

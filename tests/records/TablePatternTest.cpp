@@ -6,7 +6,6 @@
 
 #include "tests/records/RecordSamples.h"
 #include "tests/support/ArchiveBytes.h"
-#include "tests/support/SlotOrder.h"
 
 namespace {
 
@@ -83,17 +82,6 @@ TYPED_TEST(TablePattern, CopiesHoldClones) {
         EXPECT_EQ(QoSort::equal, table.vCompareTo(*one, 1));
         EXPECT_EQ(toHex(this->fieldsOf(copy)), toHex(this->fieldsOf(*one)));
     }
-}
-
-TYPED_TEST(TablePattern, KeepsTheSlotsOfItsBase) {
-    EXPECT_EQ(0u, slotOf(&TypeParam::GetRuntimeClass));
-    EXPECT_EQ(3u, slotOf(&TypeParam::Serialize));
-    EXPECT_EQ(6u, slotOf(&TypeParam::vCompareTo));
-    EXPECT_EQ(7u, slotOf(&TypeParam::vCopyFrom));
-    EXPECT_EQ(8u, slotOf(&TypeParam::toString));
-    EXPECT_EQ(9u, slotOf(&TypeParam::GetSize));
-    EXPECT_EQ(10u, slotOf(&TypeParam::RemoveAll));
-    EXPECT_EQ(11u, slotOf(&TypeParam::onEndSearchIfSorted));
 }
 
 }  // namespace

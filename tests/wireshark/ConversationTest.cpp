@@ -13,83 +13,9 @@
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
-using ::testing::StartsWith;
 
-// Every request with the reply that it gets.
-std::vector<Said> wholeSession() {
-    const auto reply = [](const char* name) { return answers(golden(name).bytes); };
-    const auto ask = [](const char* call) { return asks(goldenRequest(call)); };
-    const Bytes yes = wireOf<BYTE>(1);
-    return {
-        ask("initializeSchema"),
-        answers(wireOf<LONG>(2015)),
-        ask("isAlive"),
-        answers(kAlive),
-        ask("getPortClient"),
-        reply("reply-user"),
-        ask("openConnection"),
-        answers(wireOf<LONG>(3)),
-        ask("closeConnection"),
-        ask("isOpenConnectionBy"),
-        reply("reply-users"),
-        ask("getConnection"),
-        reply("reply-connections"),
-        ask("lock"),
-        answers(yes),
-        ask("unLock"),
-        ask("isLockBy"),
-        answers(yes + golden("reply-users").bytes),
-        ask("getLock"),
-        reply("reply-locks"),
-        ask("getAllUser"),
-        reply("reply-users"),
-        ask("getAnotherPort"),
-        answers(wireOf<LONG>(42101)),
-        ask("sendConnectionData"),
-        ask("sendUserData"),
-        ask("sendAllUserData"),
-        ask("updateUserName"),
-        answers(yes),
-        ask("getCurrentTime"),
-        answers(wireOf<LONG>(1'700'000'000)),
-        ask("verifyCoherancy"),
-        ask("getMachineIdentifiant"),
-        reply("reply-string"),
-        ask("getEventListFromEventViewer"),
-        reply("reply-string"),
-        ask("getVersion"),
-        answers(wireOf(1.5)),
-        ask("shutDownServer"),
-        ask("disconnect"),
-    };
-}
-
-const Talk session(wholeSession(), Talk::On::anyPort);
-
-TEST(WiresharkConversation, NamesEveryRequestAndWhatItIsAnswered) {
-    EXPECT_THAT(
-        session.lines(),
-        ElementsAre(
-            "initializeSchema 2015", "initializeSchema: 2015", "isAlive", "isAlive: alive",
-            "getPortClient Anna", "getPortClient: NySeUser Anna",
-            "openConnection \"Server=a;Db=b\"", "openConnection: 3", "closeConnection 3",
-            "isOpenConnectionBy 3", "isOpenConnectionBy: NySeUserPtrArray 2", "getConnection",
-            "getConnection: NySeConnectionArray 2", "lock \"part/42\" 0x18", "lock: granted",
-            "unLock \"part/42\"", "isLockBy \"part/42\"", "isLockBy: held, NySeUserPtrArray 2",
-            "getLock", "getLock: NySeLockArray 2", "getAllUser", "getAllUser: NySeUserPtrArray 2",
-            "getAnotherPort", "getAnotherPort: 42101", "sendConnectionData 1 2 NySeMessage saved",
-            "sendUserData to Anna NySeMessage saved", "sendAllUserData NySeMessage saved",
-            "updateUserName \"Anna\"", "updateUserName: done", "getCurrentTime",
-            "getCurrentTime: 1700000000", "verifyCoherancy", "getMachineIdentifiant",
-            "getMachineIdentifiant: \"00-1a-2b-3c-4d-5e\"", "getEventListFromEventViewer 25",
-            "getEventListFromEventViewer: \"00-1a-2b-3c-4d-5e\"", "getVersion", "getVersion: 1.5",
-            "shutDownServer", "disconnect"));
-}
-
-// A reply of the kind that the document says.
+// A reply of the kind that the document says; its byte is 1, its numbers are 512 and 1.5.
 Bytes replyOf(const std::string& kind) {
     const std::pair<const char*, const char*> messages[] = {
         {"message: string", "reply-string"},
@@ -118,7 +44,8 @@ std::string replyInDocument(const NySe::RequestKind& request) {
     return "";
 }
 
-std::vector<Said> everyRequest() {
+// Every request with the reply that it gets.
+std::vector<Said> wholeSession() {
     std::vector<Said> said;
     for (const NySe::RequestKind& request : NySe::kRequests) {
         said.push_back(asks(goldenRequest(request.name)));
@@ -128,21 +55,28 @@ std::vector<Said> everyRequest() {
     return said;
 }
 
-const Talk documented(everyRequest());
+const Talk session(wholeSession(), Talk::On::anyPort);
 
 TEST(WiresharkConversation, ReadsEveryRequestAndTheReplyThatTheDocumentSays) {
-    size_t at = 0;
-    for (const NySe::RequestKind& request : NySe::kRequests) {
-        const std::string kind = replyInDocument(request);
-        EXPECT_NE("", kind) << request.name;
-        EXPECT_EQ(request.name, documented.line(at).substr(0, documented.line(at).find(' ')));
-        EXPECT_FALSE(documented[at++].has("_ws.expert.message")) << request.name;
-        if (replyOf(kind).empty()) continue;
-        EXPECT_THAT(documented.line(at), StartsWith(std::string(request.name) + ": "));
-        EXPECT_THAT(documented.line(at), Not(HasSubstr("nothing")));
-        EXPECT_FALSE(documented[at++].has("_ws.expert.message")) << request.name;
-    }
-    EXPECT_EQ(at, documented.lines().size());
+    for (const NySe::RequestKind& request : NySe::kRequests)
+        EXPECT_NE("", replyInDocument(request)) << request.name;
+    EXPECT_THAT(
+        session.lines(),
+        ElementsAre(
+            "isAlive", "isAlive: alive", "getConnection", "getConnection: NySeConnectionArray 2",
+            "openConnection \"Server=a;Db=b\"", "openConnection: 512", "closeConnection 3",
+            "isOpenConnectionBy 3", "isOpenConnectionBy: NySeUserPtrArray 2", "getLock",
+            "getLock: NySeLockArray 2", "lock \"part/42\" 0x18", "lock: granted",
+            "unLock \"part/42\"", "isLockBy \"part/42\"", "isLockBy: held, NySeUserPtrArray 2",
+            "getAllUser", "getAllUser: NySeUserPtrArray 2", "getAnotherPort", "getAnotherPort: 512",
+            "sendConnectionData 1 2 NySeMessage saved", "sendUserData to Anna NySeMessage saved",
+            "sendAllUserData NySeMessage saved", "updateUserName \"Anna\"", "updateUserName: done",
+            "shutDownServer", "getCurrentTime", "getCurrentTime: 512", "verifyCoherancy",
+            "getMachineIdentifiant", "getMachineIdentifiant: \"00-1a-2b-3c-4d-5e\"",
+            "getEventListFromEventViewer 25", "getEventListFromEventViewer: \"00-1a-2b-3c-4d-5e\"",
+            "getPortClient Anna", "getPortClient: NySeUser Anna", "initializeSchema 2015",
+            "initializeSchema: 512", "getVersion", "getVersion: 1.5", "disconnect"));
+    for (const Decoded& one : session.messages()) EXPECT_FALSE(one.has("_ws.expert.message"));
 }
 
 Bytes lockUnder(unsigned mode) {
@@ -174,35 +108,30 @@ TEST(WiresharkConversation, ShowsTheFieldsOfRequestsAndReplies) {
         size_t message;
         const char* field;
         const char* value;
-    } rows[] = {{13, "action", "11"},
-                {13, "request", "1"},
-                {13, "length", "22"},
-                {13, "lock.name", "part/42"},
-                {13, "lock.mode", "0x00000018"},
-                {13, "lock.mode.access1", "0"},
-                {13, "lock.mode.access2", "0"},
-                {13, "lock.mode.exclude1", "1"},
-                {13, "lock.mode.exclude2", "1"},
-                {16, "zero", "0"},
-                {24, "data.first", "1"},
-                {24, "data.second", "2"},
-                {34, "event_count", "25"},
-                {27, "user_name", "Anna"},
-                {0, "schema", "2015"},
-                {3, "reply.number", "512"},
-                {14, "reply.byte", "1"},
-                {14, "length", "(none)"},
-                {17, "reply.byte", "1"},
-                {23, "reply.number", "42101"},
-                {30, "reply.number", "1700000000"},
-                {33, "reply.text", "00-1a-2b-3c-4d-5e"},
-                {33, "length", "38"},
-                {37, "reply.version", "1.5"}};
+    } rows[] = {{11, "action", "11"},
+                {11, "request", "1"},
+                {11, "length", "22"},
+                {11, "lock.name", "part/42"},
+                {11, "lock.mode", "0x00000018"},
+                {14, "zero", "0"},
+                {20, "data.first", "1"},
+                {20, "data.second", "2"},
+                {31, "event_count", "25"},
+                {23, "user_name", "Anna"},
+                {35, "schema", "2015"},
+                {1, "reply.number", "512"},
+                {12, "reply.byte", "1"},
+                {12, "length", "(none)"},
+                {15, "reply.byte", "1"},
+                {27, "reply.number", "512"},
+                {30, "reply.text", "00-1a-2b-3c-4d-5e"},
+                {30, "length", "38"},
+                {38, "reply.version", "1.5"}};
     for (const auto& row : rows) {
         EXPECT_EQ(row.value, session[row.message][row.field]) << row.message << row.field;
     }
-    EXPECT_NE(std::string::npos, session[30]["reply.server_time"].find("Nov 14, 2023 22:13:20"));
-    EXPECT_THAT(session[17].all("user.name"), ElementsAre("Anna", "bob"));
+    EXPECT_NE(std::string::npos, session[27]["reply.server_time"].find("Jan  1, 1970 00:08:32"));
+    EXPECT_THAT(session[15].all("user.name"), ElementsAre("Anna", "bob"));
 }
 
 TEST(WiresharkConversation, LeadsFromRequestToReplyAndBack) {
@@ -210,12 +139,8 @@ TEST(WiresharkConversation, LeadsFromRequestToReplyAndBack) {
     EXPECT_EQ(std::to_string(requestFrame + 1), session[0]["reply_in"]);
     EXPECT_EQ(std::to_string(requestFrame + 2), session[3]["request_in"]);
     EXPECT_NEAR(0.001, std::stod(session[1]["reply.time"]), 1e-6);
-    EXPECT_EQ("97", session[1]["action"]);
-    EXPECT_FALSE(session[8].has("reply_in"));
-}
-
-TEST(WiresharkConversation, FindsNothingWrong) {
-    for (const Decoded& one : session.messages()) EXPECT_FALSE(one.has("_ws.expert.message"));
+    EXPECT_EQ("1", session[1]["action"]);
+    EXPECT_FALSE(session[6].has("reply_in"));
 }
 
 Bytes joined(const std::vector<Said>& said, bool asks) {
@@ -253,15 +178,13 @@ TEST(WiresharkConversation, FindsManyMessagesInOneSegment) {
     expectSameAsSession(pipelined);
 }
 
-const Talk inBytes(wholeSession(), Talk::On::serverPort, 1);
-const Talk inTwos(wholeSession(), Talk::On::serverPort, 2);
-const Talk inFives(wholeSession(), Talk::On::serverPort, 5);
-const Talk inSeventeens(wholeSession(), Talk::On::anyPort, 17);
-const Talk runTogetherInHundreds(allAtOnce(), Talk::On::anyPort, 100);
+const Talk inSegments[] = {
+    Talk{wholeSession(), Talk::On::serverPort, 1}, Talk{wholeSession(), Talk::On::serverPort, 2},
+    Talk{wholeSession(), Talk::On::serverPort, 5}, Talk{wholeSession(), Talk::On::anyPort, 17},
+    Talk{allAtOnce(), Talk::On::anyPort, 100}};
 
 TEST(WiresharkConversation, PutsMessagesTogetherFromSegments) {
-    for (const Talk* talk : {&inBytes, &inTwos, &inFives, &inSeventeens, &runTogetherInHundreds})
-        expectSameAsSession(*talk);
+    for (const Talk& talk : inSegments) expectSameAsSession(talk);
 }
 
 // Replies that say no, and those of a server that is not well.
@@ -394,21 +317,18 @@ Bytes ofText(const std::string& characters) {
     return Bytes(characters.begin(), characters.end());
 }
 
-const Talk web({asks(ofText("GET / HTTP/1.1\r\n\r\n"))}, Talk::On::anyPort);
-const Talk zeroes({asks(Bytes(64, 0))}, Talk::On::anyPort);
-const Talk ones({asks(Bytes(64, 1))}, Talk::On::anyPort);
-const Talk foreignAction({asks(request(5))}, Talk::On::anyPort);
-const Talk surplus({asks(request(10, {1, 2}))}, Talk::On::anyPort);
-const Talk narrow({asks(request(12, {1, 'a'}))}, Talk::On::anyPort);
-const Talk shortOne({asks({10, 0, 0})}, Talk::On::anyPort);
-const Talk trailing({asks(hello() + Bytes(8, 0xEE))}, Talk::On::anyPort);
-const Talk negative({asks(wireOf<LONG>(50) + wireOf<LONG>(-1))}, Talk::On::anyPort);
+const Talk others[] = {Talk{{asks(ofText("GET / HTTP/1.1\r\n\r\n"))}, Talk::On::anyPort},
+                       Talk{{asks(Bytes(64, 0))}, Talk::On::anyPort},
+                       Talk{{asks(Bytes(64, 1))}, Talk::On::anyPort},
+                       Talk{{asks(request(5))}, Talk::On::anyPort},             // an unknown action
+                       Talk{{asks(request(10, {1, 2}))}, Talk::On::anyPort},    // a surplus
+                       Talk{{asks(request(12, {1, 'a'}))}, Talk::On::anyPort},  // narrow characters
+                       Talk{{asks({10, 0, 0})}, Talk::On::anyPort},
+                       Talk{{asks(hello() + Bytes(8, 0xEE))}, Talk::On::anyPort},
+                       Talk{{asks(wireOf<LONG>(50) + wireOf<LONG>(-1))}, Talk::On::anyPort}};
 
 TEST(WiresharkHeuristic, LeavesOtherTrafficAlone) {
-    for (const Talk* other : {&web, &zeroes, &ones, &foreignAction, &surplus, &narrow, &shortOne,
-                              &trailing, &negative}) {
-        EXPECT_THAT(other->lines(), IsEmpty());
-    }
+    for (const Talk& other : others) EXPECT_THAT(other.lines(), IsEmpty());
 }
 
 }  // namespace
