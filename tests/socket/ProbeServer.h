@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -152,4 +154,33 @@ class ProbeServer : public CUT_WSServer {
         codes.push_back(code);
         return code;
     }
+};
+
+// A server, and a gate that holds its threads. The server goes before what its hooks refer to.
+class ServerTest : public testing::Test {
+  protected:
+    void TearDown() override {
+        m_gate.open();
+        destroy();
+    }
+
+    void start() { ASSERT_TRUE(m_server.start()); }
+    void destroy() { m_owned.reset(); }
+    // Threads that come to the hook wait at the gate.
+    template <class Hook>
+    void hold(Hook ProbeServer::*hook) {
+        m_server.*hook = [this](auto&&...) { m_gate.pass(); };
+    }
+    // A connection with a thread of the server at the gate.
+    peers::Connection connectionAtTheGate() {
+        peers::Connection peer = m_server.connection();
+        EXPECT_TRUE(m_gate.awaitArrivals());
+        return peer;
+    }
+
+    peers::WinsockSession m_winsock;
+    Gate m_gate;
+    std::unique_ptr<ProbeServer> m_owned = std::make_unique<ProbeServer>();
+    ProbeServer& m_server = *m_owned;
+    std::shared_ptr<ServerLog> m_log = m_server.log;
 };
