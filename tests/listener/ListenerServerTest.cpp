@@ -185,9 +185,4 @@ TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
     EXPECT_TRUE(NyServerApp::_getIpAdressByName(tooLong).IsEmpty());
 }
 
-TEST_F(ListenerServer, TheMessageOfItsNotificationsIsRegistered) {
-    EXPECT_EQ(NySe::_TM_NYSERVERMESSAGE, ::RegisterWindowMessageW(L"TM_NYSERVERMESSAGE"));
-    EXPECT_GE(NySe::_TM_NYSERVERMESSAGE, 0xC000u);
-}
-
 }  // namespace

@@ -147,13 +147,18 @@ class ProbeServer : public CUT_WSServer {
         return verdict;
     }
     int OnStatus(const wchar_t* text) override {
+        const std::lock_guard lock(m_mutex);
         statuses.push_back(text);
         return 0;
     }
     int OnError(int code) override {
+        const std::lock_guard lock(m_mutex);
         codes.push_back(code);
         return code;
     }
+
+  private:
+    std::mutex m_mutex;  // the accepting thread fails while another one stops it
 };
 
 // A server, and a gate that holds its threads. The server goes before what its hooks refer to.

@@ -21,12 +21,6 @@ constexpr int kUnwakeableServers = 50;
 constexpr int kPeers = 4;
 constexpr unsigned kSeed = 20240229;
 
-// Its errors are of no concern, and come on several threads.
-class StressServer : public ProbeServer {
-  public:
-    int OnError(int code) override { return code; }
-};
-
 // Answers what comes until the peer goes, or until the shut-down flag when its server waits for it.
 void echo(LoggingWorker& worker, bool isWatching) {
     char buffer[64];
@@ -102,7 +96,7 @@ class ServerStress : public testing::Test {
     // One server from its start to its end. Every third does not wait for its workers, every second
     // is stopped before it is destroyed.
     void runServer(int number, bool isWakeable) {
-        Guarded<StressServer> guarded;
+        Guarded<ProbeServer> guarded;
         script(*guarded, number % 3 != 0);
         ASSERT_TRUE(guarded->start());
         Flood::port = guarded->GetPort();
