@@ -56,8 +56,7 @@ TEST_F(ListenerDispatch, ForwardsTheNineNotificationsInMessageFilesOfTheirOwn) {
     EXPECT_EQ(all[0].message, NySe::_TM_NYSERVERMESSAGE);
     EXPECT_EQ(all[0].size, 8u);
     EXPECT_EQ(hexOf(all[7].bytes), hex("39 00 00 00 04 00 00 00 'body'"));
-    for (int i = 1; i < 9; ++i)
-        EXPECT_EQ(all[static_cast<size_t>(i)].bytes, frame(50 + i, "body"));
+    for (int i = 1; i < 9; ++i) EXPECT_EQ(all[static_cast<size_t>(i)].bytes, frame(50 + i, "body"));
 }
 
 TEST_F(ListenerDispatch, ReadsOtherActionsInFullAndDropsThem) {

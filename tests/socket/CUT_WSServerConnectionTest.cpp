@@ -23,9 +23,8 @@ class Accepting : public ServerTest {
 
 TEST_F(Accepting, CallsItsVirtualFunctionsInOrder) {
     EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer) << "of the base worker";
-    EXPECT_THAT(m_log->events(),
-                ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance", "OnConnect",
-                            "ReleaseInstance", "worker deleted"));
+    EXPECT_THAT(m_log->events(), ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance", "OnConnect",
+                                             "ReleaseInstance", "worker deleted"));
     EXPECT_THAT(m_server.codes, ElementsAre(0));
     EXPECT_THAT(m_server.statuses, IsEmpty());
     // The whole life of a worker is on one thread.

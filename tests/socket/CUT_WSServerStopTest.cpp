@@ -154,21 +154,6 @@ TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
     EXPECT_TRUE(isReachable());
 }
 
-TEST_F(Stopping, HappensInTheDestructorThoughTheSocketWasNeverUsed) {
-    const int before = countThreadsAtRest();
-    for (const bool isAccepting : {true, false}) {
-        unsigned int port = 0;
-        {
-            ProbeServer server;
-            ASSERT_TRUE(isAccepting ? server.start() : server.listen() == UTE_SUCCESS);
-            port = server.GetPort();
-            EXPECT_TRUE(isAccepting || peers::isReachable(port));
-        }
-        EXPECT_LE(countThreads(), before);
-        EXPECT_FALSE(peers::isReachable(port));
-    }
-}
-
 // OnCanAccept holds the destructor of the base until the worker has seen the flag.
 TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     struct Scene {
@@ -211,13 +196,6 @@ TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     server.reset();
     EXPECT_TRUE(scene.isSeen);
     EXPECT_TRUE(served.awaitClose());
-}
-
-TEST_F(Stopping, OnlyStoresAPortThatIsSetLater) {
-    start();
-    misdirect();
-    EXPECT_TRUE(isReachable());
-    EXPECT_FALSE(m_server.isReachable());
 }
 
 }  // namespace

@@ -183,6 +183,27 @@ TEST_F(ServerAndWinsock, BalancesOneListeningWithEachStopAndOneWithTheDestructor
     EXPECT_EQ(starts(), 0);
 }
 
+// How many peers a listening socket holds ready before they are accepted. The stack may add a few
+// to the size that it is given.
+TEST_F(Server, AndAClientListenWithAQueueAsLongAsAskedFor) {
+    constexpr size_t kLong = 20;
+    const auto answered = [](unsigned int port) {
+        const size_t count = peers::connectWhileAnswered(port, kLong).size();
+        EXPECT_TRUE(count < 5 || count == kLong) << count;
+        return count;
+    };
+    for (const size_t size : {size_t{1}, kLong}) {
+        ASSERT_EQ(m_server.listen(static_cast<int>(size)), UTE_SUCCESS);
+        ProbeClient client;
+        ASSERT_EQ(
+            client.WaitForConnect(0, static_cast<int>(size), AF_INET, ::inet_addr(m_loopback)),
+            UTE_SUCCESS);
+        for (const unsigned int port :
+             {m_server.GetPort(), static_cast<unsigned int>(client.GetAcceptPort())})
+            EXPECT_EQ(answered(port) < 5, size == 1) << port;
+    }
+}
+
 class ServerList : public Server {
   protected:
     static constexpr DWORD kNoHandle =

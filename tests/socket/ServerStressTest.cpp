@@ -120,9 +120,9 @@ class ServerStress : public testing::Test {
         EXPECT_TRUE(areDeleted());
         EXPECT_TRUE(eventually([&] { return countThreads() <= m_threadsBefore; }));
         EXPECT_TRUE(eventually([&] { return handleLevel() <= m_handlesBefore + 4; }));
-        std::cout << made() << " made, " << released()
-                  << " released; handles " << m_handlesBefore << " to " << handleLevel()
-                  << ", threads " << m_threadsBefore << " to " << countThreads() << std::endl;
+        std::cout << made() << " made, " << released() << " released; handles " << m_handlesBefore
+                  << " to " << handleLevel() << ", threads " << m_threadsBefore << " to "
+                  << countThreads() << std::endl;
     }
 
     // What the system keeps from the first use does not count.
