@@ -83,18 +83,6 @@ TEST_F(NyctlDoctor, FindsAllWell) {
     EXPECT_EQ("localhost is 127.0.0.1", doctor.checks()[nameLookUp]["found"]);
 }
 
-TEST_F(NyctlDoctor, ShowsARowForEachCheck) {
-    doctor.options().json = false;
-    EXPECT_EQ(exitYes, examine());
-    const std::vector<std::string> lines = Output::split(doctor.run().printed());
-    ASSERT_EQ(kChecks, lines.size());
-    for (size_t i = 0; i < kChecks; ++i) {
-        std::string begin = kNames[i];
-        begin.resize(16, ' ');
-        EXPECT_EQ(begin + "ok           ", lines[i].substr(0, 29));
-    }
-}
-
 // Bob hears of the others.
 struct BobsEar {
     FrameListener ofBob;
@@ -212,6 +200,7 @@ TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
     EXPECT_EQ(exitNoAnswer, doctor(server));
     const std::vector<std::string> lines = Output::split(doctor.run().printed());
     ASSERT_EQ(kChecks + 2, lines.size());
+    EXPECT_EQ("name look-up    ok           127.0.0.1", lines[0].substr(0, 38));
     EXPECT_EQ("connect         FAILED       127.0.0.1:", lines[1].substr(0, 39));
     EXPECT_EQ("                it means     the machine", lines[2].substr(0, 40));
     EXPECT_EQ("                do           start the central server", lines[3].substr(0, 53));
@@ -300,17 +289,6 @@ class NyctlDoctorTold : public NyctlDoctorAlone {
         return wireOf(number) + wireOf(static_cast<LONG>(object.size())) + object;
     }
 };
-
-TEST_F(NyctlDoctorTold, IsSatisfiedWithItsText) {
-    const auto told = [](const std::string& object) { return notification(57, object); };
-    EXPECT_EQ(exitYes, examineTold(told, 60));
-    doctor.expectAllIsWell();
-}
-
-TEST_F(NyctlDoctorTold, NamesAServerThatTellsNothing) {
-    EXPECT_EQ(exitNoAnswer, examineTold([](const auto&) { return std::string(); }));
-    doctor.expectEndsAt(windowMessage, "no notification within 15 s");
-}
 
 TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
     EXPECT_EQ(exitNoAnswer, examineTold([](std::string object) {

@@ -45,12 +45,6 @@ TEST_F(ModuleResources, AreFoundByTheLoader) {
     EXPECT_EQ(loadersText(IDS_NYSERVER_VERSION), L"Version %s");
 }
 
-TEST_F(ModuleResources, LieInTheModule) {
-    ASSERT_NE(m_module, nullptr);
-    EXPECT_EQ(moduleresources::handle(), m_module);
-    EXPECT_EQ(moduleresources::handle(), m_module);
-}
-
 TEST_F(ModuleResources, GiveTheirTextsWhateverModulesAreCurrent) {
     EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"the program's name");
     for (int i = 0; i < 2; ++i) {

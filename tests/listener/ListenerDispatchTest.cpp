@@ -48,26 +48,15 @@ TEST_F(ListenerDispatch, AnswersAProbeReadsItsBodyAndPostsNothing) {
     EXPECT_TRUE(posted().empty());
 }
 
-TEST_F(ListenerDispatch, ForwardsANotificationWithoutABody) {
-    send(frame(50));
-    const PostedMessage posted = onlyPosted();
-    EXPECT_EQ(hexOf(posted.bytes), "32 00 00 00 00 00 00 00");
-    EXPECT_EQ(posted.message, NySe::_TM_NYSERVERMESSAGE);
-    EXPECT_EQ(posted.size, 8u);
-}
-
-TEST_F(ListenerDispatch, WrapsTheBodyInAMessageFileOfItsOwn) {
-    send(frame(57, "body"));
-    EXPECT_EQ(hexOf(onlyPosted().bytes), hex("39 00 00 00 04 00 00 00 'body'"));
-}
-
-TEST_F(ListenerDispatch, ForwardsTheNineNotificationsAlike) {
-    Outline expected;
-    for (int action = 50; action <= 58; ++action) {
-        send(frame(action, "x"));
-        expected.emplace_back(action, 1);
-    }
-    EXPECT_EQ(outline(), expected);
+TEST_F(ListenerDispatch, ForwardsTheNineNotificationsInMessageFilesOfTheirOwn) {
+    for (int action = 50; action <= 58; ++action) send(frame(action, action == 50 ? "" : "body"));
+    const auto all = posted();
+    ASSERT_EQ(all.size(), 9u);
+    EXPECT_EQ(hexOf(all[0].bytes), "32 00 00 00 00 00 00 00");
+    EXPECT_EQ(all[0].message, NySe::_TM_NYSERVERMESSAGE);
+    EXPECT_EQ(all[0].size, 8u);
+    EXPECT_EQ(hexOf(all[7].bytes), hex("39 00 00 00 04 00 00 00 'body'"));
+    for (int i = 1; i < 9; ++i) EXPECT_EQ(all[static_cast<size_t>(i)].bytes, frame(50 + i, "body"));
 }
 
 TEST_F(ListenerDispatch, ReadsOtherActionsInFullAndDropsThem) {
@@ -81,17 +70,6 @@ TEST_F(ListenerDispatch, ReadsOtherActionsInFullAndDropsThem) {
 TEST_F(ListenerDispatch, ANegativeLengthIsAnEmptyBody) {
     send(wireOf(50) + wireOf(-1) + wireOf(51) + wireOf(INT_MIN) + frame(52, "abc"));
     EXPECT_EQ(outline(), (Outline{{50, 0}, {51, 0}, {52, 3}}));
-}
-
-TEST_F(ListenerDispatch, ABodyMayComeInPieces) {
-    const std::string body = patternOf(20);
-    const std::string whole = frame(53, body);
-    send(whole.substr(0, 8));
-    for (size_t i = 8; i < whole.size(); i += 3) {
-        ::Sleep(5);
-        send(whole.substr(i, 3));
-    }
-    EXPECT_EQ(onlyPosted().payload(), body);
 }
 
 TEST_F(ListenerDispatch, ALargeBodyArrivesAsItWasSent) {
@@ -116,20 +94,6 @@ TEST_F(ListenerDispatch, ALengthThatIsCutOffIsForwardedEmpty) {
     send(wireOf(56) + std::string(3, '\x07'));
     m_peer->close();
     EXPECT_EQ(hexOf(m_window.awaitMessages(1).at(0).bytes), "38 00 00 00 00 00 00 00");
-}
-
-TEST_F(ListenerDispatch, ServesEachConnectionByItself) {
-    auto other = connect();
-    send(wireOf(50) + wireOf(100) + "half");
-    EXPECT_TRUE(isAlive(other));
-    send(std::string(96, '.'));
-    EXPECT_EQ(outline(), (Outline{{50, 100}}));
-}
-
-TEST_F(ListenerDispatch, AMessageThatHasNoBytesMakesTheNextOneNoLess) {
-    send(frame(50) + frame(50, "1") + kProbe + frame(50));
-    EXPECT_EQ(m_peer->receive(), kAlive);
-    EXPECT_EQ(outline(), (Outline{{50, 0}, {50, 1}, {50, 0}}));
 }
 
 class ListenerReading : public ScriptedListenerTest {

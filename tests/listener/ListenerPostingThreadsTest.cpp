@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "NyServer/listener/NyServerNotification.h"
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
 
@@ -66,13 +65,6 @@ TEST_F(ListenerPostingThreads, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStre
 class OwnWindow : public CWnd {
   public:
     OwnWindow() { CreateEx(0, _T("STATIC"), _T(""), 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr); }
-    // Whether there was a message.
-    bool consumeOne(NyServerApp& listener) {
-        MSG one;
-        if (!::PeekMessageW(&one, m_hWnd, kFromThreads, kFromThreads, PM_REMOVE)) return false;
-        const NyServerNotification consumed(one.wParam, one.lParam, &listener);
-        return true;
-    }
 };
 
 // Its length is asked for between the look at the window and the post.
@@ -100,25 +92,6 @@ TEST_F(ListenerPostingThreads, NothingIsPostedToAWindowThatGoesMeanwhile) {
     MSG message;
     EXPECT_FALSE(::PeekMessageW(&message, nullptr, kFromThreads, kFromThreads, PM_REMOVE));
     m_listener.setAppWnd(nullptr);
-}
-
-TEST_F(ListenerPostingThreads, CountsNothingForWindowsThatGoInMidStream) {
-    StreamingSender senders[] = {StreamingSender(m_listener), StreamingSender(m_listener),
-                                 StreamingSender(m_listener)};
-    for (int round = 0; round < 50; ++round) {
-        OwnWindow window;
-        m_listener.setAppWnd(&window);
-        EXPECT_TRUE(eventually([&] { return window.consumeOne(m_listener); }, kGenerously));
-        {
-            const ProbeListener::ThreadListLock nobodyPosts(m_listener);
-            while (window.consumeOne(m_listener)) {
-            }
-            window.DestroyWindow();
-        }
-        for (auto& sender : senders) ASSERT_TRUE(sender.awaitPosts(1));
-        EXPECT_EQ(m_listener.getPostMsgCount(), 0);
-        m_listener.setAppWnd(nullptr);
-    }
 }
 
 TEST_F(ListenerPostingThreads, LeavesAWindowObjectAloneOnceAnotherIsSet) {
@@ -160,22 +133,6 @@ TEST(ListenerCount, ComesBackToZeroUnderAnEagerWindow) {
     for (auto& sender : senders) sender.join();
     EXPECT_EQ(window.awaitMessages(2 * kEach).size(), 2u * kEach);
     EXPECT_TRUE(listener.awaitNoMessages());
-}
-
-TEST(ListenerCount, IsExactUnderManyThreads) {
-    ProbeListener listener;
-    const auto onFourThreads = [](auto action) {
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([&] {
-                for (int n = 0; n < 20000; ++n) action();
-            });
-        for (auto& thread : threads) thread.join();
-    };
-    onFourThreads([&] { listener.increasePostMsgCount(); });
-    EXPECT_EQ(listener.getPostMsgCount(), 80000);
-    onFourThreads([&] { listener.decreasePostMsgCount(); });
-    EXPECT_EQ(listener.getPostMsgCount(), 0);
 }
 
 TEST(ListenerCount, ChangesLikeTheWindowUnderTheLockOfTheWorkers) {

@@ -5,17 +5,18 @@
 
 namespace {
 
-// Records the request to listen, and answers it as a test wants.
-class RefusingListener : public ProbeListener {
+// Records the requests to listen, and refuses them if a test wants.
+class RecordingListener : public ProbeListener {
   public:
-    ~RefusingListener() override { endConnections(); }
+    ~RecordingListener() override { endConnections(); }
     int ConnectToPort(unsigned short port, int queueSize, short family,
                       unsigned long address) override {
         asked = {port, queueSize, family, static_cast<long>(address)};
-        return answer;
+        return isRefusing ? UTE_SOCK_LISTEN_ERROR
+                          : ProbeListener::ConnectToPort(port, queueSize, family, address);
     }
     std::vector<long> asked;
-    int answer = UTE_SOCK_LISTEN_ERROR;
+    bool isRefusing = false;
 };
 
 struct CountingWorker : NyServerThreadApp {
@@ -33,18 +34,15 @@ class ListenerServer : public testing::Test {
     }
 
     peers::WinsockSession m_winsock;
-    ProbeListener m_listener;
+    RecordingListener m_listener;
 };
 
-TEST_F(ListenerServer, BeginsEmpty) {
+TEST_F(ListenerServer, BeginsEmptyAndKeepsWhatItsHostSets) {
     EXPECT_EQ(m_listener.getAppWnd(), nullptr);
     EXPECT_EQ(m_listener.getPortNumber(), 0);
     EXPECT_EQ(m_listener.getSessionNumber(), 0);
     EXPECT_EQ(m_listener.getPostMsgCount(), 0);
     EXPECT_EQ(m_listener.GetMaxConnections(), 30000) << "the base's";
-}
-
-TEST_F(ListenerServer, KeepsWhatItsHostSets) {
     CWnd window;
     m_listener.setAppWnd(&window);
     m_listener.setPortNumber(65535);
@@ -55,27 +53,20 @@ TEST_F(ListenerServer, KeepsWhatItsHostSets) {
 }
 
 TEST_F(ListenerServer, ListensOnAllInterfacesAtItsPort) {
-    RefusingListener listener;
-    listener.setPortNumber(4711);
-    EXPECT_EQ(listener.Start(), UTE_SOCK_LISTEN_ERROR);
-    EXPECT_EQ(listener.asked, (std::vector<long>{4711, 5, 2, 0}));
-    EXPECT_EQ(listener.StartAccept(), UTE_SUCCESS) << "it does not accept when it cannot listen";
-}
-
-TEST_F(ListenerServer, ASecondStartWhileItAcceptsAsksForNothing) {
-    RefusingListener listener;
-    listener.answer = UTE_SUCCESS;
-    ASSERT_EQ(listener.Start(), UTE_SUCCESS);
-    listener.asked.clear();
-    EXPECT_EQ(listener.Start(), UTE_ERROR);
-    EXPECT_TRUE(listener.asked.empty());
+    m_listener.isRefusing = true;
+    m_listener.setPortNumber(4711);
+    EXPECT_EQ(m_listener.Start(), UTE_SOCK_LISTEN_ERROR);
+    EXPECT_EQ(m_listener.asked, (std::vector<long>{4711, 5, 2, 0}));
+    EXPECT_EQ(m_listener.StartAccept(), UTE_SUCCESS) << "it does not accept when it cannot listen";
 }
 
 TEST_F(ListenerServer, ASecondStartWhileItAcceptsChangesNothing) {
     ASSERT_TRUE(m_listener.start());
     const unsigned int port = m_listener.GetBoundPort();
     m_listener.setPortNumber(peers::freePort());
+    m_listener.asked.clear();
     EXPECT_EQ(m_listener.Start(), UTE_ERROR);
+    EXPECT_TRUE(m_listener.asked.empty());
     EXPECT_EQ(m_listener.GetBoundPort(), port);
     EXPECT_EQ(m_listener.GetPort(), port);
     EXPECT_TRUE(isServing());
@@ -164,48 +155,25 @@ TEST_F(ListenerServer, EndsItsWorkersByItselfWhenItGoes) {
     end.join();
 }
 
-// Connects again and again for at most a minute.
-class RestlessPeers {
-  public:
-    explicit RestlessPeers(unsigned int port) : m_port(port) {
-        for (int i = 0; i < kSilent + kTalking; ++i)
-            m_threads.emplace_back([this, isSilent = i < kSilent] { run(isSilent); });
-    }
-    ~RestlessPeers() {
-        m_isEnding = true;
-        for (auto& thread : m_threads) thread.join();
-    }
-    RestlessPeers(const RestlessPeers&) = delete;
-    RestlessPeers& operator=(const RestlessPeers&) = delete;
-
-  private:
-    static constexpr int kSilent = 8;
-    static constexpr int kTalking = 2;
-
-    void run(bool isSilent) {
-        const auto end = ::GetTickCount64() + 60000;
-        for (; !m_isEnding && ::GetTickCount64() < end; ::Sleep(1)) {
-            peers::Connection peer(peers::connectTo(m_port), m_isEnding);
-            if (!isSilent) peer.send(frame(50, "coming and going"));
-            if (isSilent) peer.receive();
-        }
-    }
-
-    unsigned int m_port;
-    std::atomic<bool> m_isEnding = false;
-    std::vector<std::thread> m_threads;
-};
-
 TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
     MainWindow window;
     auto listener = std::make_unique<ProbeListener>();
     listener->setAppWnd(window.wnd());
     ASSERT_TRUE(listener->start());
-    const RestlessPeers peers(listener->GetBoundPort());
+    std::atomic<bool> isEnding = false;
+    std::vector<std::jthread> peers;
+    for (int i = 0; i < 10; ++i)
+        peers.emplace_back([&, isSilent = i < 8, port = listener->GetBoundPort()] {
+            for (; !isEnding; ::Sleep(1)) {
+                peers::Connection peer(peers::connectTo(port), isEnding);
+                isSilent ? static_cast<void>(peer.receive()) : peer.send(frame(50, "and going"));
+            }
+        });
     EXPECT_GE(window.awaitMessages(5).size(), 5u);
     const auto start = ::GetTickCount64();
     listener.reset();
     EXPECT_LT(::GetTickCount64() - start, 30000u);
+    isEnding = true;
 }
 
 TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
@@ -215,11 +183,6 @@ TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("127.0.0.9")), _T("127.0.0.9"));
     const CString tooLong(L'x', 64);  // for a part of a host name: nobody needs to be asked
     EXPECT_TRUE(NyServerApp::_getIpAdressByName(tooLong).IsEmpty());
-}
-
-TEST_F(ListenerServer, TheMessageOfItsNotificationsIsRegistered) {
-    EXPECT_EQ(NySe::_TM_NYSERVERMESSAGE, ::RegisterWindowMessageW(L"TM_NYSERVERMESSAGE"));
-    EXPECT_GE(NySe::_TM_NYSERVERMESSAGE, 0xC000u);
 }
 
 }  // namespace

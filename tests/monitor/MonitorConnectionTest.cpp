@@ -183,18 +183,6 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
     EXPECT_TRUE(says(StatusBar::activity, "Ready"));
 }
 
-// The connection is there, and nothing comes over it.
-TEST_F(MonitorConnection, AServerThatNeverAnswersDoesNotKeepTheProgram) {
-    abandoned = 0;
-    auto silent = std::make_unique<peers::ResettingPort>();
-    openWindow(static_cast<int>(silent->port()));
-    typeFilter("a");
-    ::PostMessageW(window, WM_CLOSE, 0, 0);
-    EXPECT_TRUE(soon([this] { return !::IsWindow(window); }));
-    EXPECT_TRUE(soon([] { return abandoned == 1; }));
-    silent.reset();
-}
-
 TEST_F(MonitorConnection, WhatWasPostedIsFreedWithTheWindow) {
     openConnected();
     const HGLOBAL block = ::GlobalAlloc(GMEM_MOVEABLE, 16);

@@ -157,10 +157,4 @@ TEST(MonitorLayoutRules, AWindowIsHeldWithinTheScreen) {
     }
 }
 
-TEST(MonitorLayoutRules, LengthsFollowTheDensity) {
-    EXPECT_EQ(7, scaled(7, 96));
-    EXPECT_EQ(14, scaled(7, 192));
-    EXPECT_EQ(11, scaled(7, 144));
-}
-
 }  // namespace

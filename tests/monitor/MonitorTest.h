@@ -100,7 +100,7 @@ class MonitorTest : public ::testing::Test {
         m_account = {"127.0.0.1:" + std::to_string(port), "dora"};
         m_thread = std::thread([this] {
             m_threadId = ::GetCurrentThreadId();
-            hasRun = runMonitor(m_account, &onAbandon);
+            hasRun = runMonitor(m_account, [] {});
         });
         ASSERT_TRUE(soon([this] {
             window = ::FindWindowW(MonitorWnd::kClassName, nullptr);
@@ -125,7 +125,6 @@ class MonitorTest : public ::testing::Test {
             ::PostThreadMessageW(m_threadId, WM_QUIT, 0, 0);
         m_thread.join();
     }
-    static void onAbandon() { ++abandoned; }
 
     HWND focus() const {
         GUITHREADINFO info{};
@@ -232,8 +231,6 @@ class MonitorTest : public ::testing::Test {
         keys::type(text);
         EXPECT_TRUE(soon([&] { return textOf(control(IDC_FILTER)) == text; }));
     }
-
-    static inline std::atomic<int> abandoned = 0;
 
     std::unique_ptr<CentralProgram> server;
     HWND window = nullptr;

@@ -17,29 +17,29 @@ class NyctlOnline : public OnlineTest {
     NyctlRun m_run;
 };
 
-TEST_F(NyctlOnline, PingsProductionByDefault) {
+TEST_F(NyctlOnline, PingsTheServiceNamedOrElseProduction) {
     EXPECT_EQ(exitYes, run("online ping"));
     EXPECT_EQ("service: production\nreachable: true\n", m_run.printed());
-    EXPECT_EQ(Paths{kPingPath}, m_production.paths());
-}
-
-TEST_F(NyctlOnline, PingsTheServiceNamed) {
     EXPECT_EQ(exitYes, run("online ping --service test"));
     EXPECT_EQ(exitYes, run("online ping --service production"));
     const WebServer custom(page(""));
     EXPECT_EQ(exitYes, run("online ping --service " + url(custom.port()) + "/"));
     EXPECT_EQ(exitYes, run("online ping --service " + url(custom.port())));
     EXPECT_EQ(Paths{kPingPath}, m_test.paths());
-    EXPECT_EQ(Paths{kPingPath}, m_production.paths());
+    EXPECT_EQ((Paths{kPingPath, kPingPath}), m_production.paths());
     EXPECT_EQ((Paths{kPingPath, kPingPath}), custom.paths());
+    EXPECT_EQ(NyFctWebService::serverUrlProduction, NyFctWebService::getServerUrlType());
 }
 
-TEST_F(NyctlOnline, PrintsJson) {
+TEST_F(NyctlOnline, TellsTheVersionAlsoInJson) {
+    EXPECT_EQ(exitYes, run("online version 42 --service test"));
+    EXPECT_EQ("product: 42\nversion: test\n", m_run.printed());
+    EXPECT_EQ(Paths{kVersionPath}, m_test.paths());
     m_json = true;
-    EXPECT_EQ(exitYes, run("online ping --service test"));
-    EXPECT_EQ("{\"service\":\"test\",\"reachable\":true}\n", m_run.printed());
     EXPECT_EQ(exitYes, run("online version 42"));
     EXPECT_EQ("{\"product\":42,\"version\":\"production\"}\n", m_run.printed());
+    EXPECT_EQ(exitYes, run("online ping --service test"));
+    EXPECT_EQ("{\"service\":\"test\",\"reachable\":true}\n", m_run.printed());
 }
 
 TEST_F(NyctlOnline, HasNoAnswerFromAServiceThatIsNotThere) {
@@ -52,23 +52,12 @@ TEST_F(NyctlOnline, HasNoAnswerFromAServiceThatIsNotThere) {
     }
 }
 
-TEST_F(NyctlOnline, TellsTheVersion) {
-    EXPECT_EQ(exitYes, run("online version 42 --service test"));
-    EXPECT_EQ("product: 42\nversion: test\n", m_run.printed());
-    EXPECT_EQ(Paths{kVersionPath}, m_test.paths());
-}
-
 TEST_F(NyctlOnline, FindsNoVersionAtAServiceThatPublishesNone) {
     const WebServer custom(page("<ANSWER/>"));
     EXPECT_EQ(exitNo, run("online version 42 --service " + url(custom.port())));
     EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: no version of product 42, or no production service, which is tried first\n",
               m_run.complaint());
-}
-
-TEST_F(NyctlOnline, LeavesTheProductionServiceChosen) {
-    run("online ping --service test");
-    EXPECT_EQ(NyFctWebService::serverUrlProduction, NyFctWebService::getServerUrlType());
 }
 
 TEST_F(NyctlOnline, TakesNoOtherServices) {

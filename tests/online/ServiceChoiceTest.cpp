@@ -21,25 +21,17 @@ class OnlineService : public OnlineTest {
     CString m_customAddress = m_custom.address();
 };
 
-TEST_F(OnlineService, AsksProductionUnlessToldOtherwise) {
+// For the version, production is tried first.
+TEST_F(OnlineService, AsksTheOneThatIsChosen) {
     expectAsked(NyFctWebService::serverUrlProduction, L"production");
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath}), m_production.paths());
-}
-
-// For the version, production is tried first.
-TEST_F(OnlineService, AsksTheTestServiceOnceConnectedToIt) {
     connectToTestBase(true);
     expectAsked(NyFctWebService::serverUrlTest, L"test");
-    EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_test.paths());
-    EXPECT_EQ(Paths{"/"}, m_production.paths());
-}
-
-TEST_F(OnlineService, AsksTheCustomServiceOnceItIsSet) {
     setCustomServerUrl(m_customAddress);
     expectAsked(NyFctWebService::serverUrlCustom, L"custom");
-    EXPECT_EQ((Paths{kPingPath, kVersionPath}), m_custom.paths());
-    EXPECT_EQ(Paths{"/"}, m_production.paths());
-    EXPECT_EQ(Paths{}, m_test.paths());
+    for (const WebServer* one : {&m_test, &m_custom})
+        EXPECT_EQ((Paths{kPingPath, kVersionPath}), one->paths());
+    EXPECT_EQ((Paths{kPingPath, "/", kVersionPath, "/", "/"}), m_production.paths());
 }
 
 TEST_F(OnlineService, ReturnsToProductionAndForgetsTheCustomAddress) {
@@ -49,30 +41,16 @@ TEST_F(OnlineService, ReturnsToProductionAndForgetsTheCustomAddress) {
     EXPECT_EQ(Paths{}, m_custom.paths());
 }
 
-TEST_F(OnlineService, RefersToTheCallersTextOfTheCustomAddress) {
+TEST_F(OnlineService, NamesPagesDirectlyBehindTheCallersTextAndProductsInDecimal) {
     CString address = L"no address";
     setCustomServerUrl(address);
     EXPECT_FALSE(pingWebServer());
-    address = m_customAddress;
+    address = m_customAddress + L"service/x_";
     EXPECT_TRUE(pingWebServer());
-    EXPECT_EQ(Paths{kPingPath}, m_custom.paths());
-}
-
-TEST_F(OnlineService, NamesPagesDirectlyBehindTheAddress) {
-    m_customAddress += L"service/x_";
-    setCustomServerUrl(m_customAddress);
-    EXPECT_TRUE(pingWebServer());
-    version();
-    EXPECT_EQ(
-        (Paths{"/service/x__Utilities/Ping.aspx", "/service/x__Utilities/Version.aspx?sid=42"}),
-        m_custom.paths());
-}
-
-TEST_F(OnlineService, WritesTheProductInDecimal) {
-    setCustomServerUrl(m_customAddress);
-    for (const long product : {0L, -7L, 2147483647L}) {
+    EXPECT_EQ("/service/x__Utilities/Ping.aspx", m_custom.paths().back());
+    for (const long product : {42L, 0L, -7L, 2147483647L}) {
         EXPECT_EQ(L"custom", NyFctWebService::getOnlineVersionFromSoftwareID(product));
-        EXPECT_EQ("/_Utilities/Version.aspx?sid=" + std::to_string(product),
+        EXPECT_EQ("/service/x__Utilities/Version.aspx?sid=" + std::to_string(product),
                   m_custom.paths().back());
     }
 }
@@ -89,23 +67,6 @@ TEST_F(OnlineService, CallsItselfQuillmarkOnAConnectionForEachRequest) {
         EXPECT_EQ(0u, request.head.find("GET "));
         EXPECT_EQ("", request.header("If-Modified-Since")) << "no copy is to be confirmed";
         EXPECT_EQ("", request.header("If-None-Match"));
-    }
-}
-
-TEST_F(OnlineService, KeepsNoPageThatItOnlyOpensInTheCache) {
-    const auto keepable = peers::sendingAndClosing(
-        "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 2\r\n\r\nok");
-    const WebServer production(keepable);
-    const WebServer custom(keepable);
-    addresses::production = production.address();
-    const CString customAddress = custom.address();
-    setCustomServerUrl(customAddress);
-    pingWebServer();
-    version();
-    for (const CString& url : {customAddress + L"_Utilities/Ping.aspx", production.address()}) {
-        DWORD size = 0;
-        EXPECT_FALSE(::GetUrlCacheEntryInfoW(url, nullptr, &size));
-        EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, ::GetLastError());
     }
 }
 

@@ -4,53 +4,34 @@
 #include <stdexcept>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/Threads.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class Accepting : public testing::Test {
+class Accepting : public ServerTest {
   protected:
-    void SetUp() override { ASSERT_TRUE(m_server.start()); }
-    // The server is gone before what its handlers refer to.
-    void TearDown() override {
-        m_gate.open();
-        m_owned.reset();
-    }
+    void SetUp() override { start(); }
 
     // A connection whose handler is waiting at the gate.
     peers::Connection heldConnection() {
-        m_server.onConnect = [this](LoggingWorker&) { m_gate.pass(); };
-        peers::Connection peer = m_server.connection();
-        EXPECT_TRUE(m_gate.awaitArrivals());
-        return peer;
+        hold(&ProbeServer::onConnect);
+        return connectionAtTheGate();
     }
-    peers::WinsockSession m_winsock;
-    Gate m_gate;
-    std::unique_ptr<ProbeServer> m_owned = std::make_unique<ProbeServer>();
-    ProbeServer& m_server = *m_owned;
 };
 
 TEST_F(Accepting, CallsItsVirtualFunctionsInOrder) {
     EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer) << "of the base worker";
-    EXPECT_THAT(m_server.log->events(),
-                ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance", "OnConnect",
-                            "ReleaseInstance", "worker deleted"));
+    EXPECT_THAT(m_log->events(), ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance", "OnConnect",
+                                             "ReleaseInstance", "worker deleted"));
     EXPECT_THAT(m_server.codes, ElementsAre(0));
     EXPECT_THAT(m_server.statuses, IsEmpty());
     // The whole life of a worker is on one thread.
-    const std::vector<DWORD> threads = m_server.log->threads();
+    const std::vector<DWORD> threads = m_log->threads();
     EXPECT_NE(threads[0], threads[1]);
     EXPECT_NE(threads[0], ::GetCurrentThreadId());
     for (size_t i = 1; i < threads.size(); ++i) EXPECT_EQ(threads[i], threads[1]) << i;
-}
-
-TEST_F(Accepting, ClosesOnAPeerThatSendsNothing) {
-    peers::Connection peer = m_server.connection();
-    peer.finishSending();
-    EXPECT_EQ(peer.receiveAll(), "");
 }
 
 TEST_F(Accepting, IntroducesTheWorkerToItsConnection) {
@@ -64,7 +45,7 @@ TEST_F(Accepting, IntroducesTheWorkerToItsConnection) {
     EXPECT_EQ(entry->socket, worker.socket());
     EXPECT_NE(worker.listenSocket(), worker.socket());
     EXPECT_NE(worker.listenSocket(), 0u);
-    EXPECT_EQ(entry->threadId, m_server.log->threads().back());
+    EXPECT_EQ(entry->threadId, m_log->threads().back());
     EXPECT_EQ(worker.receiveTimeOut(), 30000);
     EXPECT_EQ(worker.sendTimeOut(), 30000);
     EXPECT_EQ(peers::optionOf(worker.socket(), SO_RCVTIMEO), 30000);
@@ -87,27 +68,16 @@ TEST_F(Accepting, ReleasesAWorkerThatIsOutOfTheListWithItsSocketOpen) {
     EXPECT_TRUE(isOpen);
 }
 
-TEST_F(Accepting, CountsItsLiveWorkers) {
-    peers::Connection first = heldConnection();
-    peers::Connection second = m_server.connection();
-    ASSERT_TRUE(m_gate.awaitArrivals(2));
-    EXPECT_EQ(m_server.GetNumConnections(), 2);
-    EXPECT_EQ(m_server.ThreadListGetLength(), 2);
-    m_gate.open();
-    EXPECT_EQ(first.receiveAll() + second.receiveAll(), "");
-    EXPECT_EQ(m_server.GetNumConnections(), 0);
-}
-
 TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAWord) {
     m_server.SetMaxConnections(1);
     const peers::Connection first = heldConnection();
     EXPECT_EQ(m_server.converse("let me in"), "");
-    EXPECT_EQ(m_server.log->count("OnMaxConnect"), 1);
-    EXPECT_EQ(m_server.log->count("OnConnect"), 1);
-    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
+    EXPECT_EQ(m_log->count("OnMaxConnect"), 1);
+    EXPECT_EQ(m_log->count("OnConnect"), 1);
+    EXPECT_EQ(m_log->count("ReleaseInstance"), 1);
     EXPECT_EQ(m_server.GetNumConnections(), 1);
     peers::Connection another = m_server.connection();
-    ASSERT_TRUE(m_server.log->await("OnMaxConnect", 2));
+    ASSERT_TRUE(m_log->await("OnMaxConnect", 2));
     EXPECT_EQ(m_server.GetNumConnections(), 2) << "while it lasts";
     another.close();
     EXPECT_TRUE(eventually([&] { return m_server.GetNumConnections() == 1; }));
@@ -116,7 +86,7 @@ TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAWord) {
 TEST_F(Accepting, ClosesOnAPeerThatMayNotEnter) {
     m_server.verdict = 0;
     EXPECT_EQ(m_server.connection().receiveAll(), "");
-    EXPECT_THAT(m_server.log->events(), ElementsAre("OnCanAccept 127.0.0.1"));
+    EXPECT_THAT(m_log->events(), ElementsAre("OnCanAccept 127.0.0.1"));
     m_server.verdict = -1;
     EXPECT_EQ(m_server.converse(), ProbeServer::kAnswer);
 }
@@ -124,7 +94,7 @@ TEST_F(Accepting, ClosesOnAPeerThatMayNotEnter) {
 TEST_F(Accepting, ClosesWhenThereIsNoWorker) {
     m_server.hasWorkers = false;
     EXPECT_EQ(m_server.connection().receiveAll(), "");
-    EXPECT_THAT(m_server.log->events(), ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance"));
+    EXPECT_THAT(m_log->events(), ElementsAre("OnCanAccept 127.0.0.1", "CreateInstance"));
     EXPECT_EQ(m_server.GetNumConnections(), 0);
 }
 
@@ -140,7 +110,7 @@ TEST_F(Accepting, SurvivesAThrowingOnCanAcceptAndAThrowingFactory) {
 TEST_F(Accepting, ReleasesAWorkerWhoseHandlerThrows) {
     m_server.onConnect = [](LoggingWorker&) { throw 5; };
     EXPECT_EQ(m_server.connection().receiveAll(), "");
-    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
+    EXPECT_EQ(m_log->count("ReleaseInstance"), 1);
     EXPECT_EQ(m_server.GetNumConnections(), 0);
 }
 
@@ -151,33 +121,6 @@ TEST_F(Accepting, ClosesWhenTheReleaseThrows) {
         throw std::runtime_error("release");
     };
     EXPECT_EQ(m_server.connection().receiveAll(), "");
-}
-
-TEST_F(Accepting, ReleasesKilledWorkersOnceTheirHandlersReturn) {
-    peers::Connection peer = heldConnection();
-    EXPECT_EQ(m_server.ThreadListKill(), 1);
-    EXPECT_EQ(m_server.GetNumConnections(), 0);
-    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 0);
-    m_gate.open();
-    EXPECT_EQ(peer.receiveAll(), "");
-    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
-    EXPECT_EQ(m_server.GetNumConnections(), 0);
-}
-
-TEST_F(Accepting, LetsHandlersWatchTheShutDownFlag) {
-    m_server.onConnect = [](LoggingWorker& worker) {
-        EXPECT_TRUE(eventually([&] { return worker.owner()->GetShutDownFlag() == 1; }));
-    };
-    peers::Connection peer = m_server.connection();
-    ASSERT_TRUE(m_server.log->await("OnConnect"));
-    m_server.SetShutDownFlag(1);
-    EXPECT_EQ(peer.receiveAll(), "");
-}
-
-TEST_F(Accepting, LeavesNoThreadBehindAConnection) {
-    const int before = countThreadsAtRest();
-    for (int i = 0; i < 10; ++i) m_server.converse();
-    EXPECT_TRUE(eventually([&] { return countThreads() <= before; }));
 }
 
 }  // namespace

@@ -12,13 +12,11 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class Stopping : public testing::Test {
+class Stopping : public ServerTest {
   protected:
-    void TearDown() override { m_gate.open(); }
-
     bool isReachable() { return peers::isReachable(m_listeningPort); }
     void start() {
-        ASSERT_TRUE(m_server.start());
+        ServerTest::start();
         m_listeningPort = m_server.GetPort();
         m_server.codes.clear();
     }
@@ -47,39 +45,24 @@ class Stopping : public testing::Test {
         return eventually([&] { return handleLevel() <= before + atMost + 4; });
     }
 
-    peers::WinsockSession m_winsock;
     peers::RefusingPort m_nobody;
-    Gate m_gate;
-    ProbeServer m_server;
     unsigned int m_listeningPort = 0;
     std::atomic<bool> m_isInOnCanAccept = false;
 };
 
-TEST_F(Stopping, ClosesTheListeningSocketAndMayBeRepeated) {
-    start();
-    EXPECT_EQ(m_server.StopAccept(), 0);
-    EXPECT_FALSE(isReachable());
-    EXPECT_EQ(m_server.StopAccept(), 0);
-    EXPECT_THAT(m_server.codes, ElementsAre(0));  // of its own connection
-    EXPECT_THAT(m_server.statuses, IsEmpty());
-    EXPECT_THAT(m_server.log->events(), IsEmpty()) << "OnCanAccept is not called for that";
-}
-
-TEST_F(Stopping, LeavesNoAcceptingThread) {
+TEST_F(Stopping, ClosesTheListeningSocketAndMayBeRepeatedAndFollowedByAnotherStart) {
     const int before = countThreadsAtRest();
-    start();
-    EXPECT_GT(countThreads(), before);
-    m_server.StopAccept();
-    EXPECT_LE(countThreads(), before);
-}
-
-TEST_F(Stopping, MayBeFollowedByAnotherStart) {
     for (int i = 0; i < 3; ++i) {
         start();
-        EXPECT_NE(m_server.converse(), "");
+        EXPECT_GT(countThreads(), before);
         EXPECT_EQ(m_server.StopAccept(), 0);
+        EXPECT_LE(countThreads(), before);
         EXPECT_FALSE(isReachable());
+        EXPECT_EQ(m_server.StopAccept(), 0);
+        EXPECT_THAT(m_server.codes, ElementsAre(0));  // of its own connection
     }
+    EXPECT_THAT(m_server.statuses, IsEmpty());
+    EXPECT_THAT(m_log->events(), IsEmpty()) << "OnCanAccept is not called for that";
 }
 
 TEST_F(Stopping, LetsWorkersRunOn) {
@@ -88,13 +71,11 @@ TEST_F(Stopping, LetsWorkersRunOn) {
         m_gate.pass();
         worker.Send("still here", -1, 0);
     };
-    peers::Connection peer = m_server.connection();
-    ASSERT_TRUE(m_gate.awaitArrivals());
+    peers::Connection peer = connectionAtTheGate();
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_EQ(m_server.GetNumConnections(), 1);
     m_gate.open();
     EXPECT_EQ(peer.receiveAll(), "still here");
-    EXPECT_EQ(m_server.log->count("ReleaseInstance"), 1);
 }
 
 TEST_F(Stopping, WaitsForOnCanAcceptAndLetsThePeerIn) {
@@ -173,21 +154,6 @@ TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
     EXPECT_TRUE(isReachable());
 }
 
-TEST_F(Stopping, HappensInTheDestructorThoughTheSocketWasNeverUsed) {
-    const int before = countThreadsAtRest();
-    for (const bool isAccepting : {true, false}) {
-        unsigned int port = 0;
-        {
-            ProbeServer server;
-            ASSERT_TRUE(isAccepting ? server.start() : server.listen() == UTE_SUCCESS);
-            port = server.GetPort();
-            EXPECT_TRUE(isAccepting || peers::isReachable(port));
-        }
-        EXPECT_LE(countThreads(), before);
-        EXPECT_FALSE(peers::isReachable(port));
-    }
-}
-
 // OnCanAccept holds the destructor of the base until the worker has seen the flag.
 TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     struct Scene {
@@ -230,13 +196,6 @@ TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
     server.reset();
     EXPECT_TRUE(scene.isSeen);
     EXPECT_TRUE(served.awaitClose());
-}
-
-TEST_F(Stopping, OnlyStoresAPortThatIsSetLater) {
-    start();
-    misdirect();
-    EXPECT_TRUE(isReachable());
-    EXPECT_FALSE(m_server.isReachable());
 }
 
 }  // namespace

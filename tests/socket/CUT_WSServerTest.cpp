@@ -28,20 +28,25 @@ TEST(ServerHooks, AnswerFixedValues) {
     EXPECT_THAT(server.answers(), ElementsAre(0, 0, 1, 0, 42));
 }
 
-class Server : public testing::Test {
+class Server : public ServerTest {
   protected:
-    peers::WinsockSession m_winsock;
     const peers::RefusingPort m_taken;  // where nobody listens
-    ProbeServer m_server;
     char m_loopback[10] = "127.0.0.1";
 };
 
-TEST_F(Server, StartsWithItsInitialValues) {
+TEST_F(Server, StartsWithItsInitialValuesAndStoresOthers) {
     EXPECT_EQ(m_server.GetMaxConnections(), 30000);
     EXPECT_EQ(m_server.GetNumConnections(), 0);
     EXPECT_EQ(m_server.GetProtocol(), 0);
     EXPECT_EQ(m_server.GetPort(), 0xFFFFFFFFu);
     EXPECT_EQ(m_server.GetShutDownFlag(), 0);
+    EXPECT_EQ(m_server.SetPort(12), 0);
+    EXPECT_EQ(m_server.GetPort(), 12u);
+    EXPECT_EQ(m_server.SetProtocol(6), 6);
+    EXPECT_EQ(m_server.GetProtocol(), 6);
+    m_server.SetShutDownFlag(1);
+    EXPECT_EQ(m_server.GetShutDownFlag(), 1);
+    EXPECT_THAT(m_server.codes, ElementsAre(0)) << "of the port";
 }
 
 TEST_F(Server, LimitsTheMaximumOfConnections) {
@@ -55,36 +60,17 @@ TEST_F(Server, LimitsTheMaximumOfConnections) {
     }
 }
 
-TEST_F(Server, StoresItsSettings) {
-    EXPECT_EQ(m_server.SetPort(12), 0);
-    EXPECT_EQ(m_server.GetPort(), 12u);
-    EXPECT_EQ(m_server.SetProtocol(6), 6);
-    EXPECT_EQ(m_server.GetProtocol(), 6);
-    m_server.SetShutDownFlag(1);
-    EXPECT_EQ(m_server.GetShutDownFlag(), 1);
-    EXPECT_THAT(m_server.codes, ElementsAre(0)) << "of the port";
-}
-
-TEST_F(Server, ListensOnItsPort) {
-    const unsigned short port = peers::freePort();
-    EXPECT_EQ(m_server.ConnectToPort(port, 5, AF_INET, 0), 0);
-    EXPECT_EQ(m_server.GetPort(), port);
-    EXPECT_THAT(m_server.codes, ElementsAre(0));
-    EXPECT_TRUE(m_server.isReachable());
-}
-
 // No Winsock (1) and a failing listen (23) are not tested: the start of Winsock does not fail here,
 // and neither does listen on a stream socket that is bound.
 TEST_F(Server, ReportsAPortThatIsTakenAndMayTryAnother) {
     EXPECT_EQ(m_server.listenOn(m_taken.port()), UTE_SOCK_BIND_FAILED);
     EXPECT_THAT(m_server.codes, ElementsAre(UTE_SOCK_BIND_FAILED));
     EXPECT_EQ(m_server.GetPort(), 0xFFFFFFFFu);
-    EXPECT_TRUE(m_server.start());
+    const unsigned short port = peers::freePort();
+    EXPECT_EQ(m_server.ConnectToPort(port, 5, AF_INET, 0), 0);
+    EXPECT_EQ(m_server.GetPort(), port);
+    EXPECT_THAT(m_server.codes, ElementsAre(UTE_SOCK_BIND_FAILED, 0));
     EXPECT_TRUE(m_server.isReachable());
-}
-
-TEST_F(Server, BindsToAnAddressOfTheGivenFamily) {
-    EXPECT_EQ(m_server.ConnectToPort(peers::freePort(), 5, 99, 0), UTE_SOCK_BIND_FAILED);
 }
 
 TEST_F(Server, BindsToTheGivenAddressOnly) {
@@ -188,12 +174,34 @@ TEST_F(ServerAndWinsock, IsNotStartedForAPortThatIsRefused) {
 TEST_F(ServerAndWinsock, BalancesOneListeningWithEachStopAndOneWithTheDestructor) {
     {
         ProbeServer server;
-        for (int i = 0; i < 3; ++i) server.ConnectToPort(0, 5, 99, ::htonl(INADDR_LOOPBACK));
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(server.ConnectToPort(0, 5, 99, 0), UTE_SOCK_BIND_FAILED) << "no such family";
         server.StopAccept();
         EXPECT_EQ(starts(), 3);
         server.StopAccept();
     }
     EXPECT_EQ(starts(), 0);
+}
+
+// How many peers a listening socket holds ready before they are accepted. The stack may add a few
+// to the size that it is given.
+TEST_F(Server, AndAClientListenWithAQueueAsLongAsAskedFor) {
+    constexpr size_t kLong = 20;
+    const auto answered = [](unsigned int port) {
+        const size_t count = peers::connectWhileAnswered(port, kLong).size();
+        EXPECT_TRUE(count < 5 || count == kLong) << count;
+        return count;
+    };
+    for (const size_t size : {size_t{1}, kLong}) {
+        ASSERT_EQ(m_server.listen(static_cast<int>(size)), UTE_SUCCESS);
+        ProbeClient client;
+        ASSERT_EQ(
+            client.WaitForConnect(0, static_cast<int>(size), AF_INET, ::inet_addr(m_loopback)),
+            UTE_SUCCESS);
+        for (const unsigned int port :
+             {m_server.GetPort(), static_cast<unsigned int>(client.GetAcceptPort())})
+            EXPECT_EQ(answered(port) < 5, size == 1) << port;
+    }
 }
 
 class ServerList : public Server {

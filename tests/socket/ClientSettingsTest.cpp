@@ -53,19 +53,7 @@ TEST_F(ClientSettings, OfAClosedSocketFailAndKeepTheirValues) {
     EXPECT_EQ(m_client.GetBlockingMode(), 0);
 }
 
-TEST_F(ClientSettings, OfAnOpenSocketPassTheFunnel) {
-    connect();
-    EXPECT_EQ(m_client.SetReceiveTimeOut(1500), 0);
-    EXPECT_EQ(m_client.SetSendTimeOut(2500), 0);
-    EXPECT_EQ(m_client.GetReceiveTimeOut(), 1500);
-    EXPECT_EQ(m_client.GetSendTimeOut(), 2500);
-    EXPECT_EQ(m_client.SetBlockingMode(1), UTE_SUCCESS);
-    EXPECT_EQ(m_client.GetBlockingMode(), 1);
-    EXPECT_EQ(m_client.SetBlockingMode(0), UTE_SUCCESS);
-    EXPECT_THAT(m_client.codes, ElementsAre(0, 0, 0, 0));
-}
-
-TEST_F(ClientSettings, StoredTimeOutsLeaveAnOpenSocketAlone) {
+TEST_F(ClientSettings, OfAnOpenSocketPassTheFunnelUnlessTheyAreBufferSizesOrOnlyStored) {
     connect();
     m_client.setRecvTimeOut(1234);
     m_client.setSendTimeOut(4321);
@@ -73,11 +61,6 @@ TEST_F(ClientSettings, StoredTimeOutsLeaveAnOpenSocketAlone) {
     EXPECT_EQ(m_client.GetSendTimeOut(), 4321);
     EXPECT_EQ(m_client.optionOf(SO_RCVTIMEO), 30000);
     EXPECT_EQ(m_client.optionOf(SO_SNDTIMEO), 30000);
-    EXPECT_THAT(m_client.codes, IsEmpty());
-}
-
-TEST_F(ClientSettings, BufferSizesAreSetAndReadWithoutTheFunnel) {
-    connect();
     EXPECT_EQ(m_client.SetMaxReceive(20000), 0);
     EXPECT_EQ(m_client.SetMaxSend(30000), 0);
     EXPECT_EQ(m_client.GetMaxReceive(), m_client.optionOf(SO_RCVBUF));
@@ -86,6 +69,15 @@ TEST_F(ClientSettings, BufferSizesAreSetAndReadWithoutTheFunnel) {
     EXPECT_GE(m_client.GetMaxSend(), 30000);
     EXPECT_NE(m_client.GetMaxReceive(), m_client.GetMaxSend());
     EXPECT_THAT(m_client.codes, IsEmpty());
+    EXPECT_EQ(m_client.SetReceiveTimeOut(1500), 0);
+    EXPECT_EQ(m_client.SetSendTimeOut(2500), 0);
+    EXPECT_EQ(m_client.GetReceiveTimeOut(), 1500);
+    EXPECT_EQ(m_client.GetSendTimeOut(), 2500);
+    for (const int mode : {1, 0}) {
+        EXPECT_EQ(m_client.SetBlockingMode(mode), UTE_SUCCESS);
+        EXPECT_EQ(m_client.GetBlockingMode(), mode);
+    }
+    EXPECT_THAT(m_client.codes, ElementsAre(0, 0, 0, 0));
 }
 
 TEST_F(ClientSettings, AnOptionIsReadIntoFourBytes) {

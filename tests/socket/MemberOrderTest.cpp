@@ -52,7 +52,7 @@ TEST(MemberOrder, OfAWorker) {
 }
 
 // A server's members are its own; they are recognised by values given from outside.
-class ServerMembers : public testing::Test {
+class ServerMembers : public ServerTest {
   protected:
     template <class Value>
     Value at(size_t offset) const {
@@ -76,9 +76,6 @@ class ServerMembers : public testing::Test {
     static constexpr size_t kThreadList = kListenSocket + sizeof(SOCKET);
     static constexpr size_t kAcceptThread = kThreadList + sizeof(void*);
     static constexpr size_t kAccepting = kAcceptThread + sizeof(uintptr_t);
-
-    peers::WinsockSession m_winsock;
-    ProbeServer m_server;
 };
 
 TEST_F(ServerMembers, StandInTheirOrder) {

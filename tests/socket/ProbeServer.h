@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <functional>
 #include <memory>
@@ -145,11 +147,45 @@ class ProbeServer : public CUT_WSServer {
         return verdict;
     }
     int OnStatus(const wchar_t* text) override {
+        const std::lock_guard lock(m_mutex);
         statuses.push_back(text);
         return 0;
     }
     int OnError(int code) override {
+        const std::lock_guard lock(m_mutex);
         codes.push_back(code);
         return code;
     }
+
+  private:
+    std::mutex m_mutex;  // the accepting thread fails while another one stops it
+};
+
+// A server, and a gate that holds its threads. The server goes before what its hooks refer to.
+class ServerTest : public testing::Test {
+  protected:
+    void TearDown() override {
+        m_gate.open();
+        destroy();
+    }
+
+    void start() { ASSERT_TRUE(m_server.start()); }
+    void destroy() { m_owned.reset(); }
+    // Threads that come to the hook wait at the gate.
+    template <class Hook>
+    void hold(Hook ProbeServer::*hook) {
+        m_server.*hook = [this](auto&&...) { m_gate.pass(); };
+    }
+    // A connection with a thread of the server at the gate.
+    peers::Connection connectionAtTheGate() {
+        peers::Connection peer = m_server.connection();
+        EXPECT_TRUE(m_gate.awaitArrivals());
+        return peer;
+    }
+
+    peers::WinsockSession m_winsock;
+    Gate m_gate;
+    std::unique_ptr<ProbeServer> m_owned = std::make_unique<ProbeServer>();
+    ProbeServer& m_server = *m_owned;
+    std::shared_ptr<ServerLog> m_log = m_server.log;
 };

@@ -17,21 +17,21 @@ void echo(LoggingWorker& worker) {
         worker.Send(buffer, count, 0);
 }
 
-class ServerCrowd : public testing::Test {
+class ServerCrowd : public ServerTest {
   protected:
     void SetUp() override {
         m_peers.reserve(kCrowd);
-        m_server->onConnect = echo;
-        m_server->ending = ProbeServer::Ending::ClosesTheDoor;
-        ASSERT_EQ(m_server->listen(kCrowd), UTE_SUCCESS);
-        ASSERT_EQ(m_server->StartAccept(), UTE_SUCCESS);
+        m_server.onConnect = echo;
+        m_server.ending = ProbeServer::Ending::ClosesTheDoor;
+        ASSERT_EQ(m_server.listen(kCrowd), UTE_SUCCESS);
+        ASSERT_EQ(m_server.StartAccept(), UTE_SUCCESS);
     }
 
     void connect(int count) {
-        for (int i = 0; i < count; ++i) m_peers.push_back(m_server->connection());
+        for (int i = 0; i < count; ++i) m_peers.push_back(m_server.connection());
     }
     bool awaitWorkers(int count) {
-        return eventually([&] { return m_server->GetNumConnections() == count; }, kGenerously);
+        return eventually([&] { return m_server.GetNumConnections() == count; }, kGenerously);
     }
     bool awaitDeleted(int count) {
         return eventually([&] { return m_log->count("worker deleted") == count; }, kGenerously);
@@ -45,10 +45,7 @@ class ServerCrowd : public testing::Test {
         return answered;
     }
 
-    peers::WinsockSession m_winsock;
     const int m_threads = countThreadsAtRest();
-    std::unique_ptr<ProbeServer> m_server = std::make_unique<ProbeServer>();
-    std::shared_ptr<ServerLog> m_log = m_server->log;
     std::vector<peers::Connection> m_peers;
 };
 
@@ -60,14 +57,14 @@ TEST_F(ServerCrowd, IsServedAtOnceAndLeavesNothingBehind) {
     m_peers.clear();
     EXPECT_TRUE(awaitWorkers(0));
     EXPECT_TRUE(awaitDeleted(kCrowd));
-    m_server.reset();
+    destroy();
     EXPECT_TRUE(eventually([&] { return countThreads() <= m_threads; }, kGenerously));
 }
 
 TEST_F(ServerCrowd, OutlivesItsServerAndLeavesNothingBehind) {
     connect(kCrowd);
     ASSERT_TRUE(awaitWorkers(kCrowd));
-    m_server.reset();
+    destroy();
     sendToAll("hello");
     EXPECT_EQ(countAnswered("hello"), kCrowd);
     m_peers.clear();
@@ -78,7 +75,7 @@ TEST_F(ServerCrowd, OutlivesItsServerAndLeavesNothingBehind) {
 TEST_F(ServerCrowd, IsRefusedBeyondTheMaximumOnly) {
     constexpr int kMaximum = 100;
     constexpr int kTooMany = 200;
-    m_server->SetMaxConnections(kMaximum);
+    m_server.SetMaxConnections(kMaximum);
     connect(kMaximum);
     ASSERT_TRUE(awaitWorkers(kMaximum));
     connect(kTooMany);

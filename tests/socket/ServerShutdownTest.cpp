@@ -19,19 +19,16 @@ SOCKET socketConnectedTo(int port) {
     return INVALID_SOCKET;
 }
 
-class ServerShutdown : public testing::Test {
+class ServerShutdown : public ServerTest {
   protected:
-    void SetUp() override { ASSERT_TRUE(m_server.start()); }
+    void SetUp() override { start(); }
     // The handle is closed after what this gives has been seen.
     bool seesTheEnd(peers::Connection& peer) {
         const bool isClosed = peer.awaitClose();
         return isClosed && m_other;
     }
 
-    peers::WinsockSession m_winsock;
-    Gate m_gate;
     UniqueSocket m_other;
-    ProbeServer m_server;
 };
 
 TEST_F(ServerShutdown, EndsAConnectionThatMayNotEnter) {

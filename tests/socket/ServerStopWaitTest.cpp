@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-class StopWait : public testing::Test {
+class StopWait : public ServerTest {
   protected:
     void SetUp() override {
         m_threadsBefore = countThreadsAtRest();
@@ -23,11 +23,14 @@ class StopWait : public testing::Test {
             static_cast<void>(m_verdict.try_acquire_for(90s));
             m_isInOnCanAccept = false;
         };
-        ASSERT_TRUE(m_server.start());
+        start();
         m_port = m_server.GetPort();
         m_server.codes.clear();
     }
-    void TearDown() override { m_verdict.release(); }
+    void TearDown() override {
+        m_verdict.release();
+        ServerTest::TearDown();
+    }
 
     peers::Connection connectionInOnCanAccept() {
         peers::Connection peer = m_server.connection();
@@ -48,11 +51,9 @@ class StopWait : public testing::Test {
             << countThreads() << " threads, " << m_threadsBefore << " before";
     }
 
-    peers::WinsockSession m_winsock;
     // Not a gate: a thread that is ended by force must not wait for a condition variable.
     std::counting_semaphore<2> m_verdict{0};
     std::atomic<bool> m_isInOnCanAccept = false;
-    ProbeServer m_server;
     unsigned int m_port = 0;
     int m_threadsBefore = 0;
 };

@@ -9,11 +9,7 @@
 #include <random>
 #include <thread>
 
-#include "NyServer/socket/CUT_WSServer.h"
-#include "NyServer/socket/CUT_WSThread.h"
-#include "NyServer/socket/SocketCodes.h"
-#include "tests/socket/LocalConnection.h"
-#include "tests/support/Gate.h"
+#include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/Handles.h"
 #include "tests/support/Threads.h"
@@ -25,74 +21,15 @@ constexpr int kUnwakeableServers = 50;
 constexpr int kPeers = 4;
 constexpr unsigned kSeed = 20240229;
 
-struct Counts {
-    std::atomic<int> asked = 0;
-    std::atomic<int> made = 0;
-    std::atomic<int> released = 0;
-    std::atomic<int> deleted = 0;
-};
-
-// Answers what comes until the peer goes; watches its server when that waits for it.
-class StressWorker : public CUT_WSThread {
-  public:
-    StressWorker(Counts& counts, bool isWatching) : m_counts(counts), m_isWatching(isWatching) {}
-    ~StressWorker() override { ++m_counts.deleted; }
-
-    void OnConnect() override {
-        char buffer[64];
-        while (!m_isWatching || m_owner->GetShutDownFlag() == 0) {
-            if (WaitForReceive(0, 10000) != UTE_SUCCESS) continue;
-            const int count = Receive(buffer, sizeof buffer, 0);
-            if (count <= 0 || Send(buffer, count, 0) <= 0) return;
-        }
+// Answers what comes until the peer goes, or until the shut-down flag when its server waits for it.
+void echo(LoggingWorker& worker, bool isWatching) {
+    char buffer[64];
+    while (!isWatching || worker.owner()->GetShutDownFlag() == 0) {
+        if (worker.WaitForReceive(0, 10000) != UTE_SUCCESS) continue;
+        const int count = worker.Receive(buffer, sizeof buffer, 0);
+        if (count <= 0 || worker.Send(buffer, count, 0) <= 0) return;
     }
-
-  private:
-    Counts& m_counts;
-    bool m_isWatching;
-};
-
-class StressServer : public CUT_WSServer {
-  public:
-    StressServer(Counts& counts, bool waitsForWorkers)
-        : m_counts(counts), m_waitsForWorkers(waitsForWorkers) {}
-    ~StressServer() override {
-        if (!m_waitsForWorkers) CloseDoor();
-        if (m_waitsForWorkers) {
-            SetShutDownFlag(1);
-            while (!CloseDoorIfIdle()) ::Sleep(1);
-        }
-        m_isWhole = false;
-    }
-
-    bool start() {
-        int result = UTE_SOCK_BIND_FAILED;
-        for (int attempt = 0; result == UTE_SOCK_BIND_FAILED && attempt < 50; ++attempt)
-            result = ConnectToPort(peers::freePort(), 5, AF_INET, ::htonl(INADDR_LOOPBACK));
-        return result == UTE_SUCCESS && StartAccept() == UTE_SUCCESS;
-    }
-
-  protected:
-    CUT_WSThread* CreateInstance() override {
-        EXPECT_TRUE(m_isWhole);
-        ++m_counts.made;
-        return new StressWorker(m_counts, m_waitsForWorkers);
-    }
-    void ReleaseInstance(CUT_WSThread* worker) override {
-        EXPECT_TRUE(m_isWhole);
-        delete worker;
-        ++m_counts.released;
-    }
-    long OnCanAccept(const char*) override {
-        EXPECT_TRUE(m_isWhole);
-        return ++m_counts.asked % 7 == 0 ? 0 : 1;
-    }
-
-  private:
-    Counts& m_counts;
-    bool m_waitsForWorkers;
-    std::atomic<bool> m_isWhole = true;
-};
+}
 
 // Connects to whichever server there is, in every rude way.
 class Flood {
@@ -136,18 +73,34 @@ class ServerStress : public testing::Test {
   protected:
     ServerStress() { std::cout << "seed " << kSeed << std::endl; }
 
+    // One server's hooks: every seventh peer may not enter.
+    void script(ProbeServer& server, bool waitsForWorkers) {
+        server.log = m_log;
+        server.ending = waitsForWorkers ? ProbeServer::Ending::WaitsForWorkers
+                                        : ProbeServer::Ending::ClosesTheDoor;
+        server.onConnect = [=](LoggingWorker& worker) { echo(worker, waitsForWorkers); };
+        server.onCanAccept = [&server, asked = 0]() mutable {
+            server.verdict = ++asked % 7 == 0 ? 0 : 1;
+        };
+    }
+    int made() const { return m_log->count("CreateInstance"); }
+    int released() const { return m_log->count("ReleaseInstance"); }
+    bool areDeleted() const {
+        return eventually([&] { return m_log->count("worker deleted") == made(); });
+    }
     // For a while only, since a failing accept ends the accepting thread.
     void awaitWorkers(int count) {
-        for (int tick = 0; tick < 100 && m_counts.made < count; ++tick) ::Sleep(1);
+        for (int tick = 0; tick < 100 && made() < count; ++tick) ::Sleep(1);
     }
 
     // One server from its start to its end. Every third does not wait for its workers, every second
     // is stopped before it is destroyed.
     void runServer(int number, bool isWakeable) {
-        Guarded<StressServer> guarded(m_counts, number % 3 != 0);
+        Guarded<ProbeServer> guarded;
+        script(*guarded, number % 3 != 0);
         ASSERT_TRUE(guarded->start());
         Flood::port = guarded->GetPort();
-        awaitWorkers(m_counts.made + static_cast<int>(m_random() % 20));
+        awaitWorkers(made() + static_cast<int>(m_random() % 20));
         if (!isWakeable) guarded->SetPort(m_nobody.port());
         if (number % 2 == 0) guarded->StopAccept();
         guarded.destroy();
@@ -164,18 +117,18 @@ class ServerStress : public testing::Test {
 
     // A few handles are for what the system itself keeps.
     void expectNothingLeft() {
-        EXPECT_TRUE(eventually([&] { return m_counts.deleted == m_counts.made; }));
+        EXPECT_TRUE(areDeleted());
         EXPECT_TRUE(eventually([&] { return countThreads() <= m_threadsBefore; }));
         EXPECT_TRUE(eventually([&] { return handleLevel() <= m_handlesBefore + 4; }));
-        std::cout << m_counts.asked << " asked, " << m_counts.made << " made, " << m_counts.released
-                  << " released; handles " << m_handlesBefore << " to " << handleLevel()
-                  << ", threads " << m_threadsBefore << " to " << countThreads() << std::endl;
+        std::cout << made() << " made, " << released() << " released; handles " << m_handlesBefore
+                  << " to " << handleLevel() << ", threads " << m_threadsBefore << " to "
+                  << countThreads() << std::endl;
     }
 
     // What the system keeps from the first use does not count.
     void SetUp() override {
         runServers(10, true);
-        ASSERT_TRUE(eventually([&] { return m_counts.deleted == m_counts.made; }));
+        ASSERT_TRUE(areDeleted());
         ::Sleep(100);
         m_threadsBefore = countThreadsAtRest();
         m_handlesBefore = handleLevel();
@@ -183,7 +136,7 @@ class ServerStress : public testing::Test {
 
     peers::WinsockSession m_winsock;
     peers::RefusingPort m_nobody;
-    Counts m_counts;
+    std::shared_ptr<ServerLog> m_log = std::make_shared<ServerLog>();
     std::mt19937 m_random{kSeed};
     int m_threadsBefore = 0;
     size_t m_handlesBefore = 0;
@@ -192,8 +145,8 @@ class ServerStress : public testing::Test {
 TEST_F(ServerStress, LeavesNothingBehindWhateverItsPeersDo) {
     runServers(kServers, true);
     expectNothingLeft();
-    EXPECT_GT(m_counts.released, kServers);
-    EXPECT_LT(m_counts.released, m_counts.made);
+    EXPECT_GT(released(), kServers);
+    EXPECT_LT(released(), made());
 }
 
 TEST_F(ServerStress, LeavesNothingBehindWhenItsAcceptingThreadCannotBeWoken) {

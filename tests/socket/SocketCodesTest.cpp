@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "NyServer/base/WindowsPrelude.h"
@@ -28,26 +29,28 @@ TEST(SocketCodes, AreReadOnly) {
 }
 
 TEST(SocketCodes, KeepTheirNumbers) {
-    EXPECT_EQ(UTE_SUCCESS, 0);
-    EXPECT_EQ(UTE_ERROR, 1);
-    EXPECT_EQ(UTE_WORKER_SEND_FAILED, 4);
-    EXPECT_EQ(UTE_CONNECT_TIMEOUT, 5);
-    EXPECT_EQ(UTE_NAME_LOOKUP_FAILED, 7);
-    EXPECT_EQ(UTE_SOCK_NOT_OPEN, 15);
-    EXPECT_EQ(UTE_SOCK_ALREADY_OPEN, 16);
-    EXPECT_EQ(UTE_SOCK_CREATE_FAILED, 17);
-    EXPECT_EQ(UTE_SOCK_BIND_FAILED, 18);
-    EXPECT_EQ(UTE_SOCK_CONNECT_FAILED, 19);
-    EXPECT_EQ(UTE_SOCK_TIMEOUT, 20);
-    EXPECT_EQ(UTE_SOCK_RECEIVE_ERROR, 21);
-    EXPECT_EQ(UTE_SOCK_SEND_ERROR, 22);
-    EXPECT_EQ(UTE_SOCK_LISTEN_ERROR, 23);
-    EXPECT_EQ(UTE_INVALID_OPEN_TYPE, 26);
-    EXPECT_EQ(UTE_BUFFER_TOO_SHORT, 35);
-    EXPECT_EQ(UTE_DS_OPEN_FAILED, 79);
-    EXPECT_EQ(UTE_DS_WRITE_FAILED, 81);
-    EXPECT_EQ(UTE_ABORTED, 90);
-    EXPECT_EQ(UTE_CONNECT_RESOLVE_FAILED, 92);
+    EXPECT_THAT((std::vector{UTE_SUCCESS,
+                             UTE_ERROR,
+                             UTE_WORKER_SEND_FAILED,
+                             UTE_CONNECT_TIMEOUT,
+                             UTE_NAME_LOOKUP_FAILED,
+                             UTE_SOCK_NOT_OPEN,
+                             UTE_SOCK_ALREADY_OPEN,
+                             UTE_SOCK_CREATE_FAILED,
+                             UTE_SOCK_BIND_FAILED,
+                             UTE_SOCK_CONNECT_FAILED,
+                             UTE_SOCK_TIMEOUT,
+                             UTE_SOCK_RECEIVE_ERROR,
+                             UTE_SOCK_SEND_ERROR,
+                             UTE_SOCK_LISTEN_ERROR,
+                             UTE_INVALID_OPEN_TYPE,
+                             UTE_BUFFER_TOO_SHORT,
+                             UTE_DS_OPEN_FAILED,
+                             UTE_DS_WRITE_FAILED,
+                             UTE_ABORTED,
+                             UTE_CONNECT_RESOLVE_FAILED}),
+                testing::ElementsAre(0, 1, 4, 5, 7, 15, 16, 17, 18, 19, 20, 21, 22, 23, 26, 35, 79,
+                                     81, 90, 92));
 }
 
 }  // namespace

@@ -31,23 +31,6 @@ TYPED_TEST(SendingSources, SendsAllInPiecesOf255Bytes) {
     EXPECT_EQ(this->arrived(), patternOf(600));
 }
 
-TYPED_TEST(SendingSources, SendsNothingOfAnEmptyOne) {
-    this->m_source.content.clear();
-    EXPECT_EQ(this->send(), UTE_SUCCESS);
-    EXPECT_EQ(this->m_end.sent(), 0);
-    EXPECT_EQ(this->m_source.closed, 1);
-    EXPECT_THAT(this->m_end.sends, IsEmpty());
-    EXPECT_THAT(this->m_end.codes, ElementsAre(UTE_SUCCESS));
-}
-
-TYPED_TEST(SendingSources, ReportsOneThatDoesNotOpen) {
-    this->m_source.openResult = -1;
-    EXPECT_EQ(this->send(), UTE_DS_OPEN_FAILED);
-    EXPECT_EQ(this->m_end.sent(), 0);
-    EXPECT_THAT(this->m_end.codes, ElementsAre(UTE_DS_OPEN_FAILED));
-    EXPECT_EQ(this->m_source.closed, 0);
-}
-
 TYPED_TEST(SendingSources, ReportsAPieceThatIsNotSent) {
     this->m_end.failingSend = 1;
     EXPECT_EQ(this->send(), TypeParam::kSendFailure);
@@ -57,18 +40,36 @@ TYPED_TEST(SendingSources, ReportsAPieceThatIsNotSent) {
     EXPECT_EQ(this->arrived(), patternOf(600).substr(0, 255));
 }
 
-TYPED_TEST(SendingSources, CountsTheBytesAskedNotThoseSent) {
-    this->m_end.failingSend = 0;
-    this->m_end.failingResult = TypeParam::kUnsent + 1;
-    EXPECT_EQ(this->send(), UTE_SUCCESS);
-    EXPECT_EQ(this->m_end.sent(), 600);
-}
-
-TYPED_TEST(SendingSources, EndsWhenTheStatusSaysSo) {
-    this->m_end.sendStatus = 0;
-    EXPECT_EQ(this->send(), TypeParam::kSendStopped);
-    EXPECT_EQ(this->m_end.sent(), 255);
-    EXPECT_EQ(this->m_source.closed, 1);
+TYPED_TEST(SendingSources, ClosesWhatItHasOpenedAndTellsWhatItSent) {
+    const struct {
+        const char* story;
+        void (*arrange)(TypeParam&, ScriptedSource&);
+        int result;
+        int sent;
+        int closed;
+    } rows[] = {
+        {"does not open", [](auto&, auto& source) { source.openResult = -1; }, UTE_DS_OPEN_FAILED,
+         0, 0},
+        {"empty", [](auto&, auto& source) { source = ScriptedSource(""); }, UTE_SUCCESS, 0, 1},
+        {"stopped by the status", [](auto& end, auto&) { end.sendStatus = 0; },
+         TypeParam::kSendStopped, 255, 1},
+        {"counts the bytes asked, not those sent",
+         [](auto& end, auto&) {
+             end.sendStatus = 1;
+             end.failingSend = 1;  // after the one before
+             end.failingResult = TypeParam::kUnsent + 1;
+         },
+         UTE_SUCCESS, 600, 1},
+    };
+    for (const auto& row : rows) {
+        this->m_source = ScriptedSource(patternOf(600));
+        this->m_end.codes.clear();
+        row.arrange(this->m_end, this->m_source);
+        EXPECT_EQ(this->send(), row.result) << row.story;
+        EXPECT_EQ(this->m_end.sent(), row.sent) << row.story;
+        EXPECT_EQ(this->m_source.closed, row.closed) << row.story;
+        EXPECT_THAT(this->m_end.codes, ElementsAre(row.result)) << row.story;
+    }
 }
 
 TYPED_TEST(SendingSources, NeedsAnOpenSocket) {
