@@ -5,13 +5,23 @@
 //   W2/encode/*  W2/decode/*   a table of 1,000 users, each with 3 names of 10 to 14 characters
 //   W3/encode/*  W3/decode/*   one request for a lock
 //   .../library                the message file and the records of this library
+//   .../library-borrowed       W1 from a table that does not own its locks
+//   .../library-behind         W1 with the table behind a lock in the same archive
+//   .../library-shuffled       W1 from a table whose locks lie in memory in no order
+//   .../library-among-4        W1 while three other threads write the same table (not for Windows,
+//   where times are those
+//                              of a clock)
 //   .../library-fresh          W3 with a message file made for each request
 //   .../floor                  the same values written and read by hand (FloorCodec.h)
 //   .../memcpy                 a copy of as many bytes as the floor writes
 //
 // Decoding includes the destruction of what was decoded. Each is best run in a process of its own:
 // --benchmark_filter='^W1/encode/library$'; ./run-bench does so.
+#include <algorithm>
+#include <atomic>
 #include <functional>
+#include <random>
+#include <thread>
 
 #include "bench/Measure.h"
 
@@ -110,6 +120,93 @@ void addLibrary(const std::string& workload, size_t records) {
     });
 }
 
+using LockCodec = bench::LibraryCodec<NySeLockArray>;
+
+// The locks of a table, borrowed.
+struct BorrowedLocks {
+    BorrowedLocks() { bench::fill(m_owner, bench::kLocks); }
+    void borrow() {
+        for (INT_PTR i = 0; i < m_owner.GetSize(); ++i) m_table.append(m_owner.GetAt(i));
+    }
+    void borrowShuffled() {
+        std::vector<NySeLock*> locks;
+        for (INT_PTR i = 0; i < m_owner.GetSize(); ++i) locks.push_back(m_owner.GetAt(i));
+        std::shuffle(locks.begin(), locks.end(), std::mt19937(1));
+        for (NySeLock* const lock : locks) m_table.append(lock);
+    }
+
+    NySeLockArray m_owner;
+    NySeLockArray m_table{QoArraySerial2::kDoNotDelete};
+};
+
+template <class Arrange>
+void addBorrowedLocks(const char* name, Arrange arrange) {
+    benchmark::RegisterBenchmark(name, [arrange](auto& state) {
+        BorrowedLocks locks;
+        (locks.*arrange)();
+        LockCodec codec;
+        bench::timeEncoding(state, codec, locks.m_table, bench::kLocks);
+    });
+}
+
+struct LocksBehindALock {
+    View encode(const NySeLockArray& table) {
+        m_message.startWrite(NySe::schema2015);
+        m_message.writeObject(m_first);
+        m_message.writeObject(table);
+        m_message.stopWriting();
+        return LockCodec::whole(m_message);
+    }
+    NySeLock m_first;
+    NySeMemFile m_message;
+};
+
+template <class Codec, class Before>
+void addLockEncoding(const char* name, Before before) {
+    benchmark::RegisterBenchmark(name, [before](auto& state) {
+        NySeLockArray table;
+        bench::fill(table, bench::kLocks);
+        [[maybe_unused]] const auto others = before(table);
+        Codec codec;
+        bench::timeEncoding(state, codec, table, bench::kLocks);
+    });
+}
+
+// Threads that write a table until they are destroyed.
+class Writers {
+  public:
+    Writers(const NySeLockArray& table, size_t count) {
+        for (; count > 0; --count) {
+            m_threads.emplace_back([this, &table] {
+                LockCodec codec;
+                while (!m_ends) benchmark::DoNotOptimize(codec.encode(table).data);
+            });
+        }
+    }
+    ~Writers() {
+        m_ends = true;
+        for (std::thread& thread : m_threads) thread.join();
+    }
+    Writers(const Writers&) = delete;
+    Writers& operator=(const Writers&) = delete;
+
+  private:
+    std::atomic<bool> m_ends{false};
+    std::vector<std::thread> m_threads;
+};
+
+void addLocks() {
+    addBorrowedLocks("W1/encode/library-borrowed", &BorrowedLocks::borrow);
+    addBorrowedLocks("W1/encode/library-shuffled", &BorrowedLocks::borrowShuffled);
+    addLockEncoding<LocksBehindALock>("W1/encode/library-behind", [](const auto&) { return 0; });
+#ifndef _WIN32
+    addLockEncoding<LockCodec>("W1/encode/library-among-4", [](const NySeLockArray& table) {
+        constexpr size_t others = 3;
+        return Writers(table, others);
+    });
+#endif
+}
+
 template <class Codec>
 void addRequestEncoding(const char* name) {
     benchmark::RegisterBenchmark(name, [](auto& state) {
@@ -139,6 +236,7 @@ int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape): an erro
     addFloor<bench::Request>(
         "W3", [] { return bench::plainRequest(); }, 1);
     addLibrary<NySeLockArray>("W1", bench::kLocks);
+    addLocks();
     addLibrary<NySeUserPtrArray>("W2", bench::kUsers);
     addRequests();
     return bench::runBenchmarks(argc, argv);

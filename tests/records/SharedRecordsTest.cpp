@@ -211,6 +211,48 @@ TEST_F(SharedRecords, AddressesMayComeInAnyOrder) {
     expectPlainBytes(m_table, m_other);
 }
 
+// Holders of one lock lie between those of another, the last first.
+TEST_F(SharedRecords, HoldersOfTwoLocksMayAlternate) {
+    makeLocks(4, 0);
+    for (const bool rising : {true, false}) {
+        std::vector<std::unique_ptr<NySeSessionLock>> holders(400);
+        for (auto& each : holders) each = std::make_unique<NySeSessionLock>();
+        std::sort(holders.begin(), holders.end(), [rising](const auto& left, const auto& right) {
+            return rising ? left < right : right < left;
+        });
+        for (size_t i = 0; i < holders.size(); ++i) {
+            lock(2 * size_t{!rising} + i % 2).getHolders().append(holders[i].release());
+        }
+    }
+    listAll(m_table);
+    listAll(m_other);
+    expectPlainBytes(m_table, m_other);
+}
+
+// Each repeat stands where the addresses begin, end, or leave those near the last ones.
+TEST_F(SharedRecords, HolderMayComeAgainAtEitherEndOfItsTable) {
+    makeLocks(1, 200);
+    const NySeSessionLockPtrArray& holders = lock(0).getHolders();
+    for (const INT_PTR again : {0, 1, 63, 64, 65, 198, 199}) {
+        SCOPED_TRACE(again);
+        NySeSessionLockPtrArray first{QoArraySerial2::kDoNotDelete};
+        NySeSessionLockPtrArray last{QoArraySerial2::kDoNotDelete};
+        first.append(holders.GetAt(again));
+        for (INT_PTR i = 0; i < holders.GetSize(); ++i) {
+            first.append(holders.GetAt(i));
+            last.append(holders.GetAt(i));
+        }
+        last.append(holders.GetAt(again));
+        PlainWriter plain;
+        plain.holders(first);
+        plain.holders(last);
+        EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                        first.Serialize(ar);
+                        last.Serialize(ar);
+                    }));
+    }
+}
+
 // Numbers from 7FFF on take four bytes.
 TEST_F(SharedRecords, NumbersBecomeLong) {
     makeLocks(9000);

@@ -100,8 +100,8 @@ class NYBASE_API CArchive {
 
     // An object by reference: its class, once per archive, its number and its fields, once per
     // object; null for null. An object is known by its address: one that takes the place of a
-    // deleted one while the archive is open counts as written. Throws CNotSupportedException for a
-    // class that is not serialisable, CArchiveException badIndex when the archive's numbers are
+    // deleted one while the archive is open may count as written. Throws CNotSupportedException for
+    // a class that is not serialisable, CArchiveException badIndex when the archive's numbers are
     // used up.
     void WriteObject(const CObject* object);
     // A count, and then each object as WriteObject does it. Of this library alone, as is the next.
@@ -142,6 +142,7 @@ class NYBASE_API CArchive {
 
   private:
     class WrittenNumbers;
+    struct WrittenType;
     class ReadNumbers;
 
     friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
@@ -164,10 +165,13 @@ class NYBASE_API CArchive {
     ReadNumbers& read();
     [[noreturn]] void throwBad(int cause) const;
     void writeLongCount(size_t count);
+    bool tryWriteNew(const CObject* object, WrittenType& known);
     void writeAnyObject(const CObject* object);
     void writeTag(DWORD number, DWORD classFlag);
+    template <class T, bool ANYWHERE, class FieldsOf>
+    bool tryWriteFields(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
     template <class T, class FieldsOf>
-    bool tryWriteFields(const CObject* const* objects, size_t count, FieldsOf& fieldsOf);
+    void writeFieldsAnywhere(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
     // The number of the class that comes next; 0, with the number in *objectTag, when an object
     // read earlier comes next.
     DWORD readClassNumber(DWORD* objectTag);

@@ -21,18 +21,28 @@ DWORD CArchive::WrittenNumbers::numberOfClass(const CRuntimeClass* pClass) const
 
 bool CArchive::WrittenNumbers::addClass(const CRuntimeClass* pClass) {
     if (!m_list.add(nullptr)) return false;
-    m_classes.push_back({pClass, static_cast<DWORD>(m_list.size()), nullptr, {}});
+    m_classes.push_back({pClass, static_cast<DWORD>(m_list.size())});
     return true;
 }
 
 DWORD CArchive::WrittenNumbers::numberOfObject(const CObject* object) {
-    AfxAddressSet::Recent recent;
-    if (m_seen.insert(object, recent)) return 0;
-    for (; m_listed < m_list.size(); ++m_listed) {
-        m_numbers.emplace(m_list[m_listed], static_cast<DWORD>(m_listed + 1));
+    WrittenType* known = typeOf(typeid(*object));
+    if (known == nullptr) {
+        m_types.push_front({&typeid(*object), 0, {}});
+        known = &m_types.front();
+    }
+    if (isNew(object, *known)) return 0;
+    for (; m_inMap < m_list.size(); ++m_inMap) {
+        m_numbers.emplace(m_list[m_inMap], static_cast<DWORD>(m_inMap + 1));
     }
     const auto found = m_numbers.find(object);
     return found != m_numbers.end() ? found->second : 0;
+}
+
+bool CArchive::WrittenNumbers::addObject(const CObject* object, const CRuntimeClass* pClass) {
+    const DWORD number = numberOfClass(pClass);
+    if (number < kBigTag) typeOf(typeid(*object))->tag = static_cast<WORD>(number | kClassFlag);
+    return addObject(object);
 }
 
 inline CArchive::WrittenNumbers& CArchive::written() {
@@ -73,19 +83,21 @@ void CArchive::WriteClass(const CRuntimeClass* pClass) {
     if (!written().addClass(pClass)) throwBad(CArchiveException::badIndex);
 }
 
+// False, with nothing written, when the object was or may have been written earlier.
+inline bool CArchive::tryWriteNew(const CObject* object, WrittenType& known) {
+    if (roomLeft() < sizeof known.tag || !m_written->addNew(object, known)) return false;
+    std::memcpy(m_out, &known.tag, sizeof known.tag);
+    m_out += sizeof known.tag;
+    // Serialize is one function for both directions; a storing one does not change its object.
+    const_cast<CObject*>(object)->Serialize(*this);
+    return true;
+}
+
 void CArchive::WriteObject(const CObject* object) {
     // A loading archive has written nothing.
-    if (object != nullptr && m_written != nullptr && roomLeft() >= sizeof(WORD)) [[likely]] {
-        WrittenNumbers::Class* const known = m_written->classOf(typeid(*object));
-        if (known != nullptr && m_written->addNew(object, *known)) [[likely]] {
-            const WORD tag = known->tag();
-            std::memcpy(m_out, &tag, sizeof tag);
-            m_out += sizeof tag;
-            // Serialize is one function for both directions; a storing one does not change its
-            // object.
-            const_cast<CObject*>(object)->Serialize(*this);
-            return;
-        }
+    if (object != nullptr && m_written != nullptr) [[likely]] {
+        WrittenType* const known = m_written->typeOf(typeid(*object));
+        if (known != nullptr && known->tag != 0 && tryWriteNew(object, *known)) return;
     }
     writeAnyObject(object);
 }
@@ -102,8 +114,7 @@ void CArchive::writeAnyObject(const CObject* object) {
     }
     const CRuntimeClass* const pClass = object->GetRuntimeClass();
     WriteClass(pClass);
-    if (written().classOf(typeid(*object)) == nullptr) written().addType(typeid(*object), pClass);
-    if (!written().addObject(object)) throwBad(CArchiveException::badIndex);
+    if (!written().addObject(object, pClass)) throwBad(CArchiveException::badIndex);
     const_cast<CObject*>(object)->Serialize(*this);
 }
 
@@ -112,13 +123,20 @@ void CArchive::WriteObjects(const CObject* const* objects, size_t count) {
     constexpr size_t kAhead = 8;
     constexpr uintptr_t kLine = 64;
     WriteCount(count);
+    WrittenType* known = nullptr;
+    const std::type_info* type = nullptr;  // known's, when its class has a tag
     for (size_t i = 0; i < count; ++i) {
         if (i + kAhead < count) {
             const uintptr_t ahead = reinterpret_cast<uintptr_t>(objects[i + kAhead]);
             __builtin_prefetch(reinterpret_cast<const void*>(ahead));
             __builtin_prefetch(reinterpret_cast<const void*>(ahead + kLine));
         }
-        WriteObject(objects[i]);
+        const CObject* const object = objects[i];
+        if (object != nullptr && &typeid(*object) == type && tryWriteNew(object, *known)) continue;
+        WriteObject(object);
+        if (object == nullptr) continue;
+        known = m_written->typeOf(typeid(*object));
+        type = known->tag != 0 ? known->type : nullptr;
     }
 }
 

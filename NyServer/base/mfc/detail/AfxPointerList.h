@@ -29,11 +29,9 @@ class AfxPointerList {
         *m_next++ = pointer;
         return true;
     }
-    // Room for so many pointers, which take their places when addWritten is called; null when they
-    // would not lie in the last block.
-    const void** room(size_t count) const {
-        return static_cast<size_t>(m_end - m_next) >= count ? m_next : nullptr;
-    }
+    // So many take their places, from next() on, when addWritten is called.
+    size_t room() const { return static_cast<size_t>(m_end - m_next); }
+    const void** next() const { return m_next; }
     void addWritten(size_t count) { m_next += count; }
 
   private:

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <forward_list>
 #include <typeinfo>
 #include <unordered_map>
 #include <vector>
@@ -24,70 +25,80 @@ inline constexpr DWORD kLastNumber = 0x3FFFFFFE;
 inline constexpr WORD kLongestClassName = 63;
 }  // namespace AfxTags
 
+// A type of objects. Each object is of one, and no two that live share an address.
+struct CArchive::WrittenType {
+    const std::type_info* type;
+    WORD tag;  // of their class; 0 when that was not written, or its tag takes 4 bytes
+    AfxAddressSet::Recent recent;
+};
+
 // A number is a place in the list of what was written. Nearly every object is new, which the set of
 // addresses tells; the map from objects to numbers is filled when one may have come again.
 class CArchive::WrittenNumbers {
   public:
-    struct Class {
-        const CRuntimeClass* pClass;
-        DWORD number;
-        const std::type_info* type;  // of its objects, null when it is not known
-        AfxAddressSet::Recent recent;
-        WORD tag() const { return static_cast<WORD>(number | AfxTags::kClassFlag); }
-    };
-
-    // The class of the objects of a type; null when it is not known, or its tag takes 4 bytes.
-    // Objects of one type are of one class, which saves asking each. Valid until the next class or
-    // type is added.
-    Class* classOf(const std::type_info& type) {
-        for (auto known = m_classes.end(); known != m_classes.begin();) {
-            // Not by ==, which compares names.
-            if ((--known)->type == &type)
-                return known->number < AfxTags::kBigTag ? &*known : nullptr;
+    // Null when none was written or mapped. Valid until the archive is closed.
+    WrittenType* typeOf(const std::type_info& type) {
+        for (WrittenType& known : m_types) {
+            if (known.type == &type) return &known;  // not by ==, which compares names
         }
         return nullptr;
-    }
-    void addType(const std::type_info& type, const CRuntimeClass* pClass) {
-        m_classes.push_back({pClass, numberOfClass(pClass), &type, {}});
     }
 
     // The number of a class or an object written earlier; 0 for a new one.
     DWORD numberOfClass(const CRuntimeClass* pClass) const;
     DWORD numberOfObject(const CObject* object);
 
-    // Give the next number to a new class, to a new object, or to nothing; false when all are used
-    // up.
+    // Give the next number to a new class, to a new object (of that class, or without one), or to
+    // nothing; false when all are used up.
     bool addClass(const CRuntimeClass* pClass);
+    bool addObject(const CObject* object, const CRuntimeClass* pClass);
     bool addObject(const CObject* object) { return m_list.add(object); }
     bool skipNumber() { return m_list.add(nullptr); }
 
-    // Gives the next number to an object of that class. False, with none given, when it was or may
+    // Gives the next number to an object of that type. False, with none given, when it was or may
     // have been written earlier.
-    bool addNew(const CObject* object, Class& known) {
-        return m_seen.insert(object, known.recent) && m_list.add(object);
+    bool addNew(const CObject* object, WrittenType& known) {
+        return isNew(object, known) && m_list.add(object);
     }
     // The same for many, each of which `write` is called with. Also false when one of them is null
-    // or of another type.
-    template <class Write>
-    bool addNew(const CObject* const* objects, size_t count, Class& known, Write write) {
+    // or of another type, or, unless ANYWHERE, does not lie recent those before.
+    template <bool ANYWHERE, class Write>
+    bool addNew(const CObject* const* objects, size_t count, WrittenType& known, Write write) {
         const std::type_info* const type = known.type;
-        const void** const place = m_list.room(count);
-        if (place == nullptr) return false;
+        AfxAddressSet::Recent recent = known.recent;
+        const void** const place = m_list.next();
         for (size_t i = 0; i < count; ++i) {
-            const CObject* const object = objects[i];
-            if (object == nullptr || &typeid(*object) != type) return false;
-            if (!m_seen.insert(object, known.recent)) return false;
-            write(*object);
-            place[i] = object;
+            if (!recent.covers(objects[i])) {
+                if (!ANYWHERE || objects[i] == nullptr) return false;
+                m_seen.moveTo(objects[i], recent);
+            }
+            const CObject& object = *objects[i];
+            if (&typeid(object) != type || !recent.insert(&object)) return false;
+            write(object);
+            place[i] = &object;
         }
+        known.recent.word = recent.word;
+        if (ANYWHERE) known.recent = recent;
         m_list.addWritten(count);
         return true;
     }
+    bool hasRoomFor(size_t count) const { return m_list.room() >= count; }
 
   private:
+    struct Class {
+        const CRuntimeClass* pClass;
+        DWORD number;
+    };
+
+    bool isNew(const CObject* object, WrittenType& known) {
+        if (!known.recent.covers(object)) m_seen.moveTo(object, known.recent);
+        return known.recent.insert(object);
+    }
+
     AfxPointerList<AfxTags::kLastNumber> m_list;
-    AfxAddressSet m_seen;  // all objects in the list, and more
-    std::unordered_map<const void*, DWORD> m_numbers;
-    size_t m_listed = 0;  // so many of the list are in m_numbers
     std::vector<Class> m_classes;
+    std::forward_list<WrittenType> m_types;  // the newest first
+    AfxAddressSet m_seen;                    // all objects in the list, and more
+    std::unordered_map<const void*, DWORD> m_numbers;
+    size_t m_inMap = 0;  // so many of the list are in m_numbers
 };
