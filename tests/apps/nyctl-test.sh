@@ -190,7 +190,7 @@ expect 4 '' watch --count 1 --timeout 0.2
 expect 0 '' watch --timeout 0.2
 expect 2 'not in range' watch --count 0
 printf 'watch\nwatch --timeout 0.2\n' > "$work/lines"
-expect_shell 2 "would never come to the shell's next line"
+expect_shell 2 "in the shell, watch needs --count or --timeout"
 
 printf 'shutdown\n' > "$work/lines"
 watch watch
