@@ -13,9 +13,9 @@ class AfxAddressSet {
   public:
     // The word of the address before, which most objects of a type share with it. Each type has its
     // own, which may hold bits that the set lacks: no two types have an address in common.
-    struct Recent {
+    struct Word {
         uintptr_t start = UINTPTR_MAX / 2;  // the first address of the word; at first none has it
-        uint64_t word = 0;
+        uint64_t bits = 0;
         uint64_t* stored = nullptr;
 
         // False for null.
@@ -24,8 +24,8 @@ class AfxAddressSet {
         // REQUIRES: covers(address).
         bool insert(const void* address) {
             const uintptr_t place = placeOf(address);
-            if ((word >> place & 1) != 0) return false;
-            word |= uint64_t{1} << place;
+            if ((bits >> place & 1) != 0) return false;
+            bits |= uint64_t{1} << place;
             return true;
         }
         uintptr_t placeOf(const void* address) const {
@@ -33,12 +33,12 @@ class AfxAddressSet {
         }
     };
 
-    // Makes `recent` cover an address.
-    [[gnu::noinline]] void moveTo(const void* address, Recent& recent) {
-        if (recent.stored != nullptr) *recent.stored |= recent.word;
+    // Makes `word` cover an address.
+    [[gnu::noinline]] void moveTo(const void* address, Word& word) {
+        if (word.stored != nullptr) *word.stored |= word.bits;
         const uintptr_t group = reinterpret_cast<uintptr_t>(address) / kGroup;
-        uint64_t& word = m_pages[group / kInPage][group % kInPage];
-        recent = {group * kGroup, word, &word};
+        uint64_t& stored = m_pages[group / kInPage][group % kInPage];
+        word = {group * kGroup, stored, &stored};
     }
 
   private:

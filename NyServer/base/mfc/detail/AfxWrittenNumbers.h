@@ -29,7 +29,7 @@ inline constexpr WORD kLongestClassName = 63;
 struct CArchive::WrittenType {
     const std::type_info* type;
     WORD tag;  // of their class; 0 when that was not written, or its tag takes 4 bytes
-    AfxAddressSet::Recent recent;
+    AfxAddressSet::Word word;
 };
 
 // A number is a place in the list of what was written. Nearly every object is new, which the set of
@@ -61,24 +61,24 @@ class CArchive::WrittenNumbers {
         return isNew(object, known) && m_list.add(object);
     }
     // The same for many, each of which `write` is called with. Also false when one of them is null
-    // or of another type, or, unless ANYWHERE, does not lie recent those before.
+    // or of another type, or, unless ANYWHERE, does not lie near those before.
     template <bool ANYWHERE, class Write>
     bool addNew(const CObject* const* objects, size_t count, WrittenType& known, Write write) {
         const std::type_info* const type = known.type;
-        AfxAddressSet::Recent recent = known.recent;
+        AfxAddressSet::Word word = known.word;
         const void** const place = m_list.next();
         for (size_t i = 0; i < count; ++i) {
-            if (!recent.covers(objects[i])) {
+            if (!word.covers(objects[i])) {
                 if (!ANYWHERE || objects[i] == nullptr) return false;
-                m_seen.moveTo(objects[i], recent);
+                m_seen.moveTo(objects[i], word);
             }
             const CObject& object = *objects[i];
-            if (&typeid(object) != type || !recent.insert(&object)) return false;
+            if (&typeid(object) != type || !word.insert(&object)) return false;
             write(object);
             place[i] = &object;
         }
-        known.recent.word = recent.word;
-        if (ANYWHERE) known.recent = recent;
+        known.word.bits = word.bits;
+        if (ANYWHERE) known.word = word;
         m_list.addWritten(count);
         return true;
     }
@@ -91,8 +91,8 @@ class CArchive::WrittenNumbers {
     };
 
     bool isNew(const CObject* object, WrittenType& known) {
-        if (!known.recent.covers(object)) m_seen.moveTo(object, known.recent);
-        return known.recent.insert(object);
+        if (!known.word.covers(object)) m_seen.moveTo(object, known.word);
+        return known.word.insert(object);
     }
 
     AfxPointerList<AfxTags::kLastNumber> m_list;
