@@ -47,5 +47,5 @@ class RecordingNotifier : public Notifier {
 
     std::map<LONG, sockaddr_in> listeners;
     std::vector<Told> told;
-    bool isFailing = false;  // as for want of memory
+    bool isFailing = false;  // as when out of memory
 };
