@@ -139,9 +139,11 @@ class RandomMemFile : public MemFile, public testing::WithParamInterface<bool> {
         EXPECT_NE(throwsA<CMemoryException>([&] { write(text.c_str()); }), m_model.write(text));
     }
     void writeToItsMemory() {
-        const std::string text(1 + below(30), static_cast<char>('a' + below(26)));
-        if (m_model.position + text.size() > m_model.room) return;
-        EXPECT_GE(offered(CFile::bufferWrite, static_cast<UINT>(text.size())), text.size());
+        std::string text(1 + below(30), static_cast<char>('a' + below(26)));
+        const UINT room = offered(CFile::bufferWrite, static_cast<UINT>(text.size()));
+        if (m_model.position + text.size() > m_model.room) text.resize(room);
+        EXPECT_GE(room, text.size());
+        if (text.empty()) return;
         std::memcpy(m_start, text.data(), text.size());
         EXPECT_EQ(m_file.GetLength(), m_model.content.size());
         EXPECT_EQ(m_file.GetPosition(), m_model.position);
@@ -319,6 +321,16 @@ TEST_F(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {
     EXPECT_EQ(m_start, m_bytes + 1);
     seek(9);
     EXPECT_EQ(offered(CFile::bufferWrite, 10), 0u);
+}
+
+TEST_F(MemFile, WritesZerosBeforeThePlaceThatAFileThatCannotGrowOffers) {
+    m_file.Attach(m_bytes, 4);
+    m_file.SetLength(1);
+    seek(3);
+    ASSERT_EQ(offered(CFile::bufferWrite, 10), 1u);
+    *static_cast<char*>(m_start) = 'z';
+    m_file.GetBufferPtr(CFile::bufferCommit, 1);
+    expect(std::string("a\0\0z", 4), 4);
 }
 
 TEST_F(MemFile, ItsExceptionsBearItsName) {

@@ -118,8 +118,11 @@ UINT CMemFile::exposeForReading(UINT count, void** start, void** max) {
 }
 
 UINT CMemFile::exposeForWriting(UINT count, void** start, void** max) {
-    if (m_nGrowBytes != 0 || m_nPosition + count <= m_nBufferSize)
-        prepareWrite(m_nPosition + count);
+    const size_t length = m_nPosition + count;
+    if (m_nGrowBytes != 0)
+        prepareWrite(length);
+    else if (m_nPosition <= m_nBufferSize)
+        prepareWrite(std::min(length, m_nBufferSize));
     const size_t remaining = m_nPosition < m_nBufferSize ? m_nBufferSize - m_nPosition : 0;
     const UINT available =
         static_cast<UINT>(std::min<size_t>(remaining, std::numeric_limits<UINT>::max()));
