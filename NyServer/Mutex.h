@@ -3,7 +3,7 @@
 
 #include <mutex>
 
-#include "NyServer/ThreadAnnotations.h"
+#include "NyServer/detail/ThreadAnnotations.h"
 
 namespace NySe {
 

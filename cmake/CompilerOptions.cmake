@@ -9,7 +9,7 @@ if(MSVC)
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND warnings -Wduplicated-cond -Wlogical-op -Wsuggest-override)
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-  list(APPEND warnings -Wthread-safety)  # see NyServer/ThreadAnnotations.h
+  list(APPEND warnings -Wthread-safety)  # see NyServer/detail/ThreadAnnotations.h
 endif()
 # Not for resources: their compiler takes other options.
 target_compile_options(ny_options INTERFACE "$<$<COMPILE_LANGUAGE:C,CXX>:${warnings}>")

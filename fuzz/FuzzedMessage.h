@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "fuzz/Require.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
 #include "NyServer/records/NySeUser.h"

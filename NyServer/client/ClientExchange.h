@@ -2,7 +2,7 @@
 #pragma once
 
 #include "NyServer/client/NySeClientApp.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/framing/NySeReply.h"
 
 namespace clientexchange {

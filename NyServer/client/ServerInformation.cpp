@@ -1,6 +1,6 @@
 #include "NyServer/client/ServerInformation.h"
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
 // After windows.h.
 #include <oleauto.h>

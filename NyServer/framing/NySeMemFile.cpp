@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/records/NySeUser.h"
 
 namespace {

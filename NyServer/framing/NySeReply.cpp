@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 namespace {
 

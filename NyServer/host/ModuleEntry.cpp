@@ -1,6 +1,6 @@
 #include "NyServer/host/ModuleEntry.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "NyServer/host/NyFctIpUtil.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/host/MachineIdentity.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/host/NyFctIpUtil.h"
 #include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/socket/SocketCodes.h"

@@ -18,9 +18,9 @@
 
 #include <atomic>
 
+#include "NyServer/detail/ThreadAnnotations.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSServer.h"
-#include "NyServer/ThreadAnnotations.h"
 
 // The host sets a window and a port, and then calls Start.
 //

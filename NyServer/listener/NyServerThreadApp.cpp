@@ -1,6 +1,6 @@
 #include "NyServer/listener/NyServerThreadApp.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/framing/NySeNotification.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/host/NyServerModule.h"

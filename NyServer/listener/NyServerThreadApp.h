@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSThread.h"
 

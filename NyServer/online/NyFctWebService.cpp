@@ -1,6 +1,6 @@
 #include "NyServer/online/NyFctWebService.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 #include "NyServer/online/ElementText.h"
 #include "NyServer/online/ServiceAddress.h"

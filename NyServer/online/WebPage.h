@@ -3,7 +3,7 @@
 
 #include <afx.h>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
 // After windows.h.
 #include <wininet.h>

@@ -7,7 +7,7 @@
 
 #include <afx.h>
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/records/detail/NySeTable.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/socket/CUT_WSServer.h"
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"

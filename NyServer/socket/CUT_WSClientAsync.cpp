@@ -2,7 +2,7 @@
 #include <new>
 #include <vector>
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/Mutex.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/HostLookUps.h"

@@ -1,5 +1,5 @@
 // Included first: <afx.h> must precede the Windows headers.
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 #include "NyServer/socket/CUT_WSServer.h"
 

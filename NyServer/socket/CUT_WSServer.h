@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/detail/ThreadAnnotations.h"
 #include "NyServer/NyServerApi.h"
-#include "NyServer/ThreadAnnotations.h"
 
 class CUT_WSThread;
 class RundownProtection;

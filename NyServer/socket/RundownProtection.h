@@ -1,7 +1,7 @@
 #pragma once
 
-#include "NyServer/base/UniqueHandle.h"
-#include "NyServer/ThreadAnnotations.h"
+#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/detail/ThreadAnnotations.h"
 
 // Run-down protection of a server: tracks which threads are inside the server's code, and admits no
 // more while the server is being destroyed. The server and its threads share one object, which

@@ -6,7 +6,7 @@
 #include <optional>
 #include <type_traits>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/socket/CUT_DataSource.h"
 

@@ -2,7 +2,7 @@
 #include "apps/central/CentralTables.h"
 
 #include "apps/central/Coherence.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/records/NySeSessionLockPtrArray.h"
 
 CentralTables::CentralTables(const std::vector<LONG>& ports, Notifier& notifier,

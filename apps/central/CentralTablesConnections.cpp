@@ -1,7 +1,7 @@
 // The connections among the server's tables.
 #include "apps/central/CentralTables.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 LONG CentralTables::openConnection(LONG session, const CString& name) {
     const std::lock_guard guard(m_lock);

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "apps/central/CentralServer.h"
 #include "apps/central/Reply.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 struct Request {
     CentralServer& server;

@@ -1,6 +1,6 @@
 #include "apps/central/UserReading.h"
 
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 namespace {
 

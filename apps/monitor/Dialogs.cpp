@@ -3,7 +3,7 @@
 #include <afxwin.h>
 
 #include "apps/monitor/resource.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/records/NySeShareMode.h"
 
 namespace apps::monitor {

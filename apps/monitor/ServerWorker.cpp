@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "apps/monitor/Words.h"
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 namespace apps::monitor {
 

@@ -1,7 +1,7 @@
 #include "apps/nyctl/TryConnect.h"
 
 #include "apps/common/SelfConnect.h"
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/socket/TimedConnect.h"
 
 namespace apps::nyctl {

@@ -7,7 +7,7 @@
 #include "bench/wire/Parts.h"
 #include "bench/wire/RawServer.h"
 #include "bench/wire/Samples.h"
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"

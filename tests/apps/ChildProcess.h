@@ -9,7 +9,7 @@
 #include <chrono>
 #include <string>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 
 class ChildProcess {
   public:

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <stdexcept>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 #include "NyServer/host/NyServerModule.h"
 
 namespace {

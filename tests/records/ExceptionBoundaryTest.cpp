@@ -1,5 +1,5 @@
 // Exceptions become results.
-#include "NyServer/ExceptionBoundary.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 
 // A level that rises with the handles in use: a new handle takes the first free place.
 inline size_t handleLevel() {

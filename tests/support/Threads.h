@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/UniqueHandle.h"
+#include "NyServer/base/detail/UniqueHandle.h"
 // After windows.h.
 #include <tlhelp32.h>
 
