@@ -63,7 +63,7 @@ NyServerApp::~NyServerApp() {
 void NyServerApp::endConnections() {
     SetShutDownFlag(1);
     StopAccept();
-    while (!CloseDoorIfIdle()) ::Sleep(kTick);
+    while (!RunDownIfIdle()) ::Sleep(kTick);
 }
 
 int NyServerApp::Start() {

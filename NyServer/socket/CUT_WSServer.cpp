@@ -181,11 +181,11 @@ int CUT_WSServer::OnError(int code) {
     return code;
 }
 
-bool CUT_WSServer::CloseDoorIfIdle() {
+bool CUT_WSServer::RunDownIfIdle() {
     return m_rundown->closeIfIdle();
 }
 
-void CUT_WSServer::CloseDoor() {
+void CUT_WSServer::RunDown() {
     m_rundown->close();
     m_rundown->waitUntilEmpty();
 }

@@ -27,9 +27,9 @@ class RundownProtection;
 // count, and then calls ReleaseInstance. So a count of 0 does not mean that no thread is inside the
 // derived class, and a connection may be accepted at any moment. The destructor of a derived class
 // that accepts connections must end in one of two ways, because its virtual functions are not
-// available after it. Either it repeats CloseDoorIfIdle, with a Sleep in between, until that
+// available after it. Either it repeats RunDownIfIdle, with a Sleep in between, until that
 // returns true; this waits for all workers and is necessary when workers use their server. Or it
-// calls CloseDoor, which lets handlers continue to run.
+// calls RunDown, which lets handlers continue to run.
 //
 // The destructor of this class stops accepting and does not wait for running handlers.
 //
@@ -174,12 +174,12 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     // For destructors of derived classes. Returns true if no worker is left and no thread is inside
     // a virtual function of this server. From then on no thread of this server calls one, and new
     // connections are closed. Otherwise returns false and changes nothing.
-    bool CloseDoorIfIdle();
+    bool RunDownIfIdle();
 
     // Closes new connections from now on, and waits for the threads that are inside a virtual
     // function of this server. Handlers continue to run. A worker whose handler returns later is
     // deleted instead of given to ReleaseInstance: REQUIRES: it may be destroyed by delete.
-    void CloseDoor();
+    void RunDown();
 
   private:
     static constexpr uintptr_t kNoThread = static_cast<uintptr_t>(-1);

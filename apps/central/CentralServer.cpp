@@ -31,7 +31,7 @@ CentralServer::CentralServer(CentralSettings settings)
 void CentralServer::stop() {
     SetShutDownFlag(1);
     StopAccept();
-    while (!CloseDoorIfIdle()) ::Sleep(10);
+    while (!RunDownIfIdle()) ::Sleep(10);
     m_pusher.stop();
 }
 

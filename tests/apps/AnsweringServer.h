@@ -35,7 +35,7 @@ class AnsweringServer : public CUT_WSServer {
     ~AnsweringServer() override {
         SetShutDownFlag(1);
         StopAccept();
-        while (!CloseDoorIfIdle()) ::Sleep(10);
+        while (!RunDownIfIdle()) ::Sleep(10);
     }
 
     std::string address() { return "127.0.0.1:" + std::to_string(GetPort()); }

@@ -131,7 +131,7 @@ TEST_F(Stopping, ClosesOnAPeerWhenOnCanAcceptIsEndedByForce) {
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_LE(countThreads(), before);
     EXPECT_EQ(peer.receiveAll(), "");
-    EXPECT_TRUE(m_server.CloseDoorIfIdle());
+    EXPECT_TRUE(m_server.RunDownIfIdle());
 }
 
 TEST_F(Stopping, ConnectsToTheLoopbackAddressOnly) {

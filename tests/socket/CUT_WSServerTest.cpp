@@ -209,7 +209,7 @@ class ServerList : public Server {
     static constexpr DWORD kNoHandle =
         0x7FFFFF00;  // identifiers that are no handles of this process
 
-    ServerList() { m_server.ending = ProbeServer::Ending::ClosesTheDoor; }
+    ServerList() { m_server.ending = ProbeServer::Ending::RunsDown; }
     std::vector<CUT_WSThread*> listed() {
         const ProbeServer::ThreadListLock lock(m_server);
         std::vector<CUT_WSThread*> workers;

@@ -79,7 +79,7 @@ class ServerMembers : public ServerTest {
 };
 
 TEST_F(ServerMembers, StandInTheirOrder) {
-    m_server.ending = ProbeServer::Ending::ClosesTheDoor;
+    m_server.ending = ProbeServer::Ending::RunsDown;
     ASSERT_EQ(m_server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), UTE_SUCCESS);
     m_server.SetPort(4242);
     m_server.SetMaxConnections(31234);

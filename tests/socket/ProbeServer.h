@@ -72,7 +72,7 @@ class LoggingWorker : public ProbeWorker {
 // A server that records its virtual calls and lets a test take part in them.
 class ProbeServer : public CUT_WSServer {
   public:
-    enum class Ending { WaitsForWorkers, ClosesTheDoor, LeavesTheDoorOpen };
+    enum class Ending { WaitsForWorkers, RunsDown, StaysOpen };
 
     std::shared_ptr<ServerLog> log = std::make_shared<ServerLog>();
     std::vector<int> codes;              // all that OnError was given
@@ -86,15 +86,15 @@ class ProbeServer : public CUT_WSServer {
     Ending ending = Ending::WaitsForWorkers;
 
     ~ProbeServer() override {
-        if (ending == Ending::ClosesTheDoor) CloseDoor();
+        if (ending == Ending::RunsDown) RunDown();
         if (ending == Ending::WaitsForWorkers) {
             SetShutDownFlag(1);
-            while (!CloseDoorIfIdle()) ::Sleep(1);
+            while (!RunDownIfIdle()) ::Sleep(1);
         }
     }
 
-    using CUT_WSServer::CloseDoor;
-    using CUT_WSServer::CloseDoorIfIdle;
+    using CUT_WSServer::RunDown;
+    using CUT_WSServer::RunDownIfIdle;
     using CUT_WSServer::ThreadListAdd;
     using CUT_WSServer::ThreadListEntry;
     using CUT_WSServer::ThreadListFirst;

@@ -22,7 +22,7 @@ class ServerCrowd : public ServerTest {
     void SetUp() override {
         m_peers.reserve(kCrowd);
         m_server.onConnect = echo;
-        m_server.ending = ProbeServer::Ending::ClosesTheDoor;
+        m_server.ending = ProbeServer::Ending::RunsDown;
         ASSERT_EQ(m_server.listen(kCrowd), UTE_SUCCESS);
         ASSERT_EQ(m_server.StartAccept(), UTE_SUCCESS);
     }

@@ -135,7 +135,7 @@ TEST_P(ServerDestroyed, HasWaitedForItsWorkers) {
 }
 
 TEST_P(ServerDestroyed, LeavesItsWorkersToEndByThemselves) {
-    destroyAtTheStep(ProbeServer::Ending::ClosesTheDoor);
+    destroyAtTheStep(ProbeServer::Ending::RunsDown);
 }
 
 }  // namespace

@@ -32,8 +32,8 @@ class ServerRundownTest : public ServerTest {
     void expectOpenAndWaitedFor() {
         const peers::Connection peer = connectionAtTheGate();
         EXPECT_EQ(m_server.GetNumConnections(), 0);
-        EXPECT_FALSE(m_server.CloseDoorIfIdle());
-        expectWaitsForTheGate([this] { m_server.CloseDoor(); });
+        EXPECT_FALSE(m_server.RunDownIfIdle());
+        expectWaitsForTheGate([this] { m_server.RunDown(); });
     }
     // The handler ends without a server: its worker is deleted, and not given back.
     void expectHandlerRunsOn(peers::Connection& peer) {
@@ -46,8 +46,8 @@ class ServerRundownTest : public ServerTest {
 };
 
 TEST_F(ServerRundownTest, LetsNobodyInOnceItIsClosed) {
-    EXPECT_TRUE(m_server.CloseDoorIfIdle()) << "nobody is there";
-    EXPECT_TRUE(m_server.CloseDoorIfIdle());
+    EXPECT_TRUE(m_server.RunDownIfIdle()) << "nobody is there";
+    EXPECT_TRUE(m_server.RunDownIfIdle());
     EXPECT_EQ(m_server.connection().receiveAll(), "");
     EXPECT_THAT(m_log->events(), IsEmpty());
 }
@@ -55,11 +55,11 @@ TEST_F(ServerRundownTest, LetsNobodyInOnceItIsClosed) {
 TEST_F(ServerRundownTest, StaysOpenWhileAHandlerRuns) {
     hold(&ProbeServer::onConnect);
     const peers::Connection peer = connectionAtTheGate();
-    EXPECT_FALSE(m_server.CloseDoorIfIdle());
+    EXPECT_FALSE(m_server.RunDownIfIdle());
     peers::Connection second = m_server.connection();
     EXPECT_TRUE(m_log->await("OnConnect", 2));
     m_gate.open();
-    EXPECT_TRUE(eventually([this] { return m_server.CloseDoorIfIdle(); }));
+    EXPECT_TRUE(eventually([this] { return m_server.RunDownIfIdle(); }));
     EXPECT_EQ(m_log->count("ReleaseInstance"), 2);
 }
 
@@ -67,7 +67,7 @@ TEST_F(ServerRundownTest, StaysOpenForKilledWorkersToBeReleased) {
     hold(&ProbeServer::onConnect);
     const peers::Connection peer = connectionAtTheGate();
     m_server.ThreadListKill();
-    EXPECT_FALSE(m_server.CloseDoorIfIdle());
+    EXPECT_FALSE(m_server.RunDownIfIdle());
 }
 
 TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForWhileAWorkerThatIsNotCountedAnyMoreIsReleased) {
@@ -90,7 +90,7 @@ TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForDuringOnCanAccept) {
 TEST_F(ServerRundownTest, IsNotWaitedForWhileAHandlerRuns) {
     hold(&ProbeServer::onConnect);
     peers::Connection peer = connectionAtTheGate();
-    m_server.CloseDoor();
+    m_server.RunDown();
     EXPECT_EQ(m_server.GetNumConnections(), 1);
     expectHandlerRunsOn(peer);
     EXPECT_EQ(m_server.GetNumConnections(), 0);
@@ -99,7 +99,7 @@ TEST_F(ServerRundownTest, IsNotWaitedForWhileAHandlerRuns) {
 TEST_F(ServerRundownTest, OutlivesItsServerForAHandlerThatRunsOn) {
     hold(&ProbeServer::onConnect);
     // By the base's destructor, when the derived one does not.
-    m_server.ending = ProbeServer::Ending::LeavesTheDoorOpen;
+    m_server.ending = ProbeServer::Ending::StaysOpen;
     peers::Connection peer = connectionAtTheGate();
     destroy();
     expectHandlerRunsOn(peer);
@@ -107,7 +107,7 @@ TEST_F(ServerRundownTest, OutlivesItsServerForAHandlerThatRunsOn) {
 
 TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
     const int before = countThreadsAtRest();
-    m_server.ending = ProbeServer::Ending::ClosesTheDoor;
+    m_server.ending = ProbeServer::Ending::RunsDown;
     m_server.onConnect = [this](LoggingWorker&) {
         destroy();
         m_gate.pass();
@@ -120,7 +120,7 @@ TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
 }
 
 TEST_F(ServerRundownTest, LetsAReleaseDestroyItsServer) {
-    m_server.ending = ProbeServer::Ending::ClosesTheDoor;
+    m_server.ending = ProbeServer::Ending::RunsDown;
     m_server.onConnect = [](LoggingWorker&) {};
     m_server.onRelease = [this](CUT_WSThread*) { destroy(); };
     EXPECT_EQ(m_server.connection().receiveAll(), "");

@@ -86,7 +86,7 @@ TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
     expectNoThreadLeft();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(m_server.StopAccept(), 0);
-    EXPECT_TRUE(m_server.CloseDoorIfIdle());
+    EXPECT_TRUE(m_server.RunDownIfIdle());
     EXPECT_LT(std::chrono::steady_clock::now() - start, 10s) << "nothing more is waited for";
 }
 

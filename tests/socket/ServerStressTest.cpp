@@ -76,8 +76,8 @@ class ServerStress : public testing::Test {
     // One server's hooks: every seventh peer may not enter.
     void script(ProbeServer& server, bool waitsForWorkers) {
         server.log = m_log;
-        server.ending = waitsForWorkers ? ProbeServer::Ending::WaitsForWorkers
-                                        : ProbeServer::Ending::ClosesTheDoor;
+        server.ending =
+            waitsForWorkers ? ProbeServer::Ending::WaitsForWorkers : ProbeServer::Ending::RunsDown;
         server.onConnect = [=](LoggingWorker& worker) { echo(worker, waitsForWorkers); };
         server.onCanAccept = [&server, asked = 0]() mutable {
             server.verdict = ++asked % 7 == 0 ? 0 : 1;
