@@ -11,9 +11,10 @@
 namespace {
 
 // The most memory for each byte, as of the smallest records in the largest number; and what an
-// exception and the archive's own lists take.
+// exception and an archive take: its lists, and the set of the addresses that it has written, which
+// has 4 KiB for each 512 KiB of memory with objects in it.
 constexpr size_t kMultiple = 24;
-constexpr size_t kOverhead = 4096;
+constexpr size_t kOverhead = 4096 + 4 * 4112;
 
 using Record = std::unique_ptr<CObject>;
 
