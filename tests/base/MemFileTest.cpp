@@ -83,7 +83,7 @@ TEST_F(MemFile, IsEmptyAtFirst) {
 }
 
 // What a file holds that has room for so many bytes.
-struct Model {
+struct FileModel {
     std::string content;
     size_t position = 0;
     size_t room = 1 << 20;
@@ -122,7 +122,7 @@ struct Model {
 class RandomMemFile : public MemFile, public testing::WithParamInterface<bool> {
   protected:
     std::mt19937 m_random{20150716};
-    Model m_model;
+    FileModel m_model;
 
     UINT below(UINT limit) { return static_cast<UINT>(m_random() % limit); }
     void seekAnywhere() {
