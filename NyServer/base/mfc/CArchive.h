@@ -26,37 +26,42 @@ inline constexpr bool afxIsArchiveValue =
 // Bound to one file in one direction. One archive may be used by one thread at a time. The file is
 // the caller's and must outlive the archive; its position is meaningful only after Flush or Close.
 //
-// Every reading operation throws CArchiveException endOfFile when the data ends inside a value,
-// writeOnly on a storing archive; every writing one throws readOnly on a loading archive. What the
-// file throws passes through.
+// Reading operations throw CArchiveException endOfFile if the data ends inside a value, and
+// writeOnly on a storing archive; writing operations throw readOnly on a loading archive.
+// Exceptions of the file pass through.
 class NYBASE_API CArchive {
   public:
     enum Mode { store = 0, load = 1, bNoFlushOnDelete = 2 };
 
-    // buffer: the caller's, of bufferSize bytes, used where the file has no memory of its own to
-    // work in; null: one is made when it is needed.
+    // `buffer` is the caller's, of bufferSize bytes, and used if the file has no memory to work in;
+    // if null, a buffer is allocated when it is needed.
     CArchive(CFile* file, UINT mode, int bufferSize = 4096, void* buffer = nullptr);
     CArchive(const CArchive&) = delete;
     CArchive& operator=(const CArchive&) = delete;
-    // Closes, unless bNoFlushOnDelete was given. May throw as the file does.
+    // Closes, unless bNoFlushOnDelete was given. May throw what the file throws.
     ~CArchive() noexcept(false);
 
     BOOL IsLoading() const { return (m_mode & load) != 0; }
     BOOL IsStoring() const { return !IsLoading(); }
     CFile* GetFile() const { return m_file; }
 
-    // Storing: what was written is in the file, whose position is behind it. Loading: the file's
-    // position is the first byte that was not extracted.
+    // Storing: writes what is buffered; the file's position is after the last byte written.
+    // Loading: sets the file's position to the first byte that was not extracted.
     void Flush();
-    // Flushes and lets go of the file; no operation is legal afterwards.
+    // Flushes and detaches the file. REQUIRES: no operation is called afterwards.
     void Close();
-    // Lets go of the file without flushing: what is still buffered is lost. Never throws.
+    // Detaches the file without flushing: what is buffered is lost. Never throws.
     void Abort() noexcept;
 
-    // The number of bytes read, less than `count` at the end of the data.
+    // Returns the number of bytes read, less than `count` at the end of the data.
     UINT Read(void* buffer, UINT count);
     // Reads all `count` bytes or throws CArchiveException endOfFile.
-    void EnsureRead(void* buffer, UINT count);
+    void EnsureRead(void* buffer, UINT count) {
+        if (unreadBytes() < count) [[unlikely]]
+            return readInParts(buffer, count);
+        std::memcpy(buffer, m_in, count);
+        m_in += count;
+    }
     void Write(const void* buffer, int count);
 
     template <class T>
@@ -77,7 +82,7 @@ class NYBASE_API CArchive {
         return *this;
     }
 
-    // Any byte but 0 is true.
+    // Reads a byte; any value but 0 is true.
     CArchive& operator>>(bool& value) {
         BYTE byte;
         *this >> byte;
@@ -85,7 +90,7 @@ class NYBASE_API CArchive {
         return *this;
     }
 
-    // A count: 2 bytes below FFFF, else FFFF and 4 bytes.
+    // Writes a count: 2 bytes if below FFFF, else FFFF and 4 bytes.
     void WriteCount(size_t count) {
         if (count < 0xFFFF) {
             *this << static_cast<WORD>(count);
@@ -95,46 +100,47 @@ class NYBASE_API CArchive {
     }
     size_t ReadCount();
 
-    // Bytes that can still be read. Loading archives only.
+    // Returns the number of bytes that can still be read. REQUIRES: a loading archive.
     ULONGLONG BytesLeft() const;
 
-    // An object by reference: its class, once per archive, its number and its fields, once per
-    // object; null for null. An object is known by its address: one that takes the place of a
-    // deleted one while the archive is open may count as written. Throws CNotSupportedException for
-    // a class that is not serialisable, CArchiveException badIndex when the archive's numbers are
-    // used up.
+    // Writes a reference to an object: its class, once per archive, its number, and its fields,
+    // once per object; a null tag for null. An object is identified by its address: one that takes
+    // the place of a deleted one while the archive is open may count as written. Throws
+    // CNotSupportedException for a class that is not serialisable, and CArchiveException badIndex
+    // if no number is left.
     void WriteObject(const CObject* object);
-    // A count, and then each object as WriteObject does it. Of this library alone, as is the next.
+    // Writes a count, then each object as WriteObject does. An extension of this library, as is the
+    // next function.
     void WriteObjects(const CObject* const* objects, size_t count);
-    // The same, in less time for objects of type T, whose Serialize writes nothing but the bytes of
-    // `fieldsOf(const T&)`, a plain value.
+    // Does the same in less time for objects of type T. REQUIRES: Serialize of T writes exactly the
+    // bytes of `fieldsOf(const T&)`, a plain value.
     template <class T, class FieldsOf>
     void WriteFields(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
-    // The object written by WriteObject: a new one, owned by the caller, or the one that was read
-    // earlier from this archive. wanted: the class it must be of, null for any. Throws
-    // CArchiveException badIndex for bytes that are no object (or are nested too deep), badClass
-    // for an unknown class or another than wanted, badSchema for a schema that the class does not
-    // read, and CMemoryException when it cannot be made. A new object whose fields cannot be read
-    // is deleted.
+    // Reads what WriteObject wrote. Returns a new object, owned by the caller, or the one that was
+    // read earlier from this archive; null for null. `wanted` is the class that the object must
+    // have, null for any. Throws CArchiveException badIndex for bytes that are no object or are
+    // nested too deep, badClass for an unknown class or one that is not `wanted`, badSchema for a
+    // schema that the class does not read, and CMemoryException if out of memory. A new object
+    // whose fields cannot be read is deleted.
     CObject* ReadObject(const CRuntimeClass* wanted);
 
-    // The class part of an object alone. ReadClass returns null when an object read earlier (or
-    // null) is what comes next: *objectTag is its number then, and badIndex is thrown where
+    // Write and read the class part of an object alone. ReadClass returns null if the next is an
+    // object read earlier, or null: then *objectTag is its number. Throws badIndex in that case if
     // objectTag is null.
     void WriteClass(const CRuntimeClass* pClass);
     CRuntimeClass* ReadClass(const CRuntimeClass* wanted = nullptr, UINT* schema = nullptr,
                              DWORD* objectTag = nullptr);
-    // Gives `object` the next number without writing or reading anything; both directions must do
-    // it at the same place.
+    // Gives `object` the next number without writing or reading anything. REQUIRES: both directions
+    // call it at the same place.
     void MapObject(const CObject* object);
 
-    // Loading, and of this library alone. The last number that a class or an object was given, 0
-    // when there is none yet; and the object with that number, null when there is none.
+    // Extensions of this library. Return the last number that a class or an object was given, 0 if
+    // none; and the object with that number, null if none. REQUIRES: a loading archive.
     DWORD LastReadNumber() const;
     CObject* FindReadObject(DWORD number) const;
 
-    // Loading: the schema under which the object being read was stored. Storing: what
-    // SetObjectSchema set. (UINT)-1 when nothing is known. Asking resets it to that.
+    // Returns, when loading, the schema under which the object being read was stored; when storing,
+    // what SetObjectSchema set; (UINT)-1 if unknown. Resets the schema to unknown.
     UINT GetObjectSchema();
     void SetObjectSchema(UINT schema) { m_objectSchema = schema; }
 
@@ -148,15 +154,16 @@ class NYBASE_API CArchive {
     friend NYBASE_API CArchive& operator<<(CArchive& ar, const CString& text);
     friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
 
-    // In the window, in bytes; 0 when it is closed or the archive goes the other way.
+    // In the window, in bytes; 0 if it is closed or the archive has the other direction.
     size_t roomLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
     size_t unreadBytes() const { return static_cast<size_t>(m_inEnd - m_in); }
     [[noreturn]] void throwWrongDirection() const;
-    // Makes at least `count` bytes of room at m_out; throws readOnly when loading.
+    // Provides at least `count` bytes of space at m_out; throws readOnly when loading.
     void makeRoom(size_t count);
-    // Makes at least `count` unread bytes lie at m_in, or throws endOfFile; writeOnly when storing.
+    // Provides at least `count` unread bytes at m_in, or throws endOfFile; writeOnly when storing.
     void fetch(size_t count);
     bool tryFetch(size_t count);
+    void readInParts(void* buffer, UINT count);
     void openWindow(size_t count);
     void useOwnBuffer();
     void closeWindow() noexcept { m_start = m_in = m_inEnd = m_out = m_outEnd = nullptr; }
@@ -172,8 +179,8 @@ class NYBASE_API CArchive {
     bool tryWriteFields(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
     template <class T, class FieldsOf>
     void writeFieldsAnywhere(const CObject* const* objects, size_t count, FieldsOf fieldsOf);
-    // The number of the class that comes next; 0, with the number in *objectTag, when an object
-    // read earlier comes next.
+    // Returns the number of the next class; 0, with the number in *objectTag, if the next is an
+    // object read earlier.
     DWORD readClassNumber(DWORD* objectTag);
     DWORD readRareTag(WORD shortTag, DWORD* objectTag);
     DWORD readNewClass();

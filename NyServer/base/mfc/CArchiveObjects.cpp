@@ -191,7 +191,7 @@ DWORD CArchive::readRareTag(WORD shortTag, DWORD* objectTag) {
         *objectTag = tag;
         return 0;
     }
-    // The number of no class is told apart from that of an object read earlier.
+    // A number of no class and the number of an object read earlier are different errors.
     if (tag == kBigClassFlag) throwBad(CArchiveException::badIndex);
     return tag ^ kBigClassFlag;
 }
