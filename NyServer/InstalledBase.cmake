@@ -1,4 +1,4 @@
-# In place of base: the class library of the compiler and the maker's record base, both installed; or what is documented of
+# In place of base: the class library of the compiler and the vendor's record base, both installed; or what is documented of
 # them, of which nothing can be linked.
 set(NY_INSTALLED_BASE_INCLUDES "" CACHE STRING "Folders of the installed record base's headers")
 set(NY_INSTALLED_BASE_LIBRARIES "" CACHE STRING "Its import libraries")

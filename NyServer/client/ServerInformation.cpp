@@ -10,7 +10,7 @@ namespace {
 constexpr ULONGLONG kSecondsFrom1601To1970 = 11'644'473'600;
 constexpr ULONGLONG kTicksPerSecond = 10'000'000;
 
-using UniqueSystemString = UniqueHandle<BSTR, ::SysFreeString>;
+using UniqueSystemString = NySe::UniqueHandle<BSTR, ::SysFreeString>;
 
 // Returns false for a time before 1970.
 bool toLocalTime(long seconds, SYSTEMTIME& local) {

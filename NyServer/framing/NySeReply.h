@@ -17,12 +17,12 @@ template <class Receive>
 LONG receiveBody(CMemFile& into, LONG length, Receive receive) {
     LONG missing = std::max<LONG>(length, 0);
     while (missing > 0) {
-        void* room = nullptr;
+        void* space = nullptr;
         void* end = nullptr;
         into.GetBufferPtr(CFile::bufferWrite, static_cast<UINT>(std::min(missing, kReceiveStep)),
-                          &room, &end);
-        const LONG fits = static_cast<LONG>(static_cast<char*>(end) - static_cast<char*>(room));
-        const int received = receive(static_cast<char*>(room), std::min(missing, fits));
+                          &space, &end);
+        const LONG fits = static_cast<LONG>(static_cast<char*>(end) - static_cast<char*>(space));
+        const int received = receive(static_cast<char*>(space), std::min(missing, fits));
         if (received < 1) break;
         into.GetBufferPtr(CFile::bufferCommit, static_cast<UINT>(received));
         missing -= received;

@@ -17,17 +17,17 @@ constexpr DWORD kTick = 50;  // milliseconds
 constexpr DWORD kLimitWithoutSetting = 3600;
 constexpr double kShare = 0.9;
 
-UniqueRegistryKey openWindowsSettings() {
+NySe::UniqueRegistryKey openWindowsSettings() {
     HKEY key = nullptr;
     ::RegOpenKeyExW(HKEY_LOCAL_MACHINE,
                     L"SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\Windows\\", 0, KEY_READ,
                     &key);
-    return UniqueRegistryKey(key);
+    return NySe::UniqueRegistryKey(key);
 }
 
 // Returns the setting of the system; 3600 if it cannot be read.
 DWORD readSystemPostMessageLimit() {
-    const UniqueRegistryKey key = openWindowsSettings();
+    const NySe::UniqueRegistryKey key = openWindowsSettings();
     DWORD limit = 0;
     DWORD size = sizeof limit;
     const LSTATUS status = ::RegQueryValueExW(key.get(), L"USERPostMessageLimit", nullptr, nullptr,
@@ -105,7 +105,7 @@ void NyServerApp::postMessageToMainFrame(unsigned int message, CMemFile& file) {
     if (!::IsWindow(appWindow())) return;
     file.SeekToBegin();
     const DWORD size = static_cast<DWORD>(file.GetLength());
-    UniqueGlobalBlock block(::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size));
+    NySe::UniqueGlobalBlock block(::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size));
     if (!block) return;
     void* const address = moveInto(block.get(), file, size);
     // The window frees the block by its address; an empty block has none.

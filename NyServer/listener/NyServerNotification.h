@@ -40,7 +40,7 @@ class NYSERVER_API NyServerNotification {
   private:
     void readMessage(BYTE* bytes, size_t size);
 
-    UniqueGlobalBlock m_block;
+    NySe::UniqueGlobalBlock m_block;
     NyServerApp* m_listener;
     NySe::ActionType m_action = NySe::noAction;
     CMemFile m_payload{0};

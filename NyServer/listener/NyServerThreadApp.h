@@ -53,5 +53,5 @@ class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
     NyServerApp* m_server;
     int m_currentAction;
     std::atomic<bool> m_isPaused;
-    UniqueKernelHandle m_released;  // an event, set while the worker is not paused
+    NySe::UniqueKernelHandle m_released;  // an event, set while the worker is not paused
 };

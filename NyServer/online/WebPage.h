@@ -9,7 +9,7 @@
 #include <wininet.h>
 
 // Sessions and opened addresses.
-using UniqueInternetHandle = UniqueHandle<HINTERNET, ::InternetCloseHandle>;
+using UniqueInternetHandle = NySe::UniqueHandle<HINTERNET, ::InternetCloseHandle>;
 
 struct WebPage {
     CString url;

@@ -30,7 +30,8 @@ inline LONG sum(LONG left, LONG right) {
     return static_cast<LONG>(static_cast<DWORD>(left) + static_cast<DWORD>(right));
 }
 
-// The results of comparisons. Hosts test these numbers: do not change them.
+// The results of comparisons, by number: the enumerators of the record base are not documented.
+// Hosts test these numbers: do not change them.
 inline constexpr auto kNoOrder = static_cast<QoSort::CompareResult>(-2);  // unknown key
 inline constexpr auto kBefore = static_cast<QoSort::CompareResult>(-1);
 inline constexpr auto kEqual = static_cast<QoSort::CompareResult>(0);

@@ -27,9 +27,9 @@ class SoughtText {
     static constexpr size_t kTail = 4;  // characters: as many as are compared at once
     static constexpr uint64_t kBeyondAscii = 0xFF80FF80FF80FF80;  // in any of them
 
-    // False for nearly every other text, from its length and its last four characters: a search
-    // among names that begin alike takes a third to a tenth of the time. A zero character ends
-    // either text, so that a longer one may be equal. Letters beyond ASCII are left to
+    // Returns false for nearly every other text, by its length and its last four characters: a
+    // search among names that begin alike takes a third to a tenth of the time. A zero character
+    // ends either text, so that a longer one may be equal. Letters beyond ASCII are left to
     // CompareNoCase, which may fold them.
     bool mayEqual(const CString& other) const {
         if (static_cast<size_t>(other.GetLength()) < m_length) return false;

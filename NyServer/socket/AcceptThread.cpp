@@ -16,11 +16,11 @@ HANDLE asHandle(uintptr_t thread) {
     return reinterpret_cast<HANDLE>(thread);
 }
 
-UniqueKernelHandle duplicate(HANDLE handle) {
+NySe::UniqueKernelHandle duplicate(HANDLE handle) {
     HANDLE copy = nullptr;
     ::DuplicateHandle(::GetCurrentProcess(), handle, ::GetCurrentProcess(), &copy, 0, FALSE,
                       DUPLICATE_SAME_ACCESS);
-    return UniqueKernelHandle(copy);
+    return NySe::UniqueKernelHandle(copy);
 }
 
 bool isOutOfResources(int error) {
@@ -50,7 +50,7 @@ bool CUT_WSServer::AcceptThread::waitForEnd(DWORD milliseconds) const {
 
 void CUT_WSServer::AcceptThread::terminate(uintptr_t startedThread, DWORD milliseconds) {
     if (!::TerminateThread(asHandle(startedThread), 1) || !waitForEnd(milliseconds)) return;
-    const UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
+    const NySe::UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
     m_rundown->leave(m_entry);
     closeAccepted();
     m_self.reset();

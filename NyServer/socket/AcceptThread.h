@@ -8,7 +8,7 @@
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
-// The accepting thread of a server, from StartAccept to its end. It may outlive the server, or a
+// The accept thread of a server, from StartAccept to its end. It may outlive the server, or a
 // StopAccept followed by another StartAccept, for example while OnCanAccept does not return. It
 // then uses neither the server nor the thread that replaced it.
 //
@@ -53,8 +53,8 @@ class CUT_WSServer::AcceptThread {
     CUT_WSServer& m_server;
     std::shared_ptr<RundownProtection> m_rundown;
     // A handle of our own: the one that _beginthread returns is closed when the thread ends.
-    UniqueKernelHandle m_thread;
-    UniqueSocket m_accepted;
+    NySe::UniqueKernelHandle m_thread;
+    NySe::UniqueSocket m_accepted;
     unsigned m_abortedConnections = 0;
     RundownProtection::Entry m_entry;
     std::shared_ptr<AcceptThread> m_self;  // the thread's reference

@@ -97,8 +97,8 @@ char* CUT_FileDataSource::FindLineEnd() const {
 }
 
 void CUT_FileDataSource::ReadAhead() {
-    int room = m_bufferSize - m_held - 1;
-    int done = m_file.Read(m_buffer.get() + m_held, static_cast<DWORD>(room));
+    int space = m_bufferSize - m_held - 1;
+    int done = m_file.Read(m_buffer.get() + m_held, static_cast<DWORD>(space));
     if (done > 0) m_held += done;
 }
 

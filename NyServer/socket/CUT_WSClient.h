@@ -84,7 +84,7 @@ class NYSERVER_API CUT_WSClient {
     virtual int WaitForConnect(unsigned short port, int queueSize, short family,
                                unsigned long address);
 
-    // Waits for a peer to accept. Returns UTE_SUCCESS, or UTE_ERROR if none came in time.
+    // Waits for a peer to accept. Returns UTE_SUCCESS, or UTE_ERROR if none arrived in time.
     virtual int WaitForAccept(long seconds);
 
     // Closes the present connection and accepts one peer. Blocks. Returns UTE_SUCCESS, or UTE_ERROR
@@ -125,7 +125,7 @@ class NYSERVER_API CUT_WSClient {
     virtual int Receive(CUT_DataSource& target, OpenMsgType type, int timeOut, long maxBytes);
 
     // Calls recv once, after a wait of at most `timeOut` seconds if that is above 0. Returns the
-    // number of bytes received; 0 if the peer has closed or nothing came in time; -1 on failure.
+    // number of bytes received; 0 if the peer has closed or nothing arrived in time; -1 on failure.
     virtual int Receive(char* buffer, int len, int timeOut);
 
     // Receive(CUT_DataSource&, ...) with the file at `path`.

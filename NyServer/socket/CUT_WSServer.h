@@ -53,12 +53,12 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     virtual int ConnectToPort(unsigned short port, int queueSize, short family,
                               unsigned long address);
 
-    // Starts the accepting thread, which ends at once if there is no listening socket. Returns
+    // Starts the accept thread, which ends at once if there is no listening socket. Returns
     // UTE_SUCCESS, or UTE_ERROR if it was started before or cannot be created.
     int StartAccept();
 
     // Stops accepting and closes the listening socket. Connects to the own port to wake the
-    // accepting thread, and waits for it. If that connection fails, the thread is terminated. Takes
+    // accept thread, and waits for it. If that connection fails, the thread is terminated. Takes
     // at most 30 s. Workers continue to run. Always returns 0.
     int StopAccept();
 
@@ -200,6 +200,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     sockaddr_in m_serverAddress{};
     std::atomic<SOCKET> m_listenSocket = INVALID_SOCKET;
     ThreadListEntry* m_threadList NY_GUARDED_BY(this) = nullptr;
+    // Written under the lock of m_rundown, like m_acceptThread; read without it, too.
     std::atomic<uintptr_t> m_acceptThreadHandle = kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;

@@ -14,9 +14,9 @@
 namespace {
 
 // Returns the index of a carriage return that a line feed follows, or -1. For the last byte, the
-// byte after it is read, unless that is outside `room`.
-int findLineEnd(const char* bytes, int length, int room) {
-    for (int i = 0; i < length && i + 1 < room; ++i)
+// byte after it is read, unless that is outside `space`.
+int findLineEnd(const char* bytes, int length, int space) {
+    for (int i = 0; i < length && i + 1 < space; ++i)
         if (bytes[i] == '\r' && bytes[i + 1] == '\n') return i;
     return -1;
 }

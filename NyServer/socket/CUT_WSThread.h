@@ -51,7 +51,7 @@ class NYSERVER_API CUT_WSThread {
     virtual int SendFile(const wchar_t* path, long& bytesSent);
 
     // Waits for data and calls recv once. Returns the number of bytes received; 0 if the peer has
-    // closed or nothing came in time; -1 on failure.
+    // closed or nothing arrived in time; -1 on failure.
     virtual int Receive(char* buffer, int len, int timeOut);
 
     // Opens `target`, writes what arrives to it in pieces of at most 256 bytes until the peer

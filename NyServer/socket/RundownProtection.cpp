@@ -60,7 +60,7 @@ void RundownProtection::markDestroyed() {
         const Lock lock(*this);
         m_state = State::Destroyed;
     }
-    // Not for OnCanAccept: the accepting thread does not use the server after it.
+    // Not for OnCanAccept: the accept thread does not use the server after it.
     waitForOthers(Threads::Attached);
 }
 

@@ -8,7 +8,7 @@
 // outlives the server.
 //
 // The thread of a connection is attached from tryAttach to detach. It is inside while the worker is
-// created or released, but not while the worker's handler runs. The accepting thread is inside
+// created or released, but not while the worker's handler runs. The accept thread is inside
 // while OnCanAccept runs; in its other steps it holds the lock. Any thread may call these
 // functions.
 class NY_LOCK_TYPE("run-down protection") RundownProtection {
@@ -54,7 +54,7 @@ class NY_LOCK_TYPE("run-down protection") RundownProtection {
     // entered.
     [[nodiscard]] State reenter(Entry& entry);
 
-    // Enters the accepting thread, to call OnCanAccept. Returns false unless the state is Open.
+    // Enters the accept thread, to call OnCanAccept. Returns false unless the state is Open.
     [[nodiscard]] bool tryEnter(Entry& entry);
 
     // No effect if the entry is not entered.
@@ -87,7 +87,7 @@ class NY_LOCK_TYPE("run-down protection") RundownProtection {
     bool hasOthersInside(Threads threads) const;
     void waitForOthers(Threads threads) const;
 
-    UniqueKernelHandle m_mutex;
+    NySe::UniqueKernelHandle m_mutex;
     State m_state NY_GUARDED_BY(this) = State::Open;
     int m_attached NY_GUARDED_BY(this) = 0;
     Entry* m_entries NY_GUARDED_BY(this) = nullptr;

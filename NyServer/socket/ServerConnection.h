@@ -6,12 +6,12 @@
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
 
-// An accepted connection of a CUT_WSServer, passed from the accepting thread to the thread that
+// An accepted connection of a CUT_WSServer, passed from the accept thread to the thread that
 // serves it.
 class ServerConnection {
   public:
     struct Accepted {
-        UniqueSocket socket;
+        NySe::UniqueSocket socket;
         SOCKET listenSocket;
         sockaddr_in peer;
         bool isTooMany;

@@ -13,8 +13,8 @@ namespace {
 constexpr DWORD kPauseBetweenConnectsMs = 200;
 constexpr long kSendStep = 100'000;  // microseconds
 
-UniqueSocket makeSocket() {
-    UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+NySe::UniqueSocket makeSocket() {
+    NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
     const BOOL on = TRUE;
     ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on),
                  sizeof on);
@@ -38,7 +38,7 @@ bool ListenerLink::open(const Patience& patience) {
 }
 
 bool ListenerLink::connectOnce(const Patience& patience) {
-    UniqueSocket socket = makeSocket();
+    NySe::UniqueSocket socket = makeSocket();
     const Readiness readiness =
         connectUntil(socket.get(), m_address, [&patience] { return patience.isOver(); });
     if (readiness != Readiness::ready || apps::isConnectedToItself(socket.get())) return false;

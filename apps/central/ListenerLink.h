@@ -55,7 +55,7 @@ class ListenerLink {
     bool takeIn();
 
     const sockaddr_in m_address;
-    UniqueSocket m_socket;
+    NySe::UniqueSocket m_socket;
     std::string m_heard;
     unsigned long m_opened = 0;
 };

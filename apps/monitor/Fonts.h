@@ -6,7 +6,7 @@
 
 namespace apps::monitor {
 
-using UniqueFont = UniqueHandle<HFONT, ::DeleteObject>;
+using UniqueFont = NySe::UniqueHandle<HFONT, ::DeleteObject>;
 
 // Returns the font that the user has set, for a screen of `dpi`; null if the system has none.
 UniqueFont makeWindowFont(int dpi);

@@ -32,7 +32,7 @@ int pendingError(SOCKET socket) {
 }  // namespace
 
 ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds timeOut) {
-    const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    const NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
     u_long nonBlocking = 1;
     ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
     if (startConnect(socket.get(), addressOf(address, port)) == Readiness::failed)

@@ -71,7 +71,7 @@ class DeadListener {
 
   private:
     const peers::WinsockSession m_winsock;
-    const UniqueSocket m_socket = peers::bindToLoopback();
+    const NySe::UniqueSocket m_socket = peers::bindToLoopback();
 };
 
 void printRow(const std::string& name, const bench::Samples& times, double seconds) {

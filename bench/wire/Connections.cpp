@@ -90,12 +90,12 @@ class ThreadPerSocket {
 
   private:
     void wait(SOCKET accepted) {
-        const UniqueSocket socket(accepted);
+        const NySe::UniqueSocket socket(accepted);
         ++m_waiting;
         while (!m_isStopping) bench::awaitReadable(socket.get(), 0, 100'000);
     }
 
-    const UniqueSocket m_socket = peers::bindToLoopback();
+    const NySe::UniqueSocket m_socket = peers::bindToLoopback();
     std::atomic<bool> m_isStopping = false;
     std::atomic<int> m_waiting = 0;
     std::vector<std::thread> m_threads;
@@ -150,6 +150,6 @@ void bench::runConnections(const WireOptions& options) {
 
 void bench::holdConnections(int port) {
     const peers::WinsockSession winsock;
-    std::vector<UniqueSocket> held;
+    std::vector<NySe::UniqueSocket> held;
     while (std::getchar() != EOF) held.push_back(peers::connectTo(static_cast<unsigned int>(port)));
 }

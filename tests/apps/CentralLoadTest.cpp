@@ -77,7 +77,7 @@ class LoadClient {
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
         address.sin_port = ::htons(static_cast<unsigned short>(port));
-        m_socket = UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0));
+        m_socket = NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0));
         ASSERT_EQ(0, ::connect(socket(), reinterpret_cast<sockaddr*>(&address), sizeof address));
         const DWORD patience = 20'000;
         ::setsockopt(socket(), SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&patience),
@@ -176,7 +176,7 @@ class LoadClient {
 
     std::mt19937 m_random;
     Tally& m_tally;
-    UniqueSocket m_socket;
+    NySe::UniqueSocket m_socket;
     std::vector<LONG> m_open;
     const std::string m_isAlive = requestOf(NySe::actionIsAlive);
 };

@@ -38,8 +38,8 @@ class CentralProgram {
     }
 
     TempFolder m_folder;
-    UniqueKernelHandle m_output;
-    UniqueKernelHandle m_errors;
+    NySe::UniqueKernelHandle m_output;
+    NySe::UniqueKernelHandle m_errors;
     std::unique_ptr<ChildProcess> m_process;
     int m_port = 0;
 };

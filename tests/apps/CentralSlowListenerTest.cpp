@@ -163,12 +163,12 @@ TEST_F(CentralSlowListener, ANotificationLongerThanTheQueueIsDropped) {
 
 TEST_F(CentralSlowListener, ItMayStartAfterItsUserRegistered) {
     const peers::WinsockSession winsock;
-    const UniqueSocket listener = peers::bindToLoopback();
+    const NySe::UniqueSocket listener = peers::bindToLoopback();
     serve(static_cast<unsigned int>(peers::portOf(listener)), PushLimits());
     tellAll(10);
     ::Sleep(300);
     ASSERT_EQ(0, ::listen(listener.get(), 1));
-    const UniqueSocket link(::accept(listener.get(), nullptr, nullptr));
+    const NySe::UniqueSocket link(::accept(listener.get(), nullptr, nullptr));
     LONG number = 0;
     ASSERT_EQ(4, ::recv(link.get(), reinterpret_cast<char*>(&number), 4, 0));
     EXPECT_EQ(notifyUserJoined, number);  // Bob, the first of all
@@ -176,7 +176,7 @@ TEST_F(CentralSlowListener, ItMayStartAfterItsUserRegistered) {
 
 TEST_F(CentralSlowListener, OneThatWasGivenUpGetsANewChanceWhenItsUserRegistersAgain) {
     const peers::WinsockSession winsock;
-    const UniqueSocket listener = peers::bindToLoopback();
+    const NySe::UniqueSocket listener = peers::bindToLoopback();
     ::testing::internal::CaptureStderr();
     serve(static_cast<unsigned int>(peers::portOf(listener)),
           patience(milliseconds(200), milliseconds(200)));
@@ -185,7 +185,7 @@ TEST_F(CentralSlowListener, OneThatWasGivenUpGetsANewChanceWhenItsUserRegistersA
     ASSERT_EQ(0, ::listen(listener.get(), 1));
     registerAnna();
     tellAll(10);
-    const UniqueSocket link(::accept(listener.get(), nullptr, nullptr));
+    const NySe::UniqueSocket link(::accept(listener.get(), nullptr, nullptr));
     LONG number = 0;
     ASSERT_EQ(4, ::recv(link.get(), reinterpret_cast<char*>(&number), 4, 0));
     EXPECT_EQ(notifyDataForAll, number);

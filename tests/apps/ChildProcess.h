@@ -29,8 +29,8 @@ class ChildProcess {
         EXPECT_TRUE(::CreateProcessW(path.c_str(), line.data(), nullptr, nullptr, TRUE,
                                      CREATE_SUSPENDED, nullptr, nullptr, &start, &made))
             << ::GetLastError();
-        m_process = UniqueKernelHandle(made.hProcess);
-        const UniqueKernelHandle thread(made.hThread);
+        m_process = NySe::UniqueKernelHandle(made.hProcess);
+        const NySe::UniqueKernelHandle thread(made.hThread);
         EXPECT_TRUE(::AssignProcessToJobObject(m_job.get(), m_process.get()));
         ::ResumeThread(thread.get());
     }
@@ -71,8 +71,8 @@ class ChildProcess {
   private:
     // The processes in it end when its last handle is closed, as the system does for a process that
     // is killed.
-    static UniqueKernelHandle makeJob() {
-        UniqueKernelHandle job(::CreateJobObjectW(nullptr, nullptr));
+    static NySe::UniqueKernelHandle makeJob() {
+        NySe::UniqueKernelHandle job(::CreateJobObjectW(nullptr, nullptr));
         JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
         limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
         EXPECT_TRUE(::SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits,
@@ -87,16 +87,16 @@ class ChildProcess {
         return own.substr(0, own.rfind(L'\\') + 1);
     }
 
-    const UniqueKernelHandle m_job = makeJob();
-    UniqueKernelHandle m_process;
+    const NySe::UniqueKernelHandle m_job = makeJob();
+    NySe::UniqueKernelHandle m_process;
 };
 
 // A new file that a child may write into while it is read.
-inline UniqueKernelHandle outputFile(const std::wstring& path) {
+inline NySe::UniqueKernelHandle outputFile(const std::wstring& path) {
     SECURITY_ATTRIBUTES inheritable{sizeof inheritable, nullptr, TRUE};
-    return UniqueKernelHandle(::CreateFileW(path.c_str(), GENERIC_WRITE,
-                                            FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
-                                            CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    return NySe::UniqueKernelHandle(::CreateFileW(path.c_str(), GENERIC_WRITE,
+                                                  FILE_SHARE_READ | FILE_SHARE_WRITE, &inheritable,
+                                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 // A pipe of which a child may inherit one end.
@@ -106,13 +106,13 @@ struct Pipe {
         HANDLE read = nullptr;
         HANDLE write = nullptr;
         EXPECT_TRUE(::CreatePipe(&read, &write, &inheritable, 0));
-        reading = UniqueKernelHandle(read);
-        writing = UniqueKernelHandle(write);
+        reading = NySe::UniqueKernelHandle(read);
+        writing = NySe::UniqueKernelHandle(write);
     }
-    static void keepToOneself(const UniqueKernelHandle& end) {
+    static void keepToOneself(const NySe::UniqueKernelHandle& end) {
         ::SetHandleInformation(end.get(), HANDLE_FLAG_INHERIT, 0);
     }
 
-    UniqueKernelHandle reading;
-    UniqueKernelHandle writing;
+    NySe::UniqueKernelHandle reading;
+    NySe::UniqueKernelHandle writing;
 };

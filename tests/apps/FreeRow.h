@@ -7,8 +7,8 @@
 #include "tests/socket/Peers.h"
 
 // Listens there, or is invalid when somebody does.
-inline UniqueSocket listenOn(int port) {
-    UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+inline NySe::UniqueSocket listenOn(int port) {
+    NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
@@ -27,11 +27,11 @@ inline int freeRow(int count) {
     constexpr int kRows = 200;
     constexpr int kRow = 48;
     static const peers::WinsockSession winsock;
-    static std::vector<UniqueSocket> marks;
+    static std::vector<NySe::UniqueSocket> marks;
     static int next = static_cast<int>(::GetCurrentProcessId() / 4 * 7 % kRows);
     for (int attempt = 0; attempt < kRows; ++attempt) {
         const int mark = kFirst + next++ % kRows * kRow;
-        UniqueSocket marking = listenOn(mark);
+        NySe::UniqueSocket marking = listenOn(mark);
         if (!marking) continue;
         int found = 0;
         while (found < count && listenOn(mark + 1 + found)) ++found;

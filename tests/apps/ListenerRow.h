@@ -51,14 +51,14 @@ class ListenerRow {
             FD_SET(listening, &readable);
             timeval step{0, 50'000};
             if (::select(0, &readable, nullptr, nullptr, &step) != 1) continue;
-            peers::Connection connection(UniqueSocket(::accept(listening, nullptr, nullptr)),
+            peers::Connection connection(NySe::UniqueSocket(::accept(listening, nullptr, nullptr)),
                                          m_isStopping);
             m_scripts[index]->serve(connection);
         }
     }
 
     const peers::WinsockSession m_winsock;
-    std::vector<UniqueSocket> m_sockets;
+    std::vector<NySe::UniqueSocket> m_sockets;
     std::vector<std::unique_ptr<FrameScript>> m_scripts;
     std::atomic<long> m_frames = 0;
     std::atomic<bool> m_isStopping = false;

@@ -309,7 +309,8 @@ class LosingSecond : MessageHook<LosingSecond> {
         if (++s_seen == 1) {
             eventually(&isSecondThere, std::chrono::seconds(30));
         } else {
-            const UniqueGlobalBlock block(::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
+            const NySe::UniqueGlobalBlock block(
+                ::GlobalHandle(reinterpret_cast<void*>(message.lParam)));
             message.message = WM_NULL;
         }
     }

@@ -270,7 +270,7 @@ TEST_F(NyctlWatch, InTheShellItHasToEnd) {
 TEST_F(NyctlWatch, TheNextOneUsesTheSameListener) {
     EXPECT_EQ(exitYes, watch("--timeout 0.1"));
     const LONG port = bob().getPort();
-    const UniqueSocket link = peers::connectTo(static_cast<unsigned int>(port));
+    const NySe::UniqueSocket link = peers::connectTo(static_cast<unsigned int>(port));
     const std::string between = wireOf(notifyLockGranted) + wireOf<LONG>(0);
     const std::string probe = wireOf<LONG>(NySe::actionIsAlive) + wireOf<LONG>(0);
     ::send(link.get(), (between + probe).data(), static_cast<int>((between + probe).size()), 0);

@@ -10,7 +10,7 @@ namespace {
 
 class SelfConnect : public ::testing::Test {
   protected:
-    static bool connect(const UniqueSocket& socket, int port) {
+    static bool connect(const NySe::UniqueSocket& socket, int port) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
@@ -19,7 +19,7 @@ class SelfConnect : public ::testing::Test {
     }
 
     const peers::WinsockSession winsock;
-    const UniqueSocket socket = peers::bindToLoopback();
+    const NySe::UniqueSocket socket = peers::bindToLoopback();
 };
 
 TEST_F(SelfConnect, IsSeenWhenBothEndsAreTheSame) {

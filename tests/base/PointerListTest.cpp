@@ -17,9 +17,9 @@ TEST(PointerList, IsFullAtItsLimit) {
 
 TEST(PointerList, TakesManyAtOnceWithinABlock) {
     AfxPointerList<1026> list;
-    EXPECT_EQ(0u, list.room());
+    EXPECT_EQ(0u, list.space());
     list.add(nullptr);
-    EXPECT_EQ(511u, list.room());
+    EXPECT_EQ(511u, list.space());
     list.next()[0] = list.next()[1] = &list;
     EXPECT_EQ(1u, list.size());
     list.addWritten(2);

@@ -103,7 +103,7 @@ TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAnew) {
     const peers::Peer first(peers::silent());
     const peers::Peer second(peers::silent());
     connectTo(first);
-    const UniqueSocket abandoned(NySeClientAppAccess::socket(client));
+    const NySe::UniqueSocket abandoned(NySeClientAppAccess::socket(client));
     connectTo(second);
     EXPECT_NE(abandoned.get(), NySeClientAppAccess::socket(client));
     EXPECT_EQ(second.port(), client.getPort());

@@ -7,7 +7,7 @@
 #include <regex>
 #include <sstream>
 
-#include "NyServer/base/mfc/CArchiveObjects.h"
+#include "NyServer/base/mfc/AfxReadNumbers.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeShareMode.h"
 #include "tests/support/Golden.h"
@@ -80,9 +80,9 @@ TEST_F(WireFormatDocument, NamesEveryRequestByItsCode) {
 
 TEST_F(WireFormatDocument, StatesTheBoundsOfReaders) {
     EXPECT_TRUE(says("| nesting of objects | " + std::to_string(kDeepestNesting) + " |"));
-    EXPECT_TRUE(says("| 1 to " + std::to_string(kLongestClassName) + " characters, "));
+    EXPECT_TRUE(says("| 1 to " + std::to_string(AfxTags::kLongestClassName) + " characters, "));
     std::ostringstream numbers;
-    numbers << "| 0x" << std::hex << std::uppercase << kLastNumber << "; only those";
+    numbers << "| 0x" << std::hex << std::uppercase << AfxTags::kLastNumber << "; only those";
     EXPECT_TRUE(says(numbers.str())) << numbers.str();
     EXPECT_TRUE(says("in steps of " + std::to_string(NySe::kReceiveStep / 1024) + " KiB"));
 }

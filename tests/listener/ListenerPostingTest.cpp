@@ -101,9 +101,9 @@ TEST_F(ListenerPostingToAWindow, CountsWhatTheSystemDoesNotTake) {
 }
 
 // The system has 65535 handles of moveable blocks for a process.
-std::vector<UniqueGlobalBlock> takeAllBlocks() {
-    std::vector<UniqueGlobalBlock> all;
-    for (UniqueGlobalBlock block; (block.reset(::GlobalAlloc(GMEM_MOVEABLE, 1)), block);)
+std::vector<NySe::UniqueGlobalBlock> takeAllBlocks() {
+    std::vector<NySe::UniqueGlobalBlock> all;
+    for (NySe::UniqueGlobalBlock block; (block.reset(::GlobalAlloc(GMEM_MOVEABLE, 1)), block);)
         all.push_back(std::move(block));
     return all;
 }

@@ -81,7 +81,7 @@ TEST_F(ListenerServer, ServesFromItsStartOnAndMayStartAgainOnceItHasStopped) {
 }
 
 TEST_F(ListenerServer, SaysThatItsPortIsTaken) {
-    const UniqueSocket taken = peers::bindToLoopback();
+    const NySe::UniqueSocket taken = peers::bindToLoopback();
     ::listen(taken.get(), 1);
     m_listener.setPortNumber(static_cast<unsigned short>(peers::portOf(taken)));
     EXPECT_EQ(m_listener.Start(), UTE_SOCK_BIND_FAILED);

@@ -57,7 +57,7 @@ size_t MainWindow::count() const {
 
 // Posted messages are taken in their order.
 void MainWindow::settle() {
-    const UniqueKernelHandle seen(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const NySe::UniqueKernelHandle seen(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (::PostMessageW(m_wnd.GetSafeHwnd(), kSettle, 0, reinterpret_cast<LPARAM>(seen.get())))
         ::WaitForSingleObject(seen.get(),
                               static_cast<DWORD>(std::chrono::milliseconds(kGenerously).count()));
@@ -99,7 +99,7 @@ LRESULT CALLBACK MainWindow::windowProcedure(HWND window, UINT message, WPARAM w
 
 void MainWindow::take(UINT message, WPARAM wParam, LPARAM lParam) {
     const auto* const bytes = reinterpret_cast<const char*>(lParam);
-    const UniqueGlobalBlock block(bytes ? ::GlobalHandle(bytes) : nullptr);
+    const NySe::UniqueGlobalBlock block(bytes ? ::GlobalHandle(bytes) : nullptr);
     const bool isMoveable = block && block.get() != reinterpret_cast<HGLOBAL>(lParam);
     const UINT lockCount = block ? ::GlobalFlags(block.get()) & GMEM_LOCKCOUNT : 0;
     {

@@ -92,7 +92,7 @@ TEST_F(Notification, LeavesMemoryAloneThatNobodyPosted) {
 TEST_F(Notification, FreesItsBlock) {
     for (int i = 0; i < 70000; ++i)
         const NyServerNotification notification(8, blockOf("12345678"), nullptr);
-    EXPECT_TRUE(UniqueGlobalBlock(::GlobalAlloc(GMEM_MOVEABLE, 1)));
+    EXPECT_TRUE(NySe::UniqueGlobalBlock(::GlobalAlloc(GMEM_MOVEABLE, 1)));
 }
 
 TEST_F(Notification, IsConsumedOnceWhenItIsDestroyed) {

@@ -20,15 +20,15 @@ class Standstill {
 
   private:
     void forEachThread(DWORD(WINAPI* action)(HANDLE)) const {
-        const UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+        const NySe::UniqueKernelHandle snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
         THREADENTRY32 entry{};
         entry.dwSize = sizeof entry;
         for (BOOL more = ::Thread32First(snapshot.get(), &entry); more;
              more = ::Thread32Next(snapshot.get(), &entry)) {
             if (entry.th32OwnerProcessID != m_process) continue;
-            action(
-                UniqueKernelHandle(::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID))
-                    .get());
+            action(NySe::UniqueKernelHandle(
+                       ::OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID))
+                       .get());
         }
     }
 

@@ -25,7 +25,7 @@ class MonitorProgram : public MonitorTest {
 
   private:
     TempFolder m_folder;
-    UniqueKernelHandle m_output;
+    NySe::UniqueKernelHandle m_output;
 };
 
 TEST_F(MonitorProgram, RunsUntilItsWindowIsClosed) {

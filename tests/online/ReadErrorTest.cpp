@@ -53,7 +53,7 @@ class FtpScript {
     }
 
     void sendFile(peers::Connection& control) {
-        UniqueSocket data = peers::connectTo(static_cast<unsigned int>(m_dataPort));
+        NySe::UniqueSocket data = peers::connectTo(static_cast<unsigned int>(m_dataPort));
         EXPECT_TRUE(data);
         control.send("150 here: 100%s\r\n");
         m_serveFile();

@@ -38,7 +38,7 @@ class NoHandles {
     }
 
   private:
-    std::vector<UniqueKernelHandle> m_taken;
+    std::vector<NySe::UniqueKernelHandle> m_taken;
 };
 
 double processorSeconds() {
@@ -64,7 +64,7 @@ class AcceptFaults : public testing::Test {
         return peer.receiveAll();
     }
     // Connects a socket that was made before.
-    void connect(const UniqueSocket& socket) {
+    void connect(const NySe::UniqueSocket& socket) {
         const sockaddr_in address = peers::loopbackAddress(m_server.GetPort());
         ASSERT_EQ(::connect(static_cast<int>(socket.get()),
                             reinterpret_cast<const sockaddr*>(&address), sizeof address),
@@ -82,41 +82,41 @@ class AcceptFaults : public testing::Test {
 
 // The accept that waits has its descriptor already: only the one for the second peer has none.
 TEST_F(AcceptFaults, AShortageOfDescriptorsIsWaitedForWithoutABusyLoop) {
-    UniqueSocket sockets[] = {UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)),
-                              UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0))};
+    NySe::UniqueSocket sockets[] = {NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)),
+                                    NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0))};
     {
         const NoDescriptors none;
-        for (const UniqueSocket& socket : sockets) connect(socket);
+        for (const NySe::UniqueSocket& socket : sockets) connect(socket);
         ASSERT_TRUE(m_server.log->await("OnCanAccept 127.0.0.1", 2)) << "that of SetUp, and one";
         const double before = processorSeconds();
         ::Sleep(1000);
         EXPECT_LT(processorSeconds() - before, 0.2);
         EXPECT_EQ(m_server.log->count("OnCanAccept 127.0.0.1"), 2);
     }
-    for (UniqueSocket& socket : sockets)
+    for (NySe::UniqueSocket& socket : sockets)
         EXPECT_EQ(converse({std::move(socket), peers::kNeverStopping}), kAnswer);
     EXPECT_EQ(converse(m_server.connection()), kAnswer);
 }
 
 TEST_F(AcceptFaults, AShortageOfDescriptorsDoesNotDelayAStop) {
-    UniqueSocket sockets[] = {UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)),
-                              UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0))};
+    NySe::UniqueSocket sockets[] = {NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)),
+                                    NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0))};
     {
         const NoDescriptors none;
-        for (const UniqueSocket& socket : sockets) connect(socket);
+        for (const NySe::UniqueSocket& socket : sockets) connect(socket);
         ::Sleep(200);
         const ULONGLONG start = ::GetTickCount64();
         EXPECT_EQ(m_server.StopAccept(), 0);
         EXPECT_LT(::GetTickCount64() - start, 20000u);
     }
-    for (UniqueSocket& socket : sockets) socket.reset();
+    for (NySe::UniqueSocket& socket : sockets) socket.reset();
     EXPECT_TRUE(eventually([this] { return countThreads() <= m_before; }));
 }
 
 // Another descriptor of the connection would keep it open past the close alone.
 TEST_F(AcceptFaults, AConnectionWithoutAThreadIsShutDown) {
     std::unique_ptr<NoHandles> none;
-    std::vector<UniqueSocket> others;
+    std::vector<NySe::UniqueSocket> others;
     m_server.onCanAccept = [&] {
         for (int fd = 3; fd < 256; ++fd) {
             sockaddr_in own{};

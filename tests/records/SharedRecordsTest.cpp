@@ -233,6 +233,21 @@ TEST_F(SharedRecords, MappedLockIsNotWritten) {
                   "01 00  03 00"));
 }
 
+// Mapping an object writes no class.
+TEST_F(SharedRecords, MappedHolderPrecedesTheFirstOfItsClass) {
+    makeLocks(2, 3);
+    const NySeSessionLock* const mapped = lock(0).getHolders().GetAt(0);
+    PlainWriter plain;
+    plain.value(LONG{1});
+    plain.map(mapped);
+    plain.holders(lock(1).getHolders());
+    EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                    ar << LONG{1};  // opens the window
+                    ar.MapObject(mapped);
+                    lock(1).getHolders().Serialize(ar);
+                }));
+}
+
 // Each archive has numbers of its own.
 TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
     makeLocks(100);

@@ -278,7 +278,7 @@ TEST_F(ServerList, CountsWhatItSuspendsAndResumes) {
 
 // A handle can stand where an identifier does: then, and only then, a thread really stops.
 TEST_F(ServerList, TakesIdentifiersForHandles) {
-    const UniqueKernelHandle thread(::CreateThread(
+    const NySe::UniqueKernelHandle thread(::CreateThread(
         nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, CREATE_SUSPENDED, nullptr));
     m_server.ThreadListAdd(&m_workers[0], HandleToUlong(thread.get()), 1);
     m_server.ThreadListSuspend();

@@ -62,7 +62,7 @@ TEST_F(ClientClose, ReportsAFailedClose) {
 
 TEST_F(ClientClose, ShutsDownAStreamFirst) {
     connect();
-    const UniqueSocket other = otherHandleOf(m_client->GetSocket());
+    const NySe::UniqueSocket other = otherHandleOf(m_client->GetSocket());
     ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
     EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
     EXPECT_EQ(m_peer.waitForServed(1), 1) << "the peer sees the end";
@@ -70,10 +70,10 @@ TEST_F(ClientClose, ShutsDownAStreamFirst) {
 }
 
 TEST_F(ClientClose, DoesNotShutDownADatagramSocket) {
-    const UniqueSocket peer = peers::bindToLoopback(SOCK_DGRAM);
+    const NySe::UniqueSocket peer = peers::bindToLoopback(SOCK_DGRAM);
     const auto port = static_cast<unsigned int>(peers::portOf(peer));
     ASSERT_EQ(m_client->Connect(port, m_loopback, -1, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
-    const UniqueSocket other = otherHandleOf(m_client->GetSocket());
+    const NySe::UniqueSocket other = otherHandleOf(m_client->GetSocket());
     ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
     EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
     expectForgotten();
@@ -103,7 +103,7 @@ using ClientReset = ClientClose;
 TEST_F(ClientReset, ForgetsTheSocketsWithoutClosingThem) {
     connect();
     ASSERT_EQ(listen(), UTE_SUCCESS);
-    const UniqueSocket leaked(m_client->GetSocket());
+    const NySe::UniqueSocket leaked(m_client->GetSocket());
     m_client->codes.clear();
     EXPECT_EQ(m_client->Reset(), UTE_SUCCESS);
     EXPECT_THAT(m_client->codes, ElementsAre(0));

@@ -37,7 +37,7 @@ class ClientDatagram : public testing::Test {
     }
 
     peers::WinsockSession m_winsock;
-    UniqueSocket m_other = peers::bindToLoopback(SOCK_DGRAM);
+    NySe::UniqueSocket m_other = peers::bindToLoopback(SOCK_DGRAM);
     char m_loopback[10] = "127.0.0.1";
     ProbeClient m_client;
     char m_buffer[16] = "";

@@ -54,7 +54,7 @@ TEST_F(ClientIsConnected, IsFalseAndNonBlockingWithALongDatagramWaiting) {
 
 // Its peek fails as "not connected", which is none of the errors that tell a dead connection.
 TEST_F(ClientIsConnected, IsTrueForASocketThatNeverConnected) {
-    const UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+    const NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
     m_end.attach(socket.get());
     EXPECT_EQ(m_end.IsConnected(), 1);
     EXPECT_THAT(m_end.codes, ElementsAre(0, 0));

@@ -25,8 +25,8 @@ inline int optionOf(SOCKET socket, int option) {
 }
 
 // An invalid socket when nobody listens.
-inline UniqueSocket connectTo(unsigned int port) {
-    UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+inline NySe::UniqueSocket connectTo(unsigned int port) {
+    NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
     const sockaddr_in address = loopbackAddress(port);
     if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
         socket.reset();
@@ -50,7 +50,7 @@ inline unsigned short freePort() {
 class SocketPair {
   public:
     SocketPair() {
-        const UniqueSocket listener = bindToLoopback();
+        const NySe::UniqueSocket listener = bindToLoopback();
         ::listen(listener.get(), 1);
         m_near = connectTo(static_cast<unsigned int>(portOf(listener)));
         m_far.reset(::accept(listener.get(), nullptr, nullptr));
@@ -62,8 +62,8 @@ class SocketPair {
 
   private:
     WinsockSession m_winsock;
-    UniqueSocket m_near;
-    UniqueSocket m_far;
+    NySe::UniqueSocket m_near;
+    NySe::UniqueSocket m_far;
 };
 
 }  // namespace peers

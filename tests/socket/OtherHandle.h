@@ -4,9 +4,9 @@
 
 // Another handle of the socket, which keeps it open past the close of the first and shows whether
 // it was shut down.
-inline UniqueSocket otherHandleOf(SOCKET socket) {
+inline NySe::UniqueSocket otherHandleOf(SOCKET socket) {
     WSAPROTOCOL_INFOW info{};
     ::WSADuplicateSocketW(socket, ::GetCurrentProcessId(), &info);
-    return UniqueSocket(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
-                                     &info, 0, WSA_FLAG_OVERLAPPED));
+    return NySe::UniqueSocket(::WSASocketW(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO,
+                                           FROM_PROTOCOL_INFO, &info, 0, WSA_FLAG_OVERLAPPED));
 }

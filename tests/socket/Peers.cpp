@@ -21,8 +21,8 @@ bool isWritable(SOCKET socket, long microseconds) {
     return ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
 }
 
-UniqueSocket listenOnLoopback(int queueSize) {
-    UniqueSocket socket = bindToLoopback();
+NySe::UniqueSocket listenOnLoopback(int queueSize) {
+    NySe::UniqueSocket socket = bindToLoopback();
     if (::listen(socket.get(), queueSize) != 0) throw std::runtime_error("cannot listen");
     return socket;
 }
@@ -46,8 +46,8 @@ sockaddr_in loopbackAddress(unsigned int port) {
     return address;
 }
 
-UniqueSocket bindToLoopback(int type) {
-    UniqueSocket socket(::socket(AF_INET, type, 0));
+NySe::UniqueSocket bindToLoopback(int type) {
+    NySe::UniqueSocket socket(::socket(AF_INET, type, 0));
     const sockaddr_in address = loopbackAddress(0);
     if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
         throw std::runtime_error("cannot bind to 127.0.0.1");
@@ -55,7 +55,7 @@ UniqueSocket bindToLoopback(int type) {
     return socket;
 }
 
-int portOf(const UniqueSocket& socket) {
+int portOf(const NySe::UniqueSocket& socket) {
     sockaddr_in address{};
     int length = sizeof address;
     ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &length);
@@ -107,7 +107,7 @@ Peer::~Peer() {
 void Peer::run() {
     while (!m_isStopping) {
         if (!isReadable(m_listener.get())) continue;
-        Connection connection(UniqueSocket(::accept(m_listener.get(), nullptr, nullptr)),
+        Connection connection(NySe::UniqueSocket(::accept(m_listener.get(), nullptr, nullptr)),
                               m_isStopping);
         m_script(connection);
         connection.close();
@@ -160,11 +160,11 @@ Script collecting(std::string& received) {
 
 ResettingPort::ResettingPort() : m_listener(listenOnLoopback(5)) {}
 
-std::vector<UniqueSocket> connectWhileAnswered(unsigned int port, size_t most) {
+std::vector<NySe::UniqueSocket> connectWhileAnswered(unsigned int port, size_t most) {
     const sockaddr_in address = loopbackAddress(port);
-    std::vector<UniqueSocket> answered;
+    std::vector<NySe::UniqueSocket> answered;
     while (answered.size() < most) {
-        UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+        NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
         u_long nonBlocking = 1;
         ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
         ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);

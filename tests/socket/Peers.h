@@ -30,13 +30,13 @@ class WinsockSession {
 sockaddr_in loopbackAddress(unsigned int port);
 
 // A stream or datagram socket bound to a free port of 127.0.0.1.
-UniqueSocket bindToLoopback(int type = SOCK_STREAM);
-int portOf(const UniqueSocket& socket);
+NySe::UniqueSocket bindToLoopback(int type = SOCK_STREAM);
+int portOf(const NySe::UniqueSocket& socket);
 
 // The peer's end of a connection. Waits end early when the peer is being stopped.
 class Connection {
   public:
-    Connection(UniqueSocket socket, const std::atomic<bool>& isStopping)
+    Connection(NySe::UniqueSocket socket, const std::atomic<bool>& isStopping)
         : m_socket(std::move(socket)), m_isStopping(isStopping) {}
 
     SOCKET socket() const { return m_socket.get(); }
@@ -59,7 +59,7 @@ class Connection {
   private:
     bool waitForData();
 
-    UniqueSocket m_socket;
+    NySe::UniqueSocket m_socket;
     const std::atomic<bool>& m_isStopping;
 };
 
@@ -83,7 +83,7 @@ class Peer {
     void run();
 
     WinsockSession m_winsock;
-    UniqueSocket m_listener;
+    NySe::UniqueSocket m_listener;
     Script m_script;
     std::atomic<bool> m_isStopping = false;
     std::atomic<int> m_served = 0;
@@ -106,7 +106,7 @@ class RefusingPort {
 
   private:
     WinsockSession m_winsock;
-    UniqueSocket m_socket = bindToLoopback();
+    NySe::UniqueSocket m_socket = bindToLoopback();
 };
 
 // A listener that never accepts. Its queued connections are reset when it closes: the one way to a
@@ -120,12 +120,12 @@ class ResettingPort {
 
   private:
     WinsockSession m_winsock;
-    UniqueSocket m_listener;
+    NySe::UniqueSocket m_listener;
 };
 
 // Connects, at most so often, until one connect is left without an answer: that one is not in the
 // result.
-std::vector<UniqueSocket> connectWhileAnswered(unsigned int port, size_t most);
+std::vector<NySe::UniqueSocket> connectWhileAnswered(unsigned int port, size_t most);
 
 // A listener whose queue is full: a connect to it stays unanswered.
 class UnansweringPort {
@@ -135,8 +135,8 @@ class UnansweringPort {
 
   private:
     WinsockSession m_winsock;
-    UniqueSocket m_listener = bindToLoopback();
-    std::vector<UniqueSocket> m_queued;
+    NySe::UniqueSocket m_listener = bindToLoopback();
+    std::vector<NySe::UniqueSocket> m_queued;
 };
 
 }  // namespace peers

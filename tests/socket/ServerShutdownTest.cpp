@@ -28,7 +28,7 @@ class ServerShutdown : public ServerTest {
         return isClosed && m_other;
     }
 
-    UniqueSocket m_other;
+    NySe::UniqueSocket m_other;
 };
 
 TEST_F(ServerShutdown, EndsAConnectionThatMayNotEnter) {
@@ -38,7 +38,7 @@ TEST_F(ServerShutdown, EndsAConnectionThatMayNotEnter) {
         m_gate.pass();
         m_other = otherHandleOf(socketConnectedTo(port));
     };
-    UniqueSocket socket = peers::connectTo(m_server.GetPort());
+    NySe::UniqueSocket socket = peers::connectTo(m_server.GetPort());
     port = peers::portOf(socket);
     m_gate.open();
     peers::Connection peer(std::move(socket), peers::kNeverStopping);

@@ -77,7 +77,7 @@ TEST_F(StopWait, EndsAfterThirtySecondsAndCleansUpAfterOnCanAccept) {
 // The connection that is to wake the accepting thread is not answered: the deadline is for both.
 TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
     peers::Connection peer = connectionInOnCanAccept();
-    const std::vector<UniqueSocket> queued = peers::connectWhileAnswered(m_port, 64);
+    const std::vector<NySe::UniqueSocket> queued = peers::connectWhileAnswered(m_port, 64);
     ASSERT_LT(queued.size(), 64u) << "the queue is full";
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(19));

@@ -47,7 +47,7 @@ class Flood {
   private:
     void run() {
         while (!m_isEnding) {
-            UniqueSocket socket = port ? peers::connectTo(port) : UniqueSocket();
+            NySe::UniqueSocket socket = port ? peers::connectTo(port) : NySe::UniqueSocket();
             if (!socket) {
                 ::Sleep(1);
                 continue;

@@ -34,8 +34,8 @@ TEST(SocketErrorTexts, NeverChange) {
 class SocketErrorTextOf : public testing::Test {
   protected:
     // A socket whose connect has been refused, without a thread having waited for it.
-    static UniqueSocket refused() {
-        UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
+    static NySe::UniqueSocket refused() {
+        NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
         u_long nonBlocking = 1;
         ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
         const peers::RefusingPort nobody;
@@ -46,11 +46,13 @@ class SocketErrorTextOf : public testing::Test {
         EXPECT_EQ(::select(0, nullptr, nullptr, &failed, &timeOut), 1);
         return socket;
     }
-    static UniqueSocket healthy() { return UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)); }
+    static NySe::UniqueSocket healthy() {
+        return NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0));
+    }
 
     // The text is the same whether or not the code is asked for.
-    static void expectText(UniqueSocket (*make)(), int code, const wchar_t* text) {
-        const UniqueSocket sockets[] = {make(), make()};
+    static void expectText(NySe::UniqueSocket (*make)(), int code, const wchar_t* text) {
+        const NySe::UniqueSocket sockets[] = {make(), make()};
         const SOCKET plain[] = {sockets[0].get(), sockets[1].get()};
         int found = -1;
         ::WSASetLastError(WSAECONNRESET);  // the thread's own error is of no concern
@@ -71,7 +73,7 @@ TEST_F(SocketErrorTextOf, ARefusedConnectIsNamed) {
 }
 
 TEST_F(SocketErrorTextOf, NoSocketTellsThatItCouldNotBeAsked) {
-    expectText([] { return UniqueSocket(); }, 10038, L"GetSockOpt error: WSAENOTSOCK");
+    expectText([] { return NySe::UniqueSocket(); }, 10038, L"GetSockOpt error: WSAENOTSOCK");
 }
 
 }  // namespace

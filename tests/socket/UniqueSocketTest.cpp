@@ -8,15 +8,15 @@ bool isOpen(SOCKET socket) {
     return peers::optionOf(socket, SO_TYPE) == SOCK_STREAM;
 }
 
-// What every UniqueHandle does, shown with sockets.
+// What every NySe::UniqueHandle does, shown with sockets.
 TEST(UniqueSocketTest, ClosesTheHandleThatItHasAndNoOther) {
     const peers::WinsockSession winsock;
-    UniqueSocket first = peers::bindToLoopback();
-    UniqueSocket second = peers::bindToLoopback();
-    UniqueSocket third = peers::bindToLoopback();
+    NySe::UniqueSocket first = peers::bindToLoopback();
+    NySe::UniqueSocket second = peers::bindToLoopback();
+    NySe::UniqueSocket third = peers::bindToLoopback();
     const SOCKET handles[] = {first.get(), second.get(), third.get()};
 
-    UniqueSocket& same = first;
+    NySe::UniqueSocket& same = first;
     first = std::move(same);
     EXPECT_TRUE(isOpen(handles[0])) << "itself assigned";
     first.reset(second.release());
@@ -27,7 +27,7 @@ TEST(UniqueSocketTest, ClosesTheHandleThatItHasAndNoOther) {
     EXPECT_FALSE(isOpen(handles[1])) << "another assigned";
     EXPECT_TRUE(isOpen(handles[2]));
     EXPECT_EQ(third.get(), INVALID_SOCKET);
-    { const UniqueSocket last = std::move(first); }
+    { const NySe::UniqueSocket last = std::move(first); }
     EXPECT_FALSE(isOpen(handles[2])) << "destroyed";
     EXPECT_FALSE(first);
 }

@@ -6,7 +6,7 @@
 
 // A level that rises with the handles in use: a new handle takes the first free place.
 inline size_t handleLevel() {
-    std::array<UniqueKernelHandle, 64> probes;
+    std::array<NySe::UniqueKernelHandle, 64> probes;
     for (auto& probe : probes) probe.reset(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
     return reinterpret_cast<size_t>(probes.back().get()) / 4;
 }

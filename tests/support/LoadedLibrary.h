@@ -21,5 +21,5 @@ class LoadedLibrary {
     }
 
   private:
-    UniqueHandle<HMODULE, ::FreeLibrary> m_library;
+    NySe::UniqueHandle<HMODULE, ::FreeLibrary> m_library;
 };

@@ -68,6 +68,6 @@ class MessageBoxWatch {
     static inline MessageBoxWatch* current = nullptr;
 
     int m_answer;
-    UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook;
+    NySe::UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook;
     std::vector<Box> m_boxes;
 };

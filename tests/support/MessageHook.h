@@ -18,5 +18,5 @@ class MessageHook {
         return ::CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    const UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook;
+    const NySe::UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook;
 };

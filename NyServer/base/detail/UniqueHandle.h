@@ -5,6 +5,8 @@
 
 #include "NyServer/base/WindowsPrelude.h"
 
+namespace NySe {
+
 // The only owner of a handle, which `close` closes. `invalid` is the value that is not closed. A
 // new handle replaces and closes the old one.
 template <class Handle, auto close, Handle invalid = Handle{}>
@@ -46,3 +48,5 @@ using UniqueGlobalBlock = UniqueHandle<HGLOBAL, ::GlobalFree>;
 using UniqueRegistryKey = UniqueHandle<HKEY, ::RegCloseKey>;
 
 using UniqueSocket = UniqueHandle<SOCKET, ::closesocket, INVALID_SOCKET>;
+
+}  // namespace NySe

@@ -20,11 +20,12 @@ struct AfxSharedModule {
 // is already held when a module publishes its classes.
 class AfxClassChain {
   public:
-    // Guards everything below.
+    // Guards everything below. Not annotated: it is returned by a function, and is not held after a
+    // failed wait, which clang cannot follow.
     using Lock = std::unique_lock<std::timed_mutex>;
     static Lock lock();
-    // For a module that is being unloaded: stops waiting after a second. The process may be ending,
-    // and the thread that held the lock may have ended.
+    // For a module that is being unloaded: stops waiting after 1 s. The process may be ending, and
+    // the thread that held the lock may have ended.
     static Lock lockForUnload();
 
     static void registerClass(CRuntimeClass* newClass);
@@ -52,7 +53,7 @@ class AfxClassChain {
 
     // The caller owns `module` and withdraws it before it is destroyed.
     static void publish(AfxSharedModule& module);
-    // Without effect on a module that is not published.
+    // Has no effect on a module that is not published.
     static void withdraw(AfxSharedModule& module);
     static const AfxSharedModule* firstModule() { return sharedModules; }
 

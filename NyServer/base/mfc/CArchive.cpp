@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "CArchiveObjects.h"
+#include "AfxReadNumbers.h"
 
 // The operators copy values as they lie in memory.
 static_assert(std::endian::native == std::endian::little);
@@ -92,14 +92,14 @@ void CArchive::makeRoom(size_t count) {
     if (IsLoading()) throwWrongDirection();
     Flush();
     openWindow(count);
-    if (roomLeft() < count) AfxThrowMemoryException();
+    if (spaceLeft() < count) AfxThrowMemoryException();
 }
 
 void CArchive::Write(const void* buffer, int count) {
     if (IsLoading()) throwWrongDirection();
     if (count <= 0) return;
     const size_t bytes = static_cast<size_t>(count);
-    if (roomLeft() < bytes) {
+    if (spaceLeft() < bytes) {
         if (!m_direct && bytes > std::max(m_bufferSize, kSmallestBuffer)) {
             Flush();
             m_file->Write(buffer, static_cast<UINT>(count));

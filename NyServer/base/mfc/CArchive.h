@@ -12,9 +12,9 @@
 class CObject;
 struct CRuntimeClass;
 
-// The value types that travel as their own little-endian bytes: 1, 2, 4 or 8 of them. A LONG is 4
-// bytes everywhere; a type whose size depends on the platform (a native long) is left out, since
-// its bytes would.
+// The value types that are written as their own little-endian bytes: 1, 2, 4 or 8 of them. A LONG
+// is 4 bytes on every platform. A native long, whose size depends on the platform, is not among
+// them.
 template <class T>
 inline constexpr bool afxIsArchiveValue =
     std::is_same_v<T, BYTE> || std::is_same_v<T, char> || std::is_same_v<T, bool> ||
@@ -66,7 +66,7 @@ class NYBASE_API CArchive {
 
     template <class T>
     requires afxIsArchiveValue<T> CArchive& operator<<(T value) {
-        if (roomLeft() < sizeof value) [[unlikely]]
+        if (spaceLeft() < sizeof value) [[unlikely]]
             makeRoom(sizeof value);
         std::memcpy(m_out, &value, sizeof value);
         m_out += sizeof value;
@@ -155,7 +155,7 @@ class NYBASE_API CArchive {
     friend NYBASE_API CArchive& operator>>(CArchive& ar, CString& text);
 
     // In the window, in bytes; 0 if it is closed or the archive has the other direction.
-    size_t roomLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
+    size_t spaceLeft() const { return static_cast<size_t>(m_outEnd - m_out); }
     size_t unreadBytes() const { return static_cast<size_t>(m_inEnd - m_in); }
     [[noreturn]] void throwWrongDirection() const;
     // Provides at least `count` bytes of space at m_out; throws readOnly when loading.

@@ -1,4 +1,4 @@
-#include "afx.h"
+#include "NyServer/detail/ExceptionBoundary.h"
 
 #include "AfxClassChain.h"
 
@@ -6,11 +6,7 @@ CRuntimeClass CObject::classCObject = {
     "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
 
 void* PASCAL CObject::operator new(size_t bytes, const std::nothrow_t&) noexcept {
-    try {
-        return operator new(bytes);
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return NySe::zeroIfOutOfMemory([&] { return operator new(bytes); });
 }
 
 CRuntimeClass* CObject::GetRuntimeClass() const {
@@ -22,11 +18,7 @@ void CObject::Dump(CDumpContext&) const {}
 
 CObject* CRuntimeClass::CreateObject() const {
     if (m_pfnCreateObject == nullptr) return nullptr;
-    try {
-        return m_pfnCreateObject();
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return NySe::zeroIfOutOfMemory([this] { return m_pfnCreateObject(); });
 }
 
 BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass* base) const {

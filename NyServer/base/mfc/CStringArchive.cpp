@@ -55,7 +55,7 @@ UINT_PTR AfxReadStringLength(CArchive& ar, int& charSize) {
 
 CArchive& operator<<(CArchive& ar, const CString& text) {
     const size_t run = AfxShortText::bytesOf(text);
-    if (run == 0 || ar.roomLeft() < run) [[unlikely]]
+    if (run == 0 || ar.spaceLeft() < run) [[unlikely]]
         return writeAnyText(ar, text);
     AfxShortText::write(ar.m_out, text);
     ar.m_out += run;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "afx.h"
-#include "afxarray.h"
+#include "detail/AfxArray.h"
 
 // The extraction operators of these classes are exported with them.
 #undef AFX_API

@@ -150,7 +150,7 @@ class QoArray2 : public CTypedPtrArray<BASE, OBJECT*> {
         return low;
     }
 
-    // Whether this array owns its elements.
+    // Returns whether this array owns its elements.
     bool getDeleteObject() const { return m_deleteObject; }
     void setDeleteObject(bool deleteObject) { m_deleteObject = deleteObject; }
 

@@ -49,7 +49,8 @@ std::vector<BYTE> fieldsOf(QoObject2& record) {
 
 }  // namespace
 
-// Resolves references to records that the same load of a table has read. Made before it reads.
+// Resolves references to records that the same load of a table has read. REQUIRES: created before
+// the table reads.
 class QoArraySerial2::BackReferences {
   public:
     explicit BackReferences(const CArchive& ar)

@@ -2,12 +2,12 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <mutex>
 #include <new>
 #include <thread>
 #include <utility>
 
 #include "NyServer/base/support/ThreadBlocks.h"
+#include "NyServer/detail/ThreadAnnotations.h"
 
 // The address sanitizer checks blocks only if each is allocated separately.
 #if defined(__SANITIZE_ADDRESS__)
@@ -32,15 +32,26 @@ size_t blocksInBatch(size_t index) {
 
 // Held for a few instructions, and usable before and after every constructor and destructor, which
 // a mutex is not on every platform.
-class BriefLock {
+class NY_LOCK_TYPE("spin lock") SpinLock {
   public:
-    void lock() {
+    void lock() NY_ACQUIRES() {
         while (m_isHeld.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
     }
-    void unlock() { m_isHeld.clear(std::memory_order_release); }
+    void unlock() NY_RELEASES() { m_isHeld.clear(std::memory_order_release); }
 
   private:
     std::atomic_flag m_isHeld;
+};
+
+class NY_SCOPED_LOCK SpinLockHolder {
+  public:
+    explicit SpinLockHolder(SpinLock& lock) NY_ACQUIRES(lock) : m_lock(lock) { m_lock.lock(); }
+    ~SpinLockHolder() NY_RELEASES() { m_lock.unlock(); }
+    SpinLockHolder(const SpinLockHolder&) = delete;
+    SpinLockHolder& operator=(const SpinLockHolder&) = delete;
+
+  private:
+    SpinLock& m_lock;
 };
 
 // Batches of free blocks that no thread keeps. Any thread may use it at any time.
@@ -48,12 +59,12 @@ class Store {
   public:
     void put(size_t index, FreeBlock* batch) {
         if (batch == nullptr) return;
-        const std::scoped_lock lock(m_lock);
+        const SpinLockHolder lock(m_lock);
         batch->nextBatch = std::exchange(m_batches[index], batch);
     }
     FreeBlock* take(size_t index) {
         {
-            const std::scoped_lock lock(m_lock);
+            const SpinLockHolder lock(m_lock);
             if (FreeBlock* const batch = m_batches[index]) {
                 m_batches[index] = batch->nextBatch;
                 return batch;
@@ -75,8 +86,8 @@ class Store {
         return next;
     }
 
-    BriefLock m_lock;
-    std::array<FreeBlock*, kBlockSizes> m_batches{};
+    SpinLock m_lock;
+    std::array<FreeBlock*, kBlockSizes> m_batches NY_GUARDED_BY(m_lock){};
 };
 
 // Never destroyed: blocks are freed until the process ends.

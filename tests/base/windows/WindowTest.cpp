@@ -164,7 +164,7 @@ TEST_F(Window, OfAnUnknownClassIsNotMade) {
 class WindowVeto {
     static LRESULT CALLBACK refuse(int code, WPARAM, LPARAM) { return code == HCBT_CREATEWND; }
 
-    UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook{
+    NySe::UniqueHandle<HHOOK, ::UnhookWindowsHookEx> m_hook{
         ::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId())};
 };
 

@@ -11,16 +11,18 @@
 // A bit for each 16 bytes of memory: 64 in a word, 512 words in a page. Not for concurrent use.
 class AfxAddressSet {
   public:
-    // The word of the address before, which most objects of a type share with it. Each type has its
-    // own, which may hold bits that the set lacks: no two types have an address in common.
+    // A copy of one word of the set, kept by each type of objects: the next object of a type mostly
+    // lies in the same word as the last. Bits are added to the copy alone and written back by
+    // moveTo. Copies of two types may be of one word, because no two objects of different types
+    // have the same address.
     struct Word {
-        uintptr_t start = UINTPTR_MAX / 2;  // the first address of the word; at first none has it
+        uintptr_t start = UINTPTR_MAX / 2;  // the first address of the word; initially of none
         uint64_t bits = 0;
         uint64_t* stored = nullptr;
 
-        // False for null.
+        // Returns whether the word has a bit for the address; false for null.
         bool covers(const void* address) const { return placeOf(address) < kInWord; }
-        // False when the address, or another of the same 16 bytes, was in the set already.
+        // Returns false if the address, or another of the same 16 bytes, was in the set already.
         // REQUIRES: covers(address).
         bool insert(const void* address) {
             const uintptr_t place = placeOf(address);
@@ -33,7 +35,7 @@ class AfxAddressSet {
         }
     };
 
-    // Makes `word` cover an address.
+    // Writes `word` back and replaces it by the one that covers the address.
     [[gnu::noinline]] void moveTo(const void* address, Word& word) {
         if (word.stored != nullptr) *word.stored |= word.bits;
         const uintptr_t group = reinterpret_cast<uintptr_t>(address) / kGroup;

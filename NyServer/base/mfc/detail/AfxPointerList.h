@@ -22,15 +22,15 @@ class AfxPointerList {
         return (*m_blocks[index / kBlock])[index % kBlock];
     }
 
-    // False when the list is full.
+    // Returns false if the list is full.
     bool add(const void* pointer) {
         if (m_next == m_end && !addBlock()) [[unlikely]]
             return false;
         *m_next++ = pointer;
         return true;
     }
-    // So many take their places, from next() on, when addWritten is called.
-    size_t room() const { return static_cast<size_t>(m_end - m_next); }
+    // A caller may write up to space() pointers from next() on, and then calls addWritten.
+    size_t space() const { return static_cast<size_t>(m_end - m_next); }
     const void** next() const { return m_next; }
     void addWritten(size_t count) { m_next += count; }
 

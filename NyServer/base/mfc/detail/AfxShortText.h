@@ -6,21 +6,21 @@
 #include "AfxCopy.h"
 #include "NyServer/base/mfc/CString.h"
 
-// Before the characters go three bytes that mark a wide text and one with its length. They travel:
-// do not change them.
+// Three bytes that mark a wide text and one with its length precede the characters. They are on the
+// wire: do not change them.
 class AfxShortText {
   public:
     static constexpr BYTE kWidePrefix = 0xFF;
     static constexpr WORD kWideMark = 0xFFFE;
     static constexpr size_t kLongForm = 0xFF;  // characters from which on the length takes more
 
-    // How many bytes the text takes; 0 when it is not short.
+    // Returns the number of bytes that the text takes; 0 if it is not short.
     static size_t bytesOf(const CString& text) {
         const size_t length = static_cast<size_t>(text.GetLength());
         return length < kLongForm ? kPrefixBytes + length * sizeof(WCHAR) : 0;
     }
 
-    // REQUIRES: bytesOf(text) is not 0, and `target` has room for as many bytes.
+    // REQUIRES: bytesOf(text) is not 0, and `target` has space for that number of bytes.
     static void write(BYTE* target, const CString& text) {
         const size_t length = static_cast<size_t>(text.GetLength());
         const DWORD prefix = kPrefix | static_cast<DWORD>(length) << 24;
@@ -28,13 +28,13 @@ class AfxShortText {
         afxCopyShort(target + kPrefixBytes, text.GetString(), length * sizeof(WCHAR));
     }
 
-    // Whether one begins there. REQUIRES: kPrefixBytes bytes.
+    // Returns whether one begins there. REQUIRES: kPrefixBytes bytes.
     static bool isAt(const BYTE* start) {
         DWORD prefix;
         std::memcpy(&prefix, start, kPrefixBytes);
         return (prefix & 0xFFFFFF) == kPrefix && lengthAt(start) < kLongForm;
     }
-    // In characters. REQUIRES: isAt(start).
+    // Returns the length in characters. REQUIRES: isAt(start).
     static size_t lengthAt(const BYTE* start) { return start[kPrefixBytes - 1]; }
 
     static constexpr size_t kPrefixBytes = sizeof(DWORD);

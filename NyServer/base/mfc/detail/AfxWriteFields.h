@@ -1,6 +1,6 @@
 // CArchive::WriteFields. Internal to the class library.
 //
-// Wins: records of a fixed size are written with one look at the room and no call, which takes
+// Wins: records of a fixed size are written with one check of the space and no call, which takes
 // half the time off a table of locks with three holders each.
 #pragma once
 
@@ -30,10 +30,10 @@ template <class T, bool ANYWHERE, class FieldsOf>
     using Fields = std::remove_cvref_t<std::invoke_result_t<FieldsOf, const T&>>;
     static_assert(std::has_unique_object_representations_v<Fields>);
     // A loading archive has written nothing.
-    if (m_written == nullptr || !m_written->hasRoomFor(count)) return false;
+    if (m_written == nullptr || !m_written->hasSpaceFor(count)) return false;
     WrittenType* const known = m_written->typeOf(typeid(T));
     const size_t bytes = sizeof(WORD) + count * (sizeof(WORD) + sizeof(Fields));
-    if (known == nullptr || known->tag == 0 || roomLeft() < bytes) return false;
+    if (known == nullptr || known->tag == 0 || spaceLeft() < bytes) return false;
     const WORD shortCount = static_cast<WORD>(count);
     const WORD tag = known->tag;
     BYTE* out = m_out + sizeof shortCount;

@@ -25,18 +25,20 @@ inline constexpr DWORD kLastNumber = 0x3FFFFFFE;
 inline constexpr WORD kLongestClassName = 63;
 }  // namespace AfxTags
 
-// A type of objects. Each object is of one, and no two that live share an address.
+// A type of objects. Each object has one, and no two living objects share an address.
 struct CArchive::WrittenType {
     const std::type_info* type;
-    WORD tag;  // of their class; 0 when that was not written, or its tag takes 4 bytes
+    WORD tag;  // of their class; 0 if it was not written, or its tag takes 4 bytes
     AfxAddressSet::Word word;
 };
 
-// A number is a place in the list of what was written. Nearly every object is new, which the set of
-// addresses tells; the map from objects to numbers is filled when one may have come again.
+// The number of an object is its place in the list of what was written. Nearly every object is new,
+// which is found in the set of addresses. The map from objects to numbers is filled when an object
+// may have been written before.
 class CArchive::WrittenNumbers {
   public:
-    // Null when none was written or mapped. Valid until the archive is closed.
+    // Returns null if no object of the type was written or mapped. Valid until the archive is
+    // closed.
     WrittenType* typeOf(const std::type_info& type) {
         for (WrittenType& known : m_types) {
             if (known.type == &type) return &known;  // not by ==, which compares names
@@ -44,24 +46,24 @@ class CArchive::WrittenNumbers {
         return nullptr;
     }
 
-    // The number of a class or an object written earlier; 0 for a new one.
+    // Return the number of a class or an object written earlier; 0 for a new one.
     DWORD numberOfClass(const CRuntimeClass* pClass) const;
     DWORD numberOfObject(const CObject* object);
 
     // Give the next number to a new class, to a new object (of that class, or without one), or to
-    // nothing; false when all are used up.
+    // nothing. Return false if none is left.
     bool addClass(const CRuntimeClass* pClass);
     bool addObject(const CObject* object, const CRuntimeClass* pClass);
     bool addObject(const CObject* object) { return m_list.add(object); }
     bool skipNumber() { return m_list.add(nullptr); }
 
-    // Gives the next number to an object of that type. False, with none given, when it was or may
-    // have been written earlier.
+    // Gives the next number to an object of that type. Returns false, with none given, if it was or
+    // may have been written earlier.
     bool addNew(const CObject* object, WrittenType& known) {
         return isNew(object, known) && m_list.add(object);
     }
-    // The same for many, each of which `write` is called with. Also false when one of them is null
-    // or of another type, or, unless ANYWHERE, does not lie near those before.
+    // Does so for many, and calls `write` with each. Also returns false if one of them is null or
+    // of another type, or, unless ANYWHERE, lies in another word of the set than the last one.
     template <bool ANYWHERE, class Write>
     bool addNew(const CObject* const* objects, size_t count, WrittenType& known, Write write) {
         const std::type_info* const type = known.type;
@@ -82,7 +84,7 @@ class CArchive::WrittenNumbers {
         m_list.addWritten(count);
         return true;
     }
-    bool hasRoomFor(size_t count) const { return m_list.room() >= count; }
+    bool hasSpaceFor(size_t count) const { return m_list.space() >= count; }
 
   private:
     struct Class {
@@ -100,5 +102,5 @@ class CArchive::WrittenNumbers {
     std::forward_list<WrittenType> m_types;  // the newest first
     AfxAddressSet m_seen;                    // all objects in the list, and more
     std::unordered_map<const void*, DWORD> m_numbers;
-    size_t m_inMap = 0;  // so many of the list are in m_numbers
+    size_t m_inMap = 0;  // the number of pointers of the list that are in m_numbers
 };

@@ -28,8 +28,8 @@ class ModulePin {
     ModulePin(const ModulePin&) = delete;
     ModulePin& operator=(const ModulePin&) = delete;
 
-    // False if it has already been freed. A file mapped for its resources alone cannot be pinned;
-    // its owner keeps it mapped while a module is linked with it.
+    // Returns false if it has already been freed. A file mapped for its resources alone cannot be
+    // pinned; its owner keeps it mapped while a module is linked with it.
     explicit operator bool() const { return m_isDataFile || m_module != nullptr; }
 
   private:

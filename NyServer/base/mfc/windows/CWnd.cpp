@@ -78,14 +78,8 @@ struct AfxWindowProcedure {
 
     static LRESULT callSafely(CWnd& object, HWND window, UINT message, WPARAM wParam,
                               LPARAM lParam) noexcept {
-        try {
-            return object.WindowProc(message, wParam, lParam);
-        } catch (CException* exception) {
-            exception->Delete();
-        } catch (...) {
-            // No exception may pass through the system's code.
-        }
-        return answerToException(window, message);
+        return NySe::resultOr(answerToException(window, message),
+                              [&] { return object.WindowProc(message, wParam, lParam); });
     }
 
     static void attach(CWnd& object, HWND window) {
@@ -107,13 +101,7 @@ struct AfxWindowProcedure {
 
     static void finish(CWnd& object) noexcept {
         release(object);
-        try {
-            object.PostNcDestroy();
-        } catch (CException* exception) {
-            exception->Delete();
-        } catch (...) {
-            // As above.
-        }
+        NySe::succeeds([&] { object.PostNcDestroy(); });
     }
 };
 

@@ -7,9 +7,7 @@
 
 #include "detail/AfxWrittenNumbers.h"
 
-using namespace AfxTags;
-
-// Nested deeper than any honest archive; keeps a hostile one from using up the stack.
+// Deeper than any archive that was written here; a hostile one must not use up the stack.
 inline constexpr int kDeepestNesting = 100;
 
 // The classes and objects that a loading archive has read.
@@ -20,7 +18,7 @@ class CArchive::ReadNumbers {
         UINT schema = 0;  // as stored
     };
 
-    // The number given; 0 when all are used up.
+    // Return the number given; 0 if none is left.
     DWORD addObject(CObject* object) { return add(reinterpret_cast<uintptr_t>(object)); }
     DWORD addClass(const Class& added) {
         m_classes.push_back(added);
@@ -29,18 +27,18 @@ class CArchive::ReadNumbers {
 
     DWORD last() const { return static_cast<DWORD>(m_entries.size()); }
 
-    // What bears that number: null when it is no class.
+    // Returns the class with that number; null if there is none.
     const Class* findClass(DWORD number) const {
         const uintptr_t entry = find(number);
         return (entry & kIsClass) != 0 ? &m_classes[(entry >> 1) - 1] : nullptr;
     }
-    // Null when it is no object, or one that could not be read.
+    // Returns the object with that number; null if there is none, or it could not be read.
     CObject* findObject(DWORD number) const {
         const uintptr_t entry = find(number);
         return (entry & kIsClass) != 0 ? nullptr : reinterpret_cast<CObject*>(entry);
     }
 
-    // The objects from that number on are gone: a read has failed half-way.
+    // Removes the objects from that number on: reading one of them has failed.
     void forgetFrom(DWORD number) {
         for (; number <= m_entries.size(); ++number) {
             if ((m_entries[number - 1] & kIsClass) == 0) m_entries[number - 1] = 0;
@@ -54,7 +52,7 @@ class CArchive::ReadNumbers {
         return number >= 1 && number <= m_entries.size() ? m_entries[number - 1] : 0;
     }
     DWORD add(uintptr_t entry) {
-        if (m_entries.size() >= kLastNumber) return 0;
+        if (m_entries.size() >= AfxTags::kLastNumber) return 0;
         m_entries.push_back(entry);
         return static_cast<DWORD>(m_entries.size());
     }

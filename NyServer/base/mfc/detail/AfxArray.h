@@ -2,7 +2,7 @@
 // CStringArray.
 #pragma once
 
-#include "CArchive.h"
+#include "NyServer/base/mfc/CArchive.h"
 #include "NyServer/base/support/detail/SmallBlocks.h"
 
 #include <utility>
