@@ -185,6 +185,18 @@ TEST_F(SharedRecords, NumbersBecomeLong) {
     expectPlainBytes(m_table, m_other);
 }
 
+TEST_F(SharedRecords, ClassMayHaveALongNumber) {
+    constexpr int kMapped = 0x7FFF;
+    makeLocks(1);
+    PlainWriter plain;
+    for (int i = 0; i < kMapped; ++i) plain.map(nullptr);
+    plain.holders(lock(0).getHolders());
+    EXPECT_TRUE(plain.bytes() == stored([&](CArchive& ar) {
+                    for (int i = 0; i < kMapped; ++i) ar.MapObject(nullptr);
+                    lock(0).getHolders().Serialize(ar);
+                }));
+}
+
 TEST_F(SharedRecords, LockMayHaveManyHoldersOrNone) {
     makeLocks(2, 0);
     makeLocks(1, 5000);
