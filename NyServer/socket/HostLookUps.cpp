@@ -14,7 +14,8 @@ bool isReallyCancelled(HANDLE request) {
 
 }  // namespace
 
-// Held during the request, so that an announcement that comes at once waits until it is recorded.
+// Held during the request, so that an announcement that arrives immediately waits until it is
+// recorded.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
     return NySe::zeroIfOutOfMemory([&] {
         const NySe::MutexLock lock(m_mutex);
