@@ -6,11 +6,10 @@
 //   W3/encode/*  W3/decode/*   one request for a lock
 //   .../library                the message file and the records of this library
 //   .../library-borrowed       W1 from a table that does not own its locks
-//   .../library-behind         W1 with the table behind a lock in the same archive
+//   .../library-after-lock     W1 from an archive that holds a lock before the table
 //   .../library-shuffled       W1 from a table whose locks lie in memory in no order
 //   .../library-among-4        W1 while three other threads write the same table (not for Windows,
-//   where times are those
-//                              of a clock)
+//                              where times are those of a clock)
 //   .../library-fresh          W3 with a message file made for each request
 //   .../floor                  the same values written and read by hand (FloorCodec.h)
 //   .../memcpy                 a copy of as many bytes as the floor writes
@@ -149,7 +148,7 @@ void addBorrowedLocks(const char* name, Arrange arrange) {
     });
 }
 
-struct LocksBehindALock {
+struct LocksAfterALock {
     View encode(const NySeLockArray& table) {
         m_message.startWrite(NySe::schema2015);
         m_message.writeObject(m_first);
@@ -198,7 +197,7 @@ class Writers {
 void addLocks() {
     addBorrowedLocks("W1/encode/library-borrowed", &BorrowedLocks::borrow);
     addBorrowedLocks("W1/encode/library-shuffled", &BorrowedLocks::borrowShuffled);
-    addLockEncoding<LocksBehindALock>("W1/encode/library-behind", [](const auto&) { return 0; });
+    addLockEncoding<LocksAfterALock>("W1/encode/library-after-lock", [](const auto&) { return 0; });
 #ifndef _WIN32
     addLockEncoding<LockCodec>("W1/encode/library-among-4", [](const NySeLockArray& table) {
         constexpr size_t others = 3;

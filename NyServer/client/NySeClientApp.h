@@ -36,8 +36,8 @@ class NYSERVER_API NySeClientApp {
     virtual ~NySeClientApp();
 
     // Returns 0 when connected, 90 on any failure. address: a dotted IPv4 address or a host name,
-    // in ANSI characters. The time-out is ignored: the system's own applies. The session schema is
-    // 0 afterwards, until initializeSchema. After a failure the object may connect again; getPort
+    // in ANSI characters. `timeout` is ignored: that of the system applies. The session schema is 0
+    // afterwards, until initializeSchema. After a failure the object may connect again; getPort
     // and getStrAddress then return what they say below.
     // REQUIRES: not connected; the socket of an open connection would be lost.
     int connect(int port, const char* address, int timeout);

@@ -23,9 +23,9 @@ class NYSERVER_API NySeLock : public QoObject2 {
     NYSERVER_INLINE const NySeSessionLockPtrArray& getHolders() const { return m_holders; }
 
     // Returns whether `mode` (NySe::ShareMode) may be granted in addition to the current holders:
-    // not if it requests access (access1 or access2) and a holder excludes others (exclude1 or
-    // exclude2). The excluding bits of `mode` itself are not compared with the holders, and an
-    // earlier grant of the same session counts like any other.
+    // not if it requests access (access1 or access2) and a holder has exclude1 or exclude2. The
+    // exclude bits of `mode` itself are not compared with the holders, and an earlier grant of the
+    // same session counts like any other.
     bool seekShareMode(unsigned int mode) const;
 
     // Removes all grants of that user's session, if any.

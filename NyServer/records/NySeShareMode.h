@@ -1,16 +1,17 @@
-// The share mode of a lock: what a session requests, and what it excludes while it holds the lock.
+// The share mode of a lock: what a session requests, and what it refuses while it holds the lock.
 // NySeLock::seekShareMode defines which modes are compatible.
 #pragma once
 
 #include <string>
 
 // The bits with a meaning: X(word, value). They are on the wire and stored: do not change a value.
+// exclude1 and exclude2 have the same effect.
 // clang-format off
 #define NYSE_SHARE_MODES(X) \
     X(access1, 0x01)  /* requests access of the first kind */ \
     X(access2, 0x02)  /* requests access of the second kind */ \
-    X(exclude1, 0x08) /* refuses later requests for access, first kind */ \
-    X(exclude2, 0x10) /* refuses later requests for access, second kind */
+    X(exclude1, 0x08) /* refuses later requests for access of either kind, by any session */ \
+    X(exclude2, 0x10) /* refuses later requests for access of either kind, by any session */
 // clang-format on
 
 namespace NySe {

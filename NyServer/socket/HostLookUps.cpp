@@ -14,7 +14,7 @@ bool isReallyCancelled(HANDLE request) {
 
 }  // namespace
 
-// Held during the request, so that an announcement that arrives before its return waits until it is
+// Held during the request, so that an announcement that arrives immediately waits until it is
 // recorded.
 bool HostLookUps::start(const std::function<HANDLE()>& request) {
     return NySe::zeroIfOutOfMemory([&] {

@@ -25,30 +25,30 @@ trap cleanup EXIT
 
 heading() { printf '\n* %s\n' "$*"; }
 
-# says NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $answer afterwards.
-says() {
-  begins "$@"
-  hears "$1"
+# request NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $reply afterwards.
+request() {
+  send "$@"
+  show_reply "$1"
 }
 
-# begins NAME COMMAND: sends one line to the user's shell.
-begins() {
+# send NAME COMMAND: sends one line to the user's shell.
+send() {
   printf '%s> nyctl %s\n' "$1" "${*:2}"
   printf '%s\necho =\n' "${*:2}" >&"${shells[$1]}"
 }
 
-# hears NAME [TEXT]: shows the reply up to the mark, or up to the line with the text; it is in $answer afterwards.
-hears() {
+# show_reply NAME [TEXT]: shows the reply up to the mark, or up to the line with the text; it is in $reply afterwards.
+show_reply() {
   local line
-  answer=
-  while IFS= read -r -t 60 line <&"${answers[$1]}"; do
+  reply=
+  while IFS= read -r -t 60 line <&"${replies[$1]}"; do
     line=${line%$'\r'}
     [ "$line" != = ] || return 0
     printf '    %s\n' "$line"
-    answer+=$line$'\n'
+    reply+=$line$'\n'
     [ $# -eq 1 ] || [[ $line != *"$2"* ]] || return 0
   done
-  fail "$1 gets no answer"
+  fail "$1 gets no reply"
 }
 
 fail() {
@@ -56,19 +56,19 @@ fail() {
   exit 1
 }
 
-# expect TEXT: fails unless the text is in $answer.
-expect() { [[ $answer == *"$1"* ]] || fail "this should say \"$1\""; }
-expect_not() { [[ $answer != *"$1"* ]] || fail "this should not say \"$1\""; }
+# expect TEXT: fails unless the text is in $reply; expect_not TEXT: fails if it is.
+expect() { [[ $reply == *"$1"* ]] || fail "the reply has no \"$1\""; }
+expect_not() { [[ $reply != *"$1"* ]] || fail "the reply has \"$1\""; }
 
-# starts NAME DESCRIPTOR: a shell of that user, on one connection, fed through the descriptor.
-declare -A shells answers
-starts() {
+# start_shell NAME: starts a shell of that user, on one connection.
+declare -A shells replies
+start_shell() {
   local name=$1
   mkfifo "$work/$name.in" "$work/$name.out"
   run nyctl --server "$server" --user "$name" shell < "$work/$name.in" > "$work/$name.out" 2>&1 &
   case $name in
-    anna) exec 3> "$work/$name.in" 5< "$work/$name.out"; shells[$name]=3 answers[$name]=5 ;;
-    bob) exec 4> "$work/$name.in" 6< "$work/$name.out"; shells[$name]=4 answers[$name]=6 ;;
+    anna) exec 3> "$work/$name.in" 5< "$work/$name.out"; shells[$name]=3 replies[$name]=5 ;;
+    bob) exec 4> "$work/$name.in" 6< "$work/$name.out"; shells[$name]=4 replies[$name]=6 ;;
   esac
 }
 
@@ -81,70 +81,70 @@ await test -s "$work/port" || { cat "$work/central.log" >&2; exit 1; }
 server=127.0.0.1:$(tr -d '\r\n' < "$work/port")
 sed 's/^/    /' "$work/central.log"
 
-starts anna
-starts bob
+start_shell anna
+start_shell bob
 
-heading "Anna asks whether it is alive, and both register"
-says anna ping
+heading "Anna checks that the server is alive, and both register"
+request anna ping
 expect 'alive: true'
-says anna register
+request anna register
 expect 'user: anna'
-says bob register
+request bob register
 expect 'user: bob'
-says anna users
+request anna users
 expect 'anna  1'
 expect 'bob   2'
 
-heading "Bob watches; Anna takes a lock that excludes others, and Bob is notified"
-begins bob watch --count 1 --timeout 60
-hears bob 'listening on port'
-says anna lock part/42 --mode 0x18
+heading "Bob watches; Anna takes a lock that refuses later requests, and Bob is notified"
+send bob watch --count 1 --timeout 60
+show_reply bob 'listening on port'
+request anna lock part/42 --mode 0x18
 expect 'granted: true'
 echo "bob, who watches:"
-hears bob
+show_reply bob
 expect '50 a lock was granted  NySeLock: part/42, held by session 1 (exclude1+exclude2)'
 
-heading "Bob is refused what Anna has locked"
-says bob lock part/42 --mode 0x01
+heading "Bob requests it and is refused"
+request bob lock part/42 --mode 0x01
 expect 'granted: false'
-says bob locks
+request bob locks
 expect 'exclude1+exclude2'
 
-heading "Anna releases it; Bob asks again and gets it"
-says anna unlock part/42
-says bob lock part/42 --mode 0x01
+heading "Anna releases it; Bob requests it again, and it is granted"
+request anna unlock part/42
+request bob lock part/42 --mode 0x01
 expect 'granted: true'
-says anna holders part/42
+request anna holders part/42
 expect bob
 
 heading "Both open the same connection, and both close it; its id is reused"
-says anna "open 'Server=a;Db=b'"
+request anna "open 'Server=a;Db=b'"
 expect 'id: 0'
-says bob "open 'server=A;db=B'"
+request bob "open 'server=A;db=B'"
 expect 'id: 0'
-says anna openers 0
+request anna openers 0
 expect anna
 expect bob
-says anna close 0
-says bob close 0
-says bob connections
+request anna close 0
+request bob close 0
+request bob connections
 expect_not Server
-says bob "open 'Server=c;Db=d'"
+request bob "open 'Server=c;Db=d'"
 expect 'id: 0'
 
 heading "The server information"
-says anna info
+request anna info
 expect 'COLLABORATIVE SERVER INFORMATION'
 
 heading "Bob disconnects; his locks and connections are released"
 exec 4>&-
 has_left() { [[ $(run nyctl --server "$server" --json users) != *bob* ]]; }
 await has_left
-says anna users
+request anna users
 expect_not bob
-says anna locks
+request anna locks
 expect_not part/42
-says anna connections
+request anna connections
 expect_not Server
 
 heading "The server stops"

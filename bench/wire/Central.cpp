@@ -56,9 +56,9 @@ class ListeningUser {
 };
 
 // A port on which connections are accepted and nothing is ever read.
-class DeadListener {
+class StalledListener {
   public:
-    DeadListener() {
+    StalledListener() {
         const int smallest = 1;
         ::setsockopt(m_socket.get(), SOL_SOCKET, SO_RCVBUF,
                      reinterpret_cast<const char*>(&smallest), sizeof smallest);
@@ -114,7 +114,7 @@ void timeWithoutListener(const bench::WireOptions& options) {
     }
 }
 
-void timeWithLivingListener(const bench::WireOptions& options) {
+void timeWithListener(const bench::WireOptions& options) {
     const ListenerRow listeners(1);
     CentralProgram program(L"--ports " + listeners.range());
     const ListeningUser user(program.port());
@@ -123,11 +123,11 @@ void timeWithLivingListener(const bench::WireOptions& options) {
                    "the listener was not notified");
 }
 
-void timeWithDeadListener(const bench::WireOptions& options) {
-    const DeadListener listener;
+void timeWithStalledListener(const bench::WireOptions& options) {
+    const StalledListener listener;
     CentralProgram program(L"--ports " + listener.range());
     const ListeningUser user(program.port());
-    timeClients("10 clients, one listener, which is dead", program.port(), 10, options);
+    timeClients("10 clients, one listener that never reads", program.port(), 10, options);
 }
 
 }  // namespace
@@ -137,6 +137,6 @@ void bench::runCentral(const WireOptions& options) {
         "| `lock` of nycentral | a second | p50, us | p99, us | p99.9, us |\n"
         "|---|---:|---:|---:|---:|\n");
     timeWithoutListener(options);
-    timeWithLivingListener(options);
-    timeWithDeadListener(options);
+    timeWithListener(options);
+    timeWithStalledListener(options);
 }

@@ -1,5 +1,5 @@
-// How long it takes to talk, under Wine, beside the calls of the system that it cannot be done
-// without. bench-wire PART... [--seconds S] [--connections N]
+// Times of requests and notifications under Wine, compared with the least system calls that they
+// need. bench-wire PART... [--seconds S] [--connections N]
 //
 //   requests        isAlive, lock, and unLock followed by lock; beside send, select and recv of the
 //                   same bytes
@@ -8,7 +8,7 @@
 //   connections     what N connections held open take in memory and handles: the listener's and
 //                   nycentral's
 //   central         nycentral's requests a second and their times, with 1, 10 and 100 clients, and
-//                   while a listener lives or is dead
+//                   while a listener reads its notifications or never does
 //   hold PORT       nothing of its own: the other ends of the listener's connections
 //
 // S: seconds for each group of rows. The first two parts are meant for one core.

@@ -27,14 +27,15 @@ start_central() {
   port=$(tr -d '\r\n' < "$work/port")
 }
 
-# is_open: whether the server has told its port, or never will.
+# is_open: whether the server has written its port, or has ended.
 is_open() {
   [ -s "$work/port" ] || gone "$central"
 }
 
-# settle STAYING: until the server has let everybody go but so many clients, so that nobody is met by who comes next.
+# settle STAYING: waits until at most so many clients are connected, so that the next command meets no session of an
+# earlier one.
 settle() {
-  await is_settled "$1" || fail "more than $1 clients stay"
+  await is_settled "$1" || fail "more than $1 connections stay open"
 }
 is_settled() {
   local staying
@@ -43,13 +44,13 @@ is_settled() {
   [ "$staying" -le "$1" ]
 }
 
-# expect_stopped: waits for the end of the server, which has been asked for.
+# expect_stopped: waits until the server has ended, which has been requested.
 expect_stopped() {
   local stopping=$central
   await gone "$stopping" || { fail "nycentral goes on"; return; }
   central=
   wait "$stopping" || fail "nycentral ended with $?"
-  grep -q '^stopping' "$work/central.log" || fail "nycentral did not say that it stops"
+  grep -q '^stopping' "$work/central.log" || fail "nycentral did not print that it stops"
 }
 
 # report: the last line, and the status.

@@ -290,14 +290,14 @@ TEST(WiresharkNotifications, HaveTheirNumbers) {
     }
 }
 
-// A listener reads on behind a negative length, and knows no bare codes.
+// A listener reads on after a negative length, and knows no bare actions.
 const Talk listener({asks(request(50)), asks(wireOf<LONG>(52) + wireOf<LONG>(-1) + request(106) +
                                              request(49) + request(53))},
                     Talk::On::anyPort);
 
 TEST(WiresharkNotifications, AreReadAsAListenerReadsThem) {
     EXPECT_THAT(listener.lines(), ElementsAre("notification 50",
-                                              "notification 52 of impossible length; getVersion; "
+                                              "notification 52 with an invalid length; getVersion; "
                                               "unknown action; notification 53"));
     EXPECT_TRUE(listener[1].has("bad_length"));
 }

@@ -42,7 +42,7 @@ TEST(WiresharkSettings, NamePortsOfServers) {
 
 TEST(WiresharkSettings, SayHowLongAPayloadMayBe) {
     EXPECT_EQ(3u, found(listOf(hello(), "-o nyserver.ports:30000-30010 -o nyserver.longest:3"),
-                        "initializeSchema of impossible length; not understood"));
+                        "initializeSchema with an invalid length; not decoded"));
 }
 
 }  // namespace

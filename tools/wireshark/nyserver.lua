@@ -13,7 +13,7 @@ local f, remarks = known.fields, known.remarks
 
 local kHeader = 4 + 4
 local kLength = 4
-local kGoodBye = 666
+local kDisconnect = 666
 
 local nyserver = Proto("nyserver", "NyServer")
 nyserver.fields = f
@@ -34,7 +34,7 @@ function nyserver.init()
     notes = {}
 end
 
-local function is_absurd(length)
+local function is_invalid(length)
     return length < 0 or length > nyserver.prefs.longest
 end
 
@@ -46,12 +46,12 @@ local function may_be_request(tvb, at)
     if not row then return false end
     if row.bare or left < kHeader then return true end
     local length = tvb:range(at + 4, 4):le_int()
-    return not is_absurd(length) and length >= row.least and length <= row.most
+    return not is_invalid(length) and length >= row.least and length <= row.most
 end
 
 -- Returns the offset after the message at `at`; nil if the bytes there are not a request, or not the start of one in
 -- the library's own form.
-local function behind_request(tvb, at)
+local function end_of_request(tvb, at)
     if not may_be_request(tvb, at) then return nil end
     local row = messages[tvb:range(at, 4):le_int()]
     if row.bare then return at + 4 end
@@ -67,21 +67,21 @@ end
 local function is_recognised(tvb)
     local at = 0
     while at and at + 4 <= tvb:len() do
-        at = behind_request(tvb, at)
+        at = end_of_request(tvb, at)
     end
     return at ~= nil and at > 0
 end
 
 -- Whether this port is in the preference.
-local function serves(port)
+local function is_server_port(port)
     for first, last in nyserver.prefs.ports:gmatch "(%d+)%-?(%d*)" do
         if port >= tonumber(first) and port <= (tonumber(last) or tonumber(first)) then return true end
     end
     return false
 end
 
-local function source_asks(tvb, pinfo)
-    if serves(pinfo.dst_port) ~= serves(pinfo.src_port) then return serves(pinfo.dst_port) end
+local function source_sends_requests(tvb, pinfo)
+    if is_server_port(pinfo.dst_port) ~= is_server_port(pinfo.src_port) then return is_server_port(pinfo.dst_port) end
     return may_be_request(tvb, 0)
 end
 
@@ -97,11 +97,11 @@ end
 local function new_conversation(tvb, pinfo)
     local source, target = end_point(pinfo.src, pinfo.src_port), end_point(pinfo.dst, pinfo.dst_port)
     return {
-        asker = source_asks(tvb, pinfo) and source or target,
-        open = {}, -- requests to be answered, from number `oldest` on
+        requester = source_sends_requests(tvb, pinfo) and source or target,
+        open = {}, -- requests without a reply yet, from number `oldest` on
         oldest = 1,
         newest = 0,
-        lost = {}, -- directions that cannot be followed any more
+        lost = {}, -- directions that cannot be decoded any more
     }
 end
 
@@ -110,7 +110,8 @@ local function conversation_of(tvb, pinfo)
     if pinfo.visited and notes[pinfo.number] then return notes[pinfo.number].conversation end
     local name = name_of(pinfo)
     local conversation = conversations[name]
-    local is_over = conversation and conversation.is_over and conversation.asker == end_point(pinfo.src, pinfo.src_port)
+    local source = end_point(pinfo.src, pinfo.src_port)
+    local is_over = conversation and conversation.is_over and conversation.requester == source
     if not conversation or is_over then
         conversation = new_conversation(tvb, pinfo)
         conversations[name] = conversation
@@ -120,13 +121,13 @@ local function conversation_of(tvb, pinfo)
 end
 
 -- Returns what the first pass has recorded, or records now, about the next message of the frame.
-local function note_of(conversation, pinfo, asks)
+local function note_of(conversation, pinfo, is_request)
     local place = tonumber(pinfo.private.nyserver_place or 1)
     local frame = notes[pinfo.number]
     if not pinfo.visited or not frame[place] then
         frame[place] = {
-            lost = conversation.lost[asks],
-            request = asks and {} or conversation.open[conversation.oldest],
+            lost = conversation.lost[is_request],
+            request = is_request and {} or conversation.open[conversation.oldest],
             notifies = conversation.notifies,
         }
     end
@@ -137,27 +138,27 @@ local function step_to_next_note(pinfo)
     pinfo.private.nyserver_place = tostring(tonumber(pinfo.private.nyserver_place or 1) + 1)
 end
 
-local function expects_answer(row)
+local function has_reply(row)
     return (row.scalar or row.message) ~= nil
 end
 
 -- Records on the first pass that a message is complete.
-local function settle(conversation, pinfo, asks, message)
+local function settle(conversation, pinfo, is_request, message)
     local request = message.note.request
-    if message.is_absurd and not (asks and message.note.notifies and message.length < 0) then
-        conversation.lost[asks] = true
+    if message.has_invalid_length and not (is_request and message.note.notifies and message.length < 0) then
+        conversation.lost[is_request] = true
     end
-    if asks then
+    if is_request then
         if message.row.notification then conversation.notifies = true end
-        if message.action == kGoodBye then conversation.is_over = true end
+        if message.action == kDisconnect then conversation.is_over = true end
         request.action, request.row = message.action, message.row
         request.frame, request.time = pinfo.number, pinfo.abs_ts
-        if expects_answer(message.row) then
+        if has_reply(message.row) then
             conversation.newest = conversation.newest + 1
             conversation.open[conversation.newest] = request
         end
     elseif request then
-        request.answer_frame = pinfo.number
+        request.reply_frame = pinfo.number
         message.note.seconds = pinfo.abs_ts - request.time
         conversation.open[conversation.oldest] = nil
         conversation.oldest = conversation.oldest + 1
@@ -167,7 +168,7 @@ end
 -- The extent of a message: these return its `size` as far as known from the bytes so far, and `is_open` while more
 -- bytes may make it larger.
 
-local function measure_question(tvb, at, note)
+local function measure_request(tvb, at, note)
     local left = tvb:len() - at
     if left < 4 then return { size = 4, is_open = true } end
     local action = tvb:range(at, 4):le_int()
@@ -179,12 +180,12 @@ local function measure_question(tvb, at, note)
         return message
     end
     message.length = tvb:range(at + 4, 4):le_int()
-    message.is_absurd = is_absurd(message.length)
-    if not message.is_absurd then message.size = kHeader + message.length end
+    message.has_invalid_length = is_invalid(message.length)
+    if not message.has_invalid_length then message.size = kHeader + message.length end
     return message
 end
 
-local function measure_answer(tvb, at, note)
+local function measure_reply(tvb, at, note)
     local left = tvb:len() - at
     if not note.request then return { size = left } end
     local row = note.request.row
@@ -206,14 +207,14 @@ local function measure_answer(tvb, at, note)
     end
     message.length = tvb:range(at + message.length_at, kLength):le_int()
     -- A client treats a negative length as an empty message.
-    message.is_absurd = message.length > nyserver.prefs.longest
-    if not message.is_absurd then message.size = message.size + math.max(message.length, 0) end
+    message.has_invalid_length = message.length > nyserver.prefs.longest
+    if not message.has_invalid_length then message.size = message.size + math.max(message.length, 0) end
     return message
 end
 
-local function measure(tvb, at, note, asks)
+local function measure(tvb, at, note, is_request)
     if note.lost then return { size = tvb:len() - at } end
-    return asks and measure_question(tvb, at, note) or measure_answer(tvb, at, note)
+    return is_request and measure_request(tvb, at, note) or measure_reply(tvb, at, note)
 end
 
 -- The tree
@@ -224,7 +225,7 @@ end
 
 local function show_length(tree, tvb, at, message)
     local item = tree:add_le(f.length, tvb:range(at, kLength))
-    if message.is_absurd then
+    if message.has_invalid_length then
         item:add_proto_expert_info(remarks.bad_length)
     elseif message.length < 0 then
         item:add_proto_expert_info(remarks.negative_length)
@@ -238,73 +239,73 @@ local function show_payload(tree, tvb, first, last, read)
     return Archive.new(tvb, first, last, item):decode(read)
 end
 
-local function show_question(tree, tvb, at, message)
+local function show_request(tree, tvb, at, message)
     local last = math.min(at + message.size, tvb:len())
     local row, request = message.row, message.note.request
     local action = tree:add_le(f.action, tvb:range(at, 4))
     if row == messages.unknown then action:add_proto_expert_info(remarks.unknown_action) end
     generated(tree, row.notification and f.notification or f.request, true)
-    if request.answer_frame then generated(tree, f.reply_in, request.answer_frame) end
+    if request.reply_frame then generated(tree, f.reply_in, request.reply_frame) end
     if not message.length then return row.name end
     show_length(tree, tvb, at + 4, message)
-    if message.is_absurd then return row.name .. " of impossible length" end
-    local words = show_payload(tree, tvb, at + kHeader, last, row.payload)
-    return row.name .. (words and " " .. words or "")
+    if message.has_invalid_length then return row.name .. " with an invalid length" end
+    local summary = show_payload(tree, tvb, at + kHeader, last, row.payload)
+    return row.name .. (summary and " " .. summary or "")
 end
 
-local function show_answer(tree, tvb, at, message)
+local function show_reply(tree, tvb, at, message)
     local last = math.min(at + message.size, tvb:len())
     local row, request = message.row, message.note.request
     generated(tree, f.action, message.action)
     generated(tree, f.reply, true)
     generated(tree, f.request_in, request.frame)
     if message.note.seconds then generated(tree, f.reply_time, message.note.seconds) end
-    local words
-    if row.scalar then words = Archive.new(tvb, at, math.min(at + row.scalar, last), tree):decode(row.answer) end
+    local summary
+    if row.scalar then summary = Archive.new(tvb, at, math.min(at + row.scalar, last), tree):decode(row.read_scalar) end
     if message.length then
         show_length(tree, tvb, at + message.length_at, message)
-        if message.length > 0 and not message.is_absurd then
+        if message.length > 0 and not message.has_invalid_length then
             local first = at + message.length_at + kLength
             local found = show_payload(tree, tvb, first, last, row.message)
-            words = words and words .. ", " .. (found or "") or found
+            summary = summary and summary .. ", " .. (found or "") or found
         end
     end
-    return row.name .. ": " .. (words or "nothing")
+    return row.name .. ": " .. (summary or "nothing")
 end
 
-local function show(tree, tvb, at, message, asks)
+local function show(tree, tvb, at, message, is_request)
     local last = math.min(at + message.size, tvb:len())
     local range = tvb:range(at, last - at)
     local branch = tree:add(nyserver, range)
-    local words
+    local summary
     if message.note.lost then
         branch:add(f.opaque, range):add_proto_expert_info(remarks.lost)
-        words = "not understood"
+        summary = "not decoded"
     elseif message.is_open then
         branch:add(f.opaque, range):add_proto_expert_info(remarks.cut)
-        words = "cut"
+        summary = "cut"
     elseif not message.row then
         branch:add(f.opaque, range):add_proto_expert_info(remarks.no_request)
-        words = "answer to what is not in this capture"
+        summary = "reply to a request that is not in this capture"
     else
         if last < at + message.size then branch:add_proto_expert_info(remarks.cut) end
-        words = (asks and show_question or show_answer)(branch, tvb, at, message)
+        summary = (is_request and show_request or show_reply)(branch, tvb, at, message)
     end
-    branch:append_text(", " .. words)
-    return words
+    branch:append_text(", " .. summary)
+    return summary
 end
 
 -- Frames
 
 local function dissect(tvb, pinfo, tree)
     local conversation = conversation_of(tvb, pinfo)
-    local asks = conversation.asker == end_point(pinfo.src, pinfo.src_port)
+    local is_request = conversation.requester == end_point(pinfo.src, pinfo.src_port)
     pinfo.cols.protocol = "NyServer"
-    local said = {}
+    local summaries = {}
     local at = 0
     while at < tvb:len() do
-        local note = note_of(conversation, pinfo, asks)
-        local message = measure(tvb, at, note, asks)
+        local note = note_of(conversation, pinfo, is_request)
+        local message = measure(tvb, at, note, is_request)
         local missing = at + message.size - tvb:len()
         if (missing > 0 or message.is_open) and pinfo.can_desegment > 0 then
             pinfo.desegment_offset = at
@@ -312,12 +313,14 @@ local function dissect(tvb, pinfo, tree)
             break
         end
         message.note = note
-        if not pinfo.visited and message.row and not message.is_open then settle(conversation, pinfo, asks, message) end
-        said[#said + 1] = show(tree, tvb, at, message, asks)
+        if not pinfo.visited and message.row and not message.is_open then
+            settle(conversation, pinfo, is_request, message)
+        end
+        summaries[#summaries + 1] = show(tree, tvb, at, message, is_request)
         step_to_next_note(pinfo)
         at = at + message.size
     end
-    if #said > 0 then pinfo.cols.info = table.concat(said, "; ") end
+    if #summaries > 0 then pinfo.cols.info = table.concat(summaries, "; ") end
 end
 
 nyserver.dissector = dissect

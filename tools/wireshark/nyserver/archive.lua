@@ -34,10 +34,16 @@ Archive.__index = Archive
 
 -- An archive in `tvb` from offset `first` up to before `last`, shown below `tree`.
 function Archive.new(tvb, first, last, tree)
-    return setmetatable(
-        { tvb = tvb, at = first, last = last, tree = tree, root = tree, numbers = {}, depth = 0, room = kMostItems },
-        Archive
-    )
+    return setmetatable({
+        tvb = tvb,
+        at = first,
+        last = last,
+        tree = tree,
+        root = tree,
+        numbers = {},
+        depth = 0,
+        items_left = kMostItems,
+    }, Archive)
 end
 
 -- Runs `read` on the archive. Returns its result, nil after a fault. Remaining bytes are shown undecoded.
@@ -80,24 +86,24 @@ function Archive:take(count)
 end
 
 -- Whether one more item may be added to the tree.
-function Archive:has_room()
-    self.room = self.room - 1
-    if self.room == 0 then self.root:add_proto_expert_info(remarks.hidden) end
-    return self.room > 0
+function Archive:may_show()
+    self.items_left = self.items_left - 1
+    if self.items_left == 0 then self.root:add_proto_expert_info(remarks.hidden) end
+    return self.items_left > 0
 end
 
 -- Adds an item to the tree; nil when there are too many.
 function Archive:show(field, range, ...)
-    if self:has_room() then return self.tree:add(field, range, ...) end
+    if self:may_show() then return self.tree:add(field, range, ...) end
 end
 
 -- The same for characters; an item that is given its text instead would cut it to as many bytes as it covers.
 function Archive:show_characters(field, range, encoding)
-    if self:has_room() then return (self.tree:add_packet_field(field, range, encoding)) end
+    if self:may_show() then return (self.tree:add_packet_field(field, range, encoding)) end
 end
 
 function Archive:remark(remark)
-    if self.room > 0 then self.tree:add_proto_expert_info(remark) end
+    if self.items_left > 0 then self.tree:add_proto_expert_info(remark) end
 end
 
 -- Runs `read`, which shows its items below `item`.
@@ -152,7 +158,7 @@ function Archive:count()
     return count
 end
 
--- Characters, and bytes a character.
+-- Returns the number of characters, and of bytes for each.
 function Archive:string_length()
     local width = 1
     local length = self:byte()
@@ -165,7 +171,7 @@ function Archive:string_length()
         length = self:word() -- the mark's value is a length here
     end
     if length == 0xFFFF then length = self:take(4):le_uint() end
-    if length > kLongestString then fail "a string longer than any" end
+    if length > kLongestString then fail "a string longer than 2,147,483,647 characters" end
     return length, width
 end
 
@@ -203,7 +209,7 @@ function Archive:new_class(start)
     self:show(f.class_schema, schema, schema:le_uint())
     local length = self:take(2)
     self:show(f.class_name_length, length, length:le_uint())
-    if length:le_uint() == 0 or length:le_uint() > kLongestClassName then fail "a class name of impossible length" end
+    if length:le_uint() == 0 or length:le_uint() > kLongestClassName then fail "a class name with an invalid length" end
     local name = self:take(length:le_uint())
     self:show(f.class, name, name:string())
     local class = { class = name:string(), schema = schema:le_uint() }
@@ -230,7 +236,7 @@ function Archive:class()
     end
     local earlier = self.numbers[number]
     self:show(f.tag, self:since(start), string.format("%s %.0f", is_class and "class" or "object", number))
-    if not earlier or (earlier.schema ~= nil) ~= is_class then fail "a number that nothing of the kind bears" end
+    if not earlier or (earlier.schema ~= nil) ~= is_class then fail "a reference to an unknown class or object" end
     self:show(f.class, self:since(start), earlier.class)
     if is_class then return earlier end
     return nil, earlier
@@ -245,7 +251,7 @@ function Archive:body(class)
         self:remark(remarks.unknown_class)
         error(kEnough, 0)
     end
-    if self.depth == kDeepestNesting then fail "nested deeper than any reader follows" end
+    if self.depth == kDeepestNesting then fail "objects nested too deeply" end
     self.depth = self.depth + 1
     local result = read(self, class.schema)
     self.depth = self.depth - 1

@@ -2,6 +2,9 @@
 -- with the names of the actions.
 local M = {}
 
+-- The two bits have the same effect.
+local kExcludes = "Refuses later requests for access of either kind, by any session"
+
 M.fields = {
     -- Frames
     length = ProtoField.int32("nyserver.length", "Payload length"),
@@ -14,8 +17,8 @@ M.fields = {
     reply_time = ProtoField.double("nyserver.reply.time", "Seconds since the request"),
 
     -- Scalar replies
-    byte = ProtoField.uint8("nyserver.reply.byte", "Answer"),
-    number = ProtoField.int32("nyserver.reply.number", "Answer"),
+    byte = ProtoField.uint8("nyserver.reply.byte", "Reply value"),
+    number = ProtoField.int32("nyserver.reply.number", "Reply value"),
     version = ProtoField.double("nyserver.reply.version", "Version"),
     server_time = ProtoField.absolute_time("nyserver.reply.server_time", "Server time", base.UTC),
     text = ProtoField.string("nyserver.reply.text", "Text"),
@@ -57,10 +60,10 @@ M.fields = {
     free_id = ProtoField.int32("nyserver.connections.free_id", "Free id"),
     lock_name = ProtoField.string("nyserver.lock.name", "Lock"),
     mode = ProtoField.uint32("nyserver.lock.mode", "Share mode", base.HEX),
-    mode_access1 = ProtoField.bool("nyserver.lock.mode.access1", "Access of the first kind", 32, nil, 0x01),
-    mode_access2 = ProtoField.bool("nyserver.lock.mode.access2", "Access of the second kind", 32, nil, 0x02),
-    mode_exclude1 = ProtoField.bool("nyserver.lock.mode.exclude1", "Excludes newcomers, first kind", 32, nil, 0x08),
-    mode_exclude2 = ProtoField.bool("nyserver.lock.mode.exclude2", "Excludes newcomers, second kind", 32, nil, 0x10),
+    mode_access1 = ProtoField.bool("nyserver.lock.mode.access1", "Requests access of the first kind", 32, nil, 0x01),
+    mode_access2 = ProtoField.bool("nyserver.lock.mode.access2", "Requests access of the second kind", 32, nil, 0x02),
+    mode_exclude1 = ProtoField.bool("nyserver.lock.mode.exclude1", kExcludes, 32, nil, 0x08),
+    mode_exclude2 = ProtoField.bool("nyserver.lock.mode.exclude2", kExcludes, 32, nil, 0x10),
     holder_session = ProtoField.int32("nyserver.holder.session", "Session"),
     message = ProtoField.string("nyserver.message", "Message"),
 }
@@ -77,15 +80,15 @@ end
 
 M.remarks = {
     malformed = malformed("malformed", "Malformed"),
-    bad_length = malformed("bad_length", "A payload length that no reader believes"),
-    lost = note("lost", "Behind a length that cannot be believed, nothing can be understood"),
+    bad_length = malformed("bad_length", "The payload length is negative or above the limit"),
+    lost = note("lost", "Not decoded: an earlier payload length is invalid"),
     no_request = note("no_request", "The request is not in this capture"),
-    unknown_action = odd("unknown_action", "An action that nobody answers"),
-    unknown_class = note("unknown_class", "A class of the application's own"),
+    unknown_action = odd("unknown_action", "An unknown action"),
+    unknown_class = note("unknown_class", "A class that the application defines"),
     wrong_class = odd("wrong_class", "Not the class that is expected here"),
     negative_length = odd("negative_length", "A negative length"),
-    rest = odd("rest", "Bytes behind the last value"),
-    not_alive = odd("not_alive", "A living peer answers 512"),
+    rest = odd("rest", "Bytes after the last value"),
+    not_alive = odd("not_alive", "The reply is not 512"),
     cut = note("cut", "The capture does not have all of this message"),
     hidden = note("hidden", "Too many values: the rest is read but not shown"),
 }

@@ -1,14 +1,14 @@
 -- The payload and the reply of each action. A row has:
 --
---   name       of the client's call
---   payload    reads the arguments; returns a few words about them
---   least      payloads are at least so many bytes long
---   most       and at most so many; any number unless given
---   starts     the bytes that a payload of the library's own begins with
---   bare       the action travels alone: 4 bytes, no length
---   scalar     the bytes of the plain value that is answered
---   answer     reads it; returns a few words about it
---   message    reads the message that is answered (behind the scalar, if there is one, when that is 1)
+--   name         of the client's call
+--   payload      reads the arguments; returns a short description
+--   least        the least number of bytes of a payload
+--   most         the greatest; no limit unless given
+--   starts       the first bytes of a payload that the library writes
+--   bare         a request is the 4 bytes of the action, without a length
+--   scalar       the number of bytes of the scalar in the reply
+--   read_scalar  reads it; returns a short description
+--   message      reads the message in the reply; if there is a scalar, a message follows only when that is 1
 -- A row with neither scalar nor message has no reply.
 local known = require "nyserver.fields"
 local records = require "nyserver.records"
@@ -56,17 +56,17 @@ local function number(archive)
 end
 
 local function alive(archive)
-    local answer = archive:long(f.number)
-    if answer == kAlive then return "alive" end
+    local value = archive:long(f.number)
+    if value == kAlive then return "alive" end
     archive:remark(remarks.not_alive)
-    return tostring(answer)
+    return tostring(value)
 end
 
 local function seconds(archive)
     local range = archive:rest()
-    local answer = archive:long(f.number)
-    archive:show(f.server_time, range, NSTime.new(answer, 0))
-    return tostring(answer)
+    local value = archive:long(f.number)
+    archive:show(f.server_time, range, NSTime.new(value, 0))
+    return tostring(value)
 end
 
 local function text(archive)
@@ -74,7 +74,7 @@ local function text(archive)
 end
 
 local M = {
-    [1] = { name = "isAlive", most = 0, scalar = 4, answer = alive },
+    [1] = { name = "isAlive", most = 0, scalar = 4, read_scalar = alive },
     [2] = { name = "getConnection", most = 0, message = object_of "NySeConnectionArray" },
     [3] = {
         name = "openConnection",
@@ -82,7 +82,7 @@ local M = {
         least = 1,
         starts = kWideString,
         scalar = 4,
-        answer = number,
+        read_scalar = number,
     },
     [4] = { name = "closeConnection", payload = long_of(f.connection_id), least = 4, most = 4 },
     [6] = {
@@ -101,7 +101,7 @@ local M = {
         least = 5,
         starts = kWideString,
         scalar = 1,
-        answer = yes_or_no("granted", "refused"),
+        read_scalar = yes_or_no("granted", "refused"),
     },
     [12] = { name = "unLock", payload = string_of(f.lock_name), least = 1, starts = kWideString },
     [13] = {
@@ -114,11 +114,11 @@ local M = {
         least = 5,
         starts = kWideString,
         scalar = 1,
-        answer = yes_or_no("held", "not held"),
+        read_scalar = yes_or_no("held", "not held"),
         message = object_of "NySeUserPtrArray",
     },
     [70] = { name = "getAllUser", most = 0, message = object_of "NySeUserPtrArray" },
-    [71] = { name = "getAnotherPort", most = 0, scalar = 4, answer = number },
+    [71] = { name = "getAnotherPort", most = 0, scalar = 4, read_scalar = number },
     [72] = {
         name = "sendConnectionData",
         payload = function(archive)
@@ -131,7 +131,7 @@ local M = {
         name = "sendUserData",
         payload = function(archive)
             local name = records.user_by_its_own_schema(archive)
-            return string.format("to %s %s", name or "nobody", any_object(archive))
+            return string.format("to %s %s", name or "null", any_object(archive))
         end,
         least = 2,
         starts = kNewClass,
@@ -143,10 +143,10 @@ local M = {
         least = 1,
         starts = kWideString,
         scalar = 1,
-        answer = yes_or_no("done", "refused"),
+        read_scalar = yes_or_no("done", "refused"),
     },
     [77] = { name = "shutDownServer", most = 0 },
-    [84] = { name = "getCurrentTime", most = 0, scalar = 4, answer = seconds },
+    [84] = { name = "getCurrentTime", most = 0, scalar = 4, read_scalar = seconds },
     [89] = { name = "verifyCoherancy", most = 0 },
     [90] = { name = "getMachineIdentifiant", most = 0, message = text },
     [95] = {
@@ -163,12 +163,19 @@ local M = {
         starts = kNewClass,
         message = object_of "NySeUser",
     },
-    [97] = { name = "initializeSchema", payload = long_of(f.schema), least = 4, most = 4, scalar = 4, answer = number },
+    [97] = {
+        name = "initializeSchema",
+        payload = long_of(f.schema),
+        least = 4,
+        most = 4,
+        scalar = 4,
+        read_scalar = number,
+    },
     [106] = {
         name = "getVersion",
         bare = true,
         scalar = 8,
-        answer = function(archive)
+        read_scalar = function(archive)
             return tostring(archive:double(f.version))
         end,
     },

@@ -1,4 +1,4 @@
--- The records and tables: their fields in the order of the wire. Each body returns a few words for the packet list.
+-- The records and tables: their fields in the order of the wire. Each body returns a short text for the packet list.
 local known = require "nyserver.fields"
 local Archive = require "nyserver.archive"
 local f = known.fields
