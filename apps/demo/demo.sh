@@ -25,7 +25,7 @@ trap cleanup EXIT
 
 heading() { printf '\n* %s\n' "$*"; }
 
-# says NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $answer afterwards.
+# says NAME COMMAND: sends one line to the user's shell and shows the reply, which is in $reply afterwards.
 says() {
   begins "$@"
   hears "$1"
@@ -37,18 +37,18 @@ begins() {
   printf '%s\necho =\n' "${*:2}" >&"${shells[$1]}"
 }
 
-# hears NAME [TEXT]: shows the reply up to the mark, or up to the line with the text; it is in $answer afterwards.
+# hears NAME [TEXT]: shows the reply up to the mark, or up to the line with the text; it is in $reply afterwards.
 hears() {
   local line
-  answer=
-  while IFS= read -r -t 60 line <&"${answers[$1]}"; do
+  reply=
+  while IFS= read -r -t 60 line <&"${replies[$1]}"; do
     line=${line%$'\r'}
     [ "$line" != = ] || return 0
     printf '    %s\n' "$line"
-    answer+=$line$'\n'
+    reply+=$line$'\n'
     [ $# -eq 1 ] || [[ $line != *"$2"* ]] || return 0
   done
-  fail "$1 gets no answer"
+  fail "$1 gets no reply"
 }
 
 fail() {
@@ -56,19 +56,19 @@ fail() {
   exit 1
 }
 
-# expect TEXT: fails unless the text is in $answer.
-expect() { [[ $answer == *"$1"* ]] || fail "this should say \"$1\""; }
-expect_not() { [[ $answer != *"$1"* ]] || fail "this should not say \"$1\""; }
+# expect TEXT: fails unless the text is in $reply.
+expect() { [[ $reply == *"$1"* ]] || fail "this should say \"$1\""; }
+expect_not() { [[ $reply != *"$1"* ]] || fail "this should not say \"$1\""; }
 
 # starts NAME DESCRIPTOR: a shell of that user, on one connection, fed through the descriptor.
-declare -A shells answers
+declare -A shells replies
 starts() {
   local name=$1
   mkfifo "$work/$name.in" "$work/$name.out"
   run nyctl --server "$server" --user "$name" shell < "$work/$name.in" > "$work/$name.out" 2>&1 &
   case $name in
-    anna) exec 3> "$work/$name.in" 5< "$work/$name.out"; shells[$name]=3 answers[$name]=5 ;;
-    bob) exec 4> "$work/$name.in" 6< "$work/$name.out"; shells[$name]=4 answers[$name]=6 ;;
+    anna) exec 3> "$work/$name.in" 5< "$work/$name.out"; shells[$name]=3 replies[$name]=5 ;;
+    bob) exec 4> "$work/$name.in" 6< "$work/$name.out"; shells[$name]=4 replies[$name]=6 ;;
   esac
 }
 

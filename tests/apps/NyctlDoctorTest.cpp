@@ -187,17 +187,17 @@ TEST_F(NyctlDoctorAlone, NamesPortsThatAreTakenHereUnlessAnotherIsFree) {
 }
 
 TEST_F(NyctlDoctorAlone, NamesANameThatDoesNotResolve) {
-    EXPECT_EQ(exitNoAnswer, doctor("no-such-host.invalid:1"));
+    EXPECT_EQ(exitNoReply, doctor("no-such-host.invalid:1"));
     doctor.expectEndsAt(nameLookUp, "no address of no-such-host.invalid");
 }
 
 TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
     const peers::RefusingPort nobody;
     const std::string server = "127.0.0.1:" + std::to_string(nobody.port());
-    EXPECT_EQ(exitNoAnswer, doctor(server));
+    EXPECT_EQ(exitNoReply, doctor(server));
     doctor.expectEndsAt(connecting, server + " refuses connections");
     doctor.options().json = false;
-    EXPECT_EQ(exitNoAnswer, doctor(server));
+    EXPECT_EQ(exitNoReply, doctor(server));
     const std::vector<std::string> lines = Output::split(doctor.run().printed());
     ASSERT_EQ(kChecks + 2, lines.size());
     EXPECT_EQ("name look-up    ok           127.0.0.1", lines[0].substr(0, 38));
@@ -210,8 +210,8 @@ TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
 TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
     const peers::UnansweringPort silent;
     const std::string server = "127.0.0.1:" + std::to_string(silent.port());
-    EXPECT_EQ(exitNoAnswer, doctor(server, "--timeout 1"));
-    doctor.expectEndsAt(connecting, server + " does not answer within 1 s");
+    EXPECT_EQ(exitNoReply, doctor(server, "--timeout 1"));
+    doctor.expectEndsAt(connecting, server + " does not respond within 1 s");
 }
 
 TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
@@ -223,14 +223,14 @@ TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
         Check check;
         const char* found;
     } cases[] = {
-        {{}, exitNoAnswer, schema, "the server closes the connection"},
+        {{}, exitNoReply, schema, "the server closes the connection"},
         {{{agreed.first, answering(wireOf<LONG>(2010))}},
          exitNo,
          schema,
          "the server grants 2010, not 2015"},
-        {{agreed}, exitNoAnswer, liveness, "the server does not reply"},
-        {{agreed, otherLife}, exitNoAnswer, liveness, "the server does not reply"},
-        {{agreed, {otherLife.first, m_alive}}, exitNoAnswer, registration, "no answer"},
+        {{agreed}, exitNoReply, liveness, "the server does not reply"},
+        {{agreed, otherLife}, exitNoReply, liveness, "the server does not reply"},
+        {{agreed, {otherLife.first, m_alive}}, exitNoReply, registration, "no reply"},
     };
     for (const auto& [answers, status, check, found] : cases) {
         SCOPED_TRACE(found);
@@ -241,14 +241,14 @@ TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
 
 // Waits as long as the library does.
 TEST_F(NyctlDoctorAlone, NamesAServerThatNeverAnswers) {
-    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, answering("")}}));
+    EXPECT_EQ(exitNoReply, examine({{NySe::actionInitializeSchema, answering("")}}));
     doctor.expectEndsAt(schema, "no schema within 15 s");
 }
 
 TEST_F(NyctlDoctorAlone, NamesAListenerPortThatNobodyComesTo) {
     auto answers = registering();
     answers[NySe::actionSendUserData] = answering("");
-    EXPECT_EQ(exitNoAnswer, examine(answers, 2));
+    EXPECT_EQ(exitNoReply, examine(answers, 2));
     doctor.expectEndsAt(listenerPort,
                         "no connection to port " + std::to_string(m_port) + " within 2 s");
 }
@@ -260,7 +260,7 @@ TEST_F(NyctlDoctorAlone, NamesAServerWithoutASecondSession) {
         if (!isFirst.exchange(false)) return std::nullopt;
         return wireOf<LONG>(NySe::schema2015);
     };
-    EXPECT_EQ(exitNoAnswer, examine(answers));
+    EXPECT_EQ(exitNoReply, examine(answers));
     doctor.expectEndsAt(listenerPort, "the server accepts no second session");
 }
 
@@ -291,7 +291,7 @@ class NyctlDoctorTold : public NyctlDoctorAlone {
 };
 
 TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
-    EXPECT_EQ(exitNoAnswer, examineTold([](std::string object) {
+    EXPECT_EQ(exitNoReply, examineTold([](std::string object) {
                   object.end()[-2] ^= 1;  // its last character
                   return notification(57, object) + notification(58, "");
               }));

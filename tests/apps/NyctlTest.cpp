@@ -58,7 +58,7 @@ std::vector<NyctlCase> nyctlCases() {
             row("RegisterIsNoWhenALivingServerAnswersWithAnotherRecord", "register",
                 {{actionGetPortClient, users.second}, alive}, exitNo),
             row("RegisterHasNoAnswerWhenTheServerStopsHalfWay", "register", {halfRegistered},
-                exitNoAnswer),
+                exitNoReply),
             row("UsersMayBeNoneOnALivingServer", "users", {noUsers, alive}, exitYes,
                 "user  session  port  host  computer  schema  soft_type\n"),
             row("UsersAreListedOneARow", "users", {users}, exitYes,
@@ -66,10 +66,10 @@ std::vector<NyctlCase> nyctlCases() {
                 "Anna  7        40123  ws-01  WS-01     2015    3\n"
                 "bob   8        40124  ws-01  WS-01     2015    3\n"),
             row("HoldersHasNoAnswerWhenTheirTableIsLost", "holders part/42",
-                {{actionIsLockBy, "\1"}}, exitNoAnswer),
+                {{actionIsLockBy, "\1"}}, exitNoReply),
             row("HoldersHasNoAnswerWhenTheirTableIsAnother", "holders part/42",
-                {{actionIsLockBy, "\1" + locks.second}}, exitNoAnswer),
-            row("LocksHasNoAnswerWhenTheUsersDoNotCome", "locks", {locks}, exitNoAnswer),
+                {{actionIsLockBy, "\1" + locks.second}}, exitNoReply),
+            row("LocksHasNoAnswerWhenTheUsersDoNotCome", "locks", {locks}, exitNoReply),
             row("LocksMayBeHeldByNobodyOnALivingServer", "locks", {locks, noUsers, alive}, exitYes,
                 lockColumns + "part/42  1              0x01  access1\n"
                               "part/42  7              0x18  exclude1+exclude2\n"
@@ -102,10 +102,10 @@ TEST_P(NyctlAnswered, EndsAndPrints) {
 TEST_F(Nyctl, WatchEndsWithTheServer) {
     const LONG port = static_cast<LONG>(peers::RefusingPort().port());
     serve({{NySe::actionGetPortClient, answering(registrationAnswer(port))}});
-    EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
+    EXPECT_EQ(exitNoReply, run("watch --count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: listening on port " + std::to_string(port) +
-                  "\nnyctl: the connection to the server was lost\nnyctl: no answer from " +
+                  "\nnyctl: the connection to the server was lost\nnyctl: no reply from " +
                   m_options.server + "\n",
               m_run.complaint());
 }
@@ -173,13 +173,13 @@ TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
     for (const auto* family :
          {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
         for (const Command& command : *family) {
-            EXPECT_EQ(exitNoAnswer, run(command.example)) << command.example;
+            EXPECT_EQ(exitNoReply, run(command.example)) << command.example;
             EXPECT_EQ("", m_run.printed()) << command.example;
-            EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_run.complaint())
+            EXPECT_EQ("nyctl: no reply from " + m_options.server + "\n", m_run.complaint())
                 << command.example;
         }
     }
-    EXPECT_EQ(exitNoAnswer, run("watch"));
+    EXPECT_EQ(exitNoReply, run("watch"));
 }
 
 TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
@@ -189,7 +189,7 @@ TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
                 return wireOf<LONG>(NySe::schema2015);
             }}});
     Session session(m_options);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(exitNoAnswer, m_run(session, m_options, "time"));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(exitNoReply, m_run(session, m_options, "time"));
     EXPECT_EQ(2, connections);
 }
 
@@ -206,7 +206,7 @@ TEST(NyctlServerAddress, IsHostAndPort) {
 TEST_F(Nyctl, ASilentServerIsNoAnswer) {
     const peers::Peer silent(peers::silent());
     m_options.server = "127.0.0.1:" + std::to_string(silent.port());
-    EXPECT_EQ(exitNoAnswer, run("ping"));
+    EXPECT_EQ(exitNoReply, run("ping"));
 }
 
 }  // namespace

@@ -248,12 +248,12 @@ TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
 }
 
 TEST_F(NyctlWatch, AStopRequestEndsItWell) {
-    EXPECT_EQ(exitYes, watchWhile([] { StopRequest::make(); }, "--count 1 --timeout 60"));
+    EXPECT_EQ(exitYes, watchWhile([] { StopRequest::request(); }, "--count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
 }
 
 TEST_F(NyctlWatch, AnEarlierStopRequestIsForgotten) {
-    StopRequest::make();
+    StopRequest::request();
     EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.2"));
 }
 

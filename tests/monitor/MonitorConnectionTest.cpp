@@ -116,7 +116,7 @@ TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
               status(StatusBar::connection));
     EXPECT_TRUE(says(StatusBar::activity, "Ready"));
     EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 3240"));
-    EXPECT_EQ("Flowing", status(StatusBar::flow));
+    EXPECT_EQ("Reading", status(StatusBar::flow));
     EXPECT_THAT(logged("Connection"), Contains(status(StatusBar::connection)));
     // What is cut off can be pointed at.
     for (const StatusBar::Part part : {StatusBar::connection, StatusBar::activity})
@@ -129,7 +129,7 @@ TEST_F(MonitorConnection, IsRenamedByF2AndComesBackWithTheServerUnderThatName) {
     openConnected();
     const int port = server->port();
     ask(VK_F2, L"Rename", "doris");
-    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
+    EXPECT_TRUE(hasLogged("Rename", "doris: accepted"));
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"doris"}));
     EXPECT_TRUE(soon([this] { return isConnectedAs("doris"); }));
     tabTo(ID_LOCK);
@@ -179,7 +179,7 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
     EXPECT_TRUE(soon([this] { return logged("Lock").size() == 1; }));
     EXPECT_THAT(logged("Lock").front(),
                 AnyOf("deck (access1+access2+exclude1+exclude2): granted",
-                      "deck (access1+access2+exclude1+exclude2): no answer"));
+                      "deck (access1+access2+exclude1+exclude2): no reply"));
     EXPECT_TRUE(says(StatusBar::activity, "Ready"));
 }
 
@@ -207,7 +207,7 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
         }
         server->process().kill();
     }
-    EXPECT_TRUE(hasLogged("Open", "a: no answer"));
+    EXPECT_TRUE(hasLogged("Open", "a: no reply"));
     EXPECT_TRUE(hasLogged("Open", "b: no connection"));
 }
 
@@ -231,8 +231,8 @@ TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     }));
     EXPECT_TRUE(bar.hasSeenPause());
     EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
-    EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
-    EXPECT_TRUE(says(StatusBar::flow, "Flowing"));
+    EXPECT_TRUE(soon([this] { return logged("Listener").back() == "resumed"; }));
+    EXPECT_TRUE(says(StatusBar::flow, "Reading"));
     anna.client.lock("last", 0x01);
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
 }

@@ -119,7 +119,7 @@ TEST(MonitorLog, ForgetsTheOldestLines) {
 
 TEST(MonitorWords, AreThoseOfTheWindow) {
     EXPECT_EQ(L"Posted 3 of 9", words::posted({3, 9, false}));
-    EXPECT_EQ(L"Flowing", words::flow({3, 9, false}));
+    EXPECT_EQ(L"Reading", words::flow({3, 9, false}));
     EXPECT_EQ(L"Paused", words::flow({3, 9, true}));
     EXPECT_EQ(L"Users (3)", words::counted(L"Users", 3, 3));
     EXPECT_EQ(L"Users (0 of 3)", words::counted(L"Users", 0, 3));

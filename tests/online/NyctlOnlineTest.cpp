@@ -45,9 +45,9 @@ TEST_F(NyctlOnline, TellsTheVersionAlsoInJson) {
 TEST_F(NyctlOnline, HasNoAnswerFromAServiceThatIsNotThere) {
     const peers::RefusingPort nobody;
     for (const char* command : {"online ping", "online version 42"}) {
-        EXPECT_EQ(exitNoAnswer, run(command + (" --service " + url(nobody.port()))));
+        EXPECT_EQ(exitNoReply, run(command + (" --service " + url(nobody.port()))));
         EXPECT_EQ("", m_run.printed());
-        EXPECT_EQ("nyctl: no answer from the service " + url(nobody.port()) + "\n",
+        EXPECT_EQ("nyctl: no reply from the service " + url(nobody.port()) + "\n",
                   m_run.complaint());
     }
 }
