@@ -50,14 +50,14 @@ std::vector<NyctlCase> nyctlCases() {
     const std::string lockColumns = "lock     session  user  mode  words\n";
     return {row("PingIsYesForALivingServer", "ping", {alive, version}, exitYes,
                 "alive: true\nversion: 2.5\nschema: 2015\n"),
-            row("PingIsNoForAServerThatAnswersSomethingElse", "ping",
+            row("PingIsNoForAServerThatRepliesSomethingElse", "ping",
                 {{actionIsAlive, wireOf<LONG>(5)}, version}, exitNo,
                 "alive: false\nversion: 2.5\nschema: 2015\n"),
             row("RegisterIsNoWhenALivingServerGivesNoPort", "register",
                 {{actionGetPortClient, wireOf<LONG>(0)}, alive}, exitNo),
-            row("RegisterIsNoWhenALivingServerAnswersWithAnotherRecord", "register",
+            row("RegisterIsNoWhenALivingServerRepliesWithAnotherRecord", "register",
                 {{actionGetPortClient, users.second}, alive}, exitNo),
-            row("RegisterHasNoAnswerWhenTheServerStopsHalfWay", "register", {halfRegistered},
+            row("RegisterHasNoReplyWhenTheServerStopsHalfWay", "register", {halfRegistered},
                 exitNoReply),
             row("UsersMayBeNoneOnALivingServer", "users", {noUsers, alive}, exitYes,
                 "user  session  port  host  computer  schema  soft_type\n"),
@@ -65,11 +65,11 @@ std::vector<NyctlCase> nyctlCases() {
                 "user  session  port   host   computer  schema  soft_type\n"
                 "Anna  7        40123  ws-01  WS-01     2015    3\n"
                 "bob   8        40124  ws-01  WS-01     2015    3\n"),
-            row("HoldersHasNoAnswerWhenTheirTableIsLost", "holders part/42",
+            row("HoldersHasNoReplyWhenTheirTableIsLost", "holders part/42",
                 {{actionIsLockBy, "\1"}}, exitNoReply),
-            row("HoldersHasNoAnswerWhenTheirTableIsAnother", "holders part/42",
+            row("HoldersHasNoReplyWhenTheirTableIsAnother", "holders part/42",
                 {{actionIsLockBy, "\1" + locks.second}}, exitNoReply),
-            row("LocksHasNoAnswerWhenTheUsersDoNotCome", "locks", {locks}, exitNoReply),
+            row("LocksHasNoReplyWhenTheUsersDoNotArrive", "locks", {locks}, exitNoReply),
             row("LocksMayBeHeldByNobodyOnALivingServer", "locks", {locks, noUsers, alive}, exitYes,
                 lockColumns + "part/42  1              0x01  access1\n"
                               "part/42  7              0x18  exclude1+exclude2\n"
@@ -86,12 +86,12 @@ std::vector<NyctlCase> nyctlCases() {
                 {registered, {actionOpenConnection, wireOf<LONG>(-1)}, alive}, exitNo)};
 }
 
-class NyctlAnswered : public Nyctl, public ::testing::WithParamInterface<NyctlCase> {};
+class NyctlCommand : public Nyctl, public ::testing::WithParamInterface<NyctlCase> {};
 
-INSTANTIATE_TEST_SUITE_P(Nyctl, NyctlAnswered, ::testing::ValuesIn(nyctlCases()),
+INSTANTIATE_TEST_SUITE_P(Nyctl, NyctlCommand, ::testing::ValuesIn(nyctlCases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(NyctlAnswered, EndsAndPrints) {
+TEST_P(NyctlCommand, EndsAndPrints) {
     Answers answers;
     for (const auto& [action, bytes] : GetParam().answers) answers[action] = answering(bytes);
     serve(answers);
@@ -129,7 +129,7 @@ TEST_F(Nyctl, UsersAreListedOneAnObject) {
         m_run.printed());
 }
 
-TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
+TEST_F(Nyctl, NamesOfOthersDoNotControlTheTerminal) {
     NySeUserPtrArray users;
     users.append(new NySeUser);
     users[0]->setStrUserName(_T("a\x1b[2Jb\nc"));
@@ -138,7 +138,7 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
     EXPECT_NE(std::string::npos, m_run.printed().find("a?[2Jb?c")) << m_run.printed();
 }
 
-TEST_F(Nyctl, ShareModesAreToldInWords) {
+TEST_F(Nyctl, ShareModesArePrintedInWords) {
     for (const auto& [mode, words] : {std::pair{"0x00", "none"},
                                       {"0x01", "access1"},
                                       {"0x02", "access2"},
@@ -168,7 +168,7 @@ TEST_F(Nyctl, SendConnectionSendsTheIdTheNumberAndTheText) {
     EXPECT_EQ(shown(goldenWire("request-sendConnectionData").substr(8)), shown(sent));
 }
 
-TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
+TEST_F(Nyctl, EveryCommandDistinguishesALostServerFromARefusal) {
     serve({});
     for (const auto* family :
          {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
@@ -182,7 +182,7 @@ TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
     EXPECT_EQ(exitNoReply, run("watch"));
 }
 
-TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
+TEST_F(Nyctl, TheShellConnectsAgainAfterAMissingReply) {
     std::atomic<int> connections = 0;
     serve({{NySe::actionInitializeSchema, [&](const std::string&) {
                 ++connections;
@@ -203,7 +203,7 @@ TEST(NyctlServerAddress, IsHostAndPort) {
 }
 
 // Waits for the schema's answer as long as the library does.
-TEST_F(Nyctl, ASilentServerIsNoAnswer) {
+TEST_F(Nyctl, ASilentServerIsNoReply) {
     const peers::Peer silent(peers::silent());
     m_options.server = "127.0.0.1:" + std::to_string(silent.port());
     EXPECT_EQ(exitNoReply, run("ping"));

@@ -104,7 +104,7 @@ TEST_F(LoadString, TakesTheTextFromItsModuleAlone) {
     EXPECT_EQ(TextOf(nullptr, IDS_EVERYWHERE).loadString(), CString());
 }
 
-TEST_F(LoadString, TakesTheCurrentModuleUnlessToldOtherwise) {
+TEST_F(LoadString, UsesTheCurrentModuleByDefault) {
     EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of the program");
     const SwitchTo toGuest(m_first.handle());
     EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
@@ -121,7 +121,7 @@ class WaitCursor : public ::testing::Test {
     const HCURSOR m_wait = ::LoadCursorW(nullptr, IDC_WAIT);
 };
 
-TEST_F(WaitCursor, IsShownAsLongAsItLivesAndThenTheOneBefore) {
+TEST_F(WaitCursor, IsShownWhileItExistsAndThenThePreviousOne) {
     for (const HCURSOR before : {::LoadCursorW(nullptr, IDC_CROSS), HCURSOR{nullptr}}) {
         ::SetCursor(before);
         {

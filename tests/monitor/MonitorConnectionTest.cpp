@@ -110,7 +110,7 @@ class MonitorConnection : public MonitorTest {
     }
 };
 
-TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
+TEST_F(MonitorConnection, IsShownInTheStatusBarAndTheLog) {
     openConnected();
     EXPECT_EQ("Connected to 127.0.0.1:" + std::to_string(server->port()) + " as dora, session 1",
               status(StatusBar::connection));
@@ -125,7 +125,7 @@ TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
     EXPECT_NE(0, style & LVS_EX_LABELTIP);
 }
 
-TEST_F(MonitorConnection, IsRenamedByF2AndComesBackWithTheServerUnderThatName) {
+TEST_F(MonitorConnection, IsRenamedByF2AndKeepsThatNameWhenItReconnects) {
     openConnected();
     const int port = server->port();
     ask(VK_F2, L"Rename", "doris");
@@ -162,7 +162,7 @@ TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
     EXPECT_GT(sooner, 0);
 }
 
-TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
+TEST_F(MonitorConnection, AServerThatHangsDoesNotBlockTheWindow) {
     openConnected();
     OtherUser anna(server->port(), "anna");
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
@@ -196,7 +196,7 @@ TEST_F(MonitorConnection, WhatWasPostedIsFreedWithTheWindow) {
     EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), ::GlobalFlags(block));
 }
 
-TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
+TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotSent) {
     openConnected();
     {
         const Standstill standstill(server->process().id());
@@ -211,7 +211,7 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
     EXPECT_TRUE(hasLogged("Open", "b: no connection"));
 }
 
-TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
+TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotSent) {
     openConnected();
     open(VK_F2, L"Rename");
     killServer();
@@ -219,7 +219,7 @@ TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
     EXPECT_TRUE(hasLogged("Rename", "doris: no connection"));
 }
 
-TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
+TEST_F(MonitorConnection, APauseOfTheListenerIsShown) {
     const LimitSetting limit(10);
     openConnected();
     EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 9"));

@@ -39,7 +39,7 @@ class MonitorTable : public ::testing::Test {
     Table table{{{L"Name", 10}, {L"Number", 10, true}}};
 };
 
-TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCaseAndTurnsRound) {
+TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCaseAndMayBeReversed) {
     EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
     EXPECT_THAT(sorted(0), ElementsAre(L"k3", L"k1", L"k2"));
     EXPECT_FALSE(table.isAscending());

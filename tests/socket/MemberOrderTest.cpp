@@ -78,7 +78,7 @@ class ServerMembers : public ServerTest {
     static constexpr size_t kAccepting = kAcceptThread + sizeof(uintptr_t);
 };
 
-TEST_F(ServerMembers, StandInTheirOrder) {
+TEST_F(ServerMembers, AreInTheirOrder) {
     m_server.ending = ProbeServer::Ending::RunsDown;
     ASSERT_EQ(m_server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), UTE_SUCCESS);
     m_server.SetPort(4242);
@@ -111,7 +111,7 @@ TEST(WinsockVersion, IsThatOfAClient) {
     EXPECT_EQ(client.winsockData().wVersion, kAskedVersion);
 }
 
-TEST_F(ServerMembers, TellTheVersionOfWinsockThatWasAskedFor) {
+TEST_F(ServerMembers, ReportTheRequestedVersionOfWinsock) {
     EXPECT_EQ(at<WORD>(kWinsockData), kAskedVersion);
     std::memset(bytes() + kWinsockData, 0, sizeof(WSADATA));
     ASSERT_EQ(m_server.listen(), UTE_SUCCESS);

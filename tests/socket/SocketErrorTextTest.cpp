@@ -70,7 +70,7 @@ TEST_F(SocketErrorTextOf, ARefusedConnectIsNamed) {
     expectText(refused, 10061, L"Connection refused.");
 }
 
-TEST_F(SocketErrorTextOf, NoSocketTellsThatItCouldNotBeAsked) {
+TEST_F(SocketErrorTextOf, AnInvalidSocketIsThatOfTheFailedQuery) {
     expectText([] { return UniqueSocket(); }, 10038, L"GetSockOpt error: WSAENOTSOCK");
 }
 

@@ -74,7 +74,7 @@ TEST(ExtensionModule, HasItsClassesFoundAndItsObjectsArchivedWhileItIsLoaded) {
     }
 }
 
-TEST(ExtensionModule, TakesItsOwnClassesAlone) {
+TEST(ExtensionModule, HasOnlyItsOwnClasses) {
     const LoadedGuest first(1);
     const LoadedGuest second(2);
     EXPECT_EQ(namesOn(first.state().pFirstSharedClass),
@@ -84,7 +84,7 @@ TEST(ExtensionModule, TakesItsOwnClassesAlone) {
     EXPECT_EQ(CRuntimeClass::FromName("SubFoo"), RUNTIME_CLASS(SubFoo));
 }
 
-TEST(ExtensionModule, TellsItsHandles) {
+TEST(ExtensionModule, HasItsHandles) {
     const LoadedGuest guest(1);
     EXPECT_TRUE(guest.state().bInitialized);
     EXPECT_EQ(guest.state().hModule, guest.handle());
@@ -92,7 +92,7 @@ TEST(ExtensionModule, TellsItsHandles) {
     EXPECT_EQ(guest.state().pFirstSharedFactory, nullptr);
 }
 
-TEST(ExtensionModule, ThatCameLastIsSearchedFirstAfterTheApplication) {
+TEST(ExtensionModule, LoadedLastIsSearchedFirstAfterTheApplication) {
     LoadedGuest first(1);
     LoadedGuest second(2);
     EXPECT_EQ(numberOfGuest(), 2);
@@ -105,7 +105,7 @@ TEST(ExtensionModule, ThatCameLastIsSearchedFirstAfterTheApplication) {
     EXPECT_EQ(numberOfGuest(), 2);
 }
 
-TEST(ExtensionModule, ComesBeforeTheClassLibrary) {
+TEST(ExtensionModule, IsSearchedBeforeTheClassLibrary) {
     LoadedGuest guest(2);
     EXPECT_EQ(sizeOf("CObArray"), 2);
     guest.free();
@@ -113,7 +113,7 @@ TEST(ExtensionModule, ComesBeforeTheClassLibrary) {
     EXPECT_EQ(CRuntimeClass::FromName("CStringArray"), RUNTIME_CLASS(CStringArray));
 }
 
-TEST(ExtensionModule, LeavesWithAllItsLinks) {
+TEST(ExtensionModule, IsRemovedWithAllItsLinks) {
     LoadedGuest guest(1);
     guest.join();
     guest.join();
@@ -129,7 +129,7 @@ TEST(ExtensionModule, LinkedAgainIsTheNewest) {
     EXPECT_EQ(numberOfGuest(), 1);
 }
 
-TEST(ExtensionModule, IsNotFoundOnceItHasLeft) {
+TEST(ExtensionModule, IsNotFoundOnceItIsRemoved) {
     const LoadedGuest first(1);
     const LoadedGuest second(2);
     second.dismiss();
@@ -138,7 +138,7 @@ TEST(ExtensionModule, IsNotFoundOnceItHasLeft) {
     EXPECT_EQ(second.state().pFirstSharedClass, nullptr);
 }
 
-TEST(ExtensionModule, MayTakeAllOthersWithIt) {
+TEST(ExtensionModule, MayRemoveAllOthers) {
     const LoadedGuest first(1);
     const LoadedGuest second(2);
     second.dismiss(TRUE);
@@ -173,7 +173,7 @@ TEST(ExtensionModule, IsNoLongerFoundWhenItsLinkIsDeleted) {
     EXPECT_EQ(numberOfGuest(), 0);
 }
 
-TEST(ExtensionModule, ComesAndGoesWhileOthersLookUpClassesAndTexts) {
+TEST(ExtensionModule, MayBeLoadedAndFreedDuringLookUpsOfClassesAndTexts) {
     std::atomic<bool> isDone = false;
     std::atomic<int> wrong = 0;
     std::thread reader([&] {

@@ -98,7 +98,7 @@ TEST_F(Resources, OfTheCurrentSystemModuleAreSearchedBeforeThoseOfOthers) {
     EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
 }
 
-TEST_F(Resources, OfAModuleThatHasGoneAreNotSearched) {
+TEST_F(Resources, OfARemovedModuleAreNotSearched) {
     AFX_EXTENSION_MODULE state = m_second.state();
     state.hResource = m_first.handle();
     const CDynLinkLibrary link(state);
@@ -124,7 +124,7 @@ TEST_F(Resources, MayLieInAnotherModuleThanTheClasses) {
     EXPECT_EQ(guestsText(), L"a guest's 1");
 }
 
-TEST_F(Resources, ThatNobodyHasAreLeftToTheCurrentModule) {
+TEST_F(Resources, ThatNoModuleHasAreLookedUpInTheCurrentOne) {
     EXPECT_EQ(finder(L"NOSUCHTHING"), m_program);
     AfxSetResourceHandle(m_second.handle());
     EXPECT_EQ(finder(L"NOSUCHTHING"), m_second.handle());
