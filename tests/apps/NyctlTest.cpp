@@ -203,7 +203,7 @@ TEST(NyctlServerAddress, IsHostAndPort) {
 }
 
 // Waits for the schema's answer as long as the library does.
-TEST_F(Nyctl, ASilentServerIsNoReply) {
+TEST_F(Nyctl, ASilentServerIsReportedAsNoReply) {
     const peers::Peer silent(peers::silent());
     m_options.server = "127.0.0.1:" + std::to_string(silent.port());
     EXPECT_EQ(exitNoReply, run("ping"));

@@ -59,7 +59,7 @@ settle 1
 status=0
 wait "$host" || status=$?
 [ $status -eq 0 ] || fail "the small host ended with $status"
-# What has been posted when it asks for the end of its loop is shown too: the end comes behind it.
+# What has been posted when it asks for the end of its loop is shown too: the end follows it.
 same "lines of the small host" $'notification 54\nnotification 50\nnotification 51' \
   "$(head -n 3 "$work/small.log" | tr -d '\r')"
 

@@ -290,7 +290,7 @@ TEST(WiresharkNotifications, HaveTheirNumbers) {
     }
 }
 
-// A listener reads on behind a negative length, and knows no bare codes.
+// A listener continues after a negative length, and has no requests without a length.
 const Talk listener({asks(request(50)), asks(wireOf<LONG>(52) + wireOf<LONG>(-1) + request(106) +
                                              request(49) + request(53))},
                     Talk::On::anyPort);
