@@ -40,7 +40,7 @@ CentralSettings settingsOf(const Options& options) {
     settings.ports = *parsePortRange(options.ports);
     settings.push.probeInterval = std::chrono::seconds(options.probeSeconds);
     settings.maxSessions = options.maxSessions;
-    settings.onShutDownRequest = [] { StopRequest::make(); };
+    settings.onShutDownRequest = [] { StopRequest::request(); };
     return settings;
 }
 

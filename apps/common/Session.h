@@ -40,7 +40,7 @@ class Session {
     bool open();
     // Connects only, unless that was done. Returns whether there is a connection.
     bool connect();
-    // Disconnects; the next open connects again. Call it after a missing answer: a late answer
+    // Disconnects; the next open connects again. Call it after a missing reply: a late reply
     // would be taken for that of the next request.
     void close();
     // Registers the user, unless that was done. Returns false if there is no connection or the

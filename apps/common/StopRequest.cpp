@@ -13,7 +13,7 @@ HANDLE makeEvent() {
 }
 
 BOOL WINAPI onControl(DWORD) {
-    StopRequest::make();
+    StopRequest::request();
     return TRUE;
 }
 

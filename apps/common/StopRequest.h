@@ -18,9 +18,9 @@ class StopRequest {
     // Returns the event, for waiting. Any thread may call it at any time. Throws as the constructor
     // does, but not after a constructor has succeeded.
     static HANDLE event();
-    static bool isMade() { return ::WaitForSingleObject(event(), 0) == WAIT_OBJECT_0; }
+    static bool isRequested() { return ::WaitForSingleObject(event(), 0) == WAIT_OBJECT_0; }
     // Requests the stop from inside the program.
-    static void make() { ::SetEvent(event()); }
+    static void request() { ::SetEvent(event()); }
 };
 
 }  // namespace apps

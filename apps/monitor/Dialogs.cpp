@@ -16,7 +16,7 @@ class Dialog {
     virtual ~Dialog() = default;
 
     // Returns true if the user has chosen OK; the fields have been read then.
-    bool ask(int id, HWND owner) {
+    bool show(int id, HWND owner) {
         return ::DialogBoxParamW(AfxGetInstanceHandle(), MAKEINTRESOURCEW(id), owner, &onMessage,
                                  reinterpret_cast<LPARAM>(this)) == IDOK;
     }
@@ -76,19 +76,19 @@ class Dialog {
 
 class TextDialog : public Dialog {
   public:
-    explicit TextDialog(TextQuestion question) : m_question(std::move(question)) {}
-    const std::wstring& answer() const { return m_question.text; }
+    explicit TextDialog(TextInput input) : m_input(std::move(input)) {}
+    const std::wstring& input() const { return m_input.text; }
 
   protected:
     void fill() override {
-        ::SetWindowTextW(m_dialog, m_question.title);
-        setText(IDC_LABEL, m_question.label);
-        setText(IDC_TEXT, m_question.text);
+        ::SetWindowTextW(m_dialog, m_input.title);
+        setText(IDC_LABEL, m_input.label);
+        setText(IDC_TEXT, m_input.text);
     }
-    void read() override { m_question.text = text(IDC_TEXT); }
+    void read() override { m_input.text = text(IDC_TEXT); }
 
   private:
-    TextQuestion m_question;
+    TextInput m_input;
 };
 
 struct ModeBox {
@@ -103,7 +103,7 @@ constexpr ModeBox kModeBoxes[] = {{IDC_ACCESS1, NySe::access1},
 class LockDialog : public Dialog {
   public:
     explicit LockDialog(LockInput input) : m_input(std::move(input)) {}
-    const LockInput& answer() const { return m_input; }
+    const LockInput& input() const { return m_input; }
 
   protected:
     void fill() override {
@@ -125,7 +125,7 @@ class LockDialog : public Dialog {
 class MessageDialog : public Dialog {
   public:
     explicit MessageDialog(const std::vector<Receiver>& receivers) : m_receivers(receivers) {}
-    const MessageInput& answer() const { return m_input; }
+    const MessageInput& input() const { return m_input; }
 
   protected:
     void fill() override {
@@ -146,24 +146,23 @@ class MessageDialog : public Dialog {
 
 }  // namespace
 
-std::optional<LockInput> askLock(HWND owner, const std::wstring& name) {
+std::optional<LockInput> inputLock(HWND owner, const std::wstring& name) {
     using namespace NySe;
-    constexpr unsigned kAlone = access1 | access2 | exclude1 | exclude2;
-    LockDialog dialog({name, kAlone});
-    if (!dialog.ask(IDD_LOCK, owner)) return std::nullopt;
-    return dialog.answer();
+    LockDialog dialog({name, access1 | access2 | exclude1 | exclude2});
+    if (!dialog.show(IDD_LOCK, owner)) return std::nullopt;
+    return dialog.input();
 }
 
-std::optional<MessageInput> askMessage(HWND owner, const std::vector<Receiver>& receivers) {
+std::optional<MessageInput> inputMessage(HWND owner, const std::vector<Receiver>& receivers) {
     MessageDialog dialog(receivers);
-    if (!dialog.ask(IDD_SEND, owner)) return std::nullopt;
-    return dialog.answer();
+    if (!dialog.show(IDD_SEND, owner)) return std::nullopt;
+    return dialog.input();
 }
 
-std::optional<std::wstring> askText(HWND owner, const TextQuestion& question) {
-    TextDialog dialog(question);
-    if (!dialog.ask(IDD_TEXT, owner)) return std::nullopt;
-    return dialog.answer();
+std::optional<std::wstring> inputText(HWND owner, const TextInput& initial) {
+    TextDialog dialog(initial);
+    if (!dialog.show(IDD_TEXT, owner)) return std::nullopt;
+    return dialog.input();
 }
 
 }  // namespace apps::monitor

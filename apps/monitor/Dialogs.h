@@ -15,21 +15,21 @@ struct LockInput {
     std::wstring name;
     unsigned mode = 0;
 };
-std::optional<LockInput> askLock(HWND owner, const std::wstring& name);
+std::optional<LockInput> inputLock(HWND owner, const std::wstring& name);
 
 struct MessageInput {
     std::wstring text;
     Receiver receiver;
 };
 // REQUIRES: at least one receiver.
-std::optional<MessageInput> askMessage(HWND owner, const std::vector<Receiver>& receivers);
+std::optional<MessageInput> inputMessage(HWND owner, const std::vector<Receiver>& receivers);
 
 // One text, initially `text`.
-struct TextQuestion {
+struct TextInput {
     const wchar_t* title;
     const wchar_t* label;
     std::wstring text;
 };
-std::optional<std::wstring> askText(HWND owner, const TextQuestion& question);
+std::optional<std::wstring> inputText(HWND owner, const TextInput& initial);
 
 }  // namespace apps::monitor

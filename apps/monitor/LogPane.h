@@ -10,7 +10,7 @@ namespace apps::monitor {
 class LogPane {
   public:
     // Returns false if the windows cannot be created.
-    bool create(CWnd& parent, int id) { return m_list.create(parent, id, L"What happens"); }
+    bool create(CWnd& parent, int id) { return m_list.create(parent, id, L"Log"); }
     ListControl& control() { return m_list; }
 
     // Adds a line, which is shown at the next update.

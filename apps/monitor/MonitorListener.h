@@ -5,11 +5,17 @@
 #include <utility>
 
 #include "apps/common/Session.h"
-#include "apps/monitor/Backlog.h"
 #include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/Mutex.h"
 
 namespace apps::monitor {
+
+// Notifications that the listener has posted and the window has not consumed.
+struct Backlog {
+    int posted = 0;  // notifications
+    long limit = 0;  // above it the listener stops reading until all are consumed
+    bool isPaused = false;
+};
 
 // A listener that reports the backlog of its window. Any thread may call backlog.
 class MonitorListener : public NyServerApp {

@@ -73,7 +73,7 @@ class MonitorWnd : public CWnd, private MonitorView {
 
     void onCommand(int id, int event);
     void onFilterChanged();
-    void ask(const Task& task);
+    void request(const Task& task);
     void lock();
     void unlock();
     void open();

@@ -59,45 +59,46 @@ void MonitorWnd::find() {
     ::SendMessageW(control(IDC_FILTER), EM_SETSEL, 0, -1);
 }
 
-void MonitorWnd::ask(const Task& task) {
+void MonitorWnd::request(const Task& task) {
     if (!m_worker.post(task)) addLog(task.event, task.what + L": " + words::notConnected());
 }
 
 void MonitorWnd::lock() {
-    if (const auto input = askLock(m_hWnd, keyOf(locks().chosen())))
-        ask(lockTask(input->name, input->mode));
+    if (const auto input = inputLock(m_hWnd, keyOf(locks().chosen())))
+        request(lockTask(input->name, input->mode));
 }
 
 void MonitorWnd::unlock() {
-    if (const auto name = askText(m_hWnd, {L"Unlock", L"&Name:", keyOf(locks().chosen())}))
-        ask(unlockTask(*name));
+    if (const auto name = inputText(m_hWnd, {L"Unlock", L"&Name:", keyOf(locks().chosen())}))
+        request(unlockTask(*name));
 }
 
 void MonitorWnd::open() {
     const Row* const chosen = connections().chosen();
     const std::wstring text = chosen != nullptr ? chosen->cells[1] : std::wstring();
-    if (const auto connection = askText(m_hWnd, {L"Open connection", L"&Connection string:", text}))
-        ask(openTask(*connection));
+    if (const auto connection =
+            inputText(m_hWnd, {L"Open connection", L"&Connection string:", text}))
+        request(openTask(*connection));
 }
 
 void MonitorWnd::close() {
-    const auto text = askText(
+    const auto text = inputText(
         m_hWnd, {L"Close connection", L"&Id or connection string:", keyOf(connections().chosen())});
     if (!text) return;
     if (const Row* const connection = findConnection(*text))
-        ask(closeTask(connection->cells[1], std::stol(connection->key)));
+        request(closeTask(connection->cells[1], std::stol(connection->key)));
     else
         addLog(L"Close", *text + L": there is no such connection");
 }
 
 void MonitorWnd::send() {
-    if (const auto input = askMessage(m_hWnd, receivers()))
-        ask(sendTask(input->receiver, input->text));
+    if (const auto input = inputMessage(m_hWnd, receivers()))
+        request(sendTask(input->receiver, input->text));
 }
 
 void MonitorWnd::rename() {
-    if (const auto name = askText(m_hWnd, {L"Rename", L"&Your new name:", {}}))
-        ask(renameTask(*name));
+    if (const auto name = inputText(m_hWnd, {L"Rename", L"&Your new name:", {}}))
+        request(renameTask(*name));
 }
 
 // Also those that the filter hides, but not this user.

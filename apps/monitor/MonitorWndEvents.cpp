@@ -57,7 +57,7 @@ void MonitorWnd::showNotification(NyServerNotification& notification) {
 
 bool MonitorWnd::watchBacklog(const Backlog& backlog) {
     if (std::exchange(m_isPaused, backlog.isPaused) == backlog.isPaused) return false;
-    addLog(L"Listener", backlog.isPaused ? L"paused: " + words::posted(backlog) : L"flows again");
+    addLog(L"Listener", backlog.isPaused ? L"paused: " + words::posted(backlog) : L"resumed");
     return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "apps/monitor/Words.h"
 #include "NyServer/detail/ExceptionBoundary.h"
+#include "NyServer/framing/NySeReply.h"
 
 namespace apps::monitor {
 
@@ -12,9 +13,9 @@ namespace {
 // The interval of the checks of the connection while there is nothing to do.
 constexpr std::chrono::milliseconds kRound{200};
 
-// A failure does not show whether the server refused or did not answer. The time does: the client
-// waits for 15 s, which may end a little earlier on another clock.
-constexpr std::chrono::seconds kAnswerTime{14};
+// A failure does not show whether the server refused or did not reply. The time does: the client
+// waits until its time-out, which may end a little earlier on another clock.
+constexpr std::chrono::seconds kReplyTime{NySe::kScalarTimeOut - 1};
 
 }  // namespace
 
@@ -84,8 +85,7 @@ std::wstring ServerWorker::runConnection() {
     reportState({false, words::connecting(m_account)});
     if (!m_session.open()) return words::noConnection(m_account);
     attachListener();
-    if (!m_session.listen())
-        return m_session.client().isAlive() ? words::noPort() : whyUnanswered();
+    if (!m_session.listen()) return m_session.client().isAlive() ? words::noPort() : whyNoReply();
     return serve();
 }
 
@@ -112,7 +112,7 @@ void ServerWorker::endSession() {
 }
 
 std::wstring ServerWorker::serve() {
-    if (!readTables()) return whyUnanswered();
+    if (!readTables()) return whyNoReply();
     m_delay.reset();
     setServing(true);
     reportConnected();
@@ -123,15 +123,15 @@ std::wstring ServerWorker::serve() {
 
 std::wstring ServerWorker::serveOne() {
     const std::optional<Task> task = takeTask();
-    bool isAnswered = true;
+    bool hasReplied = true;
     if (task) {
-        isAnswered = perform(*task);
+        hasReplied = perform(*task);
     } else if (takeRefresh()) {
-        isAnswered = readTables();
+        hasReplied = readTables();
     } else if (!m_session.client().IsConnected()) {
         return words::connectionLost();
     }
-    return isAnswered ? std::wstring() : whyUnanswered();
+    return hasReplied ? std::wstring() : whyNoReply();
 }
 
 std::optional<Task> ServerWorker::takeTask() {
@@ -151,19 +151,19 @@ bool ServerWorker::takeRefresh() {
 }
 
 // The task's effect appears in the tables, and reading them shows whether the server still
-// answers. They are not read after a missing answer, which may still arrive in their place.
+// replies. They are not read after a missing reply, which may still arrive in their place.
 bool ServerWorker::perform(const Task& task) {
     reportActivity(task.event + L' ' + task.what);
     const auto start = std::chrono::steady_clock::now();
     const std::wstring outcome = task.run(m_session.client(), m_account);
-    const bool isInTime = std::chrono::steady_clock::now() - start < kAnswerTime;
-    const bool isAnswered = isInTime && readTables();
-    reportOutcome(task, isAnswered ? outcome : L"no answer");
-    if (isAnswered) reportConnected();
-    return isAnswered;
+    const bool isInTime = std::chrono::steady_clock::now() - start < kReplyTime;
+    const bool hasReplied = isInTime && readTables();
+    reportOutcome(task, hasReplied ? outcome : L"no reply");
+    if (hasReplied) reportConnected();
+    return hasReplied;
 }
 
-// The users first: this program is one of them, so an empty table means that there was no answer.
+// The users first: this program is one of them, so an empty table means that there was no reply.
 // The other tables may be empty, so a probe follows them.
 bool ServerWorker::readTables() {
     takeRefresh();
@@ -192,8 +192,8 @@ void ServerWorker::awaitNextAttempt(const std::wstring& reason) {
                        [this]() NY_REQUIRES(m_mutex) { return m_isStopping || m_isRefreshWanted; });
 }
 
-std::wstring ServerWorker::whyUnanswered() {
-    return m_session.client().IsConnected() ? words::noAnswer() : words::connectionLost();
+std::wstring ServerWorker::whyNoReply() {
+    return m_session.client().IsConnected() ? words::noReply() : words::connectionLost();
 }
 
 void ServerWorker::dropTasks() {

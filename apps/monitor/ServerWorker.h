@@ -28,7 +28,7 @@ class ServerWorker {
   public:
     ServerWorker(Account account, CWnd& window, WindowQueue& queue, MonitorView& view)
         : m_account(std::move(account)), m_window(window), m_queue(queue), m_view(view) {}
-    // Waits until the thread has ended, for as long as the server may take to answer.
+    // Waits until the thread has ended, for as long as the server may take to reply.
     ~ServerWorker();
     ServerWorker(const ServerWorker&) = delete;
     ServerWorker& operator=(const ServerWorker&) = delete;
@@ -63,7 +63,7 @@ class ServerWorker {
     bool perform(const Task& task);
     bool readTables();
 
-    std::wstring whyUnanswered();
+    std::wstring whyNoReply();
     void dropTasks();
     void reportConnected();
     void reportState(const ConnectionState& state);

@@ -6,7 +6,7 @@
 #include <array>
 #include <string>
 
-#include "apps/monitor/Backlog.h"
+#include "apps/monitor/MonitorListener.h"
 
 namespace apps::monitor {
 

@@ -27,7 +27,7 @@ class Table {
 
     // Replaces all rows. REQUIRES: a cell for each column.
     void setRows(std::vector<Row> rows);
-    // Empty: all rows are shown.
+    // Shows the rows that contain `text` in a cell; all rows if it is empty.
     void setFilter(const std::wstring& text);
     // Orders by this column; reverses the order if it already is.
     void sortBy(int column);
@@ -36,12 +36,12 @@ class Table {
     int sortColumn() const { return m_sortColumn; }
     bool isAscending() const { return m_isAscending; }
 
-    // The number of all rows, and of those shown.
+    // Return the number of all rows, and of those shown.
     int total() const { return static_cast<int>(m_rows.size()); }
     int count() const { return static_cast<int>(m_shown.size()); }
-    // A shown row. REQUIRES: 0 <= index < count().
+    // Returns a shown row. REQUIRES: 0 <= index < count().
     const Row& at(int index) const { return m_rows[m_shown[static_cast<size_t>(index)]].row; }
-    // A row, shown or not, as they were given. REQUIRES: 0 <= index < total().
+    // Returns a row, shown or not, in the order of setRows. REQUIRES: 0 <= index < total().
     const Row& any(int index) const { return m_rows[static_cast<size_t>(index)].row; }
     // Returns the index of the shown row with this key; -1 if there is none.
     int find(const std::wstring& key) const;

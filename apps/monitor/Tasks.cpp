@@ -71,7 +71,7 @@ Task renameTask(const std::wstring& name) {
     return {L"Rename", name, [name](NySeClientApp& client, Account& account) {
                 if (!client.updateUserName(toCString(name))) return L"refused";
                 account.user = toUtf8(toCString(name));
-                return L"taken";
+                return L"accepted";
             }};
 }
 

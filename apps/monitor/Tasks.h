@@ -12,7 +12,7 @@ struct Task {
     std::wstring event;  // for the log
     std::wstring what;   // its object, as "part/42"
     // Sends the request and returns the outcome in words. The caller checks afterwards whether the
-    // server has answered.
+    // server has replied.
     std::function<std::wstring(NySeClientApp& client, Account& account)> run;
 };
 

@@ -40,8 +40,8 @@ std::wstring connectionLost() {
     return L"The connection to the server was lost";
 }
 
-std::wstring noAnswer() {
-    return L"The server does not answer";
+std::wstring noReply() {
+    return L"The server does not reply";
 }
 
 std::wstring noMemory() {
@@ -57,7 +57,7 @@ std::wstring posted(const Backlog& backlog) {
 }
 
 std::wstring flow(const Backlog& backlog) {
-    return backlog.isPaused ? L"Paused" : L"Flowing";
+    return backlog.isPaused ? L"Paused" : L"Reading";
 }
 
 std::wstring counted(const std::wstring& title, int shown, int total) {

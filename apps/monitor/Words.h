@@ -7,7 +7,7 @@
 #include <string>
 
 #include "apps/common/Session.h"
-#include "apps/monitor/Backlog.h"
+#include "apps/monitor/MonitorListener.h"
 
 namespace apps::monitor {
 
@@ -24,13 +24,14 @@ std::wstring waiting(const std::wstring& reason, std::chrono::milliseconds delay
 std::wstring noConnection(const Account& account);
 std::wstring noPort();
 std::wstring connectionLost();
-std::wstring noAnswer();
+std::wstring noReply();
 std::wstring noMemory();
 // The outcome of a request.
 std::wstring notConnected();
 
 // As "Posted 3 of 9000".
 std::wstring posted(const Backlog& backlog);
+// Whether the listener reads notifications, or has paused.
 std::wstring flow(const Backlog& backlog);
 
 // The title over a list, as "Users (12)", or "Users (3 of 12)" when some are not shown.

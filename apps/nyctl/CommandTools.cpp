@@ -4,18 +4,18 @@
 
 namespace apps::nyctl {
 
-ExitStatus noAnswer(Context& context) {
-    Output::complain("no answer from " + context.session.server());
+ExitStatus noReply(Context& context) {
+    Output::complain("no reply from " + context.session.server());
     context.session.close();
-    return exitNoAnswer;
+    return exitNoReply;
 }
 
-ExitStatus ifAnswered(Context& context, ExitStatus status) {
-    return context.client().isAlive() ? status : noAnswer(context);
+ExitStatus ifAlive(Context& context, ExitStatus status) {
+    return context.client().isAlive() ? status : noReply(context);
 }
 
 ExitStatus ensureRegistered(Context& context) {
-    return context.session.registerUser() ? exitYes : ifAnswered(context, exitNo);
+    return context.session.registerUser() ? exitYes : ifAlive(context, exitNo);
 }
 
 std::string shareModeDigits(unsigned mode) {

@@ -14,11 +14,11 @@ namespace apps::nyctl {
 
 // The exit status of nyctl. Scripts test these numbers: do not change them.
 enum ExitStatus : int {
-    exitYes = 0,       // yes, granted, done
-    exitNo = 1,        // no, refused
-    exitUsage = 2,     // the command line was wrong
-    exitNoAnswer = 3,  // no connection, or no answer
-    exitTimeOut = 4    // timed out
+    exitYes = 0,      // yes, granted, done
+    exitNo = 1,       // no, refused
+    exitUsage = 2,    // the command line was wrong
+    exitNoReply = 3,  // no connection, or no reply
+    exitTimeOut = 4   // timed out
 };
 
 struct Context {
@@ -54,14 +54,14 @@ std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char*
     return value;
 }
 
-// Reports it and closes the connection. Returns exitNoAnswer.
-ExitStatus noAnswer(Context& context);
+// Reports it and closes the connection. Returns exitNoReply.
+ExitStatus noReply(Context& context);
 
-// For calls that do not report a failure. Returns `status` if the server still answers, else
-// noAnswer.
-ExitStatus ifAnswered(Context& context, ExitStatus status);
+// For calls that do not report a failure. Returns `status` if the server still replies, else
+// noReply.
+ExitStatus ifAlive(Context& context, ExitStatus status);
 
-// Registers the user unless that was done. Returns exitYes, exitNo if refused, or exitNoAnswer.
+// Registers the user unless that was done. Returns exitYes, exitNo if refused, or exitNoReply.
 ExitStatus ensureRegistered(Context& context);
 
 // Returns the mode in hex, as "0x18".

@@ -1,5 +1,8 @@
 #include "apps/nyctl/Commands.h"
 
+#include <iostream>
+#include <string_view>
+
 #include "apps/nyctl/Doctor.h"
 
 namespace apps::nyctl {
@@ -30,7 +33,7 @@ class CommandAdder {
         command->callback([adder = *this, run = row.define(*command), needs] {
             Context context{adder.m_session, adder.m_output};
             const bool isReady = needs == Needs::nothing || adder.m_session.open();
-            adder.m_status = isReady ? run(context) : noAnswer(context);
+            adder.m_status = isReady ? run(context) : noReply(context);
         });
     }
 
@@ -38,6 +41,21 @@ class CommandAdder {
     const Output& m_output;
     ExitStatus& m_status;
 };
+
+constexpr std::string_view kEcho = "echo ";
+
+ExitStatus runLine(const std::string& line, Session& session, const Output& output) {
+    ExitStatus status = exitYes;
+    CLI::App app("One command of the shell", "");
+    app.require_subcommand(1);
+    addCommands(app, session, output, status);
+    try {
+        app.parse(line);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? exitYes : exitUsage;
+    }
+    return status;
+}
 
 }  // namespace
 
@@ -53,6 +71,22 @@ void addCommands(CLI::App& app, Session& session, const Output& output, ExitStat
     online->require_subcommand(1);
     online->footer("Example: nyctl online ping");
     adder.add(*online, kOnlineCommands, Needs::nothing);
+}
+
+ExitStatus runShell(Session& session, const Output& output) {
+    ExitStatus worst = exitYes;
+    for (std::string line; std::getline(std::cin, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (line.empty() || line.front() == '#') continue;
+        if (line == "exit") break;
+        if (line.rfind(kEcho, 0) == 0) {
+            std::cout << line.substr(kEcho.size()) << std::endl;
+            continue;
+        }
+        const ExitStatus status = runLine(line, session, output);
+        if (status != exitYes) worst = status;
+    }
+    return worst;
 }
 
 }  // namespace apps::nyctl

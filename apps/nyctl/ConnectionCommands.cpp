@@ -12,7 +12,7 @@ Run defineOpen(CLI::App& command) {
             if (const ExitStatus status = ensureRegistered(context); status != exitYes)
                 return status;
             const long id = context.client().openConnection(fromUtf8(*name));
-            if (id < 0) return ifAnswered(context, exitNo);
+            if (id < 0) return ifAlive(context, exitNo);
             context.output.record({{"connection", *name}, {"id", id}});
             return exitYes;
         };
@@ -21,7 +21,7 @@ Run defineOpen(CLI::App& command) {
 Run defineClose(CLI::App& command) {
     return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
         context.client().closeConnection(*id);
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 
@@ -29,8 +29,8 @@ Run defineOpeners(CLI::App& command) {
     return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
         NySeUserPtrArray users;
         context.client().isOpenConnectionBy(*id, users);
-        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAnswered(context, exitNo);
-        if (status != exitNoAnswer) printUsers(context, users);
+        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAlive(context, exitNo);
+        if (status != exitNoReply) printUsers(context, users);
         return status;
     };
 }
@@ -39,8 +39,7 @@ Run defineConnections(CLI::App&) {
     return [](Context& context) {
         NySeConnectionArray connections;
         context.client().getConnection(connections);
-        const ExitStatus status =
-            connections.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
+        const ExitStatus status = connections.GetSize() > 0 ? exitYes : ifAlive(context, exitYes);
         if (status != exitYes) return status;
         std::vector<Record> rows;
         for (INT_PTR i = 0; i < connections.GetSize(); ++i)

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "apps/nyctl/TryConnect.h"
+#include "NyServer/framing/NySeReply.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCodes.h"
 
@@ -91,7 +92,7 @@ Finding Doctor::lookUpName() {
     return {"no address of " + m_server.host, "this machine's name service does not know the name",
             "check the spelling; try the IPv4 address instead: nyctl --server ADDRESS:" +
                 std::to_string(m_server.port) + " doctor",
-            exitNoAnswer};
+            exitNoReply};
 }
 
 Finding Doctor::connect() {
@@ -107,15 +108,15 @@ Finding Doctor::connect() {
                     "the machine is reached, but no program listens on this port of this address",
                     "start the central server, and use the port that it prints; a server that "
                     "listens on 127.0.0.1 accepts only its own machine (nycentral --bind)",
-                    exitNoAnswer};
+                    exitNoReply};
         case ConnectOutcome::unreachable:
             return {where + " cannot be reached", "no network route leads to that machine",
-                    "check the address and this machine's network", exitNoAnswer};
+                    "check the address and this machine's network", exitNoReply};
         default:
-            return {where + " does not answer within " + timeOut(),
+            return {where + " does not respond within " + timeOut(),
                     "the machine is off, or a firewall drops the packets to this port",
                     "check that the machine is running, and open the port in the firewalls",
-                    exitNoAnswer};
+                    exitNoReply};
     }
 }
 
@@ -123,28 +124,30 @@ Finding Doctor::agreeOnSchema() {
     NySeClientApp& client = m_session.client();
     client.initializeSchema();
     const auto schema = static_cast<unsigned>(client.getSchemaType());
+    const std::string current = std::to_string(NySe::schema2015);
     if (schema == NySe::schema2015) return Finding::ok(std::to_string(schema));
     if (schema != NySe::noSchema)
-        return {"the server grants " + std::to_string(schema) + ", not 2015",
+        return {"the server grants " + std::to_string(schema) + ", not " + current,
                 "it uses another record format, or it is not a central server",
-                "use a central server of schema 2015; check whether the port is that of another "
-                "program",
+                "use a central server of schema " + current +
+                    "; check whether the port is that of another program",
                 exitNo};
     if (client.IsConnected() == 0)
         return {"the server closes the connection",
                 "it has as many clients as its limit allows, or it is not a central server",
                 "read its output; disconnect other clients, or start it with a larger "
                 "--max-sessions; check whether the port is that of another program",
-                exitNoAnswer};
-    return {"no schema within 15 s", "it hangs, or it is not a central server",
-            "check whether the port is that of another program; restart the server", exitNoAnswer};
+                exitNoReply};
+    return {"no schema within " + std::to_string(NySe::kScalarTimeOut) + " s",
+            "it hangs, or it is not a central server",
+            "check whether the port is that of another program; restart the server", exitNoReply};
 }
 
 Finding Doctor::checkLiveness() {
     if (m_session.client().isAlive()) return Finding::ok("the server is alive");
     return {"the server does not reply",
-            "the server agreed on the schema, but then stopped answering",
-            "read its output, check the load of its machine; restart it", exitNoAnswer};
+            "the server agreed on the schema, but then stopped replying",
+            "read its output, check the load of its machine; restart it", exitNoReply};
 }
 
 Finding Doctor::registerUser() {
@@ -153,8 +156,8 @@ Finding Doctor::registerUser() {
                            std::to_string(user().getSessionNumber()) + ", notifications to port " +
                            std::to_string(user().getPort()));
     if (!m_session.client().isAlive())
-        return {"no answer", "the server stopped answering when the user was registered",
-                "read its output; restart it", exitNoAnswer};
+        return {"no reply", "the server stopped replying when the user was registered",
+                "read its output; restart it", exitNoReply};
     return {"the server refuses " + m_options.user,
             "it has no notification port left, or does not accept that name",
             "disconnect other users, or start the server with more --ports; try another --user",

@@ -28,10 +28,10 @@ bool holds(CMemFile& payload, const std::string& text) {
 
 Finding noSecondSession() {
     return {"the server accepts no second session",
-            "it has as many clients as its limit allows, or stopped answering",
+            "it has as many clients as its limit allows, or stopped replying",
             "read its output; disconnect other clients, or start it with a larger "
             "--max-sessions",
-            exitNoAnswer};
+            exitNoReply};
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ Finding Doctor::awaitServer() {
         "address is translated between the two machines",
         "allow the server's machine to connect to the ports that it assigns (nycentral --ports) "
         "in this machine's firewall and those between",
-        exitNoAnswer};
+        exitNoReply};
 }
 
 Finding Doctor::awaitNotification() {
@@ -101,7 +101,7 @@ Finding Doctor::passThroughWindow(const std::string& text) {
             "the server connected to the listener, but does not forward what was sent to the user",
             "read the server's output; check whether a program between the two machines "
             "accepts connections in place of the listener",
-            exitNoAnswer};
+            exitNoReply};
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
     // There may be notifications of other users, too.
     if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }))

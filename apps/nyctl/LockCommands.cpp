@@ -24,8 +24,8 @@ Run defineLock(CLI::App& command) {
     return [name, mode](Context& context) {
         if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
         const bool granted = context.client().lock(fromUtf8(*name), *mode);
-        const ExitStatus status = granted ? exitYes : ifAnswered(context, exitNo);
-        if (status == exitNoAnswer) return status;
+        const ExitStatus status = granted ? exitYes : ifAlive(context, exitNo);
+        if (status == exitNoReply) return status;
         context.output.record({{"lock", *name},
                                {"granted", granted},
                                {"mode", shareModeDigits(*mode)},
@@ -37,7 +37,7 @@ Run defineLock(CLI::App& command) {
 Run defineUnlock(CLI::App& command) {
     return [name = argument<std::string>(command, "NAME", "The lock's name")](Context& context) {
         context.client().unLock(fromUtf8(*name));
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 
@@ -46,9 +46,9 @@ Run defineHolders(CLI::App& command) {
         NySeUserPtrArray users;
         const bool held = context.client().isLockBy(fromUtf8(*name), users);
         // Held without a holder: the table that follows the status was lost.
-        if (held && users.GetSize() == 0) return noAnswer(context);
-        const ExitStatus status = held ? exitYes : ifAnswered(context, exitNo);
-        if (status != exitNoAnswer) printUsers(context, users);
+        if (held && users.GetSize() == 0) return noReply(context);
+        const ExitStatus status = held ? exitYes : ifAlive(context, exitNo);
+        if (status != exitNoReply) printUsers(context, users);
         return status;
     };
 }
@@ -76,9 +76,9 @@ Run defineLocks(CLI::App&) {
                 rows.push_back(describe(*locks[i], *holders[j], users));
             }
         }
-        // An empty table may also mean that no answer arrived.
+        // An empty table may also mean that no reply arrived.
         const bool isCertain = !rows.empty() && users.GetSize() > 0;
-        const ExitStatus status = isCertain ? exitYes : ifAnswered(context, exitYes);
+        const ExitStatus status = isCertain ? exitYes : ifAlive(context, exitYes);
         if (status == exitYes) {
             context.output.table({"lock", "session", "user", "mode", "words"}, rows);
         }

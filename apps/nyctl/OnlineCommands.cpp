@@ -43,8 +43,8 @@ class ChosenService {
 };
 
 ExitStatus noService(const std::string& service) {
-    Output::complain("no answer from the service " + service);
-    return exitNoAnswer;
+    Output::complain("no reply from the service " + service);
+    return exitNoReply;
 }
 
 Run defineOnlinePing(CLI::App& command) {
@@ -79,7 +79,7 @@ const std::vector<Command> kOnlineCommands = {
      &defineOnlinePing},
     {"version",
      "Show the version published for a product: 0 found, 1 none or no production service, 3 no "
-     "answer",
+     "reply",
      "online version 42", &defineVersion},
 };
 

@@ -10,7 +10,7 @@ Run definePing(CLI::App&) {
         NySeClientApp& client = context.client();
         const bool alive = client.isAlive();
         const double version = client.getVersion();
-        if (!alive && version < 0) return noAnswer(context);
+        if (!alive && version < 0) return noReply(context);
         context.output.record({{"alive", alive},
                                {"version", version},
                                {"schema", static_cast<unsigned>(client.getSchemaType())}});
@@ -21,7 +21,7 @@ Run definePing(CLI::App&) {
 Run defineTime(CLI::App&) {
     return [](Context& context) {
         const long seconds = context.client().getCurrentTime();
-        if (seconds == 0) return noAnswer(context);
+        if (seconds == 0) return noReply(context);
         context.output.record({{"time", seconds}});
         return exitYes;
     };
@@ -30,7 +30,7 @@ Run defineTime(CLI::App&) {
 Run defineMachine(CLI::App&) {
     return [](Context& context) {
         const CString identity = context.client().getMachineIdentifiant();
-        const ExitStatus status = identity.IsEmpty() ? ifAnswered(context, exitYes) : exitYes;
+        const ExitStatus status = identity.IsEmpty() ? ifAlive(context, exitYes) : exitYes;
         if (status == exitYes) context.output.record({{"machine", toUtf8(identity)}});
         return status;
     };
@@ -42,7 +42,7 @@ Run defineInfo(CLI::App&) {
         context.client().getServerInformation(report);
         std::vector<std::string> lines;
         for (INT_PTR i = 0; i < report.GetSize(); ++i) lines.push_back(toUtf8(report[i]));
-        const ExitStatus status = ifAnswered(context, exitYes);
+        const ExitStatus status = ifAlive(context, exitYes);
         if (status == exitYes) context.output.lines("information", lines);
         return status;
     };
@@ -51,14 +51,14 @@ Run defineInfo(CLI::App&) {
 Run defineVerify(CLI::App&) {
     return [](Context& context) {
         context.client().verifyCoherancy();
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 
 Run defineEvents(CLI::App& command) {
     return [count = argument<int>(command, "N", "The maximum number of events")](Context& context) {
         const std::string events = toUtf8(context.client().getEventListFromEventViewer(*count));
-        const ExitStatus status = events.empty() ? ifAnswered(context, exitYes) : exitYes;
+        const ExitStatus status = events.empty() ? ifAlive(context, exitYes) : exitYes;
         if (status == exitYes) context.output.lines("event", Output::split(events));
         return status;
     };
@@ -66,8 +66,8 @@ Run defineEvents(CLI::App& command) {
 
 Run defineShutdown(CLI::App&) {
     return [](Context& context) {
-        // After the request the server no longer answers.
-        const ExitStatus status = ifAnswered(context, exitYes);
+        // After the request the server no longer replies.
+        const ExitStatus status = ifAlive(context, exitYes);
         if (status == exitYes) context.client().shutDownServer();
         return status;
     };

@@ -25,8 +25,8 @@ Run defineUsers(CLI::App&) {
     return [](Context& context) {
         NySeUserPtrArray users;
         context.client().getAllUser(users);
-        // An empty table may also mean that no answer arrived.
-        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAnswered(context, exitYes);
+        // An empty table may also mean that no reply arrived.
+        const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAlive(context, exitYes);
         if (status == exitYes) printUsers(context, users);
         return status;
     };
@@ -35,7 +35,7 @@ Run defineUsers(CLI::App&) {
 Run definePort(CLI::App&) {
     return [](Context& context) {
         const int port = context.client().getAnotherPort();
-        if (port <= 0) return ifAnswered(context, exitNo);
+        if (port <= 0) return ifAlive(context, exitNo);
         context.output.record({{"port", port}});
         return exitYes;
     };
@@ -44,8 +44,8 @@ Run definePort(CLI::App&) {
 Run defineRename(CLI::App& command) {
     return [name = argument<std::string>(command, "NAME", "The new name")](Context& context) {
         if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
-        const bool taken = context.client().updateUserName(fromUtf8(*name));
-        return taken ? exitYes : ifAnswered(context, exitNo);
+        const bool isRenamed = context.client().updateUserName(fromUtf8(*name));
+        return isRenamed ? exitYes : ifAlive(context, exitNo);
     };
 }
 
@@ -53,10 +53,10 @@ Run defineSendUser(CLI::App& command) {
     return [name = argument<std::string>(command, "USER", "The receiver's name"),
             text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeUser user;
-        if (!findUser(context, *name, user)) return ifAnswered(context, exitNo);
+        if (!findUser(context, *name, user)) return ifAlive(context, exitNo);
         NySeMessage message = messageOf(*text);
         context.client().sendUserData(user, message);
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 
@@ -64,7 +64,7 @@ Run defineSendAll(CLI::App& command) {
     return [text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeMessage message = messageOf(*text);
         context.client().sendAllUserData(message);
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 
@@ -74,7 +74,7 @@ Run defineSendConnection(CLI::App& command) {
             text = argument<std::string>(command, "TEXT", "The text")](Context& context) {
         NySeMessage message = messageOf(*text);
         context.client().sendConnectionData(*id, *number, message);
-        return ifAnswered(context, exitYes);
+        return ifAlive(context, exitYes);
     };
 }
 

@@ -23,7 +23,7 @@ ExitStatus Watch::run() {
     const ExitStatus status = follow();
     if (status == exitNo) Output::complain("the server has no port that is free on this machine");
     // Not earlier: the window uses the listener, which is destroyed with the connection.
-    return status == exitNoAnswer ? noAnswer(m_context) : status;
+    return status == exitNoReply ? noReply(m_context) : status;
 }
 
 // The window exists before the listener starts, so that no notification is missed.
@@ -31,7 +31,7 @@ ExitStatus Watch::follow() {
     NyServerApp& listener = m_context.session.listener();
     const WatchWindow window(
         listener, [this](NySe::ActionType action, CMemFile& payload) { show(action, payload); });
-    if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoAnswer;
+    if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoReply;
     Output::note("listening on port " + std::to_string(listener.getPortNumber()));
     m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
@@ -40,14 +40,14 @@ ExitStatus Watch::follow() {
         // Checked last, so that notifications received before the connection was lost are shown.
         if (!m_context.client().IsConnected()) {
             Output::complain("the connection to the server was lost");
-            return exitNoAnswer;
+            return exitNoReply;
         }
         awaitMessage();
     }
 }
 
 std::optional<ExitStatus> Watch::outcome() const {
-    if (StopRequest::isMade()) return exitYes;
+    if (StopRequest::isRequested()) return exitYes;
     if (m_limits.hasCount() && m_seen >= m_limits.count) return exitYes;
     if (!m_limits.hasTime() || Clock::now() < m_end) return std::nullopt;
     return m_limits.hasCount() ? exitTimeOut : exitYes;

@@ -22,7 +22,7 @@ class Watch {
 
     // Returns exitYes when the number of notifications has arrived, at the time-out if there is no
     // such number, and after Ctrl+C; exitTimeOut if the time-out comes first; exitNo if the server
-    // has no free port; exitNoAnswer if the server does not answer or the connection is lost.
+    // has no free port; exitNoReply if the server does not reply or the connection is lost.
     ExitStatus run();
 
   private:

@@ -1,7 +1,7 @@
 // nyctl: the central server and the online service from the command line.
 #include "apps/common/CommandLine.h"
 #include "apps/common/RunProgram.h"
-#include "apps/nyctl/Shell.h"
+#include "apps/nyctl/Commands.h"
 
 namespace apps::nyctl {
 namespace {
@@ -30,7 +30,7 @@ int run() {
     app.footer(
         "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
-        "answer, 4 timed out.");
+        "reply, 4 timed out.");
 
     try {
         parseCommandLine(app);
@@ -45,5 +45,5 @@ int run() {
 
 int main() {
     using namespace apps::nyctl;
-    return apps::runProgram(run, Output::complain, exitNoAnswer);
+    return apps::runProgram(run, Output::complain, exitNoReply);
 }

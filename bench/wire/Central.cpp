@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr unsigned kAlone = NySe::exclude1 | NySe::exclude2;
+constexpr unsigned kExclusive = NySe::exclude1 | NySe::exclude2;
 
 class LockingClient {
   public:
@@ -25,7 +25,7 @@ class LockingClient {
     }
     void work(bench::Clock::time_point end) {
         while (bench::Clock::now() < end) {
-            m_times.time([this] { m_failures += m_client.lock(m_name, kAlone) ? 0 : 1; });
+            m_times.time([this] { m_failures += m_client.lock(m_name, kExclusive) ? 0 : 1; });
             m_failures += m_client.unLock(m_name) ? 0 : 1;
         }
     }

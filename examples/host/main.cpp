@@ -25,7 +25,7 @@ namespace {
 
 const CString kLockName = _T("part/1");
 // Both kinds of access, and none for others.
-constexpr unsigned kAlone = NySe::access1 | NySe::access2 | NySe::exclude1 | NySe::exclude2;
+constexpr unsigned kShareMode = NySe::access1 | NySe::access2 | NySe::exclude1 | NySe::exclude2;
 
 // Prints a line of UTF-8 without delay.
 void say(const CString& line) {
@@ -125,9 +125,11 @@ bool registerAndListen(NySeClientApp& client, NyServerApp& listener) {
 
 int run(const char* address, int port, int wanted, int seconds) {
     NySeClientApp client;
-    if (client.connect(port, address, -1) != 0) return fail("no central server there");
+    if (client.connect(port, address, -1) != 0)
+        return fail("no connection to a central server at that address and port");
     client.initializeSchema();
-    if (client.getSchemaType() != NySe::schema2015) return fail("the server speaks otherwise");
+    if (client.getSchemaType() != NySe::schema2015)
+        return fail("the server did not agree on the current schema");
 
     // The window uses the listener, so the listener is created first and destroyed last; its
     // destructor waits for its threads.
@@ -135,7 +137,7 @@ int run(const char* address, int port, int wanted, int seconds) {
     MainWnd window(listener, wanted);
     if (!window.create(seconds)) return fail("no window");
     if (!registerAndListen(client, listener)) return fail("no port to listen on");
-    if (!client.lock(kLockName, kAlone)) return fail("the lock was not granted");
+    if (!client.lock(kLockName, kShareMode)) return fail("the lock was not granted");
     say(_T("holding ") + kLockName);
 
     MSG message;

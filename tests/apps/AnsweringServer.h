@@ -65,8 +65,8 @@ class AnsweringServer : public CUT_WSServer {
         }
 
       private:
-        // False at the end of the connection, or of the server. A bare good-bye has no length, and
-        // the end comes behind it.
+        // False at the end of the connection, or of the server. A disconnect request has no
+        // length; the end follows it.
         bool take(void* bytes, size_t count) {
             size_t taken = 0;
             while (taken < count) {

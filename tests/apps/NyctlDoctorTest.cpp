@@ -73,7 +73,7 @@ class NyctlDoctor : public CentralTest {
     DoctorRun doctor;
 };
 
-TEST_F(NyctlDoctor, FindsAllWell) {
+TEST_F(NyctlDoctor, FindsNoFault) {
     EXPECT_EQ(exitYes, examine());
     doctor.expectAllIsWell();
     EXPECT_EQ("127.0.0.1 is an address", doctor.checks()[nameLookUp]["found"]);
@@ -88,13 +88,13 @@ struct BobsEar {
     FrameListener ofBob;
 };
 
-class NyctlDoctorHeard : protected BobsEar, public NyctlDoctor {
+class NyctlDoctorObserved : protected BobsEar, public NyctlDoctor {
   protected:
-    NyctlDoctorHeard() : NyctlDoctor({ofBob.port(), freePorts(1)[0]}) {}
+    NyctlDoctorObserved() : NyctlDoctor({ofBob.port(), freePorts(1)[0]}) {}
 };
 
 // Bob is told that a user comes and goes, and nothing of what the doctor sends itself.
-TEST_F(NyctlDoctorHeard, RegistersUnderANameOfItsOwnAndLeaves) {
+TEST_F(NyctlDoctorObserved, RegistersUnderItsOwnNameAndUnregisters) {
     join(client, "Bob");
     EXPECT_EQ(exitYes, examine());
     EXPECT_TRUE(eventually([this] { return ofBob.frames().size() >= 2; }));
@@ -108,7 +108,7 @@ TEST_F(NyctlDoctorHeard, RegistersUnderANameOfItsOwnAndLeaves) {
     EXPECT_EQ(std::vector<std::string>{"Bob"}, userNames(client));
 }
 
-TEST_F(NyctlDoctor, TakesTheNameThatWasChosen) {
+TEST_F(NyctlDoctor, RegistersUnderTheChosenName) {
     doctor.options().user = "Anna";
     doctor.options().isUserChosen = true;
     EXPECT_EQ(exitYes, examine());
@@ -140,7 +140,7 @@ class NoWindows {
     HHOOK m_hook;
 };
 
-TEST_F(NyctlDoctor, NamesAWindowThatCannotBe) {
+TEST_F(NyctlDoctor, ReportsAWindowThatCannotBeCreated) {
     const NoWindows none;
     EXPECT_EQ(exitNo, examine());
     doctor.expectEndsAt(windowMessage, "the window cannot be created");
@@ -173,12 +173,12 @@ class NyctlDoctorAlone : public ::testing::Test {
     DoctorRun doctor;
 };
 
-TEST_F(NyctlDoctorAlone, NamesARegistrationThatIsRefused) {
+TEST_F(NyctlDoctorAlone, ReportsARegistrationThatIsRefused) {
     EXPECT_EQ(exitNo, examineCentral({}));
     doctor.expectEndsAt(registration, "the server refuses nyctl doctor");
 }
 
-TEST_F(NyctlDoctorAlone, NamesPortsThatAreTakenHereUnlessAnotherIsFree) {
+TEST_F(NyctlDoctorAlone, ReportsPortsThatAreInUseUnlessAnotherIsFree) {
     const TakenPort taken;
     EXPECT_EQ(exitNo, examineCentral({taken.port()}));
     doctor.expectEndsAt(listenerPort, "the server has no port that is free on this machine");
@@ -186,18 +186,18 @@ TEST_F(NyctlDoctorAlone, NamesPortsThatAreTakenHereUnlessAnotherIsFree) {
     doctor.expectAllIsWell();
 }
 
-TEST_F(NyctlDoctorAlone, NamesANameThatDoesNotResolve) {
-    EXPECT_EQ(exitNoAnswer, doctor("no-such-host.invalid:1"));
+TEST_F(NyctlDoctorAlone, ReportsANameThatDoesNotResolve) {
+    EXPECT_EQ(exitNoReply, doctor("no-such-host.invalid:1"));
     doctor.expectEndsAt(nameLookUp, "no address of no-such-host.invalid");
 }
 
-TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
+TEST_F(NyctlDoctorAlone, ReportsAPortThatRefusesInThreeRows) {
     const peers::RefusingPort nobody;
     const std::string server = "127.0.0.1:" + std::to_string(nobody.port());
-    EXPECT_EQ(exitNoAnswer, doctor(server));
+    EXPECT_EQ(exitNoReply, doctor(server));
     doctor.expectEndsAt(connecting, server + " refuses connections");
     doctor.options().json = false;
-    EXPECT_EQ(exitNoAnswer, doctor(server));
+    EXPECT_EQ(exitNoReply, doctor(server));
     const std::vector<std::string> lines = Output::split(doctor.run().printed());
     ASSERT_EQ(kChecks + 2, lines.size());
     EXPECT_EQ("name look-up    ok           127.0.0.1", lines[0].substr(0, 38));
@@ -207,14 +207,14 @@ TEST_F(NyctlDoctorAlone, NamesAPortThatRefusesInThreeRows) {
     EXPECT_EQ("schema          not reached", lines[4]);
 }
 
-TEST_F(NyctlDoctorAlone, NamesAPortThatDoesNotAnswer) {
+TEST_F(NyctlDoctorAlone, ReportsAPortThatDoesNotRespond) {
     const peers::UnansweringPort silent;
     const std::string server = "127.0.0.1:" + std::to_string(silent.port());
-    EXPECT_EQ(exitNoAnswer, doctor(server, "--timeout 1"));
-    doctor.expectEndsAt(connecting, server + " does not answer within 1 s");
+    EXPECT_EQ(exitNoReply, doctor(server, "--timeout 1"));
+    doctor.expectEndsAt(connecting, server + " does not respond within 1 s");
 }
 
-TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
+TEST_F(NyctlDoctorAlone, ReportsTheStepAtWhichAServerStops) {
     const auto agreed = std::pair(LONG{NySe::actionInitializeSchema}, m_agreed);
     const auto otherLife = std::pair(LONG{NySe::actionIsAlive}, answering(wireOf<LONG>(5)));
     const struct {
@@ -223,14 +223,14 @@ TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
         Check check;
         const char* found;
     } cases[] = {
-        {{}, exitNoAnswer, schema, "the server closes the connection"},
+        {{}, exitNoReply, schema, "the server closes the connection"},
         {{{agreed.first, answering(wireOf<LONG>(2010))}},
          exitNo,
          schema,
          "the server grants 2010, not 2015"},
-        {{agreed}, exitNoAnswer, liveness, "the server does not reply"},
-        {{agreed, otherLife}, exitNoAnswer, liveness, "the server does not reply"},
-        {{agreed, {otherLife.first, m_alive}}, exitNoAnswer, registration, "no answer"},
+        {{agreed}, exitNoReply, liveness, "the server does not reply"},
+        {{agreed, otherLife}, exitNoReply, liveness, "the server does not reply"},
+        {{agreed, {otherLife.first, m_alive}}, exitNoReply, registration, "no reply"},
     };
     for (const auto& [answers, status, check, found] : cases) {
         SCOPED_TRACE(found);
@@ -240,32 +240,32 @@ TEST_F(NyctlDoctorAlone, NamesWhereAServerStops) {
 }
 
 // Waits as long as the library does.
-TEST_F(NyctlDoctorAlone, NamesAServerThatNeverAnswers) {
-    EXPECT_EQ(exitNoAnswer, examine({{NySe::actionInitializeSchema, answering("")}}));
+TEST_F(NyctlDoctorAlone, ReportsAServerThatNeverReplies) {
+    EXPECT_EQ(exitNoReply, examine({{NySe::actionInitializeSchema, answering("")}}));
     doctor.expectEndsAt(schema, "no schema within 15 s");
 }
 
-TEST_F(NyctlDoctorAlone, NamesAListenerPortThatNobodyComesTo) {
+TEST_F(NyctlDoctorAlone, ReportsAListenerPortWithoutAConnection) {
     auto answers = registering();
     answers[NySe::actionSendUserData] = answering("");
-    EXPECT_EQ(exitNoAnswer, examine(answers, 2));
+    EXPECT_EQ(exitNoReply, examine(answers, 2));
     doctor.expectEndsAt(listenerPort,
                         "no connection to port " + std::to_string(m_port) + " within 2 s");
 }
 
-TEST_F(NyctlDoctorAlone, NamesAServerWithoutASecondSession) {
+TEST_F(NyctlDoctorAlone, ReportsAServerWithoutASecondSession) {
     std::atomic<bool> isFirst = true;
     auto answers = registering();
     answers[NySe::actionInitializeSchema] = [&](const std::string&) -> std::optional<std::string> {
         if (!isFirst.exchange(false)) return std::nullopt;
         return wireOf<LONG>(NySe::schema2015);
     };
-    EXPECT_EQ(exitNoAnswer, examine(answers));
+    EXPECT_EQ(exitNoReply, examine(answers));
     doctor.expectEndsAt(listenerPort, "the server accepts no second session");
 }
 
 // One that comes to the listener at the first text, and says `told` at the second.
-class NyctlDoctorTold : public NyctlDoctorAlone {
+class NyctlDoctorNotified : public NyctlDoctorAlone {
   protected:
     // Waited for in full; what has to come before that has as long.
     static constexpr int kShort = 15;
@@ -290,8 +290,8 @@ class NyctlDoctorTold : public NyctlDoctorAlone {
     }
 };
 
-TEST_F(NyctlDoctorTold, IsNotSatisfiedWithAnotherText) {
-    EXPECT_EQ(exitNoAnswer, examineTold([](std::string object) {
+TEST_F(NyctlDoctorNotified, FailsOnAnotherText) {
+    EXPECT_EQ(exitNoReply, examineTold([](std::string object) {
                   object.end()[-2] ^= 1;  // its last character
                   return notification(57, object) + notification(58, "");
               }));
@@ -325,7 +325,7 @@ class LosingSecond : MessageHook<LosingSecond> {
     static inline int s_seen = 0;
 };
 
-TEST_F(NyctlDoctorTold, NamesAMessageThatIsNotConsumed) {
+TEST_F(NyctlDoctorNotified, ReportsAMessageThatIsNotConsumed) {
     const LosingSecond losing;
     EXPECT_EQ(exitNo, examineTold([](const std::string& object) {
                   return notification(57, object) + notification(58, "");

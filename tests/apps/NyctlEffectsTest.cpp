@@ -64,7 +64,7 @@ TEST_F(NyctlEffects, TextsReachTheOthersInAnyScript) {
     expectBobGets(56, "model saved");
 }
 
-TEST_F(NyctlEffects, TextsReachNobodyElse) {
+TEST_F(NyctlEffects, TextsReachNoOtherUser) {
     ASSERT_EQ(exitYes, run("register"));
     ASSERT_EQ(exitYes, run("send-user Anna 'a word with myself'"));
     EXPECT_EQ(exitYes, run("send-connection 5 7 'model saved'"));
@@ -113,7 +113,7 @@ class NyctlVerify : public NyctlEffects {
     NyctlVerify() : NyctlEffects(withPorts({refusingPorts()[0], refusingPorts()[0]})) {}
 };
 
-TEST_F(NyctlVerify, HasTheFaultsTold) {
+TEST_F(NyctlVerify, LogsFaultsAsEvents) {
     ASSERT_EQ(exitYes, run("register"));
     EXPECT_EQ(exitYes, run("verify"));
     const std::string fault = "incoherent: user Bob shares port";

@@ -50,26 +50,26 @@ std::vector<NyctlCase> nyctlCases() {
     const std::string lockColumns = "lock     session  user  mode  words\n";
     return {row("PingIsYesForALivingServer", "ping", {alive, version}, exitYes,
                 "alive: true\nversion: 2.5\nschema: 2015\n"),
-            row("PingIsNoForAServerThatAnswersSomethingElse", "ping",
+            row("PingIsNoForAServerThatRepliesSomethingElse", "ping",
                 {{actionIsAlive, wireOf<LONG>(5)}, version}, exitNo,
                 "alive: false\nversion: 2.5\nschema: 2015\n"),
             row("RegisterIsNoWhenALivingServerGivesNoPort", "register",
                 {{actionGetPortClient, wireOf<LONG>(0)}, alive}, exitNo),
-            row("RegisterIsNoWhenALivingServerAnswersWithAnotherRecord", "register",
+            row("RegisterIsNoWhenALivingServerRepliesWithAnotherRecord", "register",
                 {{actionGetPortClient, users.second}, alive}, exitNo),
-            row("RegisterHasNoAnswerWhenTheServerStopsHalfWay", "register", {halfRegistered},
-                exitNoAnswer),
+            row("RegisterHasNoReplyWhenTheServerStopsHalfWay", "register", {halfRegistered},
+                exitNoReply),
             row("UsersMayBeNoneOnALivingServer", "users", {noUsers, alive}, exitYes,
                 "user  session  port  host  computer  schema  soft_type\n"),
             row("UsersAreListedOneARow", "users", {users}, exitYes,
                 "user  session  port   host   computer  schema  soft_type\n"
                 "Anna  7        40123  ws-01  WS-01     2015    3\n"
                 "bob   8        40124  ws-01  WS-01     2015    3\n"),
-            row("HoldersHasNoAnswerWhenTheirTableIsLost", "holders part/42",
-                {{actionIsLockBy, "\1"}}, exitNoAnswer),
-            row("HoldersHasNoAnswerWhenTheirTableIsAnother", "holders part/42",
-                {{actionIsLockBy, "\1" + locks.second}}, exitNoAnswer),
-            row("LocksHasNoAnswerWhenTheUsersDoNotCome", "locks", {locks}, exitNoAnswer),
+            row("HoldersHasNoReplyWhenTheirTableIsLost", "holders part/42",
+                {{actionIsLockBy, "\1"}}, exitNoReply),
+            row("HoldersHasNoReplyWhenTheirTableIsAnother", "holders part/42",
+                {{actionIsLockBy, "\1" + locks.second}}, exitNoReply),
+            row("LocksHasNoReplyWhenTheUsersDoNotArrive", "locks", {locks}, exitNoReply),
             row("LocksMayBeHeldByNobodyOnALivingServer", "locks", {locks, noUsers, alive}, exitYes,
                 lockColumns + "part/42  1              0x01  access1\n"
                               "part/42  7              0x18  exclude1+exclude2\n"
@@ -86,12 +86,12 @@ std::vector<NyctlCase> nyctlCases() {
                 {registered, {actionOpenConnection, wireOf<LONG>(-1)}, alive}, exitNo)};
 }
 
-class NyctlAnswered : public Nyctl, public ::testing::WithParamInterface<NyctlCase> {};
+class NyctlCommand : public Nyctl, public ::testing::WithParamInterface<NyctlCase> {};
 
-INSTANTIATE_TEST_SUITE_P(Nyctl, NyctlAnswered, ::testing::ValuesIn(nyctlCases()),
+INSTANTIATE_TEST_SUITE_P(Nyctl, NyctlCommand, ::testing::ValuesIn(nyctlCases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST_P(NyctlAnswered, EndsAndPrints) {
+TEST_P(NyctlCommand, EndsAndPrints) {
     Answers answers;
     for (const auto& [action, bytes] : GetParam().answers) answers[action] = answering(bytes);
     serve(answers);
@@ -102,10 +102,10 @@ TEST_P(NyctlAnswered, EndsAndPrints) {
 TEST_F(Nyctl, WatchEndsWithTheServer) {
     const LONG port = static_cast<LONG>(peers::RefusingPort().port());
     serve({{NySe::actionGetPortClient, answering(registrationAnswer(port))}});
-    EXPECT_EQ(exitNoAnswer, run("watch --count 1 --timeout 60"));
+    EXPECT_EQ(exitNoReply, run("watch --count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
     EXPECT_EQ("nyctl: listening on port " + std::to_string(port) +
-                  "\nnyctl: the connection to the server was lost\nnyctl: no answer from " +
+                  "\nnyctl: the connection to the server was lost\nnyctl: no reply from " +
                   m_options.server + "\n",
               m_run.complaint());
 }
@@ -129,7 +129,7 @@ TEST_F(Nyctl, UsersAreListedOneAnObject) {
         m_run.printed());
 }
 
-TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
+TEST_F(Nyctl, NamesOfOthersDoNotControlTheTerminal) {
     NySeUserPtrArray users;
     users.append(new NySeUser);
     users[0]->setStrUserName(_T("a\x1b[2Jb\nc"));
@@ -138,7 +138,7 @@ TEST_F(Nyctl, NamesOfOthersDoNotSteerTheTerminal) {
     EXPECT_NE(std::string::npos, m_run.printed().find("a?[2Jb?c")) << m_run.printed();
 }
 
-TEST_F(Nyctl, ShareModesAreToldInWords) {
+TEST_F(Nyctl, ShareModesArePrintedInWords) {
     for (const auto& [mode, words] : {std::pair{"0x00", "none"},
                                       {"0x01", "access1"},
                                       {"0x02", "access2"},
@@ -168,28 +168,28 @@ TEST_F(Nyctl, SendConnectionSendsTheIdTheNumberAndTheText) {
     EXPECT_EQ(shown(goldenWire("request-sendConnectionData").substr(8)), shown(sent));
 }
 
-TEST_F(Nyctl, NoCommandTakesAServerThatIsGoneForOneThatSaysNo) {
+TEST_F(Nyctl, EveryCommandDistinguishesALostServerFromARefusal) {
     serve({});
     for (const auto* family :
          {&kServerCommands, &kUserCommands, &kLockCommands, &kConnectionCommands}) {
         for (const Command& command : *family) {
-            EXPECT_EQ(exitNoAnswer, run(command.example)) << command.example;
+            EXPECT_EQ(exitNoReply, run(command.example)) << command.example;
             EXPECT_EQ("", m_run.printed()) << command.example;
-            EXPECT_EQ("nyctl: no answer from " + m_options.server + "\n", m_run.complaint())
+            EXPECT_EQ("nyctl: no reply from " + m_options.server + "\n", m_run.complaint())
                 << command.example;
         }
     }
-    EXPECT_EQ(exitNoAnswer, run("watch"));
+    EXPECT_EQ(exitNoReply, run("watch"));
 }
 
-TEST_F(Nyctl, TheShellConnectsAgainAfterAMissedAnswer) {
+TEST_F(Nyctl, TheShellConnectsAgainAfterAMissingReply) {
     std::atomic<int> connections = 0;
     serve({{NySe::actionInitializeSchema, [&](const std::string&) {
                 ++connections;
                 return wireOf<LONG>(NySe::schema2015);
             }}});
     Session session(m_options);
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(exitNoAnswer, m_run(session, m_options, "time"));
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(exitNoReply, m_run(session, m_options, "time"));
     EXPECT_EQ(2, connections);
 }
 
@@ -203,10 +203,10 @@ TEST(NyctlServerAddress, IsHostAndPort) {
 }
 
 // Waits for the schema's answer as long as the library does.
-TEST_F(Nyctl, ASilentServerIsNoAnswer) {
+TEST_F(Nyctl, ASilentServerIsReportedAsNoReply) {
     const peers::Peer silent(peers::silent());
     m_options.server = "127.0.0.1:" + std::to_string(silent.port());
-    EXPECT_EQ(exitNoAnswer, run("ping"));
+    EXPECT_EQ(exitNoReply, run("ping"));
 }
 
 }  // namespace

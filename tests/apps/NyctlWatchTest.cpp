@@ -156,7 +156,7 @@ TEST_F(NyctlWatch, ShowsEveryNotificationAsAnObject) {
     }
 }
 
-TEST_F(NyctlWatch, TellsTheTimeAndTheSizeOfThePayload) {
+TEST_F(NyctlWatch, PrintsTheTimeAndTheSizeOfThePayload) {
     m_options.json = true;
     NySeMessage saved = message("saved");
     watchUntil(1, [&] { client.sendAllUserData(saved); });
@@ -176,7 +176,7 @@ TEST_F(NyctlWatch, NamesEachHolderOfALock) {
     EXPECT_THAT(lines().at(1), HasSubstr("a, held by session 1 (access2), session 2 (access1)"));
 }
 
-TEST_F(NyctlWatch, BearsPayloadsThatAreNoObject) {
+TEST_F(NyctlWatch, AcceptsPayloadsThatAreNoObject) {
     const std::string message = archived(CentralTest::message("after"));
     std::string unknown = message;
     unknown.replace(unknown.find("NySeMessage"), 3, "Xyz");
@@ -204,20 +204,20 @@ TEST_F(NyctlWatch, ShowsNoObjectAndObjectsWithoutWordsAsNull) {
     for (const nlohmann::json& shown : objects()) EXPECT_TRUE(shown["object"].is_null());
 }
 
-TEST_F(NyctlWatch, TextsOfOthersDoNotSteerTheTerminal) {
+TEST_F(NyctlWatch, TextsOfOthersDoNotControlTheTerminal) {
     NySeMessage hostile = message("a\x1b[2Jb\nc");
     watchUntil(1, [&] { client.sendAllUserData(hostile); });
     EXPECT_THAT(m_run.printed(), HasSubstr("a?[2Jb?c"));
 }
 
-TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreComes) {
+TEST_F(NyctlWatch, EndsAfterTheCountAlthoughMoreArrive) {
     const auto act = [this] {
         for (int i = 0; i < 20; ++i) client.lock("a", 0x01);
     };
     watchUntil(2, act);
 }
 
-TEST_F(NyctlWatch, TheTimeMayBeUpBeforeTheCount) {
+TEST_F(NyctlWatch, TheTimeMayEndBeforeTheCountIsReached) {
     // On a busy machine it may be up before the one has come, too.
     for (const char* seconds : {"1.5", "6", "24"}) {
         std::atomic<bool> isUp = false;
@@ -233,7 +233,7 @@ TEST_F(NyctlWatch, TheTimeMayBeUpBeforeTheCount) {
     EXPECT_EQ(1U, lines().size());
 }
 
-TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
+TEST_F(NyctlWatch, TheTimeAloneEndsItWithSuccess) {
     const ULONGLONG begin = ::GetTickCount64();
     EXPECT_EQ(exitYes, watch("--timeout 0.3"));
     EXPECT_GE(::GetTickCount64() - begin, 280U);
@@ -241,19 +241,19 @@ TEST_F(NyctlWatch, TheTimeAloneEndsItWell) {
     EXPECT_THAT(m_run.complaint(), HasSubstr("nyctl: listening on port "));
 }
 
-TEST_F(NyctlWatch, NothingIsTooLittleToWaitFor) {
+TEST_F(NyctlWatch, RefusesACountOrATimeThatIsNotPositive) {
     for (const char* options : {"--count 0", "--count -1", "--timeout 0", "--timeout -1"}) {
         EXPECT_THROW(watch(options), CLI::ParseError) << options;
     }
 }
 
-TEST_F(NyctlWatch, AStopRequestEndsItWell) {
-    EXPECT_EQ(exitYes, watchWhile([] { StopRequest::make(); }, "--count 1 --timeout 60"));
+TEST_F(NyctlWatch, AStopRequestEndsItWithSuccess) {
+    EXPECT_EQ(exitYes, watchWhile([] { StopRequest::request(); }, "--count 1 --timeout 60"));
     EXPECT_EQ("", m_run.printed());
 }
 
-TEST_F(NyctlWatch, AnEarlierStopRequestIsForgotten) {
-    StopRequest::make();
+TEST_F(NyctlWatch, AnEarlierStopRequestIsIgnored) {
+    StopRequest::request();
     EXPECT_EQ(exitTimeOut, watch("--count 1 --timeout 0.2"));
 }
 
@@ -302,7 +302,7 @@ class NyctlWatchTakenPort : protected TakenPort, public NyctlWatch {
     NyctlWatchTakenPort() : NyctlWatch({TakenPort::port(), freePorts(1)[0]}) {}
 };
 
-TEST_F(NyctlWatchTakenPort, IsPassedOver) {
+TEST_F(NyctlWatchTakenPort, IsSkipped) {
     const auto act = [this] {
         // What is told before that goes to the occupant.
         EXPECT_TRUE(eventually([this] { return bob().getPort() != TakenPort::port(); }));
@@ -337,7 +337,7 @@ struct NyctlWatchWindow : ::testing::Test {
         std::make_unique<WatchWindow>(listener, [this](NySe::ActionType, CMemFile&) { ++shown; });
 };
 
-TEST_F(NyctlWatchWindow, DropsWhatHasNotBeenDispatchedWhenItGoes) {
+TEST_F(NyctlWatchWindow, DiscardsPendingNotificationsWhenItIsDestroyed) {
     post();
     post();
     EXPECT_EQ(2, listener.getPostMsgCount());
@@ -348,7 +348,7 @@ TEST_F(NyctlWatchWindow, DropsWhatHasNotBeenDispatchedWhenItGoes) {
     EXPECT_EQ(0, listener.getPostMsgCount());
 }
 
-TEST_F(NyctlWatchWindow, PassesOverAMessageWithNothingBehindIt) {
+TEST_F(NyctlWatchWindow, IgnoresAMessageWithoutANotification) {
     ::SendMessageW(window->GetSafeHwnd(), NySe::_TM_NYSERVERMESSAGE, 100, 0);
     EXPECT_EQ(0, shown);
 }

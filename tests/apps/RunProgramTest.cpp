@@ -37,7 +37,7 @@ TEST(RunProgram, ReportsAnException) {
     expectFailure(outcomeOf([]() -> int { throw std::runtime_error("no window"); }), "no window");
 }
 
-TEST(RunProgram, ReportsThatMemoryRanOut) {
+TEST(RunProgram, ReportsThatItIsOutOfMemory) {
     expectFailure(outcomeOf([]() -> int { throw std::bad_alloc(); }), "out of memory");
     expectFailure(outcomeOf([]() -> int {
                       AfxThrowMemoryException();

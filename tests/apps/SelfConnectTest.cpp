@@ -22,7 +22,7 @@ class SelfConnect : public ::testing::Test {
     const NySe::UniqueSocket socket = peers::bindToLoopback();
 };
 
-TEST_F(SelfConnect, IsSeenWhenBothEndsAreTheSame) {
+TEST_F(SelfConnect, IsDetectedWhenBothEndsAreTheSame) {
     ASSERT_TRUE(connect(socket, peers::portOf(socket)));
     char echoed = 0;
     ASSERT_EQ(1, ::send(socket.get(), "x", 1, 0));
@@ -30,13 +30,13 @@ TEST_F(SelfConnect, IsSeenWhenBothEndsAreTheSame) {
     EXPECT_TRUE(isConnectedToItself(socket.get()));
 }
 
-TEST_F(SelfConnect, IsNotSeenWhenSomebodyElseIsThere) {
+TEST_F(SelfConnect, IsNotDetectedWithAnotherPeer) {
     const peers::Peer peer(peers::silent());
     ASSERT_TRUE(connect(socket, static_cast<int>(peer.port())));
     EXPECT_FALSE(isConnectedToItself(socket.get()));
 }
 
-TEST_F(SelfConnect, IsNotSeenWithoutAConnection) {
+TEST_F(SelfConnect, IsNotDetectedWithoutAConnection) {
     EXPECT_FALSE(isConnectedToItself(socket.get()));
 }
 

@@ -58,9 +58,9 @@ expect 2 'not in range' doctor --timeout 0
 expect 2 'subcommand is required'
 expect 2 'subcommand is required' no-such-command
 expect 2 'not expected' ping --no-such-option
-expect 3 'no answer' --server 127.0.0.1:1 ping
-expect 3 'no answer' --server 127.0.0.1:1 register
-expect 3 'no answer' --server 127.0.0.1:1 users
+expect 3 'no reply' --server 127.0.0.1:1 ping
+expect 3 'no reply' --server 127.0.0.1:1 register
+expect 3 'no reply' --server 127.0.0.1:1 users
 expect 2 'nonsense is not HOST:PORT' --server nonsense ping
 expect 2 'is not HOST:PORT' --server 127.0.0.1:70000 ping
 
@@ -104,10 +104,10 @@ expect 0 '' send-all text
 
 expect 0 'Example: nyctl online ping' online --help
 expect 0 '0 yes, 3 no' online ping --help
-expect 0 '1 none or no production service, 3 no answer' online version --help
+expect 0 '1 none or no production service, 3 no reply' online version --help
 expect 2 'subcommand is required' online
 expect 2 'nonsense is not production, test or an http address' online ping --service nonsense
-expect 3 'no answer from the service http://127.0.0.1:1/' online ping --service http://127.0.0.1:1/
+expect 3 'no reply from the service http://127.0.0.1:1/' online ping --service http://127.0.0.1:1/
 
 # The shell holds one connection: who registers on its first line is a user on its last.
 expect_shell() {

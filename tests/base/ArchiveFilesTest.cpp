@@ -58,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(ArchiveFiles, EveryBuffer,
                                                           1000000),
                                           testing::Values(1u, 2u, 3u, 7u, 4096u, UINT(-1))));
 
-TEST_P(EveryBuffer, HoldsTheSameBytes) {
+TEST_P(EveryBuffer, StoresTheSameBytes) {
     StreamFile file(step());
     CArchive ar(&file, CArchive::store, buffer());
     writeAll(ar);
@@ -67,7 +67,7 @@ TEST_P(EveryBuffer, HoldsTheSameBytes) {
     EXPECT_EQ(file.GetPosition(), file.m_bytes.size());
 }
 
-TEST_P(EveryBuffer, GivesTheSameBytes) {
+TEST_P(EveryBuffer, LoadsTheSameBytes) {
     StreamFile file(step(), stored(writeAll));
     CArchive ar(&file, CArchive::load, buffer());
     readAll(ar);
@@ -76,7 +76,7 @@ TEST_P(EveryBuffer, GivesTheSameBytes) {
     EXPECT_EQ(archiveCause([&] { ar >> byte; }), CArchiveException::endOfFile);
 }
 
-TEST_P(EveryBuffer, MayBeTheCallers) {
+TEST_P(EveryBuffer, MayBelongToTheCaller) {
     Bytes room(static_cast<size_t>(std::max(buffer(), 0)) + 1);
     StreamFile file(step());
     CArchive out(&file, CArchive::store, buffer(), room.data());
@@ -89,7 +89,7 @@ TEST_P(EveryBuffer, MayBeTheCallers) {
 }
 
 // The file's position after every number of bytes extracted, flushed in between.
-TEST_P(EveryBuffer, GivesBackWhatWasNotExtracted) {
+TEST_P(EveryBuffer, ReturnsUnreadBytesToTheFileOnFlush) {
     Bytes bytes(300);
     for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<BYTE>(i);
     StreamFile file(step(), bytes);
@@ -231,7 +231,7 @@ TEST_P(BothFiles, TakeOneArchiveAfterAnother) {
     }
 }
 
-TEST_P(BothFiles, AreKnownToTheirArchive) {
+TEST_P(BothFiles, AreReturnedByTheirArchive) {
     file().SetFilePath(_T("queue.bin"));
     CArchive out(&file(), CArchive::store);
     EXPECT_EQ(out.GetFile(), &file());

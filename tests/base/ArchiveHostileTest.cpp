@@ -147,7 +147,7 @@ TEST_F(ArchiveHostile, FailedObjectsLeaveTheTarget) {
     }
 }
 
-TEST_F(ArchiveHostile, NumbersInNobodysUse) {
+TEST_F(ArchiveHostile, UnusedNumbers) {
     for (const char* bytes : {"01 00", "FE 7F", "01 80", "00 80", "FE FF", "FF 7F 01 00 00 00",
                               "FF 7F 00 00 00 80", "FF 7F FF FF FF 7F", "FF 7F FF FF FF FF"}) {
         EXPECT_EQ(causeOfReading<CObject>(fromHex(bytes)), CArchiveException::badIndex) << bytes;
@@ -167,7 +167,7 @@ TEST_F(ArchiveHostile, ClassTagsThatNameObjectsAndTheReverse) {
     }
 }
 
-TEST_F(ArchiveHostile, ObjectWhereAClassIsWanted) {
+TEST_F(ArchiveHostile, ObjectWhereAClassIsRequested) {
     EXPECT_EQ(archiveCause([] { Loading(fromHex("00 00")).ar.ReadClass(); }),
               CArchiveException::badIndex);
     EXPECT_EQ(archiveCause([] { Loading(fromHex("05 00")).ar.ReadClass(); }),
@@ -195,7 +195,7 @@ TEST_F(ArchiveHostile, UnknownAndUnsuitableClasses) {
               CArchiveException::badClass);
 }
 
-TEST_F(ArchiveHostile, ClassesAndObjectsOfAnotherKindThanWanted) {
+TEST_F(ArchiveHostile, ClassesAndObjectsOfAnotherKindThanRequested) {
     for (const char* second :
          {"FF FF DF 07 03 00 'Foo' 01 00 00 00 00", "01 80 02 00 00 00 00", "02 00"}) {
         Loading in(fromHex("FF FF DF 07 03 00 'Foo' 01 00 00 00") + fromHex(second));
@@ -207,19 +207,19 @@ TEST_F(ArchiveHostile, ClassesAndObjectsOfAnotherKindThanWanted) {
     }
 }
 
-TEST_F(ArchiveHostile, ObjectsThatCannotBeMade) {
+TEST_F(ArchiveHostile, ObjectsThatCannotBeCreated) {
     EXPECT_TRUE(throwsA<CMemoryException>(
         [] { causeOfReading<CObject>(fromHex("FF FF 01 00 0A 00 'Unmakeable'")); }));
 }
 
-TEST_F(ArchiveHostile, ObjectThatFailedIsNoLongerThere) {
+TEST_F(ArchiveHostile, FailedObjectCannotBeReferredTo) {
     Loading in(fromHex("FF FF 09 00 04 00 'Link'  FF FF DF 07 03 00 'Fox'  02 00"));
     Link* link = nullptr;
     EXPECT_EQ(archiveCause([&] { in.ar >> link; }), CArchiveException::badClass);
     EXPECT_EQ(archiveCause([&] { in.ar >> link; }), CArchiveException::badIndex);
 }
 
-TEST_F(ArchiveHostile, ObjectsInsideAFailedOneAreNoLongerThere) {
+TEST_F(ArchiveHostile, ObjectsInsideAFailedOneCannotBeReferredTo) {
     Loading in(
         fromHex("FF FF 00 00 0B 00 'OwningArray' 02 00  FF FF DF 07 03 00 'Foo' 01 00 00 00"
                 "63 00  04 00  03 80 05 00 00 00"));
@@ -232,7 +232,7 @@ TEST_F(ArchiveHostile, ObjectsInsideAFailedOneAreNoLongerThere) {
     EXPECT_EQ(static_cast<Foo*>(object)->m_value, 5);
 }
 
-TEST_F(ArchiveHostile, ExceptionsBearTheFilesName) {
+TEST_F(ArchiveHostile, ExceptionsHaveTheFilesName) {
     int number;
     CString text;
     CObject* object;
@@ -342,7 +342,7 @@ TEST_F(ArchiveHostile, DepthIsThatOfNestingNotOfNumber) {
     EXPECT_EQ(in.ar.BytesLeft(), 0u);
 }
 
-TEST_F(ArchiveHostile, DepthIsBackAfterARefusal) {
+TEST_F(ArchiveHostile, DepthIsRestoredAfterARefusal) {
     Loading in(nestedChains(101) + fromHex("01 80 00 00"));
     Chain* chain = nullptr;
     EXPECT_EQ(archiveCause([&] { in.ar >> chain; }), CArchiveException::badIndex);

@@ -145,12 +145,12 @@ TEST_F(ArchiveNumbering, OfTypesThatShareAClass) {
     expectAsModelled(1000);
 }
 
-TEST_F(ArchiveNumbering, OfFewObjectsWrittenOverAndOver) {
+TEST_F(ArchiveNumbering, OfFewObjectsWrittenRepeatedly) {
     makeObjects(20);
     expectAsModelled(5000);
 }
 
-TEST_F(ArchiveNumbering, OfManyObjectsAllOverTheHeap) {
+TEST_F(ArchiveNumbering, OfManyObjectsScatteredOverTheHeap) {
     makeObjects(30'000);
     expectAsModelled(60'000);
 }
@@ -169,7 +169,7 @@ TEST_F(ArchiveNumbering, OfNeighboursInOneBlock) {
     EXPECT_TRUE(written == model.bytes());
 }
 
-TEST_F(ArchiveNumbering, OfArchivesThatTakeTurns) {
+TEST_F(ArchiveNumbering, OfAlternatingArchives) {
     Modelled first;
     Modelled second;
     for (int round = 0; round < 2; ++round) {
@@ -182,7 +182,7 @@ TEST_F(ArchiveNumbering, OfArchivesThatTakeTurns) {
     second.expectAsModelled();
 }
 
-TEST_F(ArchiveNumbering, OfArchiveInTheMidstOfAnother) {
+TEST_F(ArchiveNumbering, OfArchiveInsideAnother) {
     Modelled outer;
     writeAll(outer);
     {
@@ -209,7 +209,7 @@ TEST_F(ArchiveNumbering, OfArchiveThatOutlivesTheFirst) {
     third.expectAsModelled();
 }
 
-TEST_F(ArchiveNumbering, OfArchivesThatComeAndGo) {
+TEST_F(ArchiveNumbering, OfArchivesThatAreCreatedAndDestroyed) {
     makeObjects(40);
     std::vector<std::unique_ptr<Modelled>> open;
     for (int i = 0; i < 20'000; ++i) {

@@ -76,7 +76,7 @@ TEST(ArchiveObjects, AreWrittenAsTagsAndFields) {
     for (const auto& row : rows) EXPECT_EQ(toHex(stored(row.write)), hex(row.bytes));
 }
 
-TEST(ArchiveObjects, CyclesComeBackAsCycles) {
+TEST(ArchiveObjects, CyclesAreReadBackAsCycles) {
     Loading in(fromHex("FF FF 09 00 04 00 'Link'  01 80  02 00"));
     Link* outer = nullptr;
     in.ar >> outer;
@@ -86,7 +86,7 @@ TEST(ArchiveObjects, CyclesComeBackAsCycles) {
     delete outer;
 }
 
-TEST(ArchiveObjects, ComeBackWithTheirClassAndFields) {
+TEST(ArchiveObjects, AreReadBackWithTheirClassAndFields) {
     SubFoo sub;
     sub.m_value = -5;
     sub.m_extra = 7;
@@ -99,7 +99,7 @@ TEST(ArchiveObjects, ComeBackWithTheirClassAndFields) {
     EXPECT_EQ(static_cast<SubFoo*>(object)->m_extra, 7);
 }
 
-TEST(ArchiveObjects, ReferencesComeBackAsTheSameObject) {
+TEST(ArchiveObjects, ReferencesAreReadBackAsTheSameObject) {
     Loading in(fromHex("FF FF DF 07 03 00 'Foo' 01 00 00 00  02 00  02 00  00 00"));
     Foo *first = nullptr, *second = nullptr;
     CObject* third = nullptr;
@@ -123,7 +123,7 @@ TEST(ArchiveObjects, MapObjectIsFoundWhenReading) {
     delete element;
 }
 
-TEST(ArchiveObjects, ReadClassGivesClassAndSchema) {
+TEST(ArchiveObjects, ReadClassReturnsClassAndSchema) {
     Loading in(fromHex("FF FF 05 00 03 00 'Foo'  01 80  01 80 01 00 00 00  02 00"));
     UINT schema = 0;
     EXPECT_EQ(in.ar.ReadClass(RUNTIME_CLASS(Foo), &schema), RUNTIME_CLASS(Foo));
@@ -135,7 +135,7 @@ TEST(ArchiveObjects, ReadClassGivesClassAndSchema) {
     delete foo;
 }
 
-TEST(ArchiveObjects, ReadClassGivesTheNumberOfAnObject) {
+TEST(ArchiveObjects, ReadClassReturnsTheNumberOfAnObject) {
     Loading in(fromHex("05 00  00 00  FF 7F 01 80 00 00"));
     DWORD tag = 99;
     EXPECT_EQ(in.ar.ReadClass(nullptr, nullptr, &tag), nullptr);
@@ -175,7 +175,7 @@ TEST(ArchiveNumbers, LongTagsAreRead) {
 }
 
 // Seventy thousand objects, then each once more as a reference.
-TEST(ArchiveNumbers, ManyObjectsComeBackEachOnce) {
+TEST(ArchiveNumbers, ManyObjectsAreReadBackOnceEach) {
     constexpr INT_PTR kObjects = 70000;
     CObArray written;
     for (INT_PTR i = 0; i < kObjects; ++i) written.Add(new Foo(static_cast<int>(i)));

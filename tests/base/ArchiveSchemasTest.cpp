@@ -17,7 +17,7 @@ std::unique_ptr<T> next(CArchive& ar) {
     return std::unique_ptr<T>(object);
 }
 
-TEST(ArchiveSchemas, SetIsGivenOnce) {
+TEST(ArchiveSchemas, SetOneIsReturnedOnce) {
     CMemFile file;
     EXPECT_EQ(CArchive(&file, CArchive::load).GetObjectSchema(), kUnknown);
     CArchive ar(&file, CArchive::store);
@@ -54,13 +54,13 @@ TEST(ArchiveSchemas, StoredZeroAndFfffAreSchemasLikeAnyOther) {
     EXPECT_EQ(next<Foo>(ffff.ar)->m_schema, 0xFFFFu);
 }
 
-TEST(ArchiveSchemas, AreKnownThroughReadClassToo) {
+TEST(ArchiveSchemas, AreReadByReadClassToo) {
     Loading in(fromHex("FF FF 04 00 03 00 'Foo'  01 80 02 00 00 00"));
     in.ar.ReadClass();
     EXPECT_EQ(next<Foo>(in.ar)->m_schema, 4u);
 }
 
-TEST(ArchiveSchemas, OuterOneIsBackAfterANestedObject) {
+TEST(ArchiveSchemas, OuterOneIsRestoredAfterANestedObject) {
     Loading in(fromHex("FF FF 0B 00 04 00 'Link'  FF FF 05 00 03 00 'Foo' 01 00 00 00"));
     const auto link = next<Link>(in.ar);
     const std::unique_ptr<Foo> nested(static_cast<Foo*>(link->m_other));
@@ -68,7 +68,7 @@ TEST(ArchiveSchemas, OuterOneIsBackAfterANestedObject) {
     EXPECT_EQ(link->m_schemaAfter, 11u);
 }
 
-TEST(ArchiveSchemas, CallersIsBackAfterAnObjectAndAfterAFailedOne) {
+TEST(ArchiveSchemas, CallersIsRestoredAfterAnObjectAndAfterAFailedOne) {
     for (const char* bytes :
          {"FF FF 05 00 03 00 'Foo' 01 00 00 00", "FF FF 05 00 03 00 'Foo' 01"}) {
         Loading in(fromHex(bytes));
@@ -80,7 +80,7 @@ TEST(ArchiveSchemas, CallersIsBackAfterAnObjectAndAfterAFailedOne) {
     }
 }
 
-TEST(ArchiveSchemas, StoringLeavesTheSetOneToTheObject) {
+TEST(ArchiveSchemas, StoringKeepsTheSetOneForTheObject) {
     Foo foo(1);
     stored([&](CArchive& ar) {
         ar.SetObjectSchema(77);

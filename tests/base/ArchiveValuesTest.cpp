@@ -34,7 +34,7 @@ void expectTravels(T value, const char* bytes) {
     EXPECT_EQ(valueHex(loaded<T>(fromHex(bytes))), bytes);
 }
 
-TEST(ArchiveValues, TravelAsTheirLittleEndianBytes) {
+TEST(ArchiveValues, AreStoredAsTheirLittleEndianBytes) {
     expectTravels(BYTE{0xFE}, "FE");
     expectTravels('A', "41");
     expectTravels(static_cast<char>(-128), "80");
@@ -92,7 +92,7 @@ TEST(ArchiveValues, BytesLeftCountsWhatIsUnread) {
     EXPECT_EQ(in.ar.BytesLeft(), 0u);
 }
 
-TEST(ArchiveValues, ReadGivesTheBytesThatAreThere) {
+TEST(ArchiveValues, ReadReturnsTheBytesThatArePresent) {
     Loading in(fromHex("01 02 03"));
     BYTE bytes[5] = {9, 9, 9, 9, 9};
     EXPECT_EQ(in.ar.Read(bytes, 5), 3u);
@@ -102,7 +102,7 @@ TEST(ArchiveValues, ReadGivesTheBytesThatAreThere) {
     EXPECT_EQ(in.ar.Read(bytes, 0), 0u);
 }
 
-TEST(ArchiveValues, WriteTakesNothingForNoBytes) {
+TEST(ArchiveValues, WriteOfNoBytesDoesNothing) {
     EXPECT_EQ(toHex(stored([](CArchive& ar) {
                   ar.Write("abc", 0);
                   ar.Write("abc", -1);
@@ -220,7 +220,7 @@ TEST(ArchiveStrings, LongerThanTheDataEndIt) {
     }
 }
 
-TEST(ArchiveStrings, ThatCannotBeReadLeaveTheTargetAsItWas) {
+TEST(ArchiveStrings, ThatCannotBeReadLeaveTheTargetUnchanged) {
     for (const char* bytes : {"", "FF", "FF FE FF 02 61 00 62", "02 'a'", "FF FF FF 00 00 00 80"}) {
         Loading in(fromHex(bytes));
         CString text(_T("before"));

@@ -182,7 +182,7 @@ TEST(ArrayArchives, OfObjectsAreACountAndObjects) {
                                   "01 80 02 00 00 00  00 00  02 00"));
 }
 
-TEST(ArrayArchives, OfObjectsComeBack) {
+TEST(ArrayArchives, OfObjectsAreReadBack) {
     Loading in(fromHex("03 00 FF FF DF 07 03 00 'Foo' 01 00 00 00  00 00  02 00"));
     FooArray array;
     Foo old;
@@ -204,7 +204,7 @@ std::unique_ptr<Array> archivedByPointer(const Array& array, const char* bytes) 
     return std::unique_ptr<Array>(read);
 }
 
-TEST(ArrayArchives, ByPointerBearTheirClassFirst) {
+TEST(ArrayArchives, ByPointerBeginWithTheirClass) {
     CStringArray texts;
     texts.Add(_T("x"));
     EXPECT_EQ(bytesOf(*archivedByPointer(
@@ -219,7 +219,7 @@ TEST(ArrayArchives, ByPointerBearTheirClassFirst) {
     EXPECT_EQ(static_cast<Foo*>(element.get())->m_value, 7);
 }
 
-TEST(ArrayArchives, CountsBeyondFfffComeBack) {
+TEST(ArrayArchives, CountsBeyondFfffAreReadBack) {
     Numbers array;
     for (LONG i = 0; i < 0x10001; ++i) array.Add(i);
     const Bytes bytes = stored([&](CArchive& ar) { array.Serialize(ar); });
@@ -229,7 +229,7 @@ TEST(ArrayArchives, CountsBeyondFfffComeBack) {
     EXPECT_TRUE(valuesOf(read) == valuesOf(array));
 }
 
-TEST(ArrayArchives, OfValuesRefuseACountThatLies) {
+TEST(ArrayArchives, OfValuesRefuseAFalseCount) {
     for (const char* bytes : {"02 00 01 00 00 00 FF FF FF", "FE FF 01 00 00 00",
                               "FF FF FF FF FF FF 01 00 00 00", "01 00", "FF FF 01 00"}) {
         Loading in(fromHex(bytes));
@@ -240,7 +240,7 @@ TEST(ArrayArchives, OfValuesRefuseACountThatLies) {
     }
 }
 
-TEST(ArrayArchives, OfStringsKeepWhatCameBeforeTheEnd) {
+TEST(ArrayArchives, OfStringsKeepTheElementsBeforeTheEnd) {
     Loading in(fromHex("FF FF FF FF FF FF  01 'a'  01 'b'"));
     CStringArray array;
     EXPECT_EQ(archiveCause([&] { array.Serialize(in.ar); }), CArchiveException::endOfFile);

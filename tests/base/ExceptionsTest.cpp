@@ -39,7 +39,7 @@ TEST(Exceptions, AreNotCaughtByAnotherType) {
     EXPECT_TRUE(throwsA<CFileException>([] { throwsA<CSimpleException>(throwFile); }));
 }
 
-TEST(Exceptions, KnowTheirClassWhenCaughtByABase) {
+TEST(Exceptions, HaveTheirClassWhenCaughtByABase) {
     try {
         throwArchive();
     } catch (CException* thrown) {

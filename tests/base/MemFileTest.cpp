@@ -256,7 +256,7 @@ TEST_F(MemFile, FreesItsOwnBlockOnceOnCloseOrDestruction) {
     EXPECT_EQ(m_file.frees, 2);
 }
 
-TEST_F(MemFile, DetachHandsOverTheBlockAndEmptiesTheFile) {
+TEST_F(MemFile, DetachReturnsTheBlockAndEmptiesTheFile) {
     write("abc");
     BYTE* block = m_file.Detach();
     EXPECT_EQ(std::memcmp(block, "abc", 3), 0);
@@ -276,7 +276,7 @@ TEST_F(MemFile, AttachedBytesAreTheFile) {
     EXPECT_EQ(m_bytes[0], 'X');
 }
 
-TEST_F(MemFile, AttachedRoomIsEmptyWhenItMayGrow) {
+TEST_F(MemFile, AttachedBlockIsEmptyWhenItMayGrow) {
     CMemFile file(m_bytes, 4, 16);
     EXPECT_EQ(file.GetLength(), 0u);
     m_file.Attach(m_bytes, 4, 16);
@@ -285,7 +285,7 @@ TEST_F(MemFile, AttachedRoomIsEmptyWhenItMayGrow) {
     expect("XY", 2);
 }
 
-TEST_F(MemFile, AttachedRoomGrowsAndStaysTheCallers) {
+TEST_F(MemFile, AttachedBlockGrowsAndStillBelongsToTheCaller) {
     m_file.Attach(static_cast<BYTE*>(std::malloc(4)), 4, 16);
     write("0123456789");
     EXPECT_EQ(m_file.reallocs, 1);
@@ -314,7 +314,7 @@ TEST_F(MemFile, AnOwnBlockAfterAnAttachedOneIsFreed) {
     EXPECT_EQ(m_file.frees, 1);
 }
 
-TEST_F(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {
+TEST_F(MemFile, OffersOnlyTheSpaceOfAFileThatCannotGrow) {
     m_file.Attach(m_bytes, 4);
     seek(1);
     EXPECT_EQ(offered(CFile::bufferWrite, 10), 3u);
@@ -323,7 +323,7 @@ TEST_F(MemFile, OffersOnlyTheRoomOfAFileThatCannotGrow) {
     EXPECT_EQ(offered(CFile::bufferWrite, 10), 0u);
 }
 
-TEST_F(MemFile, WritesZerosBeforeThePlaceThatAFileThatCannotGrowOffers) {
+TEST_F(MemFile, WritesZerosBeforeTheSpaceOfferedByAFileThatCannotGrow) {
     m_file.Attach(m_bytes, 4);
     m_file.SetLength(1);
     seek(3);
@@ -333,7 +333,7 @@ TEST_F(MemFile, WritesZerosBeforeThePlaceThatAFileThatCannotGrowOffers) {
     expect(std::string("a\0\0z", 4), 4);
 }
 
-TEST_F(MemFile, ItsExceptionsBearItsName) {
+TEST_F(MemFile, ItsExceptionsHaveItsName) {
     EXPECT_EQ(m_file.GetFilePath(), _T(""));
     m_file.SetFilePath(_T("queue.bin"));
     EXPECT_EQ(m_file.GetFilePath(), _T("queue.bin"));

@@ -56,7 +56,7 @@ TEST(RuntimeClass, CreatesObjectsInTheirDefaultStateOrNothing) {
     EXPECT_EQ(poor.CreateObject(), nullptr);
 }
 
-TEST(Objects, AreMadeByEveryFormOfNew) {
+TEST(Objects, AreAllocatedByEveryFormOfNew) {
     for (Fixed* const object :
          {new Fixed, new (std::nothrow) Fixed, new (__FILE__, __LINE__) Fixed}) {
         ASSERT_NE(object, nullptr);
@@ -69,7 +69,7 @@ TEST(Objects, AreMadeByEveryFormOfNew) {
     placed->~Fixed();
 }
 
-TEST(Objects, AreNotCopiedUnlessTheirClassSaysHow) {
+TEST(Objects, AreNotCopiedUnlessTheirClassDefinesIt) {
     EXPECT_FALSE((std::is_copy_constructible_v<Link> || std::is_copy_assignable_v<Link>));
     EXPECT_FALSE((std::is_copy_constructible_v<CObArray> || std::is_copy_assignable_v<CObArray>));
 }
@@ -96,7 +96,7 @@ TEST(RuntimeClass, IsFoundByItsName) {
     EXPECT_EQ(CRuntimeClass::FromName(static_cast<LPCWSTR>(nullptr)), nullptr);
 }
 
-TEST(RuntimeClass, DownCastGivesTheObjectOrNull) {
+TEST(RuntimeClass, DownCastReturnsTheObjectOrNull) {
     SubFoo object;
     CObject* base = &object;
     EXPECT_EQ(DYNAMIC_DOWNCAST(SubFoo, base), &object);

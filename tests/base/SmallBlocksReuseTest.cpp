@@ -29,7 +29,7 @@ size_t countNew(const std::vector<void*>& blocks, const std::set<void*>& known) 
     return count;
 }
 
-TEST(SmallBlocksReuse, FreedBlocksServeAgain) {
+TEST(SmallBlocksReuse, FreedBlocksAreReused) {
     const std::vector<void*> blocks = makeBlocks();
     freeBlocks(blocks);
     const std::vector<void*> later = makeBlocks();
@@ -37,7 +37,7 @@ TEST(SmallBlocksReuse, FreedBlocksServeAgain) {
     freeBlocks(later);
 }
 
-TEST(SmallBlocksReuse, AThreadThatEndsLeavesItsBlocksToOthers) {
+TEST(SmallBlocksReuse, BlocksOfAnEndedThreadAreReusedByOthers) {
     std::vector<void*> blocks;
     std::thread([&] {
         blocks = makeBlocks();

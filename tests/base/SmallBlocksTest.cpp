@@ -48,7 +48,7 @@ void freeBlocks(const std::vector<Block>& blocks) {
     }
 }
 
-TEST(SmallBlocks, AreApartAtEverySize) {
+TEST(SmallBlocks, DoNotOverlapAtAnySize) {
     for (int round = 0; round < 3; ++round) freeBlocks(makeBlocks(20));
 }
 

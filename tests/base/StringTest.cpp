@@ -164,7 +164,7 @@ TEST(String, OperatorsFollowCompare) {
     EXPECT_FALSE(a < CString(_T("B")));
 }
 
-TEST(String, FindGivesTheFirstIndexAtOrAfterTheStart) {
+TEST(String, FindReturnsTheFirstIndexAtOrAfterTheStart) {
     const CString text(_T("abcabc"));
     EXPECT_EQ(text.Find(_T("bc")), 1);
     EXPECT_EQ(text.Find(_T("bc"), 1), 1);
@@ -180,13 +180,13 @@ TEST(String, FindGivesTheFirstIndexAtOrAfterTheStart) {
     EXPECT_EQ(text.Find(WCHAR('a'), -5), 0);
 }
 
-TEST(String, ReverseFindGivesTheLastIndex) {
+TEST(String, ReverseFindReturnsTheLastIndex) {
     EXPECT_EQ(CString(_T("a/b/c")).ReverseFind(WCHAR('/')), 3);
     EXPECT_EQ(CString(_T("abc")).ReverseFind(WCHAR('/')), -1);
     EXPECT_EQ(CString().ReverseFind(WCHAR('/')), -1);
 }
 
-TEST(String, PartsAreCutToWhatIsThere) {
+TEST(String, PartsEndWhereTheStringEnds) {
     const CString text(_T("abcd"));
     const struct {
         int count;
@@ -209,7 +209,7 @@ TEST(String, PartsAreCutToWhatIsThere) {
     EXPECT_EQ(text.Mid(-3, 2), _T("ab"));
 }
 
-TEST(String, GetBufferKeepsTheTextAndMakesRoom) {
+TEST(String, GetBufferKeepsTheTextAndEnlargesTheBuffer) {
     CString text(_T("ab"));
     LPWSTR buffer = text.GetBuffer(10);
     EXPECT_EQ(buffer[0], WCHAR('a'));

@@ -29,7 +29,7 @@ class QoArray2Ownership : public CountedFixture {
     }
 };
 
-TEST_F(QoArray2Ownership, IsSaidByTheFlagWord) {
+TEST_F(QoArray2Ownership, IsSetInTheFlagWord) {
     EXPECT_EQ(0x10000ul, kDoNotDelete);
     EXPECT_TRUE(QoArraySerial2().getDeleteObject());
     for (const unsigned long flags : {0x0ul, 0x1ul, 0x10000ul, 0x10001ul}) {
@@ -49,7 +49,7 @@ TEST_F(QoArray2Ownership, OwnersDeleteWhatTheyRemove) {
     EXPECT_EQ(0, table.GetSize());
 }
 
-TEST_F(QoArray2Ownership, OwnersDeleteTheRestWhenTheyGo) {
+TEST_F(QoArray2Ownership, OwnersDeleteTheRestWhenTheyAreDestroyed) {
     CountedTable({1, 2, 3});
     EXPECT_EQ(3, Counted::deleted);
 }
@@ -62,7 +62,7 @@ TEST_F(QoArray2Ownership, OthersDeleteNothing) {
     EXPECT_EQ(0, Counted::deleted);
 }
 
-TEST_F(QoArray2Ownership, MayChangeHands) {
+TEST_F(QoArray2Ownership, MayBeChanged) {
     CountedTable table({1, 2});
     table.RemoveAt(0);
     EXPECT_EQ(1, Counted::deleted);

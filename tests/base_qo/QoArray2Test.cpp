@@ -41,15 +41,15 @@ TEST_F(QoArray2Test, AgreesWithASortedVectorOnRandomUse) {
                 model.begin(), model.end(), one,
                 [&](const auto& left, const auto& right) { return keyOf(left) < keyOf(right); });
             const INT_PTR before = first - model.begin();
-            const INT_PTR behind = last - model.begin();
+            const INT_PTR after = last - model.begin();
             ASSERT_EQ(before, m_table.searchIfSorted(&probe, false));
-            ASSERT_EQ(behind, m_table.searchIfSorted(&probe, true));
-            ASSERT_EQ(before < behind ? before : -1, found(key, one.first, one.second));
-            if (before < behind && random() % 2 == 0) {
+            ASSERT_EQ(after, m_table.searchIfSorted(&probe, true));
+            ASSERT_EQ(before < after ? before : -1, found(key, one.first, one.second));
+            if (before < after && random() % 2 == 0) {
                 m_table.RemoveAt(before);
                 model.erase(first);
             } else {
-                ASSERT_EQ(behind, add(one.first, one.second));
+                ASSERT_EQ(after, add(one.first, one.second));
                 model.insert(last, one);
             }
             ASSERT_EQ(model, pairsOf(m_table));

@@ -59,7 +59,7 @@ TEST_F(QoArraySerial2Test, LoadsRecordsOfAKindOfTheElementClass) {
     EXPECT_TRUE(m_table.at(0)->IsKindOf(RUNTIME_CLASS(SubCounted)));
 }
 
-TEST_F(QoArraySerial2Test, GivesEachRecordTheOlderSchemaAndTheCallerItsOwn) {
+TEST_F(QoArraySerial2Test, SetsTheOlderSchemaForEachRecordAndRestoresTheCallers) {
     const struct {
         UINT callers;
         UINT given;
@@ -182,7 +182,7 @@ TEST_F(QoArraySerial2Test, RefusesReferencesBeyondASmallMultipleOfTheBytes) {
                    repeated(fromHex("0200"), 1024)));
 }
 
-TEST_F(QoArraySerial2Test, RefusesARecordThatTheArchiveGaveSomebodyElse) {
+TEST_F(QoArraySerial2Test, RefusesARecordThatWasReadOutsideTheTable) {
     Loading loading(fromHex(kCounted + "0100 0200"));
     const std::unique_ptr<CObject> first(loading.ar.ReadObject(RUNTIME_CLASS(Counted)));
     EXPECT_EQ(CArchiveException::badIndex, archiveCause([&] { m_table.Serialize(loading.ar); }));
@@ -223,7 +223,7 @@ TEST_F(QoArraySerial2Test, WithoutAnElementClassHoldsAnyRecordButNothingElse) {
     EXPECT_EQ(CArchiveException::badClass, archiveCause([&] { any.Serialize(array.ar); }));
 }
 
-TEST_F(QoArraySerial2Test, SeventyThousandRecordsComeBack) {
+TEST_F(QoArraySerial2Test, SeventyThousandRecordsAreReadBack) {
     constexpr int kRecords = 70000;
     for (int i = 0; i < kRecords; ++i) m_table.append(new Counted(i, -i));
     const Bytes all = bytes();
@@ -235,7 +235,7 @@ TEST_F(QoArraySerial2Test, SeventyThousandRecordsComeBack) {
     EXPECT_EQ(pairs, pairsOf(m_table));
 }
 
-TEST_F(QoArraySerial2Test, ClassesNumberedLateTravelWithLongTags) {
+TEST_F(QoArraySerial2Test, ClassesNumberedLateAreStoredWithLongTags) {
     constexpr int kRecords = 0x7FFE;  // with their class, numbers 1 to 7FFF are used
     append(Numbers(kRecords));
     m_table.append(new SubCounted);

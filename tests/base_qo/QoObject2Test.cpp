@@ -10,7 +10,7 @@ namespace {
 
 class QoObject2Test : public CountedFixture {};
 
-TEST_F(QoObject2Test, TextIsTheClassNameUnlessAClassSaysMore) {
+TEST_F(QoObject2Test, TextIsTheClassNameUnlessAClassAddsToIt) {
     EXPECT_EQ(CString("Stranger"), Stranger().toString(0));
     EXPECT_EQ(CString("5"), Counted(5).toString(0));
 }
@@ -24,12 +24,12 @@ TEST_F(QoObject2Test, ComparesEqualOnlyWithItself) {
     EXPECT_EQ(QoSort::noOrder, one.vCompareTo(Counted(), 1));
 }
 
-TEST_F(QoObject2Test, CopyOfAnotherKindTakesNothing) {
+TEST_F(QoObject2Test, CopyOfAnotherKindCopiesNothing) {
     Stranger one;
     EXPECT_EQ(&one, &one.vCopyFrom(Counted(3)));
 }
 
-TEST_F(QoObject2Test, StandsDirectlyUnderTheRootOfObjects) {
+TEST_F(QoObject2Test, IsDerivedDirectlyFromTheRootOfObjects) {
     EXPECT_STREQ("QoObject2", RUNTIME_CLASS(QoObject2)->m_lpszClassName);
     EXPECT_EQ(RUNTIME_CLASS(CObject), RUNTIME_CLASS(QoObject2)->m_pfnGetBaseClass());
     EXPECT_FALSE(RUNTIME_CLASS(QoObject2)->IsSerializable());

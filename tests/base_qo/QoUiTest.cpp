@@ -5,21 +5,21 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/base/windows/guest/Guests.h"
+#include "tests/base/windows/extension/LoadedExtension.h"
 #include "tests/support/CStringPrinter.h"
 #include "tests/support/SlotOrder.h"
 
 namespace {
 
 // Two modules that are loaded, and the current one before the test.
-class WithGuests : public ::testing::Test {
+class WithExtensions : public ::testing::Test {
   protected:
-    const LoadedGuest m_first{1};
-    const LoadedGuest m_second{2};
+    const LoadedExtension m_first{1};
+    const LoadedExtension m_second{2};
     const HINSTANCE m_before = AfxGetResourceHandle();
 };
 
-using QoUiModules = WithGuests;
+using QoUiModules = WithExtensions;
 using QoUi::getHInstanceModuleRc;
 
 TEST_F(QoUiModules, AreFoundWhenTheyAreLoaded) {
@@ -30,17 +30,17 @@ TEST_F(QoUiModules, AreFoundWhenTheyAreLoaded) {
 }
 
 TEST(QoUi, LoadsNoModule) {
-    EXPECT_EQ(getHInstanceModuleRc(L"guest_module1", L".dll", L""), nullptr);
-    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"1"), nullptr);
+    EXPECT_EQ(getHInstanceModuleRc(L"extension_module1", L".dll", L""), nullptr);
+    EXPECT_EQ(getHInstanceModuleRc(L"extension_module", L".dll", L"1"), nullptr);
 }
 
 TEST_F(QoUiModules, AreThoseForTheLanguageOrWithoutOne) {
-    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"1"), m_first.handle());
-    EXPECT_EQ(getHInstanceModuleRc(L"guest_module", L".dll", L"2"), m_second.handle());
-    EXPECT_EQ(getHInstanceModuleRc(L"guest_module1", L".dll", L"de"), m_first.handle());
+    EXPECT_EQ(getHInstanceModuleRc(L"extension_module", L".dll", L"1"), m_first.handle());
+    EXPECT_EQ(getHInstanceModuleRc(L"extension_module", L".dll", L"2"), m_second.handle());
+    EXPECT_EQ(getHInstanceModuleRc(L"extension_module1", L".dll", L"de"), m_first.handle());
 }
 
-using SwitchResource = WithGuests;
+using SwitchResource = WithExtensions;
 
 class SwitchTo : public QoUiSwitchResource {
   public:
@@ -62,8 +62,8 @@ TEST_F(SwitchResource, SwitchesAndRestoresInTheReverseOrder) {
 
 TEST_F(SwitchResource, SwitchesAgainAndStillRestoresTheFirst) {
     {
-        SwitchTo guest(m_first.handle());
-        guest.setResourceHandle(m_second.handle());
+        SwitchTo extension(m_first.handle());
+        extension.setResourceHandle(m_second.handle());
         EXPECT_EQ(AfxGetResourceHandle(), m_second.handle());
     }
     EXPECT_EQ(AfxGetResourceHandle(), m_before);
@@ -77,7 +77,7 @@ TEST_F(SwitchResource, StaysWhereItIsWithoutAHandle) {
     EXPECT_EQ(AfxGetResourceHandle(), m_first.handle());
 }
 
-using LoadString = WithGuests;
+using LoadString = WithExtensions;
 
 class TextOf final : public QoUiLoadString {
   public:
@@ -97,17 +97,17 @@ class CurrentText final : public QoUiLoadString {
 };
 
 TEST_F(LoadString, TakesTheTextFromItsModuleAlone) {
-    const SwitchTo toGuest(m_first.handle());
-    EXPECT_EQ(TextOf(m_first.handle(), IDS_GUESTS).loadString(), L"a guest's 1");
-    EXPECT_EQ(TextOf(m_second.handle(), IDS_GUESTS).loadString(), L"a guest's 2");
-    EXPECT_EQ(TextOf(m_second.handle(), IDS_FIRST_GUEST).loadString(), CString());
+    const SwitchTo toExtension(m_first.handle());
+    EXPECT_EQ(TextOf(m_first.handle(), IDS_MODULES).loadString(), L"a module's 1");
+    EXPECT_EQ(TextOf(m_second.handle(), IDS_MODULES).loadString(), L"a module's 2");
+    EXPECT_EQ(TextOf(m_second.handle(), IDS_FIRST_MODULE).loadString(), CString());
     EXPECT_EQ(TextOf(nullptr, IDS_EVERYWHERE).loadString(), CString());
 }
 
-TEST_F(LoadString, TakesTheCurrentModuleUnlessToldOtherwise) {
+TEST_F(LoadString, UsesTheCurrentModuleByDefault) {
     EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of the program");
-    const SwitchTo toGuest(m_first.handle());
-    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of guest 1");
+    const SwitchTo toExtension(m_first.handle());
+    EXPECT_EQ(CurrentText(IDS_EVERYWHERE).loadString(), L"of module 1");
 }
 
 TEST_F(LoadString, HasOneVirtualOperation) {
@@ -121,7 +121,7 @@ class WaitCursor : public ::testing::Test {
     const HCURSOR m_wait = ::LoadCursorW(nullptr, IDC_WAIT);
 };
 
-TEST_F(WaitCursor, IsShownAsLongAsItLivesAndThenTheOneBefore) {
+TEST_F(WaitCursor, IsShownWhileItExistsAndThenThePreviousOne) {
     for (const HCURSOR before : {::LoadCursorW(nullptr, IDC_CROSS), HCURSOR{nullptr}}) {
         ::SetCursor(before);
         {

@@ -24,7 +24,7 @@ class ClientCalls : public ClientTest, public ::testing::WithParamInterface<Clie
 INSTANTIATE_TEST_SUITE_P(Request, ClientCalls, ::testing::ValuesIn(clientRequests()),
                          [](const auto& test) { return test.param.name; });
 
-TEST_P(ClientCalls, SendTheirBytesAndTakeTheirAnswerOnly) {
+TEST_P(ClientCalls, SendTheirBytesAndReadOnlyTheirReply) {
     const std::string isAlive = goldenWire("request-isAlive");
     for (const auto& [pieces, result] : GetParam().answers) {
         SCOPED_TRACE(shown(pieces.front()));
@@ -36,7 +36,7 @@ TEST_P(ClientCalls, SendTheirBytesAndTakeTheirAnswerOnly) {
     }
 }
 
-TEST_P(ClientCalls, FailOnABrokenAnswer) {
+TEST_P(ClientCalls, FailOnABrokenReply) {
     expectResults(GetParam().broken);
 }
 
@@ -56,7 +56,7 @@ TEST_P(ClientCalls, FailWhenTheServerResets) {
     EXPECT_EQ(GetParam().failure, call());
 }
 
-TEST_P(ClientCalls, ReturnQuietlyWhenTheServerIsGone) {
+TEST_P(ClientCalls, ReturnWithoutAnErrorWhenTheServerHasClosed) {
     serveRequest("", "", Then::close);
     char byte;
     EXPECT_EQ(0, ::recv(NySeClientAppAccess::socket(client), &byte, 1, 0));
@@ -84,7 +84,7 @@ std::string requestUpToItsNumber(const std::string& name) {
 
 using ClientLocks = ClientTest;
 
-TEST_F(ClientLocks, AllBitsOfTheShareModeTravel) {
+TEST_F(ClientLocks, AllBitsOfTheShareModeAreSent) {
     serveRequest(requestUpToItsNumber("lock") + wire("FF FF FF FF"), wire("01"));
     EXPECT_TRUE(client.lock(_T("part/42"), 0xFFFFFFFF));
     expectRequestsSent();
@@ -92,7 +92,7 @@ TEST_F(ClientLocks, AllBitsOfTheShareModeTravel) {
 
 using ClientEvents = ClientTest;
 
-TEST_F(ClientEvents, AreAskedForWithTheArgumentAsItIs) {
+TEST_F(ClientEvents, AreRequestedWithTheArgumentUnchanged) {
     const std::string request = requestUpToItsNumber("getEventListFromEventViewer");
     const std::vector<int> values{0, 1, -1, INT32_MAX, INT32_MIN};
     std::vector<Step> steps;

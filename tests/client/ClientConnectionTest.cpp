@@ -52,7 +52,7 @@ TEST_F(ClientConnection, IgnoresTheTimeOut) {
     }
 }
 
-TEST_F(ClientConnection, KnowsTheOtherEndByNameOrAddress) {
+TEST_F(ClientConnection, ReturnsThePeersNameOrAddress) {
     const peers::Peer peer(peers::silent());
     for (const char* host : {"127.0.0.1", "localhost"}) {
         ASSERT_EQ(0, client.connect(static_cast<int>(peer.port()), host, -1));
@@ -71,13 +71,13 @@ TEST_F(ClientConnection, SwitchesOffNagle) {
     EXPECT_NE(FALSE, noDelay);
 }
 
-TEST_F(ClientConnection, KnowsNoOtherEndWithoutOne) {
+TEST_F(ClientConnection, HasNoPeerWithoutAConnection) {
     expectOtherEnd(0, "");
     EXPECT_EQ(0, client.IsConnected());
     EXPECT_TRUE(client.disconnect());
 }
 
-TEST_F(ClientConnection, TellsThisComputersName) {
+TEST_F(ClientConnection, ReturnsThisComputersName) {
     WCHAR name[256];
     DWORD length = 256;
     ASSERT_TRUE(::GetComputerNameW(name, &length));
@@ -99,7 +99,7 @@ TEST_F(ClientConnection, CanConnectAgainAfterDisconnect) {
 }
 
 // The first socket is given up as it stands; a connect that kept it would be refused.
-TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAnew) {
+TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAgain) {
     const peers::Peer first(peers::silent());
     const peers::Peer second(peers::silent());
     connectTo(first);
@@ -109,7 +109,7 @@ TEST_F(ClientConnection, ConnectingAgainWithoutDisconnectStartsAnew) {
     EXPECT_EQ(second.port(), client.getPort());
 }
 
-TEST_F(ClientConnection, DisconnectTellsAFailedClose) {
+TEST_F(ClientConnection, DisconnectReportsAFailedClose) {
     const peers::Peer peer(peers::silent());
     connectTo(peer);
     ASSERT_EQ(0, ::closesocket(NySeClientAppAccess::socket(client)));

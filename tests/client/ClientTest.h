@@ -35,7 +35,7 @@ std::string goldenWire(const std::string& name);
 NySeUser goldenUser();
 // Bytes for a SCOPED_TRACE.
 std::string shown(const std::string& bytes);
-// The object behind its length, as a server answers.
+// The object after its length, as in a reply of a server.
 std::string messageOf(const CObject& object);
 // Each byte alone, for peers that send with pauses.
 std::vector<std::string> inSingleBytes(const std::string& bytes);
@@ -84,7 +84,7 @@ class ClientTest : public ::testing::Test {
                       Then then = Then::wait) {
         serve({{request, {answer}}}, then);
     }
-    // Expects that what the server read is exactly the steps' requests, and nothing behind them.
+    // Expects that what the server read is exactly the steps' requests, and nothing after them.
     // Ends the connection.
     void expectRequestsSent();
 

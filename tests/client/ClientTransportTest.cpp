@@ -63,7 +63,7 @@ TEST_F(ClientTransport, AnEmptyReplyIsASuccess) {
     for (const LONG length : {0, -3, INT32_MIN}) expectMessage(true, "", wireOf(length) + "more");
 }
 
-TEST_F(ClientTransport, AReplyThatStopsEarlyFailsWithWhatCame) {
+TEST_F(ClientTransport, AReplyThatStopsEarlyFailsWithTheBytesReceived) {
     expectMessage(false, "abc", wireOf<LONG>(10) + "abc");
     expectMessage(false, "", wire("0A 00 00"));
 }
@@ -95,12 +95,12 @@ class LimitedFile : public CMemFile {
     const size_t m_limit;
 };
 
-TEST_F(ClientTransport, AnAnnouncedLengthCostsNoMemoryUntilTheBytesCome) {
+TEST_F(ClientTransport, AnAnnouncedLengthCostsNoMemoryUntilTheBytesArrive) {
     expectMessage(false, "0123456789", wireOf<LONG>(INT32_MAX) + "0123456789",
                   LimitedFile(1024 * 1024));
 }
 
-TEST_F(ClientTransport, AReplyThatThereIsNoMemoryForFails) {
+TEST_F(ClientTransport, AReplyFailsWithoutMemory) {
     expectMessage(false, "", wireOf<LONG>(3) + "abc", LimitedFile(0));
 }
 

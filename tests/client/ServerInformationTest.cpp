@@ -62,7 +62,7 @@ TEST_F(ServerInformation, IsTenLines) {
     expectRequestsSent();
 }
 
-TEST_F(ServerInformation, ShowsTheEpochWithoutAnswer) {
+TEST_F(ServerInformation, ShowsTheEpochWithoutAReply) {
     expectReport(shownTime(0), _T(""));
     serveRequest(goldenWire("request-getCurrentTime"), "", Then::close);
     expectReport(shownTime(0), _T(""));

@@ -43,14 +43,14 @@ TEST(ActionCodes, ThatAreNoNotificationHaveNoWords) {
     }
 }
 
-TEST(ActionCodes, TravelInFourBytesAsSchemasDo) {
+TEST(ActionCodes, TakeFourBytesAsSchemasDo) {
     EXPECT_EQ(4u, sizeof(NySe::ActionType));
     EXPECT_EQ(4u, sizeof(NySe::SchemaType));
     EXPECT_EQ(0u, static_cast<unsigned>(NySe::noSchema));
     EXPECT_EQ(2015u, static_cast<unsigned>(NySe::schema2015));
 }
 
-TEST(ActionCodes, LivingAnswerIs512) {
+TEST(ActionCodes, AliveReplyIs512) {
     EXPECT_EQ(512, NySe::kAliveAnswer);
 }
 

@@ -79,7 +79,7 @@ TEST(GoldenMessages, AreWrittenAsTheirBytes) {
     }
 }
 
-TEST(GoldenMessages, LeaveNoReplyOrNotificationOut) {
+TEST(GoldenMessages, IncludeEveryReplyAndNotification) {
     for (const char* kind : {"reply-", "notification-"}) {
         for (const Golden& one : goldenNamed(kind)) EXPECT_TRUE(messages().contains(one.name));
     }

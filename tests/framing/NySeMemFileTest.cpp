@@ -106,14 +106,14 @@ TEST_F(MemFile, GrowsInStepsOf1024) {
     EXPECT_EQ(1024u, file.room());
 }
 
-TEST_F(MemFile, MessageWithActionStartsBehindEightBytes) {
+TEST_F(MemFile, MessageWithActionStartsAfterEightBytes) {
     m_file.startWriteAction(kSome, schema2015);
     expectStarted(kSome, 2015, 8);
     m_file.writeInteger(-2);
     expectWritten("0B000000 04000000 FEFFFFFF");
 }
 
-TEST_F(MemFile, MessageWithoutActionStartsBehindFourBytesAndKeepsTheAction) {
+TEST_F(MemFile, MessageWithoutActionStartsAfterFourBytesAndKeepsTheAction) {
     m_file.setActionType(kSome);
     m_file.startWrite(static_cast<SchemaType>(2014));
     expectStarted(kSome, 2014, 4);
@@ -135,7 +135,7 @@ TEST_F(MemFile, NoActionLeavesTheHeaderUnwrittenAndThePositionAtTheEnd) {
     expectWritten("00000000 00000000 07000000", 12);
 }
 
-TEST_F(MemFile, OtherNegativeActionsFillTheirHeaderIn) {
+TEST_F(MemFile, OtherNegativeActionsFillInTheirHeader) {
     m_file.writeAction(static_cast<ActionType>(-2), schema2015);
     expectWritten("FEFFFFFF 00000000");
     m_file.writeAction(static_cast<ActionType>(INT32_MIN), schema2015);
@@ -177,7 +177,7 @@ TEST_F(MemFile, SettersTouchNeitherBytesNorArchive) {
     EXPECT_EQ(hex("0C000000 00000000"), bytes());
 }
 
-TEST_F(MemFile, LongMessagesComeOutWhole) {
+TEST_F(MemFile, LongMessagesAreWrittenWhole) {
     m_file.startWriteAction(kSome, schema2015);
     std::string content = "0B000000 204E0000";
     for (LONG i = 0; i < 5000; ++i) {
@@ -203,7 +203,7 @@ TEST_F(MemFile, NothingIsWrittenWithoutAStoringArchive) {
     EXPECT_EQ(hex("01020304"), bytes());
 }
 
-TEST_F(MemFile, ReadingStartsWhereTheFileStands) {
+TEST_F(MemFile, ReadingStartsAtTheFilesPosition) {
     fill(fromHex("01000000 02000000"));
     m_file.Seek(4, CFile::begin);
     m_file.startReading();

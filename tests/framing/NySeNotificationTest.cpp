@@ -34,7 +34,7 @@ TEST(NotificationBytes, IsFoundWithItsPayload) {
     EXPECT_EQ("58: ", found("3A000000 00000000"));
 }
 
-TEST(NotificationBytes, PayloadEndsWhereTheBytesDo) {
+TEST(NotificationBytes, PayloadEndsWithTheBytes) {
     EXPECT_EQ("50: " + hex("'ab'"), found("32000000 FFFFFF7F 'ab'"));
     EXPECT_EQ("50: " + hex("'a'"), found("32000000 01000000 'ab'"));
     EXPECT_EQ("50: ", found("32000000 FFFFFFFF 'ab'"));

@@ -62,13 +62,13 @@ TEST_F(ReplyReaders, MessageIsItsLengthAndThatManyBytes) {
     EXPECT_EQ(0u, m_file.GetPosition());
 }
 
-TEST_F(ReplyReaders, MessageMayComeInParts) {
+TEST_F(ReplyReaders, MessageMayArriveInParts) {
     m_atOnce = 4;
     expectMessage(true, "06000000 'abcdef'", "'abcdef'");
     EXPECT_EQ((std::vector<int>{15, 30, 30}), m_timeOuts);
 }
 
-TEST_F(ReplyReaders, MessageThatStopsEarlyKeepsWhatCame) {
+TEST_F(ReplyReaders, MessageThatStopsEarlyKeepsTheBytesReceived) {
     expectMessage(false, "09000000 'abc'", "'abc'");
 }
 
@@ -83,7 +83,7 @@ TEST_F(ReplyReaders, WithoutALengthThereIsNoMessage) {
 }
 
 // A peer may announce two gigabytes and send one byte.
-TEST_F(ReplyReaders, IsAskedForInStepsWhateverIsAnnounced) {
+TEST_F(ReplyReaders, ReceiveInStepsWhateverLengthIsAnnounced) {
     expectMessage(false, "FFFFFF7F 'a'", "'a'");
     EXPECT_LE(m_mostAsked, 2 * NySe::kReceiveStep);
 }

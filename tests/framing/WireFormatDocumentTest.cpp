@@ -87,7 +87,7 @@ TEST_F(WireFormatDocument, StatesTheBoundsOfReaders) {
     EXPECT_TRUE(says("in steps of " + std::to_string(NySe::kReceiveStep / 1024) + " KiB"));
 }
 
-TEST(CentralServerDocument, TellsOfEveryNotification) {
+TEST(CentralServerDocument, ListsEveryNotification) {
     const std::string document = readDocument("central-server.md");
     for (const NySe::NotificationKind& kind : NySe::kNotifications) {
         const size_t row = document.find("\n| " + std::to_string(kind.action) + " | " + kind.words);

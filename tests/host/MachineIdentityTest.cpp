@@ -178,7 +178,7 @@ class AdapterSystem {
     int m_growths;
 };
 
-TEST(AdapterList, GrowsToWhatTheSystemAsksForUpToEightTimes) {
+TEST(AdapterList, GrowsToTheSizeThatTheSystemRequiresUpToEightTimes) {
     const struct {
         size_t count;
         int growths;
@@ -215,7 +215,7 @@ TEST(AdapterList, IsEmptyWhenTheSystemFails) {
     }
 }
 
-TEST(AdapterList, LiesInItsOwnMemory) {
+TEST(AdapterList, PointsIntoItsOwnMemory) {
     const auto adapters = machineidentity::readAdapters(1);
     EXPECT_EQ(namesIn(adapters), namesIn(machineidentity::readAdapters()));
     for (const IP_ADAPTER_INFO* one = adapters.data(); one->Next != nullptr; one = one->Next) {

@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(ModuleHandle, IsRememberedOnceTheModuleIsLoaded) {
+TEST(ModuleHandle, IsStoredOnceTheModuleIsLoaded) {
     EXPECT_EQ(moduleresources::handle(), nullptr);
     EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), CString());
     LoadedLibrary library(L"NyServerDll.dll");

@@ -30,7 +30,7 @@ const char* const kRecords[] = {
     "NySeLockArray",    "NySeMessage",         "NySeUser",
     "NySeUserPtrArray", "NySeSessionLock",     "NySeSessionLockPtrArray"};
 
-TEST_F(Module, BringsAndTakesItsClassesAndTextsAHundredTimes) {
+TEST_F(Module, AddsAndRemovesItsClassesAndTextsAHundredTimes) {
     for (int i = 0; i < 100; ++i) {
         LoadedLibrary library = load();
         for (const char* name : kRecords) ASSERT_TRUE(knows(name)) << name;
@@ -59,7 +59,7 @@ TEST_F(Module, HasItsMessageRegisteredWhenItIsLoaded) {
     EXPECT_NE(*message, 0u);
 }
 
-TEST_F(Module, JoinsAHostOnceMoreAndLeavesItWhole) {
+TEST_F(Module, AddedTwiceIsRemovedCompletely) {
     LoadedLibrary library = load();
     library.symbol<void (*)()>("_ZN4NySe7initDllEv")();
     EXPECT_TRUE(knows("NySeUser"));
@@ -69,7 +69,7 @@ TEST_F(Module, JoinsAHostOnceMoreAndLeavesItWhole) {
 }
 
 // For a host that the module has not joined while it was loaded.
-TEST_F(Module, JoinsByItsStartUpCallAlone) {
+TEST_F(Module, IsAddedByItsStartUpCallAlone) {
     const LoadedLibrary library = load();
     AFX_EXTENSION_MODULE host = {};
     ASSERT_TRUE(AfxInitExtensionModule(host, ::GetModuleHandleW(nullptr)));
@@ -101,7 +101,7 @@ class LoadedClient {
 };
 
 // A class that stays would have a procedure in memory that is gone.
-TEST_F(Module, TakesItsWindowClassesWithIt) {
+TEST_F(Module, UnregistersItsWindowClasses) {
     const HINSTANCE instances[] = {::GetModuleHandleW(nullptr),
                                    ::GetModuleHandleW(L"kernel32.dll")};
     const auto isRegistered = [](HINSTANCE instance) {
@@ -138,7 +138,7 @@ class ModuleEntry : public testing::Test {
     AFX_EXTENSION_MODULE m_state = {};
 };
 
-TEST_F(ModuleEntry, LinksTheModuleInWhenTheProcessAttaches) {
+TEST_F(ModuleEntry, AddsTheModuleWhenTheProcessAttaches) {
     EXPECT_EQ(enter(DLL_PROCESS_ATTACH), 1);
     EXPECT_TRUE(m_state.bInitialized);
     EXPECT_EQ(m_state.hModule, m_program);
@@ -151,7 +151,7 @@ TEST_F(ModuleEntry, RefusesTheModuleThatCannotBeInitialised) {
     EXPECT_FALSE(m_state.bInitialized);
 }
 
-TEST_F(ModuleEntry, TakesTheModuleOutWhenTheProcessDetaches) {
+TEST_F(ModuleEntry, RemovesTheModuleWhenTheProcessDetaches) {
     enter(DLL_PROCESS_ATTACH);
     ASSERT_TRUE(moduleentry::link(m_state));
     EXPECT_EQ(enter(DLL_PROCESS_DETACH), 1);

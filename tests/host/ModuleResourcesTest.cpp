@@ -45,7 +45,7 @@ TEST_F(ModuleResources, AreFoundByTheLoader) {
     EXPECT_EQ(loadersText(IDS_NYSERVER_VERSION), L"Version %s");
 }
 
-TEST_F(ModuleResources, GiveTheirTextsWhateverModulesAreCurrent) {
+TEST_F(ModuleResources, HaveTheirTextsWhateverModulesAreCurrent) {
     EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"the program's name");
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(moduleresources::loadString(IDS_NYSERVER_NAME), L"NyServer");
@@ -61,7 +61,7 @@ TEST_F(ModuleResources, AreSearchedAfterTheCurrentModulesAndHaveNoTextOfThem) {
               L"Shared library of a collaborative design server");
 }
 
-TEST_F(ModuleResources, AreCurrentWhileASwitchLives) {
+TEST_F(ModuleResources, AreCurrentWhileASwitchExists) {
     {
         NyServerDllSwitchResource toModule;
         EXPECT_EQ(AfxGetResourceHandle(), m_module);
@@ -74,7 +74,7 @@ TEST_F(ModuleResources, AreCurrentWhileASwitchLives) {
     EXPECT_EQ(searchedText(IDS_NYSERVER_NAME), L"the program's name");
 }
 
-TEST_F(ModuleResources, AreLeftForWhatWasCurrentBefore) {
+TEST_F(ModuleResources, AreReplacedByThePreviousOnesAfterASwitch) {
     const HINSTANCE other = ::GetModuleHandleW(L"NyBaseDll.dll");
     AfxSetResourceHandle(other);
     {
@@ -124,7 +124,7 @@ TEST_F(Version, OfTheFileIsTheProjects) {
     EXPECT_EQ(fixed.dwFileType, static_cast<DWORD>(VFT_DLL));
 }
 
-TEST_F(Version, TextsSayWhatTheFileIs) {
+TEST_F(Version, TextsDescribeTheFile) {
     EXPECT_EQ(value(L"FileVersion"), NY_VERSION);
     EXPECT_EQ(value(L"ProductVersion"), NY_VERSION);
     EXPECT_EQ(value(L"ProductName"), L"NyServer");

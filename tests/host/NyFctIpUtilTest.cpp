@@ -33,7 +33,7 @@ TEST(IpAddress, IsTheFirstOfTheLocalHostName) {
     EXPECT_EQ(NyFctIpUtil::_getIpAddress(), lookUpLocalHost());
 }
 
-TEST(IpAddress, LeavesWindowsSocketsAsTheyWere) {
+TEST(IpAddress, LeavesWindowsSocketsUnchanged) {
     ASSERT_EQ(WinsockStarts::count(), 0);
     NyFctIpUtil::_getIpAddress();
     NyFctIpUtil::_getIpAddressFromHostName(L"127.0.0.1");
@@ -49,7 +49,7 @@ CString addressOfLength(int length) {
 }
 
 // Longer names are not cut: they would be those of other hosts.
-TEST(IpAddressFromHostName, KnowsNamesOfUpTo255Bytes) {
+TEST(IpAddressFromHostName, ResolvesNamesOfUpTo255Bytes) {
     const std::pair<CString, LPCWSTR> rows[] = {{L"127.0.0.1", L"127.0.0.1"},
                                                 {addressOfLength(255), L"127.0.0.1"},
                                                 {addressOfLength(256), L""},
@@ -64,20 +64,20 @@ TEST(IpAddressFromHostName, KnowsNamesOfUpTo255Bytes) {
 
 // Also while nobody has started Windows Sockets: a host without a name is the local one.
 // host-calls-test.sh looks at the order of the calls.
-TEST(IpAddressFromHostName, TakesTheLocalHostsForLocalhost) {
+TEST(IpAddressFromHostName, ReturnsTheLocalHostsForLocalhost) {
     const CString address = NyFctIpUtil::_getIpAddressFromHostName(L"localhost");
     EXPECT_EQ(address, lookUpLocalHost());
 }
 
 // With Windows Sockets started, "localhost" is this machine's own name, not the loopback's.
-TEST(IpAddressFromHostName, TakesLocalhostInAnyCaseForTheLocalName) {
+TEST(IpAddressFromHostName, ReturnsTheLocalHostsForLocalhostInAnyCase) {
     const WinsockStarts winsock(1);
     for (LPCWSTR name : {L"localhost", L"LocalHost", L"LOCALHOST"}) {
         EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(name), lookUpLocalHost());
     }
 }
 
-TEST(IpAddressFromHostName, TakesAnythingElseAsItIs) {
+TEST(IpAddressFromHostName, LooksUpAnyOtherNameUnchanged) {
     const WinsockStarts winsock(1);
     EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L"localhost."), lookUp("localhost."));
     EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(L""), lookUp(""));

@@ -55,7 +55,7 @@ class ListenerBackPressure : public testing::Test {
     std::vector<peers::Connection> m_peers;
 };
 
-TEST_F(ListenerBackPressure, PausesAbove3240AndReleasesWithTheLast) {
+TEST_F(ListenerBackPressure, PausesAbove3240AndResumesAfterTheLast) {
     expectPausedAbove(3240);
 }
 
@@ -71,7 +71,7 @@ TEST_F(ListenerBackPressure, PausesWithEachMessageWhenTheLimitIsNone) {
     expectPausedAbove(0);
 }
 
-TEST_F(ListenerBackPressure, ASurplusConsumptionReleasesAndCountsNothing) {
+TEST_F(ListenerBackPressure, ASurplusConsumptionResumesAndCountsNothing) {
     m_listener.pause(true);
     consume();
     EXPECT_EQ(m_listener.pauses(), kNone);
@@ -80,7 +80,7 @@ TEST_F(ListenerBackPressure, ASurplusConsumptionReleasesAndCountsNothing) {
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 
-TEST_F(ListenerBackPressure, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) {
+TEST_F(ListenerBackPressure, AWorkerThatStartsDuringAPauseReadsUntilTheNextCall) {
     m_setting.set(10);
     post(10);
     connect(1);
@@ -91,7 +91,7 @@ TEST_F(ListenerBackPressure, AWorkerThatComesDuringAPauseReadsUntilTheNextCall) 
     EXPECT_EQ(m_listener.pauses(), (std::vector<bool>{true, true, true}));
 }
 
-TEST_F(ListenerBackPressure, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
+TEST_F(ListenerBackPressure, StopsItsSenderUntilTheWindowHasConsumedTheBacklog) {
     m_setting.set(100);
     std::string stream;
     for (int i = 0; i < 200; ++i) stream += frame(50 + i % 9, wireOf(i) + wireOf(i));
@@ -114,7 +114,7 @@ TEST_F(ListenerBackPressure, HoldsItsSenderBackUntilTheWindowHasCaughtUp) {
 
 // The same object may have another window by now: the first may have been destroyed and created
 // again, and the messages with it.
-TEST_F(ListenerBackPressure, AWindowThatIsReplacedTakesItsMessagesWithIt) {
+TEST_F(ListenerBackPressure, MessagesOfAReplacedWindowAreNoLongerCounted) {
     m_setting.set(10);
     MainWindow next;
     for (MainWindow* window : {&m_window, &next}) {
@@ -129,7 +129,7 @@ TEST_F(ListenerBackPressure, AWindowThatIsReplacedTakesItsMessagesWithIt) {
     m_listener.setAppWnd(nullptr);
 }
 
-TEST_F(ListenerBackPressure, WhatAReplacedWindowStillConsumesCountsNoLowerThanZero) {
+TEST_F(ListenerBackPressure, ConsumptionByAReplacedWindowCountsNoLowerThanZero) {
     post(3);
     m_listener.setAppWnd(nullptr);
     EXPECT_EQ(m_listener.getPostMsgCount(), 0);
@@ -142,12 +142,12 @@ TEST_F(ListenerBackPressure, WhatAReplacedWindowStillConsumesCountsNoLowerThanZe
 
 // Each message pauses the workers until the window has consumed it; a worker that notices only at
 // the end of a round of 100 ms takes 10 s for a hundred.
-class ListenerRelease : public ListenerTest {
+class ListenerResume : public ListenerTest {
   protected:
     LimitSetting m_setting{1};
 };
 
-TEST_F(ListenerRelease, IsHeardAtOnce) {
+TEST_F(ListenerResume, IsNoticedAtOnce) {
     auto peer = connect();
     std::string stream;
     for (int i = 0; i < 100; ++i) stream += frame(50, wireOf(i));
@@ -157,7 +157,7 @@ TEST_F(ListenerRelease, IsHeardAtOnce) {
     EXPECT_LT(::GetTickCount64() - start, 5000u);
 }
 
-TEST_F(ListenerBackPressure, ASenderIsHeldBackByTheTransportAndLosesNothing) {
+TEST_F(ListenerBackPressure, ASenderIsStoppedByTheTransportAndLosesNothing) {
     constexpr int kFrames = 512;  // more than any transport takes unread
     const std::string body(65528, 'b');
     m_listener.pause(true);
@@ -194,7 +194,7 @@ class PlainListener : public ProbeListener {
     CUT_WSThread* CreateInstance() override { return new PlainWorker; }
 };
 
-TEST(ListenerBackPressureOfOthers, LeavesWorkersOfOtherKindsAlone) {
+TEST(ListenerBackPressureOfOthers, DoesNotAffectWorkersOfOtherKinds) {
     const peers::WinsockSession winsock;
     PlainListener listener;
     ASSERT_TRUE(listener.start());

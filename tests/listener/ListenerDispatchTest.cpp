@@ -40,7 +40,7 @@ class ListenerDispatch : public ListenerTest {
     std::optional<peers::Connection> m_peer;
 };
 
-TEST_F(ListenerDispatch, AnswersAProbeReadsItsBodyAndPostsNothing) {
+TEST_F(ListenerDispatch, RepliesToAProbeReadsItsBodyAndPostsNothing) {
     send(kProbe);
     EXPECT_EQ(hexOf(m_peer->receive()), "00 02 00 00");
     send(frame(1, frame(50)));
@@ -48,7 +48,7 @@ TEST_F(ListenerDispatch, AnswersAProbeReadsItsBodyAndPostsNothing) {
     EXPECT_TRUE(posted().empty());
 }
 
-TEST_F(ListenerDispatch, ForwardsTheNineNotificationsInMessageFilesOfTheirOwn) {
+TEST_F(ListenerDispatch, ForwardsTheNineNotificationsInSeparateMessageFiles) {
     for (int action = 50; action <= 58; ++action) send(frame(action, action == 50 ? "" : "body"));
     const auto all = posted();
     ASSERT_EQ(all.size(), 9u);
@@ -81,7 +81,7 @@ TEST_F(ListenerDispatch, ALargeBodyArrivesAsItWasSent) {
     EXPECT_EQ(hexOf(posted.bytes.substr(0, 8)), "36 00 00 00 11 00 30 00");
 }
 
-TEST_F(ListenerDispatch, ABodyThatIsCutOffIsForwardedAsFarAsItCame) {
+TEST_F(ListenerDispatch, ATruncatedBodyIsForwarded) {
     send(wireOf(55) + wireOf(1000) + "only this");
     m_peer->close();
     EXPECT_EQ(hexOf(m_window.awaitMessages(1).at(0).bytes),
@@ -89,7 +89,7 @@ TEST_F(ListenerDispatch, ABodyThatIsCutOffIsForwardedAsFarAsItCame) {
     EXPECT_TRUE(m_listener.awaitWorkers(0));
 }
 
-TEST_F(ListenerDispatch, ALengthThatIsCutOffIsForwardedEmpty) {
+TEST_F(ListenerDispatch, ATruncatedLengthIsForwardedAsAnEmptyBody) {
     m_listener.setLongestBody(10);  // of no concern to what is no length
     send(wireOf(56) + std::string(3, '\x07'));
     m_peer->close();
@@ -104,7 +104,7 @@ class ListenerReading : public ScriptedListenerTest {
     }
 };
 
-TEST_F(ListenerReading, AsksForWhatItNeedsWithinItsTimes) {
+TEST_F(ListenerReading, ReceivesEachPartWithItsTimeOut) {
     auto peer = connect();
     peer.send(wireOf(50) + wireOf(10) + "1234");
     ASSERT_TRUE(awaitAsked(4));
@@ -117,7 +117,7 @@ TEST_F(ListenerReading, AsksForWhatItNeedsWithinItsTimes) {
               (std::vector<std::pair<int, int>>{{4, 0}, {4, 15}, {10, 30}, {6, 30}}));
 }
 
-TEST_F(ListenerReading, TakesAnActionThatComesShort) {
+TEST_F(ListenerReading, AcceptsATruncatedAction) {
     auto peer = connect();
     const auto start = ::GetTickCount64();
     peer.send("\x01");
@@ -131,7 +131,7 @@ TEST_F(ListenerReading, TakesAnActionThatComesShort) {
     EXPECT_EQ(all[0].payload(), "good");
 }
 
-TEST_F(ListenerReading, FinishesTheMessageThatIsBegunWhenAPauseComes) {
+TEST_F(ListenerReading, FinishesTheCurrentMessageWhenAPauseBegins) {
     MainWindow consumesNothing;
     m_listener.setAppWnd(consumesNothing.wnd());
     auto peer = connect();
@@ -147,7 +147,7 @@ TEST_F(ListenerReading, FinishesTheMessageThatIsBegunWhenAPauseComes) {
     EXPECT_EQ(peer.receive(), kAlive);
 }
 
-TEST_F(ListenerReading, KnowsItsActionOnlyWhileItHandlesAMessage) {
+TEST_F(ListenerReading, HasAnActionOnlyWhileItHandlesAMessage) {
     auto peer = connect();
     peer.send(frame(59, "x"));
     EXPECT_TRUE(isAlive(peer));
@@ -157,7 +157,7 @@ TEST_F(ListenerReading, KnowsItsActionOnlyWhileItHandlesAMessage) {
     EXPECT_EQ(actions, (std::vector<int>{-1, 59, 59, -1, 1}));
 }
 
-TEST_F(ListenerReading, BelievesInAHugeLengthOnlyAsFarAsBytesArrive) {
+TEST_F(ListenerReading, AllocatesForAHugeLengthOnlyAsBytesArrive) {
     m_listener.setLongestBody(INT_MAX);
     auto peer = connect();
     peer.send(wireOf(50) + wireOf(INT_MAX) + std::string(300000, 'z'));

@@ -46,7 +46,7 @@ TEST_F(ListenerExceptions, AFileOrArchiveExceptionLosesItsMessageOnly) {
     });
 }
 
-TEST_F(ListenerExceptions, AShortageOfMemoryOrAStandardExceptionEndsItsConnectionOnly) {
+TEST_F(ListenerExceptions, OutOfMemoryOrAStandardExceptionEndsItsConnectionOnly) {
     const Failure memory = [] { AfxThrowMemoryException(); };
     const Failure standard = [] { throw std::runtime_error("from a derived worker"); };
     forEachFailure({memory, standard}, [this] {

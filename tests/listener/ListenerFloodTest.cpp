@@ -59,7 +59,7 @@ TEST_F(ListenerFlood, SurvivesTenThousandRandomFrames) {
     expectServes();
 }
 
-TEST_F(ListenerFlood, SurvivesASenderThatDripsItsBytes) {
+TEST_F(ListenerFlood, SurvivesASenderOfSingleBytes) {
     auto peer = connect();
     for (const char byte : frame(50, "drip") + frame(0) + frame(51, "drop")) {
         peer.send({&byte, 1});
@@ -72,7 +72,7 @@ TEST_F(ListenerFlood, SurvivesASenderThatDripsItsBytes) {
     expectServes();
 }
 
-TEST_F(ListenerFlood, SurvivesSendersThatVanishInTheMiddle) {
+TEST_F(ListenerFlood, SurvivesSendersThatDisconnectWithinAMessage) {
     const std::string whole = frame(51, "vanishing");
     for (size_t length = 0; length <= whole.size(); ++length)
         m_listener.connection().send(whole.substr(0, length));

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Where in the object, behind `from`, the value lies.
+// Returns the offset of the value in the object, at `from` or after it; 0 if it has none.
 template <class Object, class Value>
 size_t placeOf(const Object& object, Value value, size_t from) {
     const auto* const bytes = reinterpret_cast<const char*>(&object);

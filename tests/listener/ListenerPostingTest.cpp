@@ -92,7 +92,7 @@ TEST_F(ListenerPostingToAWindow, ForgetsEmptyFilesWithItsWindow) {
     EXPECT_EQ(m_listener.getPostMsgCount(), 1);
 }
 
-TEST_F(ListenerPostingToAWindow, CountsWhatTheSystemDoesNotTake) {
+TEST_F(ListenerPostingToAWindow, CountsMessagesThatTheSystemRefuses) {
     fill("content");
     post(WM_GETTEXT);  // may only be sent
     EXPECT_TRUE(posted().empty());

@@ -48,7 +48,7 @@ class StreamingSender {
     std::thread m_thread;
 };
 
-TEST_F(ListenerPostingThreads, CountsOnlyWhatWasPostedWhenTheWindowGoesInMidStream) {
+TEST_F(ListenerPostingThreads, CountsOnlyPostedMessagesWhenTheWindowIsDestroyedMeanwhile) {
     m_listener.setAppWnd(m_window.wnd());
     StreamingSender sender(m_listener);
     m_window.awaitMessages(50);
@@ -80,7 +80,7 @@ class FileThatEndsAWindow : public CMemFile {
     CWnd& m_window;
 };
 
-TEST_F(ListenerPostingThreads, NothingIsPostedToAWindowThatGoesMeanwhile) {
+TEST_F(ListenerPostingThreads, NothingIsPostedToAWindowThatIsDestroyedMeanwhile) {
     OwnWindow window;
     m_listener.setAppWnd(&window);
     FileThatEndsAWindow file(window);
@@ -94,7 +94,7 @@ TEST_F(ListenerPostingThreads, NothingIsPostedToAWindowThatGoesMeanwhile) {
     m_listener.setAppWnd(nullptr);
 }
 
-TEST_F(ListenerPostingThreads, LeavesAWindowObjectAloneOnceAnotherIsSet) {
+TEST_F(ListenerPostingThreads, DoesNotUseAWindowObjectOnceAnotherIsSet) {
     const StreamingSender sender(m_listener);
     // On a crowded machine the sender may not get its turn for long.
     const auto deadline = std::chrono::steady_clock::now() + kGenerously;
@@ -115,7 +115,7 @@ TEST_F(ListenerPostingThreads, LeavesAWindowObjectAloneOnceAnotherIsSet) {
 }
 
 // Were a message consumed before it is counted, the count would stay above 0.
-TEST(ListenerCount, ComesBackToZeroUnderAnEagerWindow) {
+TEST(ListenerCount, ReturnsToZeroWithAFastWindow) {
     ProbeListener listener;
     MainWindow window(&listener);
     listener.setAppWnd(window.wnd());

@@ -60,12 +60,12 @@ TEST_F(ListenerRounds, AFailedReceiveIsAnIdleRound) {
     EXPECT_EQ(roundsOfAPeerThatSends(kProbe), 51 + 1);
 }
 
-TEST_F(ListenerRounds, ALookAtALivingPeerResetsTheCount) {
+TEST_F(ListenerRounds, AProbeOfAConnectedPeerResetsTheCount) {
     failRounds(51, 0);
     EXPECT_EQ(roundsOfAPeerThatSends(kProbe), 51 + 1 + 51);
 }
 
-TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsThere) {
+TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsConnected) {
     failRounds(200, -1, 50);
     auto peer = connect();
     EXPECT_TRUE(isAlive(peer));
@@ -76,7 +76,7 @@ TEST_F(ListenerRounds, AnActionWithoutItsReceiveIsNoIdleRoundWhileThePeerIsThere
     EXPECT_EQ(rounds(), 201 + 51);
 }
 
-TEST_F(ListenerRounds, AnActionWithoutItsReceiveMakesItLookForThePeerAtOnce) {
+TEST_F(ListenerRounds, AnActionWithoutItsReceiveMakesItCheckThePeerAtOnce) {
     failRounds(200, 0, 1);
     EXPECT_EQ(roundsOfAPeerThatSends(""), 1);
 }
@@ -98,7 +98,7 @@ TEST_F(ListenerRounds, TheShutDownFlagEndsAnIdleWorkerWithinARound) {
     EXPECT_LT(shortestEnd([](auto&) {}), kSomeRounds);
 }
 
-TEST_F(ListenerRounds, AnIdleRoundIsAWaitOfATenthOfASecondThatIsTold) {
+TEST_F(ListenerRounds, AnIdleRoundIsAReportedWaitOfATenthOfASecond) {
     const auto start = ::GetTickCount64();
     auto peer = connect();
     const int before = m_listener.script->vainWaits;

@@ -80,14 +80,14 @@ TEST_F(ListenerServer, ServesFromItsStartOnAndMayStartAgainOnceItHasStopped) {
     }
 }
 
-TEST_F(ListenerServer, SaysThatItsPortIsTaken) {
+TEST_F(ListenerServer, ReportsThatItsPortIsInUse) {
     const NySe::UniqueSocket taken = peers::bindToLoopback();
     ::listen(taken.get(), 1);
     m_listener.setPortNumber(static_cast<unsigned short>(peers::portOf(taken)));
     EXPECT_EQ(m_listener.Start(), UTE_SOCK_BIND_FAILED);
 }
 
-TEST_F(ListenerServer, MakesItsWorkersAtNormalPriority) {
+TEST_F(ListenerServer, CreatesItsWorkersAtNormalPriority) {
     ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_ABOVE_NORMAL);
     CUT_WSThread* const worker = m_listener.CreateInstance();
     EXPECT_EQ(::GetThreadPriority(::GetCurrentThread()), THREAD_PRIORITY_NORMAL);
@@ -99,7 +99,7 @@ TEST_F(ListenerServer, MakesItsWorkersAtNormalPriority) {
     m_listener.ReleaseInstance(worker);
 }
 
-TEST_F(ListenerServer, DeletesTheWorkersThatItTakesBack) {
+TEST_F(ListenerServer, DeletesItsReleasedWorkers) {
     int deleted = 0;
     m_listener.ReleaseInstance(new CountingWorker(&m_listener, deleted));
     EXPECT_EQ(deleted, 1);
@@ -137,7 +137,7 @@ bool isClosed(const peers::Connection& peer) {
     return ::recv(peer.socket(), &byte, 1, 0) == 0;
 }
 
-TEST_F(ListenerServer, EndsItsWorkersByItselfWhenItGoes) {
+TEST_F(ListenerServer, EndsItsWorkersWhenItIsDestroyed) {
     auto listener = std::make_unique<NyServerApp>();
     ASSERT_EQ(listener->Start(), UTE_SUCCESS);
     listener->SetPort(listener->GetBoundPort());
@@ -155,7 +155,7 @@ TEST_F(ListenerServer, EndsItsWorkersByItselfWhenItGoes) {
     end.join();
 }
 
-TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
+TEST_F(ListenerServer, IsDestroyedWhilePeersKeepConnecting) {
     MainWindow window;
     auto listener = std::make_unique<ProbeListener>();
     listener->setAppWnd(window.wnd());
@@ -176,7 +176,7 @@ TEST_F(ListenerServer, GoesWhilePeersComeAgainAndAgain) {
     isEnding = true;
 }
 
-TEST_F(ListenerServer, TellsTheAddressesOfHosts) {
+TEST_F(ListenerServer, ReturnsTheAddressesOfHosts) {
     EXPECT_EQ(NyServerApp::_getIpAdress(), NyFctIpUtil::_getIpAddress());
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("localhost")),
               NyFctIpUtil::_getIpAddressFromHostName(_T("localhost")));

@@ -54,7 +54,7 @@ class ListenerStress : public testing::Test {
     MainWindow m_window;
 };
 
-TEST_F(ListenerStress, LeavesNeitherHandlesNorThreadsBehind) {
+TEST_F(ListenerStress, LeaksNeitherHandlesNorThreads) {
     runListeners(3 * kAtATime);  // what the system keeps from the first use does not count
     ::Sleep(100);
     const size_t handles = handleLevel();

@@ -32,7 +32,7 @@ TEST_F(ListenerWaits, APausedWorkerNoticesThatItsPeerHasClosed) {
     EXPECT_TRUE(isAlive(silent));
 }
 
-TEST_F(ListenerWaits, ALengthThatIsShortAfter15SecondsIsAnEmptyBodyAndTheStreamGoesOn) {
+TEST_F(ListenerWaits, ALengthThatIsShortAfter15SecondsIsAnEmptyBodyAndTheStreamContinues) {
     auto peer = connect();
     const auto start = ::GetTickCount64();
     peer.send(wireOf(50));
@@ -46,7 +46,7 @@ TEST_F(ListenerWaits, ALengthThatIsShortAfter15SecondsIsAnEmptyBodyAndTheStreamG
     EXPECT_EQ(postedFor(peer).at(1).payload(), "in step");
 }
 
-TEST_F(ListenerWaits, ALengthThatComesSlowlyIsWhole) {
+TEST_F(ListenerWaits, ALengthThatArrivesSlowlyIsWhole) {
     auto peer = connect();
     const std::string whole = frame(50, "whole");
     peer.send(whole.substr(0, 5));

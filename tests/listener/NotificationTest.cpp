@@ -53,7 +53,7 @@ class Notification : public testing::Test {
     const LPARAM m_strange[3] = {0, 16, reinterpret_cast<LPARAM>(&m_local)};
 };
 
-TEST_F(Notification, OffersItsActionAndWhatWasSent) {
+TEST_F(Notification, HasItsActionAndItsPayload) {
     EXPECT_EQ(read(frame(50, "payload")), (Read{50, "payload"}));
     EXPECT_EQ(read(frame(58)), (Read{58, ""}));
 }
@@ -64,19 +64,19 @@ TEST_F(Notification, HasNoActionWithoutAWholeHeaderAndNoneButThoseOfNotification
         EXPECT_EQ(read(frame(action, "payload")), kNothing) << action;
 }
 
-TEST_F(Notification, BelievesALengthOnlyAsFarAsThereAreBytes) {
+TEST_F(Notification, AcceptsALengthOnlyUpToTheBytesPresent) {
     EXPECT_EQ(read(wireOf(51) + wireOf(1000) + "short"), (Read{51, "short"}));
     EXPECT_EQ(read(wireOf(51) + wireOf(2) + "longer"), (Read{51, "lo"}));
     EXPECT_EQ(read(wireOf(51) + wireOf(-1) + "none"), (Read{51, ""}));
 }
 
-TEST_F(Notification, BelievesTheSizeOnlyAsFarAsTheBlockReaches) {
+TEST_F(Notification, AcceptsASizeOnlyUpToThatOfTheBlock) {
     EXPECT_EQ(read(frame(52, "payload"), 0xFFFFFFFF), (Read{52, "payload"}));
     EXPECT_EQ(read(frame(52, "payload"), 10), (Read{52, "pa"}));
 }
 
 // Any program can post the message with an address that it knows.
-TEST_F(Notification, LeavesMemoryAloneThatNobodyPosted) {
+TEST_F(Notification, IgnoresMemoryThatWasNotPosted) {
     const std::string bytes = frame(50, "not posted");
     const HGLOBAL fixed = ::GlobalAlloc(GMEM_FIXED, bytes.size());
     void* const heap = ::HeapAlloc(::GetProcessHeap(), 0, bytes.size());
@@ -102,7 +102,7 @@ TEST_F(Notification, IsConsumedOnceWhenItIsDestroyed) {
 }
 
 // Any program can post the message.
-TEST_F(Notification, IsNotConsumedWhenNobodyPostedIt) {
+TEST_F(Notification, IsNotConsumedUnlessItWasPosted) {
     for (const LPARAM address : m_strange) {
         EXPECT_EQ(readAt(address, 100), kNothing);
         EXPECT_EQ(leftOfTwoAfter(100, address), 2);

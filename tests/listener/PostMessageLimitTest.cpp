@@ -44,7 +44,7 @@ TEST_F(PostMessageLimit, IsThatOf3600WithAValueOfMoreThanFourBytes) {
     EXPECT_EQ(limit(), 3240);
 }
 
-TEST_F(PostMessageLimit, TakesAShortValueAndOneOfAnyTypeAsTheyStand) {
+TEST_F(PostMessageLimit, UsesAShortValueAndOneOfAnyTypeUnchanged) {
     for (const DWORD size : {4u, 2u}) {
         m_setting.set(REG_BINARY, "\x10\x27\0", size);
         EXPECT_EQ(limitOf(*std::make_unique<ProbeListener>()), 9000);

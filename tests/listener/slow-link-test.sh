@@ -55,7 +55,7 @@ await test -s "$work/said" || {
 }
 status=0
 nsenter --net --target $far timeout 50 "$slow_link" send 10.77.0.1 "$(head -n 1 "$work/said")" $count || {
-  echo "FAILED: the probe behind the notifications was not answered"
+  echo "FAILED: the probe after the notifications was not answered"
   status=1
 }
 wait "$listener" || status=1

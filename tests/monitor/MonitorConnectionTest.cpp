@@ -110,13 +110,13 @@ class MonitorConnection : public MonitorTest {
     }
 };
 
-TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
+TEST_F(MonitorConnection, IsShownInTheStatusBarAndTheLog) {
     openConnected();
     EXPECT_EQ("Connected to 127.0.0.1:" + std::to_string(server->port()) + " as dora, session 1",
               status(StatusBar::connection));
     EXPECT_TRUE(says(StatusBar::activity, "Ready"));
     EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 3240"));
-    EXPECT_EQ("Flowing", status(StatusBar::flow));
+    EXPECT_EQ("Reading", status(StatusBar::flow));
     EXPECT_THAT(logged("Connection"), Contains(status(StatusBar::connection)));
     // What is cut off can be pointed at.
     for (const StatusBar::Part part : {StatusBar::connection, StatusBar::activity})
@@ -125,11 +125,11 @@ TEST_F(MonitorConnection, IsToldInTheBarAndTheLog) {
     EXPECT_NE(0, style & LVS_EX_LABELTIP);
 }
 
-TEST_F(MonitorConnection, IsRenamedByF2AndComesBackWithTheServerUnderThatName) {
+TEST_F(MonitorConnection, IsRenamedByF2AndKeepsThatNameWhenItReconnects) {
     openConnected();
     const int port = server->port();
     ask(VK_F2, L"Rename", "doris");
-    EXPECT_TRUE(hasLogged("Rename", "doris: taken"));
+    EXPECT_TRUE(hasLogged("Rename", "doris: accepted"));
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"doris"}));
     EXPECT_TRUE(soon([this] { return isConnectedAs("doris"); }));
     tabTo(ID_LOCK);
@@ -162,7 +162,7 @@ TEST_F(MonitorConnection, F5DoesNotWaitForTheNextAttempt) {
     EXPECT_GT(sooner, 0);
 }
 
-TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
+TEST_F(MonitorConnection, AServerThatHangsDoesNotBlockTheWindow) {
     openConnected();
     OtherUser anna(server->port(), "anna");
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anna", "dora"}));
@@ -179,7 +179,7 @@ TEST_F(MonitorConnection, AServerThatStandsStillDoesNotHoldTheWindow) {
     EXPECT_TRUE(soon([this] { return logged("Lock").size() == 1; }));
     EXPECT_THAT(logged("Lock").front(),
                 AnyOf("deck (access1+access2+exclude1+exclude2): granted",
-                      "deck (access1+access2+exclude1+exclude2): no answer"));
+                      "deck (access1+access2+exclude1+exclude2): no reply"));
     EXPECT_TRUE(says(StatusBar::activity, "Ready"));
 }
 
@@ -196,7 +196,7 @@ TEST_F(MonitorConnection, WhatWasPostedIsFreedWithTheWindow) {
     EXPECT_EQ(static_cast<UINT>(GMEM_INVALID_HANDLE), ::GlobalFlags(block));
 }
 
-TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
+TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotSent) {
     openConnected();
     {
         const Standstill standstill(server->process().id());
@@ -207,11 +207,11 @@ TEST_F(MonitorConnection, ARequestThatIsTooLateIsNotMade) {
         }
         server->process().kill();
     }
-    EXPECT_TRUE(hasLogged("Open", "a: no answer"));
+    EXPECT_TRUE(hasLogged("Open", "a: no reply"));
     EXPECT_TRUE(hasLogged("Open", "b: no connection"));
 }
 
-TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
+TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotSent) {
     openConnected();
     open(VK_F2, L"Rename");
     killServer();
@@ -219,7 +219,7 @@ TEST_F(MonitorConnection, ARequestWithoutAConnectionIsNotMade) {
     EXPECT_TRUE(hasLogged("Rename", "doris: no connection"));
 }
 
-TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
+TEST_F(MonitorConnection, APauseOfTheListenerIsShown) {
     const LimitSetting limit(10);
     openConnected();
     EXPECT_TRUE(says(StatusBar::posted, "Posted 0 of 9"));
@@ -231,8 +231,8 @@ TEST_F(MonitorConnection, APauseOfTheListenerIsTold) {
     }));
     EXPECT_TRUE(bar.hasSeenPause());
     EXPECT_THAT(logged("Listener").front(), ::testing::StartsWith("paused: Posted "));
-    EXPECT_TRUE(soon([this] { return logged("Listener").back() == "flows again"; }));
-    EXPECT_TRUE(says(StatusBar::flow, "Flowing"));
+    EXPECT_TRUE(soon([this] { return logged("Listener").back() == "resumed"; }));
+    EXPECT_TRUE(says(StatusBar::flow, "Reading"));
     anna.client.lock("last", 0x01);
     EXPECT_TRUE(becomes(IDC_LOCKS, 0, {"last"}));
 }

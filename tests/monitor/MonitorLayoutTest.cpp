@@ -43,7 +43,7 @@ class MonitorLayout : public MonitorTest {
     }
 };
 
-TEST_F(MonitorLayout, TheListsTakeTheRoomThatThereIsAndTheWindowGetsNoSmallerThanAllItsControls) {
+TEST_F(MonitorLayout, TheListsFillTheWindowWhichNeverGetsSmallerThanItsControls) {
     expectTidyWindow();
     resize(1000, 600);
     const SIZE small = sizeOf(control(IDC_LOCKS));
@@ -71,7 +71,7 @@ TEST_F(MonitorLayout, ItGrowsWithTheDensityOfTheScreen) {
     expectTidyWindow();
 }
 
-TEST_F(MonitorLayout, TheStatusBarHasRoomForItsTexts) {
+TEST_F(MonitorLayout, TheStatusBarHasSpaceForItsTexts) {
     const HWND bar = control(IDC_STATUS);
     const HDC dc = ::GetDC(bar);
     ::SelectObject(dc, reinterpret_cast<HFONT>(::SendMessageW(bar, WM_GETFONT, 0, 0)));
@@ -88,7 +88,7 @@ TEST_F(MonitorLayout, TheStatusBarHasRoomForItsTexts) {
     ::ReleaseDC(bar, dc);
 }
 
-TEST_F(MonitorLayout, TheTabKeyGoesRoundAllControls) {
+TEST_F(MonitorLayout, TheTabKeyVisitsAllControls) {
     std::vector<int> seen;
     for (int i = 0; i < 6; ++i) {
         const HWND before = focus();

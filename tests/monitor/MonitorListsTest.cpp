@@ -139,7 +139,7 @@ TEST_F(MonitorLists, AreReadAgainByF5) {
     EXPECT_TRUE(becomes(IDC_USERS, 0, {"anne", "bob", "dora"}));
 }
 
-TEST_F(MonitorLists, PassOverMessagesWithNothingBehindThem) {
+TEST_F(MonitorLists, IgnoreMessagesWithoutANotification) {
     openConnected();
     const int lines = rows(IDC_LOG);
     ::SendMessageW(window, NySe::_TM_NYSERVERMESSAGE, 100, 0);

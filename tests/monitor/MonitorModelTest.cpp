@@ -39,7 +39,7 @@ class MonitorTable : public ::testing::Test {
     Table table{{{L"Name", 10}, {L"Number", 10, true}}};
 };
 
-TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCaseAndTurnsRound) {
+TEST_F(MonitorTable, IsOrderedByTheFirstColumnWithoutLetterCaseAndMayBeReversed) {
     EXPECT_THAT(shown(), ElementsAre(L"k2", L"k1", L"k3"));
     EXPECT_THAT(sorted(0), ElementsAre(L"k3", L"k1", L"k2"));
     EXPECT_FALSE(table.isAscending());
@@ -119,7 +119,7 @@ TEST(MonitorLog, ForgetsTheOldestLines) {
 
 TEST(MonitorWords, AreThoseOfTheWindow) {
     EXPECT_EQ(L"Posted 3 of 9", words::posted({3, 9, false}));
-    EXPECT_EQ(L"Flowing", words::flow({3, 9, false}));
+    EXPECT_EQ(L"Reading", words::flow({3, 9, false}));
     EXPECT_EQ(L"Paused", words::flow({3, 9, true}));
     EXPECT_EQ(L"Users (3)", words::counted(L"Users", 3, 3));
     EXPECT_EQ(L"Users (0 of 3)", words::counted(L"Users", 0, 3));

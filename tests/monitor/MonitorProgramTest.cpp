@@ -43,7 +43,7 @@ TEST_F(MonitorProgram, RunsUntilItsWindowIsClosed) {
     }));
 }
 
-TEST_F(MonitorProgram, EndsAlsoWhileTheServerDoesNotAnswer) {
+TEST_F(MonitorProgram, EndsAlsoWhileTheServerDoesNotReply) {
     const peers::ResettingPort silent;
     run(L"--server 127.0.0.1:" + std::to_wstring(silent.port()));
     EXPECT_TRUE(soon([&] { return hasWindow(); }));
@@ -51,12 +51,12 @@ TEST_F(MonitorProgram, EndsAlsoWhileTheServerDoesNotAnswer) {
     expectEnd(0);
 }
 
-TEST_F(MonitorProgram, ExplainsItself) {
+TEST_F(MonitorProgram, PrintsItsHelp) {
     run(L"--help");
     expectEnd(0, "Example: nymonitor --server 127.0.0.1:40123 --user Anna");
 }
 
-TEST_F(MonitorProgram, RefusesAServerThatIsNone) {
+TEST_F(MonitorProgram, RefusesAnInvalidServerAddress) {
     run(L"--server nowhere");
     expectEnd(2, "nowhere is not HOST:PORT");
 }

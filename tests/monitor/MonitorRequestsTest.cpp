@@ -74,7 +74,7 @@ TEST_F(MonitorRequests, ClosingTakesAnIdBeforeAStringAndAlsoWhatTheFilterHides) 
     EXPECT_TRUE(hasLogged("Close", "bridge: sent"));
 }
 
-TEST_F(MonitorRequests, AnEmptyNameIsNotTaken) {
+TEST_F(MonitorRequests, AnEmptyNameIsNotAccepted) {
     const HWND asked = open(VK_F2, L"Rename");
     EXPECT_FALSE(::IsWindowEnabled(::GetDlgItem(asked, IDOK)));
     keys::type("d");

@@ -13,7 +13,7 @@ TEST(ElementText, IsCutOutBetweenTheFirstTags) {
         const char* found;
     } rows[] = {
         {"<VERSION>2.1</VERSION>", "VERSION", "2.1"},
-        {"before<VERSION>2.1</VERSION>behind", "VERSION", "2.1"},
+        {"before<VERSION>2.1</VERSION>after", "VERSION", "2.1"},
         {"<A><VERSION>\n 2.1 \n</VERSION></A>", "VERSION", "\n 2.1 \n"},
         {"<VERSION></VERSION>", "VERSION", ""},
 

@@ -31,7 +31,7 @@ TEST_F(NyctlOnline, PingsTheServiceNamedOrElseProduction) {
     EXPECT_EQ(NyFctWebService::serverUrlProduction, NyFctWebService::getServerUrlType());
 }
 
-TEST_F(NyctlOnline, TellsTheVersionAlsoInJson) {
+TEST_F(NyctlOnline, PrintsTheVersionAlsoInJson) {
     EXPECT_EQ(exitYes, run("online version 42 --service test"));
     EXPECT_EQ("product: 42\nversion: test\n", m_run.printed());
     EXPECT_EQ(Paths{kVersionPath}, m_test.paths());
@@ -42,12 +42,12 @@ TEST_F(NyctlOnline, TellsTheVersionAlsoInJson) {
     EXPECT_EQ("{\"service\":\"test\",\"reachable\":true}\n", m_run.printed());
 }
 
-TEST_F(NyctlOnline, HasNoAnswerFromAServiceThatIsNotThere) {
+TEST_F(NyctlOnline, HasNoReplyFromAServiceThatIsNotRunning) {
     const peers::RefusingPort nobody;
     for (const char* command : {"online ping", "online version 42"}) {
-        EXPECT_EQ(exitNoAnswer, run(command + (" --service " + url(nobody.port()))));
+        EXPECT_EQ(exitNoReply, run(command + (" --service " + url(nobody.port()))));
         EXPECT_EQ("", m_run.printed());
-        EXPECT_EQ("nyctl: no answer from the service " + url(nobody.port()) + "\n",
+        EXPECT_EQ("nyctl: no reply from the service " + url(nobody.port()) + "\n",
                   m_run.complaint());
     }
 }
@@ -60,7 +60,7 @@ TEST_F(NyctlOnline, FindsNoVersionAtAServiceThatPublishesNone) {
               m_run.complaint());
 }
 
-TEST_F(NyctlOnline, TakesNoOtherServices) {
+TEST_F(NyctlOnline, RefusesOtherServices) {
     for (const char* service : {"nonsense", "ftp://127.0.0.1/", "Test"}) {
         EXPECT_THROW(run(std::string("online ping --service ") + service), CLI::ValidationError);
     }

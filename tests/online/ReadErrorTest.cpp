@@ -107,7 +107,7 @@ class OnlineReadError : public OnlineTest {
 };
 
 // The session of the production service stays open meanwhile.
-TEST_F(OnlineReadError, ShowsABoxAndGivesNoVersionOnceTheDownloadIsClosed) {
+TEST_F(OnlineReadError, ShowsABoxAndReturnsNoVersionOnceTheDownloadIsClosed) {
     std::ptrdiff_t sessions = -1;
     m_watch.atBox = [&] {
         sessions = std::ranges::count(openInternetHandles(), DWORD{INTERNET_HANDLE_TYPE_INTERNET},
@@ -136,7 +136,7 @@ TEST_F(OnlineReadError, ShowsAResponseThatFitsInto1000Characters) {
 }
 
 // Not every platform asks for room for the terminator.
-TEST_F(OnlineReadError, ShowsNothingBehindAResponseOf1000Characters) {
+TEST_F(OnlineReadError, ShowsNothingAfterAResponseOf1000Characters) {
     EXPECT_THAT(boxOfTheFtpServer(responseOfLength(1000)),
                 ::testing::AnyOf(kBefore, boxWith(responseOfLength(1000))));
 }

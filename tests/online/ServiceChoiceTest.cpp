@@ -22,7 +22,7 @@ class OnlineService : public OnlineTest {
 };
 
 // For the version, production is tried first.
-TEST_F(OnlineService, AsksTheOneThatIsChosen) {
+TEST_F(OnlineService, RequestsFromTheChosenOne) {
     expectAsked(NyFctWebService::serverUrlProduction, L"production");
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath}), m_production.paths());
     connectToTestBase(true);
@@ -34,14 +34,14 @@ TEST_F(OnlineService, AsksTheOneThatIsChosen) {
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath, "/", "/"}), m_production.paths());
 }
 
-TEST_F(OnlineService, ReturnsToProductionAndForgetsTheCustomAddress) {
+TEST_F(OnlineService, ReturnsToProductionAndClearsTheCustomAddress) {
     setCustomServerUrl(m_customAddress);
     connectToTestBase(false);
     expectAsked(NyFctWebService::serverUrlProduction, L"production");
     EXPECT_EQ(Paths{}, m_custom.paths());
 }
 
-TEST_F(OnlineService, NamesPagesDirectlyBehindTheCallersTextAndProductsInDecimal) {
+TEST_F(OnlineService, AppendsPagesDirectlyToTheCallersTextAndProductsInDecimal) {
     CString address = L"no address";
     setCustomServerUrl(address);
     EXPECT_FALSE(pingWebServer());
@@ -107,7 +107,7 @@ TEST_F(OnlineService, ShowsTheWaitCursorDuringARequest) {
     EXPECT_EQ(std::vector<HCURSOR>(3, wait), cursors);
 }
 
-TEST(ServiceAddress, IsProductionForATypeThatIsNone) {
+TEST(ServiceAddress, IsProductionForAnInvalidType) {
     addresses::production = L"p/";
     addresses::test = L"t/";
     const std::pair<int, CString> rows[] = {

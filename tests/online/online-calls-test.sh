@@ -19,7 +19,7 @@ expect() {
 }
 
 # A ping, then a version.
-expect 'OnlineService.ReturnsToProductionAndForgetsTheCustomAddress' << 'END'
+expect 'OnlineService.ReturnsToProductionAndClearsTheCustomAddress' << 'END'
 InternetOpenW (L"quillmark", 0, L"", L"", 0)
 InternetOpenUrlW (#1, L"http://127.0.0.1:P/_Utilities/Ping.aspx", (null), 00000000, 84000000, 00000000)
 InternetCloseHandle #3

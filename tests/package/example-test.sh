@@ -23,7 +23,7 @@ must build-example cmake --build "$scratch/example"
 expect_end 2 usage
 expect_end 2 usage 127.0.0.1 0 1 1
 expect_end 2 usage 127.0.0.1 1 1 many
-expect_end 1 'no central server there' 127.0.0.1 1 1 1
+expect_end 1 'no connection to a central server' 127.0.0.1 1 1 1
 
 start_central "$prefix/bin/nycentral.exe" --ports "$(free_row)"
 expect_end 1 'waited long enough' 127.0.0.1 "$port" 1 1
@@ -59,7 +59,7 @@ settle 1
 status=0
 wait "$host" || status=$?
 [ $status -eq 0 ] || fail "the small host ended with $status"
-# What has been posted when it asks for the end of its loop is shown too: the end comes behind it.
+# What has been posted when it asks for the end of its loop is shown too: the end follows it.
 same "lines of the small host" $'notification 54\nnotification 50\nnotification 51' \
   "$(head -n 3 "$work/small.log" | tr -d '\r')"
 

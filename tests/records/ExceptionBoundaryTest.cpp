@@ -15,12 +15,12 @@ class Uncopied : public NySeMessage {
     Uncopied(const Uncopied&) : NySeMessage() { AfxThrowMemoryException(); }
 };
 
-TEST(ResultOr, GivesWhatTheActionReturns) {
+TEST(ResultOr, ReturnsTheResultOfTheAction) {
     EXPECT_EQ(NySe::resultOr(CString(), [] { return CString(_T("answer")); }), _T("answer"));
     EXPECT_TRUE(NySe::succeeds([] {}));
 }
 
-TEST(ResultOr, GivesTheFailureForWhateverIsThrown) {
+TEST(ResultOr, ReturnsTheFailureForAnyException) {
     EXPECT_EQ(NySe::resultOr(7, []() -> int { throw std::bad_alloc(); }), 7);
     EXPECT_EQ(NySe::resultOr(7, []() -> int { AfxThrowMemoryException(); }), 7);
     EXPECT_EQ(NySe::resultOr(7, []() -> int { throw 8; }), 7);
@@ -40,7 +40,7 @@ TEST(OutOfMemory, OtherExceptionsPass) {
               }));
 }
 
-TEST(ArchiveErrors, EndWhatIsDone) {
+TEST(ArchiveErrors, EndTheAction) {
     bool isDone = false;
     NySe::dropArchiveErrors([&] {
         AfxThrowArchiveException(CArchiveException::badIndex);
@@ -59,7 +59,7 @@ TEST(ArchiveErrors, OtherExceptionsPass) {
         NySe::succeeds([] { NySe::dropArchiveErrors([] { AfxThrowMemoryException(); }); }));
 }
 
-TEST(OutOfMemory, GivesNoClone) {
+TEST(OutOfMemory, ReturnsNoClone) {
     EXPECT_EQ(nullptr, NySe::cloneRecord(Uncopied()));
 }
 

@@ -138,7 +138,7 @@ TYPED_TEST(Finders, FindARenamedRecord) {
 }
 
 // One record twice in a table that does not own it.
-TYPED_TEST(Finders, FindARenamedRecordWhoseOtherEntryIsGone) {
+TYPED_TEST(Finders, FindARenamedRecordWhoseOtherEntryIsRemoved) {
     typename TypeParam::Record record;
     typename TypeParam::Table view(QoArraySerial2::kDoNotDelete);
     view.append(&record);
@@ -162,7 +162,7 @@ TYPED_TEST(Finders, LetADerivedRecordCompareInItsOwnWay) {
     EXPECT_EQ(3, this->find(text("last")));
 }
 
-TYPED_TEST(Finders, PassRecordsOfAnotherKindOver) {
+TYPED_TEST(Finders, SkipRecordsOfAnotherKind) {
     struct Foreign : QoObject2 {
         QoObject2* vClone() const override { return nullptr; }
     };

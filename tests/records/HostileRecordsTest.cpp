@@ -75,7 +75,7 @@ void expectOnly() {
     expectCause<Table>(kBadClass, one + fromHex("0180") + zeros);  // the table's own class
 }
 
-TEST(HostileRecords, EachRecordAndTableIsTakenForNoOther) {
+TEST(HostileRecords, EachRecordAndTableIsAcceptedAsNoOther) {
     expectOnly<NySeUserPtrArray, NySeUser>();
     expectOnly<NySeConnectionArray, NySeConnection>();
     expectOnly<NySeSessionLockPtrArray, NySeSessionLock>();

@@ -56,7 +56,7 @@ TEST_F(ConnectionTable, CountBelowOneClosesAtOnce) {
     EXPECT_TRUE(close(0));
 }
 
-TEST_F(ConnectionTable, CopiesGoOnWhereTheOriginalStood) {
+TEST_F(ConnectionTable, CopiesContinueFromTheStateOfTheOriginal) {
     openAll("ABC");
     close(1);
     NySeConnectionArray copy(m_table);
@@ -113,7 +113,7 @@ TEST_F(ConnectionTable, FreeIdsBeyondTheDataAreRefused) {
 }
 
 // A table that was loaded may name an id twice.
-TEST_F(ConnectionTable, GivesAnIdTwiceThatWasFreedTwice) {
+TEST_F(ConnectionTable, AssignsAnIdTwiceThatWasFreedTwice) {
     load(
         "0100 FFFF DF07 0E00 'NySeConnection' FFFEFF01 4100 03000000 01000000"
         "09000000 0100 03000000");

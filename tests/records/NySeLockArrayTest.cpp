@@ -58,14 +58,14 @@ TEST_F(LockTable, ReleasingKeepsTheHoldersOfTheGivenLock) {
     EXPECT_EQ(own, lock.getHolders().GetAt(0));
 }
 
-TEST_F(LockTable, DeletingAUserDropsLocksThatNobodyHeldBefore) {
+TEST_F(LockTable, DeletingAUserRemovesLocksThatHadNoHolder) {
     add(_T("a"), 2);
     m_table.append(new NySeLock);
     m_table.deleteLockByUser(user(1));
     EXPECT_EQ("a 2:0; ", shown());
 }
 
-TEST_F(LockTable, ClassesFirstSeenLateTravelWithLongTags) {
+TEST_F(LockTable, ClassesFirstWrittenLateAreStoredWithLongTags) {
     constexpr int kLocks = 0x8000;
     for (int i = 0; i < kLocks; ++i) m_table.append(new NySeLock);
     add(_T("a"), 1);

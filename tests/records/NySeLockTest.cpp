@@ -91,13 +91,13 @@ TEST_F(Lock, LoadingReplacesTheHolders) {
     EXPECT_EQ(CString("part/42"), m_lock.getStrLockName());
 }
 
-TEST_F(Lock, HoldersTravelAloneAsOneObject) {
+TEST_F(Lock, HoldersAloneAreStoredAsOneObject) {
     hold(7, 24);
     hold(1, 1);
     EXPECT_EQ(toHex(golden("holders-two").bytes), written());
 }
 
-TEST_F(Lock, HoldersAreWrittenWhereTheFileStands) {
+TEST_F(Lock, HoldersAreWrittenAtTheFilesPosition) {
     m_file.Write("ab", 2);
     EXPECT_EQ(hex("'ab' FFFF DF07 1700 'NySeSessionLockPtrArray' 0000"), written());
 }
@@ -109,14 +109,14 @@ class SchemaSpy : public NySeSessionLock {
     UINT m_schema = 0;
 };
 
-TEST_F(Lock, HoldersTravelUnderTheRecordsSchema) {
+TEST_F(Lock, HoldersAreStoredUnderTheRecordsSchema) {
     auto* holder = new SchemaSpy;
     m_lock.getHolders().add(holder);
     written();
     EXPECT_EQ(2015u, holder->m_schema);
 }
 
-TEST_F(Lock, HoldersMissInAFileThatCannotGrow) {
+TEST_F(Lock, HoldersAreMissingFromAFileThatCannotGrow) {
     BYTE block[10];
     CMemFile file(block, sizeof block);
     EXPECT_TRUE(throwsA<CMemoryException>([&] { m_lock.writeUserArray(file); }));

@@ -53,7 +53,7 @@ TEST_F(LoadedTable, RefusesNullAndAnyOtherClass) {
     }
 }
 
-TEST_F(LoadedTable, HoldsACopyOfWhatCameAgain) {
+TEST_F(LoadedTable, HoldsACopyOfARepeatedRecord) {
     NySeUser* user = nullptr;
     EXPECT_EQ(-1, load([&] {
         user = append();
@@ -65,7 +65,7 @@ TEST_F(LoadedTable, HoldsACopyOfWhatCameAgain) {
     EXPECT_EQ(user->getStrUserName(), copy->getStrUserName());
 }
 
-TEST_F(LoadedTable, RefusesAgainWhatHasNoCompleteCopy) {
+TEST_F(LoadedTable, RefusesARepeatedRecordWithoutACompleteCopy) {
     NySeUser user;
     const auto twice = [&] {
         m_table.append(&user);

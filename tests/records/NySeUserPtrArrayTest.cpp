@@ -39,7 +39,7 @@ TEST_F(UserTable, FindsTheFirstOfASession) {
     EXPECT_EQ(nullptr, m_users.findBySessionNumber(-1));
 }
 
-TEST_F(UserTable, TravelsWithoutSoftTypesUnderAnOlderSchema) {
+TEST_F(UserTable, IsStoredWithoutSoftTypesUnderAnOlderSchema) {
     for (const LONG session : {7, 8}) appendWithSoftType(session);
     const auto write = [this](CArchive& ar) {
         ar.SetObjectSchema(VERSIONABLE_SCHEMA | 2014);
@@ -60,7 +60,7 @@ TEST_F(UserTable, TravelsWithoutSoftTypesUnderAnOlderSchema) {
 }
 
 // A reader that has agreed on nothing goes by the description of the class.
-TEST_F(UserTable, TravelsAsAnObjectWithItsSoftTypes) {
+TEST_F(UserTable, IsStoredAsAnObjectWithItsSoftTypes) {
     appendWithSoftType(7);
     Loading loading(stored([this](CArchive& ar) { ar.WriteObject(&m_users); }));
     const std::unique_ptr<CObject> read(loading.ar.ReadObject(RUNTIME_CLASS(NySeUserPtrArray)));

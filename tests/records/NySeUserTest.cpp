@@ -28,7 +28,7 @@ TEST(NySeUser, StoresTheSoftTypeFromSchema2015On) {
     }
 }
 
-TEST(NySeUser, OlderSchemaLeavesTheSoftTypeAsItIs) {
+TEST(NySeUser, OlderSchemaLeavesTheSoftTypeUnchanged) {
     Loading loading(golden("user-plain-schema-2014").bytes);
     loading.ar.SetObjectSchema(2014);
     NySeUser user;

@@ -38,13 +38,13 @@ using Classes =
                      NySeUser, NySeUserPtrArray, NySeSessionLock, NySeSessionLockPtrArray>;
 TYPED_TEST_SUITE(RecordClass, Classes);
 
-TYPED_TEST(RecordClass, KnowsItsName) {
+TYPED_TEST(RecordClass, HasItsName) {
     EXPECT_STREQ(Known<TypeParam>::kName, TypeParam::desc());
     EXPECT_EQ(Known<TypeParam>::description(), TypeParam::GetThisClass());
     EXPECT_EQ(Known<TypeParam>::description(), TypeParam().GetRuntimeClass());
 }
 
-TYPED_TEST(RecordClass, IsMadeByNameUnderAVersionableSchema) {
+TYPED_TEST(RecordClass, IsCreatedByNameUnderAVersionableSchema) {
     const CRuntimeClass* description = CRuntimeClass::FromName(Known<TypeParam>::kName);
     ASSERT_EQ(TypeParam::GetThisClass(), description);
     EXPECT_EQ(0x800007DFu, description->m_wSchema);

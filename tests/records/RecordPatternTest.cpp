@@ -45,7 +45,7 @@ TYPED_TEST(RecordPattern, HasNoOrderUnderAnUnknownKeyNorAgainstAnotherKind) {
     EXPECT_EQ(QoSort::noOrder, this->m_record.vCompareTo(Foreign(), 1));
 }
 
-TYPED_TEST(RecordPattern, UnknownKeyLeavesTheResultAlone) {
+TYPED_TEST(RecordPattern, UnknownKeyLeavesTheResultUnchanged) {
     QoSort::CompareResult result = QoSort::after;
     this->m_record.typeCompareTo(this->m_same, 99, result);
     EXPECT_EQ(QoSort::after, result);
@@ -97,7 +97,7 @@ TYPED_TEST(RecordPattern, IsAssignedByTheVirtualCopy) {
     EXPECT_EQ(this->fieldsOf(TypeParam()), this->fieldsOf(record));
 }
 
-TYPED_TEST(RecordPattern, TakesNothingFromItselfOrAnotherKind) {
+TYPED_TEST(RecordPattern, CopiesNothingFromItselfOrAnotherKind) {
     EXPECT_EQ(&this->m_record, &this->m_record.vCopyFrom(this->m_record));
     EXPECT_EQ(&this->m_record, &this->m_record.vCopyFrom(Foreign()));
     this->expectSameFields({&this->m_same});

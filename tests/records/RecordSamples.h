@@ -51,8 +51,7 @@ std::vector<LONG> sessionsOf(const Table& table) {
 
 using Sessions = std::vector<LONG>;
 
-// A record of the class with no field at its default, and what sorts it behind such a one under
-// key 1.
+// A record of the class with no field at its default, sorted after a default one under key 1.
 template <class Record>
 Record makeSample();
 

@@ -126,7 +126,7 @@ TEST_F(SharedRecords, AddressesMayRiseAndFall) {
     }
 }
 
-TEST_F(SharedRecords, AddressesMayComeInAnyOrder) {
+TEST_F(SharedRecords, AddressesMayBeInAnyOrder) {
     makeLocks(3000);
     std::shuffle(m_locks.begin(), m_locks.end(), std::mt19937(kShuffleSeed));
     listAll(m_table);
@@ -154,7 +154,7 @@ TEST_F(SharedRecords, HoldersOfTwoLocksMayAlternate) {
 }
 
 // Each repeat stands where the addresses begin, end, or leave those near the last ones.
-TEST_F(SharedRecords, HolderMayComeAgainAtEitherEndOfItsTable) {
+TEST_F(SharedRecords, HolderMayBeRepeatedAtEitherEndOfItsTable) {
     makeLocks(1, 200);
     const NySeSessionLockPtrArray& holders = lock(0).getHolders();
     for (const INT_PTR again : {0, 1, 63, 64, 65, 198, 199}) {
@@ -261,7 +261,7 @@ TEST_F(SharedRecords, MappedHolderPrecedesTheFirstOfItsClass) {
 }
 
 // Each archive has numbers of its own.
-TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
+TEST_F(SharedRecords, TablesAreWrittenToTwoArchivesAtOnce) {
     makeLocks(100);
     listAll(m_table);
     list(m_other, {50, 0, 99});
@@ -277,7 +277,7 @@ TEST_F(SharedRecords, TablesGoIntoTwoArchivesAtOnce) {
     EXPECT_TRUE(plain.bytes() == contentsOf(outerFile));
 }
 
-TEST_F(SharedRecords, HoldersAreWrittenInTheMidstOfATable) {
+TEST_F(SharedRecords, HoldersAreWrittenWithinATable) {
     makeLocks(3);
     list(m_table, {0, 1});
     list(m_other, {0, 1, 2});

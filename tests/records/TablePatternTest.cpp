@@ -33,13 +33,13 @@ using Tables =
     ::testing::Types<NySeUserPtrArray, NySeConnectionArray, NySeSessionLockPtrArray, NySeLockArray>;
 TYPED_TEST_SUITE(TablePattern, Tables);
 
-TYPED_TEST(TablePattern, OwnsItsRecordsUnlessToldOtherwise) {
+TYPED_TEST(TablePattern, OwnsItsRecordsByDefault) {
     EXPECT_TRUE(TypeParam().getDeleteObject());
     EXPECT_TRUE(TypeParam(0).getDeleteObject());
     EXPECT_FALSE(TypeParam(0x10000).getDeleteObject());
 }
 
-TYPED_TEST(TablePattern, SortsByKeyOneHoweverItWasMade) {
+TYPED_TEST(TablePattern, SortsByKeyOneHoweverItWasCreated) {
     TypeParam byDefault;
     TypeParam withFlags(0);
     const TypeParam source;
@@ -50,7 +50,7 @@ TYPED_TEST(TablePattern, SortsByKeyOneHoweverItWasMade) {
     }
 }
 
-TYPED_TEST(TablePattern, GivesItsRecordsByTheirType) {
+TYPED_TEST(TablePattern, ReturnsItsRecordsByTheirType) {
     TypeParam table;
     this->fill(table);
     const TypeParam& constant = table;

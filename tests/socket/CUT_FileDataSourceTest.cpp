@@ -92,7 +92,7 @@ TEST_F(FileDataSource, CreatesOrEmptiesAFileThatIsOpenedForWriting) {
     EXPECT_EQ(closedContent(), "xy");
 }
 
-TEST_F(FileDataSource, AppendsWhereverItStandsAndCreatesAMissingFile) {
+TEST_F(FileDataSource, AppendsFromAnyPositionAndCreatesAMissingFile) {
     EXPECT_EQ(open(m_folder.path(L"missing"), OM_APPEND), 0);
     EXPECT_TRUE(m_folder.has(L"missing"));
     ASSERT_EQ(open(m_folder.file(L"f", "abc"), OM_APPEND), 0);
@@ -115,7 +115,7 @@ TEST_F(FileDataSource, TakesOnlyThePairForALineEndAndAZeroByteForTheEndOfTheText
     expectLines(std::string("ab\0cd\r\nef\r\n", 11), {"ab", ""});
 }
 
-TEST_F(FileDataSource, HandsOutAWholeLineOnlyWithRoomToSpare) {
+TEST_F(FileDataSource, ReturnsAWholeLineOnlyWithSpaceLeft) {
     // In one piece at last, since a piece of 6 bytes holds it.
     expectLines("abcd\r\nefgh\r\n", {"abcd\r\n", "efgh\r\n"}, {8, 7});
     expectLines("abcd\r\nefgh\r\n", {"abcd\r", "\nefgh\r\n"}, {6, 200});
@@ -195,7 +195,7 @@ TEST_F(FileDataSource, ClonesPathAndBufferSizeButNotTheState) {
     EXPECT_EQ(clone->ReadLine(line, sizeof line), 7);
 }
 
-TEST_F(FileDataSource, TakesABufferOfNoSize) {
+TEST_F(FileDataSource, AcceptsABufferOfNoSize) {
     for (const int size : {0, -5, 1}) {
         hold("ab", size);
         EXPECT_EQ(readLine(20), "");

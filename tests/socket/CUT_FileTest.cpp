@@ -64,14 +64,14 @@ TEST_F(File, SeeksFromEachOriginAndReadsUpToTheEnd) {
     EXPECT_EQ(read(9), "");
 }
 
-TEST_F(File, WritesWhereItStandsByTheModeOfTheLastOpen) {
+TEST_F(File, WritesAtThePositionAndInTheModeOfTheLastOpen) {
     ASSERT_EQ(openForWriting(m_folder.path(L"other"), 1), 0);
     ASSERT_EQ(openForWriting(m_folder.file(L"f", "abcdef"), 0), 0);
     EXPECT_EQ(m_file.Write("XY", 2), 2);
     EXPECT_EQ(closedContent(), "XYcdef");
 }
 
-TEST_F(File, LetsOthersReadButNotWriteMeanwhile) {
+TEST_F(File, AllowsOthersToReadButNotToWrite) {
     const std::wstring path = m_folder.file(L"f", "abc");
     ASSERT_EQ(openForReading(path), 0);
     CUT_File other;

@@ -34,7 +34,7 @@ TEST_F(Accepting, CallsItsVirtualFunctionsInOrder) {
     for (size_t i = 1; i < threads.size(); ++i) EXPECT_EQ(threads[i], threads[1]) << i;
 }
 
-TEST_F(Accepting, IntroducesTheWorkerToItsConnection) {
+TEST_F(Accepting, SetsTheFieldsOfTheWorkerAndItsEntry) {
     const peers::Connection peer = heldConnection();
     const ProbeServer::ThreadListLock lock(m_server);
     const auto* entry = m_server.ThreadListFirst();
@@ -68,7 +68,7 @@ TEST_F(Accepting, ReleasesAWorkerThatIsOutOfTheListWithItsSocketOpen) {
     EXPECT_TRUE(isOpen);
 }
 
-TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAWord) {
+TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAMessage) {
     m_server.SetMaxConnections(1);
     const peers::Connection first = heldConnection();
     EXPECT_EQ(m_server.converse("let me in"), "");
@@ -83,7 +83,7 @@ TEST_F(Accepting, RefusesConnectionsAboveItsMaximumWithoutAWord) {
     EXPECT_TRUE(eventually([&] { return m_server.GetNumConnections() == 1; }));
 }
 
-TEST_F(Accepting, ClosesOnAPeerThatMayNotEnter) {
+TEST_F(Accepting, ClosesTheConnectionOfARefusedPeer) {
     m_server.verdict = 0;
     EXPECT_EQ(m_server.connection().receiveAll(), "");
     EXPECT_THAT(m_log->events(), ElementsAre("OnCanAccept 127.0.0.1"));

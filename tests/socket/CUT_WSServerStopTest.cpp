@@ -65,7 +65,7 @@ TEST_F(Stopping, ClosesTheListeningSocketAndMayBeRepeatedAndFollowedByAnotherSta
     EXPECT_THAT(m_log->events(), IsEmpty()) << "OnCanAccept is not called for that";
 }
 
-TEST_F(Stopping, LetsWorkersRunOn) {
+TEST_F(Stopping, DoesNotEndWorkers) {
     start();
     m_server.onConnect = [this](LoggingWorker& worker) {
         m_gate.pass();
@@ -78,7 +78,7 @@ TEST_F(Stopping, LetsWorkersRunOn) {
     EXPECT_EQ(peer.receiveAll(), "still here");
 }
 
-TEST_F(Stopping, WaitsForOnCanAcceptAndLetsThePeerIn) {
+TEST_F(Stopping, WaitsForOnCanAcceptAndAcceptsThePeer) {
     start();
     peers::Connection peer = connectionInOnCanAccept(false);
     peer.send("hi\r\n");
@@ -92,7 +92,7 @@ TEST_F(Stopping, WaitsForOnCanAcceptAndLetsThePeerIn) {
     EXPECT_EQ(peer.receiveAll(), ProbeServer::kAnswer);
 }
 
-TEST_F(Stopping, EndsTheThreadWhenItCannotBeWoken) {
+TEST_F(Stopping, TerminatesTheThreadWhenItCannotBeWoken) {
     const int before = countThreadsAtRest();
     start();
     misdirect();
@@ -123,7 +123,7 @@ TEST_F(Stopping, LosesNoHandlesOfItsOwnByForce) {
     }));
 }
 
-TEST_F(Stopping, ClosesOnAPeerWhenOnCanAcceptIsEndedByForce) {
+TEST_F(Stopping, ClosesTheConnectionWhenOnCanAcceptIsEndedByForce) {
     const int before = countThreadsAtRest();
     start();
     peers::Connection peer = connectionInOnCanAccept(true);

@@ -17,7 +17,7 @@ using testing::SizeIs;
 static_assert(std::is_same_v<decltype(&CUT_WSServer::TempConnect),
                              int (CUT_WSServer::*)(unsigned int, char*)>);
 
-TEST(ServerHooks, AnswerFixedValues) {
+TEST(ServerHooks, ReturnFixedValues) {
     struct : CUT_WSServer {
         CUT_WSThread* CreateInstance() override { return nullptr; }
         void ReleaseInstance(CUT_WSThread*) override {}
@@ -119,7 +119,7 @@ TEST_F(Server, KeepsItsPortWhenItIsGivenAnotherWhileItAccepts) {
     EXPECT_FALSE(peers::isReachable(port));
 }
 
-TEST_F(Server, TempConnectsToAListenerAndTellsWhatFails) {
+TEST_F(Server, TempConnectsToAListenerAndReportsFailures) {
     ASSERT_EQ(m_server.listen(), 0);
     EXPECT_EQ(m_server.TempConnect(m_server.GetPort(), m_loopback), 0);
     EXPECT_THAT(m_server.statuses, IsEmpty());
@@ -185,7 +185,7 @@ TEST_F(ServerAndWinsock, BalancesOneListeningWithEachStopAndOneWithTheDestructor
 
 // How many peers a listening socket holds ready before they are accepted. The stack may add a few
 // to the size that it is given.
-TEST_F(Server, AndAClientListenWithAQueueAsLongAsAskedFor) {
+TEST_F(Server, AndAClientListenWithAQueueOfTheRequestedLength) {
     constexpr size_t kLong = 20;
     const auto answered = [](unsigned int port) {
         const size_t count = peers::connectWhileAnswered(port, kLong).size();
@@ -257,7 +257,7 @@ TEST_F(ServerList, TakesOnlyTheNewestOfTwoEntriesOfAThread) {
     EXPECT_THAT(listed(), ElementsAre(&m_workers[0]));
 }
 
-TEST_F(ServerList, KillsWorkersByTellingThem) {
+TEST_F(ServerList, KillsWorkersByTheirAbortFlag) {
     addAll();
     EXPECT_EQ(m_server.ThreadListKill(), 3);
     for (ProbeWorker& worker : m_workers) {

@@ -115,7 +115,7 @@ class ClientAsync : public testing::Test {
     AsyncClient m_client;
 };
 
-TEST_F(ClientAsync, MakesAHiddenWindowOfItsClass) {
+TEST_F(ClientAsync, CreatesAHiddenWindowOfItsClass) {
     EXPECT_EQ(m_client.InitAsync(::GetModuleHandleW(nullptr)), UTE_SUCCESS);
     EXPECT_THAT(m_client.codes, ElementsAre(0));
     wchar_t name[32] = L"";
@@ -141,7 +141,7 @@ TEST_F(ClientAsync, RegistersTheClassOnce) {
     EXPECT_NE(second.window(), m_client.window());
 }
 
-TEST_F(ClientAsync, ReportsAWindowThatCannotBeMadeWithoutTheFunnel) {
+TEST_F(ClientAsync, ReportsAWindowThatCannotBeCreatedWithoutTheFunnel) {
     const HOOKPROC refuse = [](int code, WPARAM wParam, LPARAM lParam) -> LRESULT {
         return code == HCBT_CREATEWND ? 1 : ::CallNextHookEx(nullptr, code, wParam, lParam);
     };
@@ -197,7 +197,7 @@ TEST_F(ClientAsync, BindMessageChoosesTheObjectAndCreationMessageClearsIt) {
     EXPECT_THAT(m_client.events, IsEmpty());
 }
 
-TEST_F(ClientAsync, OtherMessagesGetTheSystemsAnswer) {
+TEST_F(ClientAsync, OtherMessagesHaveTheSystemsResult) {
     init();
     EXPECT_EQ(send(WM_ERASEBKGND), ::DefWindowProcW(m_client.window(), WM_ERASEBKGND, 0, 0));
     EXPECT_TRUE(::SetWindowTextW(m_client.window(), L"title"));
@@ -255,7 +255,7 @@ TEST_F(ClientAsync, LooksUpAnAddressIntoTheObject) {
     EXPECT_STREQ(unused, "abc");
 }
 
-TEST_F(ClientAsync, LooksUpANameIntoTheObjectWhereItStaysWhenALaterLookUpFails) {
+TEST_F(ClientAsync, LooksUpANameIntoTheObjectAndKeepsItWhenALaterLookUpFails) {
     init();
     EXPECT_EQ(nameLookedUp(), 0);
     EXPECT_STREQ(m_client.host().h_name, "localhost");
@@ -264,7 +264,7 @@ TEST_F(ClientAsync, LooksUpANameIntoTheObjectWhereItStaysWhenALaterLookUpFails) 
 }
 
 // The system writes into the object by itself, not when the look-up is announced.
-TEST_F(ClientAsync, HandsTheObjectsOwnBufferToTheSystem) {
+TEST_F(ClientAsync, PassesTheObjectsOwnBufferToTheSystem) {
     init();
     ASSERT_EQ(m_client.lookUpAddress(), UTE_SUCCESS);
     EXPECT_TRUE(eventually([&] { return m_client.isAnythingWritten(); }));

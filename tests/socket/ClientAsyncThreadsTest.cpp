@@ -70,7 +70,7 @@ class WindowThread {
     std::thread m_thread;
 };
 
-TEST(ClientAsyncThreads, NeverTellSuccessWithAnEmptyBuffer) {
+TEST(ClientAsyncThreads, NeverReportSuccessWithAnEmptyBuffer) {
     WindowThread thread;
     WatchedClient client;
     ASSERT_EQ(thread.initAsync(client), UTE_SUCCESS);

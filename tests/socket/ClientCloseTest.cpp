@@ -32,7 +32,7 @@ class ClientClose : public testing::Test {
     char m_loopback[10] = "127.0.0.1";
 };
 
-TEST_F(ClientClose, ForgetsTheConnectionAndLetsTheObjectConnectAgain) {
+TEST_F(ClientClose, ResetsTheConnectionAndAllowsAnotherOne) {
     EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS) << "harmless when closed";
     for (int round = 1; round <= 3; ++round) {
         connect();
@@ -100,7 +100,7 @@ TEST_F(ClientClose, HappensWhenTheObjectIsDestroyed) {
 
 using ClientReset = ClientClose;
 
-TEST_F(ClientReset, ForgetsTheSocketsWithoutClosingThem) {
+TEST_F(ClientReset, ResetsTheSocketsWithoutClosingThem) {
     connect();
     ASSERT_EQ(listen(), UTE_SUCCESS);
     const NySe::UniqueSocket leaked(m_client->GetSocket());
@@ -116,7 +116,7 @@ TEST_F(ClientReset, ForgetsTheSocketsWithoutClosingThem) {
     connect();
 }
 
-TEST(ClientAndWinsock, EachObjectKeepsOneStart) {
+TEST(ClientAndWinsock, EachObjectHoldsOneStart) {
     {
         CUT_WSClient client;
         client.Reset();

@@ -99,7 +99,7 @@ TEST_F(ClientConnect, RefusesASecondConnection) {
     EXPECT_EQ(m_client.IsConnected(), 1);
 }
 
-TEST_F(ClientConnect, ReportsASocketThatCannotBeMade) {
+TEST_F(ClientConnect, ReportsASocketThatCannotBeCreated) {
     EXPECT_EQ(m_client.Connect(m_peer.port(), "127.0.0.1", 10, AF_INET, 77),
               UTE_SOCK_CREATE_FAILED);
     EXPECT_THAT(m_client.codes, ElementsAre(UTE_ERROR, UTE_SOCK_CREATE_FAILED));

@@ -67,7 +67,7 @@ TEST_F(ClientDatagram, NullLocalAddressBindsToAllInterfacesAndALongRemoteOneIsCu
     EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1 and more than thirt");
 }
 
-TEST_F(ClientDatagram, ReportsASocketThatCannotBeMadeOrIsOpenAlready) {
+TEST_F(ClientDatagram, ReportsASocketThatCannotBeCreatedOrIsOpenAlready) {
     m_client.createFails = true;
     EXPECT_EQ(create(), UTE_SOCK_CREATE_FAILED);
     m_client.createFails = false;

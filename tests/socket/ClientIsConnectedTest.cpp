@@ -8,7 +8,7 @@ using testing::IsEmpty;
 
 using ClientIsConnected = Client;
 
-TEST_F(ClientIsConnected, TellsTheFunnelOfEachChangeOfTheMode) {
+TEST_F(ClientIsConnected, PassesEachChangeOfTheModeThroughTheFunnel) {
     EXPECT_EQ(m_end.IsConnected(), 1);
     // Non-blocking, then blocking when the peek would block and again at the end.
     EXPECT_THAT(m_end.codes, ElementsAre(0, 0, 0));

@@ -50,7 +50,7 @@ TEST_F(ClientListen, ListensOnTheBoundPort) {
     EXPECT_EQ(listen(), UTE_SOCK_ALREADY_OPEN);
 }
 
-TEST_F(ClientListen, ReportsASocketThatCannotBeMadeOrCannotListen) {
+TEST_F(ClientListen, ReportsASocketThatCannotBeCreatedOrCannotListen) {
     m_client.createFails = true;
     EXPECT_EQ(listen(), UTE_SOCK_CREATE_FAILED);
     m_client.createFails = false;
@@ -59,7 +59,7 @@ TEST_F(ClientListen, ReportsASocketThatCannotBeMadeOrCannotListen) {
     EXPECT_EQ(m_client.GetAcceptPort(), 0);
 }
 
-TEST_F(ClientListen, MakesTheSocketOfItsProtocol) {
+TEST_F(ClientListen, CreatesTheSocketOfItsProtocol) {
     m_client.setProtocol(IPPROTO_UDP);  // has no streams
     EXPECT_EQ(listen(), UTE_SOCK_CREATE_FAILED);
     m_client.setProtocol(IPPROTO_TCP);

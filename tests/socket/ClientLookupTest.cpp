@@ -41,7 +41,7 @@ class ClientLookup : public testing::Test {
     int m_result = -1;
 };
 
-TEST_F(ClientLookup, TellsAddressesFromNames) {
+TEST_F(ClientLookup, DistinguishesAddressesFromNames) {
     for (const char* address : {"127.0.0.1", "0.0.0.0", "255.255.255.254"})
         EXPECT_EQ(m_client.IsIPAddress(address), 1) << address;
     for (const char* name : {"localhost", "127.0.0.256", "255.255.255.255"})

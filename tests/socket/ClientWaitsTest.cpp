@@ -46,7 +46,7 @@ TEST_F(ClientWaits, WaitForReceiveAddsSecondsAndMicroseconds) {
     expectTime(1500ms, [&] { EXPECT_EQ(m_end.WaitForReceive(1, 500000), UTE_ERROR); });
 }
 
-TEST_F(ClientWaits, WaitForReceiveEndsWhenDataComes) {
+TEST_F(ClientWaits, WaitForReceiveEndsWhenDataArrives) {
     m_end.beforeWait = [this] { m_peer.send("x"); };
     expectTime(0s, [&] { EXPECT_EQ(m_end.WaitForReceive(30, 0), UTE_SUCCESS); });
 }

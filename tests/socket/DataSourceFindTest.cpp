@@ -43,7 +43,7 @@ std::string hay(size_t size, size_t position) {
     return std::string(size, '.').replace(position, 6, "needle");
 }
 
-TEST(DataSourceFind, GivesThePositionFromTheBeginning) {
+TEST(DataSourceFind, ReturnsThePositionFromTheBeginning) {
     const std::string zeroAt50 = hay(9000, 100).replace(50, 1, 1, '\0');
     const struct {
         const char* story;
@@ -93,7 +93,7 @@ TEST(DataSourceFind, RefusesTextsThatCannotBeSearched) {
     EXPECT_EQ(source.seeks, 0);
 }
 
-TEST(DataSourceFind, FindsAcrossTheSeamOfItsWindows) {
+TEST(DataSourceFind, FindsAcrossTheBoundaryOfItsWindows) {
     for (size_t position = 4080; position <= 4100; ++position) {
         TextSource source(hay(9000, position));
         EXPECT_EQ(source.Find("needle", 0, 1, 0), static_cast<long>(position));

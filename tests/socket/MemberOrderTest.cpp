@@ -60,7 +60,7 @@ class ServerMembers : public ServerTest {
         std::memcpy(&value, bytes() + offset, sizeof value);
         return value;
     }
-    // The offset of the first of these ints that stand one behind the other; -1 when nowhere.
+    // The offset of the first of these ints that follow one another; -1 when nowhere.
     std::ptrdiff_t find(const std::vector<int>& ints) const {
         const auto* begin = reinterpret_cast<const int*>(bytes());
         const auto* end = begin + sizeof(CUT_WSServer) / sizeof(int);
@@ -70,7 +70,7 @@ class ServerMembers : public ServerTest {
     char* bytes() { return reinterpret_cast<char*>(static_cast<CUT_WSServer*>(&m_server)); }
     const char* bytes() const { return const_cast<ServerMembers*>(this)->bytes(); }
 
-    static constexpr size_t kWinsockData = sizeof(void*);  // behind the table of virtual functions
+    static constexpr size_t kWinsockData = sizeof(void*);  // after the table of virtual functions
     static constexpr size_t kAddress = kWinsockData + sizeof(WSADATA);
     static constexpr size_t kListenSocket = kAddress + sizeof(sockaddr_in);
     static constexpr size_t kThreadList = kListenSocket + sizeof(SOCKET);
@@ -78,7 +78,7 @@ class ServerMembers : public ServerTest {
     static constexpr size_t kAccepting = kAcceptThread + sizeof(uintptr_t);
 };
 
-TEST_F(ServerMembers, StandInTheirOrder) {
+TEST_F(ServerMembers, AreInTheirOrder) {
     m_server.ending = ProbeServer::Ending::RunsDown;
     ASSERT_EQ(m_server.ConnectToPort(0, 5, AF_INET, ::htonl(INADDR_LOOPBACK)), UTE_SUCCESS);
     m_server.SetPort(4242);
@@ -111,7 +111,7 @@ TEST(WinsockVersion, IsThatOfAClient) {
     EXPECT_EQ(client.winsockData().wVersion, kAskedVersion);
 }
 
-TEST_F(ServerMembers, TellTheVersionOfWinsockThatWasAskedFor) {
+TEST_F(ServerMembers, ReportTheRequestedVersionOfWinsock) {
     EXPECT_EQ(at<WORD>(kWinsockData), kAskedVersion);
     std::memset(bytes() + kWinsockData, 0, sizeof(WSADATA));
     ASSERT_EQ(m_server.listen(), UTE_SUCCESS);

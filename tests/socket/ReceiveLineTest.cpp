@@ -53,27 +53,27 @@ TYPED_TEST(ReceivingLines, EndWithTheirLineFeedOrWhereTheBufferEnds) {
     }
 }
 
-TYPED_TEST(ReceivingLines, ReadsNothingIntoABufferWithoutRoom) {
+TYPED_TEST(ReceivingLines, ReadsNothingIntoABufferWithoutSpace) {
     this->peerSends("abc\r\n");
     for (const int maxLen : {1, 0, -7}) EXPECT_EQ(this->line(maxLen), "");
     EXPECT_THAT(this->m_end.codes, IsEmpty()) << "no wait";
     EXPECT_EQ(this->line(), "abc\r\n");
 }
 
-TYPED_TEST(ReceivingLines, GivesWhatCameBeforeACloseAndWaitsOnceBeforeEachPiece) {
+TYPED_TEST(ReceivingLines, ReturnsTheBytesBeforeACloseAndWaitsOnceBeforeEachPiece) {
     this->peerSendsAndCloses("unfinished");
     EXPECT_EQ(this->line(), "unfinished");
     EXPECT_THAT(this->m_end.codes, ElementsAre(0, 0));
     EXPECT_EQ(this->line(), "");
 }
 
-TYPED_TEST(ReceivingLines, AsksForNoWaitWithoutATimeOut) {
+TYPED_TEST(ReceivingLines, RequestsNoWaitWithoutATimeOut) {
     this->peerSends("abc\r\n");
     EXPECT_EQ(this->line(100, 0), "abc\r\n");
     EXPECT_THAT(this->m_end.codes, IsEmpty());
 }
 
-TYPED_TEST(ReceivingLines, GivesNothingOfASocketThatIsNotOpen) {
+TYPED_TEST(ReceivingLines, ReturnsNothingFromASocketThatIsNotOpen) {
     this->m_end.attach(INVALID_SOCKET);
     EXPECT_EQ(this->line(100, 0), "");
 }
@@ -113,7 +113,7 @@ TEST_F(ClientReceiveLine, JoinsALineFromItsFragments) {
     }
 }
 
-TEST_F(ClientReceiveLine, WaitsAnewForEachPiece) {
+TEST_F(ClientReceiveLine, WaitsAgainForEachPiece) {
     sendAtEachWait({"a", "b", "c\n"});
     EXPECT_EQ(line(100, 20), "abc\n");
     EXPECT_THAT(m_end.receiveWaits, ElementsAre(20, 20, 20));
@@ -125,7 +125,7 @@ TEST_F(ClientReceiveLine, CutsALineWhoseRestDoesNotFitAfterItsBeginning) {
     EXPECT_EQ(line(6), "fgh\n");
 }
 
-TEST_F(ClientReceiveLine, GivesWhatCameBeforeAnAbort) {
+TEST_F(ClientReceiveLine, ReturnsTheBytesBeforeAnAbort) {
     peerSends("abc");
     m_end.abortAfter = 1;
     EXPECT_EQ(line(), "abc");

@@ -49,7 +49,7 @@ class ServerCrowd : public ServerTest {
     std::vector<peers::Connection> m_peers;
 };
 
-TEST_F(ServerCrowd, IsServedAtOnceAndLeavesNothingBehind) {
+TEST_F(ServerCrowd, IsServedAtOnceAndLeaksNothing) {
     connect(kCrowd);
     EXPECT_TRUE(awaitWorkers(kCrowd));
     sendToAll("hello");
@@ -61,7 +61,7 @@ TEST_F(ServerCrowd, IsServedAtOnceAndLeavesNothingBehind) {
     EXPECT_TRUE(eventually([&] { return countThreads() <= m_threads; }, kGenerously));
 }
 
-TEST_F(ServerCrowd, OutlivesItsServerAndLeavesNothingBehind) {
+TEST_F(ServerCrowd, OutlivesItsServerAndLeaksNothing) {
     connect(kCrowd);
     ASSERT_TRUE(awaitWorkers(kCrowd));
     destroy();

@@ -45,7 +45,7 @@ class ServerRundownTest : public ServerTest {
     }
 };
 
-TEST_F(ServerRundownTest, LetsNobodyInOnceItIsClosed) {
+TEST_F(ServerRundownTest, RefusesEntryOnceItIsClosed) {
     EXPECT_TRUE(m_server.RunDownIfIdle()) << "nobody is there";
     EXPECT_TRUE(m_server.RunDownIfIdle());
     EXPECT_EQ(m_server.connection().receiveAll(), "");
@@ -76,7 +76,7 @@ TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForWhileAWorkerThatIsNotCountedAny
     expectOpenAndWaitedFor();
 }
 
-TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForWhileAWorkerThatIsNotYetCountedIsMade) {
+TEST_F(ServerRundownTest, StaysOpenAndIsWaitedForWhileAWorkerThatIsNotYetCountedIsCreated) {
     hold(&ProbeServer::onCreate);
     expectOpenAndWaitedFor();
 }
@@ -105,7 +105,7 @@ TEST_F(ServerRundownTest, OutlivesItsServerForAHandlerThatRunsOn) {
     expectHandlerRunsOn(peer);
 }
 
-TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
+TEST_F(ServerRundownTest, AllowsAHandlerToDestroyItsServer) {
     const int before = countThreadsAtRest();
     m_server.ending = ProbeServer::Ending::RunsDown;
     m_server.onConnect = [this](LoggingWorker&) {
@@ -119,7 +119,7 @@ TEST_F(ServerRundownTest, LetsAHandlerDestroyItsServer) {
     EXPECT_TRUE(eventually([&] { return countThreads() < before; }));
 }
 
-TEST_F(ServerRundownTest, LetsAReleaseDestroyItsServer) {
+TEST_F(ServerRundownTest, AllowsAReleaseToDestroyItsServer) {
     m_server.ending = ProbeServer::Ending::RunsDown;
     m_server.onConnect = [](LoggingWorker&) {};
     m_server.onRelease = [this](CUT_WSThread*) { destroy(); };

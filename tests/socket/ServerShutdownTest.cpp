@@ -31,7 +31,7 @@ class ServerShutdown : public ServerTest {
     NySe::UniqueSocket m_other;
 };
 
-TEST_F(ServerShutdown, EndsAConnectionThatMayNotEnter) {
+TEST_F(ServerShutdown, EndsARefusedConnection) {
     int port = 0;
     m_server.verdict = 0;
     m_server.onCanAccept = [&] {

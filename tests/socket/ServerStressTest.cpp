@@ -142,14 +142,14 @@ class ServerStress : public testing::Test {
     size_t m_handlesBefore = 0;
 };
 
-TEST_F(ServerStress, LeavesNothingBehindWhateverItsPeersDo) {
+TEST_F(ServerStress, LeaksNothingWhateverItsPeersDo) {
     runServers(kServers, true);
     expectNothingLeft();
     EXPECT_GT(released(), kServers);
     EXPECT_LT(released(), made());
 }
 
-TEST_F(ServerStress, LeavesNothingBehindWhenItsAcceptingThreadCannotBeWoken) {
+TEST_F(ServerStress, LeaksNothingWhenItsAcceptThreadCannotBeWoken) {
     runServers(kUnwakeableServers, false);
     expectNothingLeft();
 }

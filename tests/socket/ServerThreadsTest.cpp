@@ -42,7 +42,7 @@ TEST_F(ServerThreads, ShowsItsWorkersWholeSettingsWhileTheyChange) {
     EXPECT_EQ(m_wrongLooks, 0);
 }
 
-TEST_F(ServerThreads, KillsWorkersWhileOthersCome) {
+TEST_F(ServerThreads, KillsWorkersWhileOthersStart) {
     constexpr int kSenders = 3;
     constexpr int kEach = 10;
     start([](LoggingWorker& worker) {

@@ -16,7 +16,7 @@ namespace {
 // are checked by themselves.
 using socketcalls::PeekError;
 
-TEST(PeekErrorTest, SaysWhatAnErrorMeansAndNothingForAnyOtherNumber) {
+TEST(PeekErrorTest, ClassifiesAnErrorAndNoOtherNumber) {
     std::map<int, PeekError> meanings{
         {10035, PeekError::wouldBlock}, {10036, PeekError::inProgress}, {10054, PeekError::reset}};
     for (const int error :
@@ -29,7 +29,7 @@ TEST(PeekErrorTest, SaysWhatAnErrorMeansAndNothingForAnyOtherNumber) {
 }
 
 // Of a failed select, not of a peek: in some stacks one never fails as "not initialised".
-TEST(SelectError, SaysWhetherThereIsASocket) {
+TEST(SelectError, ReportsWhetherThereIsASocket) {
     const std::set<int> none{10038, 10050, 10093};
     for (int error = 0; error < 12000; ++error)
         EXPECT_EQ(socketcalls::isNoSocket(error), none.contains(error)) << error;
@@ -49,7 +49,7 @@ static_assert(sum(kHighest - 255, 255) == kHighest);
 static_assert(sum(kHighest, 256) == kLowest + 255);
 static_assert(sum(std::numeric_limits<int>::max(), 1) == std::numeric_limits<int>::min());
 
-TEST(TransferTotal, WrapsAroundAndTheTransferGoesOn) {
+TEST(TransferTotal, WrapsAroundAndTheTransferContinues) {
     ScriptedSource target;
     int pieces = 3;
     std::vector<long> totals;

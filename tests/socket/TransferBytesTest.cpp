@@ -13,7 +13,7 @@ template <class End>
 class SendingBytes : public EndTest<End> {};
 TYPED_TEST_SUITE(SendingBytes, BothEnds, EndNames);
 
-TYPED_TEST(SendingBytes, SendsAsManyAsAsked) {
+TYPED_TEST(SendingBytes, SendsAsManyAsRequested) {
     EXPECT_EQ(this->m_end.sendBytes("ab\0cd", 5), 5);
     EXPECT_EQ(this->m_end.sendBytes("efgh", 2), 2);
     EXPECT_THAT(this->m_end.codes, IsEmpty()) << "counts are not given to OnError";
@@ -128,7 +128,7 @@ TEST_F(WorkerSendLine, SendsEachLineWithItsEndAndEndsItAtAZeroByte) {
     EXPECT_THAT(m_end.sendLengths, ElementsAre(-1, -1));
 }
 
-TEST_F(WorkerSendLine, GivesTheResultOfTheSendThatEndsItsLines) {
+TEST_F(WorkerSendLine, ReturnsTheResultOfTheSendThatEndsItsLines) {
     m_end.failingSend = 1;
     EXPECT_EQ(sendLines("abcdef", 6, 2), -1);
     m_end.failingSend = 2;
@@ -145,7 +145,7 @@ class ReceivingBytes : public EndTest<End> {
 };
 TYPED_TEST_SUITE(ReceivingBytes, BothEnds, EndNames);
 
-TYPED_TEST(ReceivingBytes, TakesWhatHasComeAndNoMoreThanTheLength) {
+TYPED_TEST(ReceivingBytes, ReturnsTheArrivedBytesUpToTheLength) {
     this->peerSends("hello");
     EXPECT_EQ(this->receive(2, 10), 2);
     EXPECT_STREQ(this->m_buffer, "he");
@@ -154,14 +154,14 @@ TYPED_TEST(ReceivingBytes, TakesWhatHasComeAndNoMoreThanTheLength) {
     EXPECT_THAT(this->m_end.codes, ElementsAre(0, 0)) << "of the waits";
 }
 
-TYPED_TEST(ReceivingBytes, AsksForNoWaitWithoutATimeOut) {
+TYPED_TEST(ReceivingBytes, RequestsNoWaitWithoutATimeOut) {
     this->peerSends("hello");
     EXPECT_EQ(this->receive(2, 0), 2);
     EXPECT_EQ(this->receive(3, -1), 3);
     EXPECT_THAT(this->m_end.codes, IsEmpty());
 }
 
-TYPED_TEST(ReceivingBytes, GivesZeroAtAClose) {
+TYPED_TEST(ReceivingBytes, ReturnsZeroAtAClose) {
     this->m_peer.close();
     EXPECT_EQ(this->receive(512, 10), 0);
     EXPECT_EQ(this->receive(512, 0), 0);
@@ -190,7 +190,7 @@ TYPED_TEST(ReceivingBytes, LeavesDataWaitingUntilItIsRead) {
     EXPECT_FALSE(this->m_end.IsDataWaiting());
 }
 
-TYPED_TEST(ReceivingBytes, ClearsAllThatHasComeInPiecesOf256) {
+TYPED_TEST(ReceivingBytes, ClearsAllArrivedBytesInPiecesOf256) {
     this->peerSends(std::string(600, 'x'));
     EXPECT_EQ(this->m_end.ClearReceiveBuffer(), UTE_SUCCESS);
     EXPECT_THAT(this->m_end.receiveLengths, ElementsAre(256, 256, 256));
@@ -260,7 +260,7 @@ TYPED_TEST(EndSettings, BlockingModeReachesTheSocketAndIsStored) {
     EXPECT_TRUE(this->isBlocking());
 }
 
-TYPED_TEST(EndSettings, TimeOutsThatTheSocketTookAreStored) {
+TYPED_TEST(EndSettings, TimeOutsThatTheSocketAcceptedAreStored) {
     this->m_end.SetReceiveTimeOut(1500);
     this->m_end.SetSendTimeOut(2500);
     EXPECT_EQ(this->optionOf(SO_RCVTIMEO), 1500);
@@ -280,7 +280,7 @@ TEST_F(Worker, BeginsWithoutSocketAndOwner) {
     EXPECT_EQ(worker.abortFlag(), 0);
 }
 
-TEST_F(Worker, AnswersALineAndReturns) {
+TEST_F(Worker, RepliesToALineAndReturns) {
     peerSends("hello\r\nand more");
     m_end.OnConnect();
     EXPECT_THAT(m_end.lineLengths, ElementsAre(100));
@@ -289,14 +289,14 @@ TEST_F(Worker, AnswersALineAndReturns) {
     EXPECT_EQ(arrived(), "Connect Successful ... Now Disconnecting.");
 }
 
-TEST_F(Worker, AnswersNoPeerThatSendsNothing) {
+TEST_F(Worker, DoesNotReplyToAPeerThatSendsNothing) {
     m_peer.finishSending();
     m_end.OnConnect();
     m_end.OnMaxConnect();
     EXPECT_THAT(m_end.sends, IsEmpty());
 }
 
-TEST_F(Worker, RefusesAPeerWithoutAWord) {
+TEST_F(Worker, RefusesAPeerWithoutAMessage) {
     peerSends("hello");
     m_end.OnMaxConnect();
     EXPECT_THAT(m_end.receiveLengths, ElementsAre(256));
@@ -304,7 +304,7 @@ TEST_F(Worker, RefusesAPeerWithoutAWord) {
     EXPECT_EQ(arrived(), "");
 }
 
-TEST(WorkerHooks, AnswerFixedValues) {
+TEST(WorkerHooks, ReturnFixedValues) {
     CUT_WSThread worker;
     EXPECT_EQ(worker.ReceiveFileStatus(5), 1);
     EXPECT_EQ(worker.SendFileStatus(5), 1);

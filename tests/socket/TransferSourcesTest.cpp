@@ -40,7 +40,7 @@ TYPED_TEST(SendingSources, ReportsAPieceThatIsNotSent) {
     EXPECT_EQ(this->arrived(), patternOf(600).substr(0, 255));
 }
 
-TYPED_TEST(SendingSources, ClosesWhatItHasOpenedAndTellsWhatItSent) {
+TYPED_TEST(SendingSources, ClosesTheSourceAndReportsTheNumberOfBytes) {
     const struct {
         const char* story;
         void (*arrange)(TypeParam&, ScriptedSource&);
@@ -161,7 +161,7 @@ TYPED_TEST(ReceivingSources, ReportsAShortWrite) {
     EXPECT_EQ(this->m_target.closed, 1);
 }
 
-TYPED_TEST(ReceivingSources, EndsWhenTheStatusSaysSo) {
+TYPED_TEST(ReceivingSources, EndsWhenTheStatusFunctionReturnsFalse) {
     this->peerSendsAndCloses(patternOf(600));
     this->m_end.receiveStatus = 0;
     EXPECT_EQ(this->receive(10), UTE_ABORTED);
@@ -330,7 +330,7 @@ TEST(ClientTransferOfFiles, IsThatOfTheirSources) {
     EXPECT_EQ(client.ReceiveToFile(L"any", OM_APPEND, 3, 4), 2034);
 }
 
-TEST_F(Worker, TransfersOnAfterAnAbort) {
+TEST_F(Worker, TransfersAgainAfterAnAbort) {
     m_end.setAborted(true);
     ScriptedSource source(patternOf(300));
     EXPECT_EQ(m_end.sendSource(source), UTE_SUCCESS);

@@ -16,7 +16,7 @@ inline int countThreads() {
     return count;
 }
 
-// The same, once those that earlier tests let go have ended.
+// The same, once the detached threads of earlier tests have ended.
 inline int countThreadsAtRest() {
     int count = countThreads();
     for (int sameLooks = 0; sameLooks < 5;) {

@@ -218,7 +218,7 @@ TEST(WiresharkObjects, MayBeNullOrSeenBefore) {
     for (size_t i = 0; i < 4; ++i) EXPECT_FALSE(references[i].has("_ws.expert.message"));
 }
 
-TEST(WiresharkObjects, AreRemarkedOnInATableWhenTheyAreNull) {
+TEST(WiresharkObjects, AreMarkedInATableWhenTheyAreNull) {
     EXPECT_THAT(references[4].all("tag"), ElementsAre("new class", "new class", "null"));
     EXPECT_TRUE(references[4].has("wrong_class"));
 }
@@ -253,7 +253,7 @@ const Talk foreign({sent(fromHex("FF FF 07 00 03 00 'Foo' 01 02 03")),
                     sent(fromHex("FF FF DF 07 3F 00") + Bytes(63, 'N')),
                     sent(fromHex(kTable + "01 00 FF FF 07 00 03 00 'Foo' 01 02 03"))});
 
-TEST(WiresharkObjects, OfTheApplicationsOwnAreLeftAsTheyAre) {
+TEST(WiresharkObjects, OfTheApplicationAreNotDecoded) {
     EXPECT_EQ("Foo", foreign[0]["class"]);
     EXPECT_EQ("7", foreign[0]["class.schema"]);
     EXPECT_EQ("01:02:03", foreign[0]["opaque"]);
@@ -309,7 +309,7 @@ std::vector<Said> withUsers() {
 }
 const Talk users(&withUsers);
 
-TEST(WiresharkUsers, HaveASoftTypeWhenTheirOwnSchemaSaysSo) {
+TEST(WiresharkUsers, HaveASoftTypeIfTheirOwnSchemaDoes) {
     EXPECT_EQ("2014", users[0]["user.schema"]);
     EXPECT_FALSE(users[0].has("user.soft_type"));
     EXPECT_EQ("9", users[4]["user.soft_type"]);
@@ -319,7 +319,7 @@ TEST(WiresharkUsers, HaveASoftTypeWhenTheirOwnSchemaSaysSo) {
     for (size_t i = 0; i < 6; ++i) EXPECT_FALSE(users[i].has("_ws.expert.message")) << i;
 }
 
-TEST(WiresharkUsers, AreNumberedApartFromTheObjectBehindThem) {
+TEST(WiresharkUsers, AreNumberedApartFromTheObjectAfterThem) {
     EXPECT_THAT(users[2].all("tag"), ElementsAre("new class", "new class"));
     EXPECT_THAT(users[2].all("class.number"), ElementsAre("1", "1"));
 }

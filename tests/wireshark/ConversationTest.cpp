@@ -57,7 +57,7 @@ std::vector<Said> wholeSession() {
 
 const Talk session(wholeSession(), Talk::On::anyPort);
 
-TEST(WiresharkConversation, ReadsEveryRequestAndTheReplyThatTheDocumentSays) {
+TEST(WiresharkConversation, DecodesEveryRequestAndItsDocumentedReply) {
     for (const NySe::RequestKind& request : NySe::kRequests)
         EXPECT_NE("", replyInDocument(request)) << request.name;
     EXPECT_THAT(
@@ -134,7 +134,7 @@ TEST(WiresharkConversation, ShowsTheFieldsOfRequestsAndReplies) {
     EXPECT_THAT(session[15].all("user.name"), ElementsAre("Anna", "bob"));
 }
 
-TEST(WiresharkConversation, LeadsFromRequestToReplyAndBack) {
+TEST(WiresharkConversation, LinksRequestAndReply) {
     const int requestFrame = std::stoi(session[1]["request_in"]);
     EXPECT_EQ(std::to_string(requestFrame + 1), session[0]["reply_in"]);
     EXPECT_EQ(std::to_string(requestFrame + 2), session[3]["request_in"]);
@@ -183,7 +183,7 @@ const Talk inSegments[] = {
     Talk{wholeSession(), Talk::On::serverPort, 5}, Talk{wholeSession(), Talk::On::anyPort, 17},
     Talk{allAtOnce(), Talk::On::anyPort, 100}};
 
-TEST(WiresharkConversation, PutsMessagesTogetherFromSegments) {
+TEST(WiresharkConversation, ReassemblesMessagesFromSegments) {
     for (const Talk& talk : inSegments) expectSameAsSession(talk);
 }
 
@@ -197,7 +197,7 @@ const Talk unlucky({asks(goldenRequest("lock")), answers(wireOf<BYTE>(0)),
                     asks(goldenRequest("getLock")), answers(golden("reply-users").bytes),
                     asks(goldenRequest("openConnection")), answers(wireOf<LONG>(-1))});
 
-TEST(WiresharkConversation, TellsRepliesThatSayNo) {
+TEST(WiresharkConversation, ShowsRepliesThatRefuse) {
     EXPECT_EQ("lock: refused", unlucky.line(1));
     EXPECT_EQ("isLockBy: not held", unlucky.line(3));
     EXPECT_EQ("isLockBy: held", unlucky.line(5));
@@ -205,13 +205,13 @@ TEST(WiresharkConversation, TellsRepliesThatSayNo) {
     EXPECT_EQ("openConnection: -1", unlucky.line(15));
 }
 
-TEST(WiresharkConversation, TakesANegativeLengthOfAReplyForAnEmptyOne) {
+TEST(WiresharkConversation, ReadsANegativeLengthOfAReplyAsEmpty) {
     EXPECT_EQ("-3", unlucky[9]["length"]);
     EXPECT_TRUE(unlucky[9].has("negative_length"));
     EXPECT_EQ("getLock: nothing", unlucky.line(9));
 }
 
-TEST(WiresharkConversation, RemarksOnWhatAClientWouldNotTake) {
+TEST(WiresharkConversation, MarksWhatAClientRejects) {
     EXPECT_TRUE(unlucky[11].has("not_alive"));
     EXPECT_TRUE(unlucky[13].has("wrong_class"));
     EXPECT_FALSE(unlucky[1].has("_ws.expert.message"));
@@ -219,7 +219,7 @@ TEST(WiresharkConversation, RemarksOnWhatAClientWouldNotTake) {
 
 const Talk unknownAction({asks(request(5, {1, 2, 3}) + goldenRequest("isAlive")), answers(kAlive)});
 
-TEST(WiresharkConversation, PassesOverAnUnknownAction) {
+TEST(WiresharkConversation, SkipsAnUnknownAction) {
     EXPECT_TRUE(unknownAction[0].has("unknown_action"));
     EXPECT_EQ("01:02:03", unknownAction[0]["opaque"]);
     EXPECT_EQ("1", unknownAction[1]["action"]);
@@ -231,7 +231,7 @@ const Talk absurdLength({asks(wireOf<LONG>(10) + wireOf<LONG>(-1) + goldenReques
 const Talk hugeLength({asks(wireOf<LONG>(10) + wireOf<LONG>(16 * 1024 * 1024 + 1) + hello())});
 const Talk hugeReply({asks(goldenRequest("getLock")), answers(wireOf<LONG>(0x7FFFFFFF) + kAlive)});
 
-TEST(WiresharkConversation, FollowsNoFurtherThanALengthThatNobodyBelieves) {
+TEST(WiresharkConversation, StopsAtAnInvalidLength) {
     EXPECT_TRUE(absurdLength[0].has("bad_length"));
     EXPECT_TRUE(absurdLength[1].has("lost"));
     EXPECT_TRUE(absurdLength[2].has("lost"));
@@ -244,7 +244,7 @@ TEST(WiresharkConversation, FollowsNoFurtherThanALengthThatNobodyBelieves) {
 const Talk joinedLate({answers(golden("reply-users").bytes), asks(goldenRequest("isAlive")),
                        answers(kAlive)});
 
-TEST(WiresharkConversation, SaysWhenTheRequestWasNotCaptured) {
+TEST(WiresharkConversation, MarksAReplyWhoseRequestWasNotCaptured) {
     EXPECT_TRUE(joinedLate[0].has("no_request"));
     EXPECT_EQ("isAlive: alive", joinedLate.line(2));
 }
@@ -252,7 +252,7 @@ TEST(WiresharkConversation, SaysWhenTheRequestWasNotCaptured) {
 const Talk twice({asks(goldenRequest("getLock")), asks(goldenRequest("disconnect")), asks(hello()),
                   answers(wireOf<LONG>(2015))});
 
-TEST(WiresharkConversation, BeginsAnewBehindAGoodBye) {
+TEST(WiresharkConversation, StartsAgainAfterADisconnect) {
     EXPECT_EQ("initializeSchema: 2015", twice.line(3));
 }
 
@@ -263,7 +263,7 @@ const Talk notified({asks(goldenRequest("isAlive")), answers(kAlive),
                      answers(kAlive)},
                     Talk::On::anyPort);
 
-TEST(WiresharkNotifications, AreFoundBetweenProbesAndTheirAnswers) {
+TEST(WiresharkNotifications, AreFoundBetweenProbesAndTheirReplies) {
     EXPECT_THAT(notified.lines(),
                 ElementsAre("isAlive", "isAlive: alive", "notification 50 NySeMessage saved",
                             "notification 51", "notification 58 NySeMessage saved; isAlive",
@@ -290,14 +290,14 @@ TEST(WiresharkNotifications, HaveTheirNumbers) {
     }
 }
 
-// A listener reads on after a negative length, and knows no bare actions.
+// A listener continues after a negative length, and has no requests without a length.
 const Talk listener({asks(request(50)), asks(wireOf<LONG>(52) + wireOf<LONG>(-1) + request(106) +
                                              request(49) + request(53))},
                     Talk::On::anyPort);
 
 TEST(WiresharkNotifications, AreReadAsAListenerReadsThem) {
     EXPECT_THAT(listener.lines(), ElementsAre("notification 50",
-                                              "notification 52 with an invalid length; getVersion; "
+                                              "notification 52 of impossible length; getVersion; "
                                               "unknown action; notification 53"));
     EXPECT_TRUE(listener[1].has("bad_length"));
 }
@@ -306,7 +306,7 @@ const Talk firstLock({asks(goldenRequest("lock"))}, Talk::On::anyPort);
 const Talk firstBare({asks(goldenRequest("getVersion")), answers(wireOf(1.0))}, Talk::On::anyPort);
 const Talk firstHalf({asks(goldenRequest("getPortClient")), asks(hello())}, Talk::On::anyPort, 20);
 
-TEST(WiresharkHeuristic, KnowsAConnectionByItsFirstMessage) {
+TEST(WiresharkHeuristic, RecognisesAConnectionByItsFirstMessage) {
     EXPECT_EQ("lock \"part/42\" 0x18", firstLock.line(0));
     EXPECT_EQ("getVersion", firstBare.line(0));
     EXPECT_EQ("getVersion: 1", firstBare.line(1));
@@ -327,7 +327,7 @@ const Talk others[] = {Talk{{asks(ofText("GET / HTTP/1.1\r\n\r\n"))}, Talk::On::
                        Talk{{asks(hello() + Bytes(8, 0xEE))}, Talk::On::anyPort},
                        Talk{{asks(wireOf<LONG>(50) + wireOf<LONG>(-1))}, Talk::On::anyPort}};
 
-TEST(WiresharkHeuristic, LeavesOtherTrafficAlone) {
+TEST(WiresharkHeuristic, IgnoresOtherTraffic) {
     for (const Talk& other : others) EXPECT_THAT(other.lines(), IsEmpty());
 }
 

@@ -124,7 +124,7 @@ TEST_F(HostileCapture, OfTenThousandRandomPayloads) {
     EXPECT_LT(1000u, occurrences(shown, "/Malformed)"));
 }
 
-TEST_F(HostileCapture, OfRandomPayloadsThatAreNotPutTogether) {
+TEST_F(HostileCapture, OfRandomPayloadsThatAreNotReassembled) {
     addRandom(1000);
     expectSurvives("-O nyserver -o tcp.desegment_tcp_streams:false");
 }
@@ -172,7 +172,7 @@ TEST_F(HostileCapture, OfASegmentFullOfFrames) {
 }
 
 // A capture that keeps only the first bytes of each packet.
-TEST_F(HostileCapture, OfPacketsThatAreNotAllThere) {
+TEST_F(HostileCapture, OfIncompletePackets) {
     const Bytes whole = goldenRequest("sendUserData");
     for (size_t captured = 1; captured < whole.size(); ++captured) ask(whole, captured);
     const std::string shown = expectSurvives();

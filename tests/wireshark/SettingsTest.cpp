@@ -40,7 +40,7 @@ TEST(WiresharkSettings, NamePortsOfServers) {
     EXPECT_EQ(1u, found(listOf(kNarrowUnLock, "-d tcp.port==30010,nyserver"), "unLock \"a\""));
 }
 
-TEST(WiresharkSettings, SayHowLongAPayloadMayBe) {
+TEST(WiresharkSettings, LimitTheLengthOfAPayload) {
     EXPECT_EQ(3u, found(listOf(hello(), "-o nyserver.ports:30000-30010 -o nyserver.longest:3"),
                         "initializeSchema with an invalid length; not decoded"));
 }

@@ -35,7 +35,7 @@ TEST(ArchiveMemory, CounterCounts) {
     EXPECT_EQ(count.peakBytes(), 1000u);
 }
 
-TEST(Objects, OfWhichThereIsNoRoomAreNullOrThrow) {
+TEST(Objects, AreNullOrThrowWithoutMemory) {
     constexpr size_t kBytes = 1000;  // more than comes from the small blocks
     AllocationCount count;
     count.failAfter(0);
@@ -44,7 +44,7 @@ TEST(Objects, OfWhichThereIsNoRoomAreNullOrThrow) {
     EXPECT_THROW(CObject::operator new(kBytes), std::bad_alloc);
 }
 
-TEST(ArchiveMemory, LyingStringLengths) {
+TEST(ArchiveMemory, IsBoundedForFalseStringLengths) {
     for (const char* bytes :
          {"FE 'a'", "FF FE FF 'a'", "FF FF FF FF FF FF 7F 'a'", "FF FE FF FE 61 00",
           "FF FE FF FF FE FF 61 00", "FF FE FF FF FF FF FF FF FF 7F 61 00",
@@ -53,7 +53,7 @@ TEST(ArchiveMemory, LyingStringLengths) {
     }
 }
 
-TEST(ArchiveMemory, LyingCounts) {
+TEST(ArchiveMemory, IsBoundedForFalseCounts) {
     for (const char* bytes : {"FE FF 00 00", "FF FF FF FF FF FF 00 00", "FF FF FE FF FF 7F"}) {
         expectModest(fromHex(bytes), [](CArchive& ar) { OwningArray().Serialize(ar); });
         expectModest(fromHex(bytes), [](CArchive& ar) { CStringArray().Serialize(ar); });
@@ -62,7 +62,7 @@ TEST(ArchiveMemory, LyingCounts) {
     }
 }
 
-TEST(ArchiveMemory, CountsThatAreAlmostTrue) {
+TEST(ArchiveMemory, IsBoundedForCountsThatAreAlmostCorrect) {
     const Bytes count = fromHex("FF FF 00 00 01 00");
     const Bytes nulls = count + repeated(fromHex("00 00"), 65535);
     expectModest(nulls, [](CArchive& ar) { OwningArray().Serialize(ar); });
@@ -70,7 +70,7 @@ TEST(ArchiveMemory, CountsThatAreAlmostTrue) {
     expectModest(strings, [](CArchive& ar) { CStringArray().Serialize(ar); });
 }
 
-TEST(ArchiveMemory, DeepNestingOfArraysThatLie) {
+TEST(ArchiveMemory, IsBoundedForNestedArraysWithFalseCounts) {
     const Bytes first = fromHex("FF FF 00 00 0B 00 'OwningArray' FF FF FF FF FF FF");
     const Bytes bytes = first + repeated(fromHex("01 80 FF FF FF FF FF FF"), 200);
     expectModest(bytes, [](CArchive& ar) {
@@ -79,7 +79,7 @@ TEST(ArchiveMemory, DeepNestingOfArraysThatLie) {
     });
 }
 
-TEST(ArchiveMemory, LyingClassNameLength) {
+TEST(ArchiveMemory, IsBoundedForAFalseClassNameLength) {
     expectModest(fromHex("FF FF 00 00 FF FF 'Foo'"), [](CArchive& ar) { ar.ReadClass(); });
 }
 

@@ -10,19 +10,19 @@
 #include <vector>
 
 #include "tests/base/TestRecords.h"
-#include "tests/base/windows/guest/Guests.h"
+#include "tests/base/windows/extension/LoadedExtension.h"
 #include "tests/support/Thrown.h"
 
 namespace {
 
-// What tells the classes of the two guests apart; 0 when there is no such class.
+// The size of the class, which differs between the two modules; 0 when there is no such class.
 int sizeOf(LPCSTR className) {
     const CRuntimeClass* found = CRuntimeClass::FromName(className);
     return found != nullptr ? found->m_nObjectSize : 0;
 }
 
-int numberOfGuest() {
-    const int size = sizeOf("Guest");
+int numberOfModule() {
+    const int size = sizeOf("Extension");
     return size == 0 ? 0 : size < 200 ? 1 : 2;
 }
 
@@ -34,13 +34,14 @@ std::vector<std::string> namesOn(const CRuntimeClass* first) {
     return names;
 }
 
-// A guest in an archive.
-class StoredGuest {
+// An object of a module's class in an archive.
+class StoredExtension {
   public:
-    StoredGuest() {
+    StoredExtension() {
         CArchive archive(&m_file, CArchive::store);
-        const std::unique_ptr<CObject> guest(CRuntimeClass::FromName("Guest")->CreateObject());
-        archive << guest.get();
+        const std::unique_ptr<CObject> extension(
+            CRuntimeClass::FromName("Extension")->CreateObject());
+        archive << extension.get();
     }
     // The cause of the failure; -1 when the object could be read.
     int read() {
@@ -58,135 +59,135 @@ class StoredGuest {
 };
 
 TEST(ExtensionModule, HasItsClassesFoundAndItsObjectsArchivedWhileItIsLoaded) {
-    EXPECT_EQ(numberOfGuest(), 0);
-    std::optional<StoredGuest> stored;
+    EXPECT_EQ(numberOfModule(), 0);
+    std::optional<StoredExtension> stored;
     for (int i = 0; i < 100; ++i) {
-        LoadedGuest guest(1);
-        ASSERT_NE(guest.handle(), nullptr);
-        ASSERT_EQ(numberOfGuest(), 1);
-        ASSERT_NE(sizeOf("LateGuest"), 0);
+        LoadedExtension extension(1);
+        ASSERT_NE(extension.handle(), nullptr);
+        ASSERT_EQ(numberOfModule(), 1);
+        ASSERT_NE(sizeOf("LateExtension"), 0);
         if (i == 0) stored.emplace();
         ASSERT_EQ(stored->read(), -1);
-        guest.free();
-        ASSERT_EQ(numberOfGuest(), 0);
-        ASSERT_EQ(sizeOf("LateGuest"), 0);
+        extension.free();
+        ASSERT_EQ(numberOfModule(), 0);
+        ASSERT_EQ(sizeOf("LateExtension"), 0);
         ASSERT_EQ(stored->read(), CArchiveException::badClass);
     }
 }
 
-TEST(ExtensionModule, TakesItsOwnClassesAlone) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
+TEST(ExtensionModule, HasOnlyItsOwnClasses) {
+    const LoadedExtension first(1);
+    const LoadedExtension second(2);
     EXPECT_EQ(namesOn(first.state().pFirstSharedClass),
-              (std::vector<std::string>{"Foo", "LateGuest", "Guest"}));
+              (std::vector<std::string>{"Foo", "LateExtension", "Extension"}));
     EXPECT_EQ(namesOn(second.state().pFirstSharedClass),
-              (std::vector<std::string>{"CObArray", "Foo", "LateGuest", "Guest"}));
+              (std::vector<std::string>{"CObArray", "Foo", "LateExtension", "Extension"}));
     EXPECT_EQ(CRuntimeClass::FromName("SubFoo"), RUNTIME_CLASS(SubFoo));
 }
 
-TEST(ExtensionModule, TellsItsHandles) {
-    const LoadedGuest guest(1);
-    EXPECT_TRUE(guest.state().bInitialized);
-    EXPECT_EQ(guest.state().hModule, guest.handle());
-    EXPECT_EQ(guest.state().hResource, guest.handle());
-    EXPECT_EQ(guest.state().pFirstSharedFactory, nullptr);
+TEST(ExtensionModule, HasItsHandles) {
+    const LoadedExtension extension(1);
+    EXPECT_TRUE(extension.state().bInitialized);
+    EXPECT_EQ(extension.state().hModule, extension.handle());
+    EXPECT_EQ(extension.state().hResource, extension.handle());
+    EXPECT_EQ(extension.state().pFirstSharedFactory, nullptr);
 }
 
-TEST(ExtensionModule, ThatCameLastIsSearchedFirstAfterTheApplication) {
-    LoadedGuest first(1);
-    LoadedGuest second(2);
-    EXPECT_EQ(numberOfGuest(), 2);
+TEST(ExtensionModule, LoadedLastIsSearchedFirstAfterTheApplication) {
+    LoadedExtension first(1);
+    LoadedExtension second(2);
+    EXPECT_EQ(numberOfModule(), 2);
     EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
     second.free();
-    EXPECT_EQ(numberOfGuest(), 1);
-    second = LoadedGuest(2);
-    EXPECT_EQ(numberOfGuest(), 2);
+    EXPECT_EQ(numberOfModule(), 1);
+    second = LoadedExtension(2);
+    EXPECT_EQ(numberOfModule(), 2);
     first.free();
-    EXPECT_EQ(numberOfGuest(), 2);
+    EXPECT_EQ(numberOfModule(), 2);
 }
 
-TEST(ExtensionModule, ComesBeforeTheClassLibrary) {
-    LoadedGuest guest(2);
+TEST(ExtensionModule, IsSearchedBeforeTheClassLibrary) {
+    LoadedExtension extension(2);
     EXPECT_EQ(sizeOf("CObArray"), 2);
-    guest.free();
+    extension.free();
     EXPECT_EQ(CRuntimeClass::FromName("CObArray"), RUNTIME_CLASS(CObArray));
     EXPECT_EQ(CRuntimeClass::FromName("CStringArray"), RUNTIME_CLASS(CStringArray));
 }
 
-TEST(ExtensionModule, LeavesWithAllItsLinks) {
-    LoadedGuest guest(1);
-    guest.join();
-    guest.join();
-    EXPECT_EQ(numberOfGuest(), 1);
-    guest.free();
-    EXPECT_EQ(numberOfGuest(), 0);
+TEST(ExtensionModule, IsRemovedWithAllItsLinks) {
+    LoadedExtension extension(1);
+    extension.add();
+    extension.add();
+    EXPECT_EQ(numberOfModule(), 1);
+    extension.free();
+    EXPECT_EQ(numberOfModule(), 0);
 }
 
 TEST(ExtensionModule, LinkedAgainIsTheNewest) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    first.join();
-    EXPECT_EQ(numberOfGuest(), 1);
+    const LoadedExtension first(1);
+    const LoadedExtension second(2);
+    first.add();
+    EXPECT_EQ(numberOfModule(), 1);
 }
 
-TEST(ExtensionModule, IsNotFoundOnceItHasLeft) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    second.dismiss();
-    EXPECT_EQ(numberOfGuest(), 1);
+TEST(ExtensionModule, IsNotFoundOnceItIsRemoved) {
+    const LoadedExtension first(1);
+    const LoadedExtension second(2);
+    second.remove();
+    EXPECT_EQ(numberOfModule(), 1);
     EXPECT_FALSE(second.state().bInitialized);
     EXPECT_EQ(second.state().pFirstSharedClass, nullptr);
 }
 
-TEST(ExtensionModule, MayTakeAllOthersWithIt) {
-    const LoadedGuest first(1);
-    const LoadedGuest second(2);
-    second.dismiss(TRUE);
-    EXPECT_EQ(numberOfGuest(), 0);
+TEST(ExtensionModule, MayRemoveAllOthers) {
+    const LoadedExtension first(1);
+    const LoadedExtension second(2);
+    second.remove(TRUE);
+    EXPECT_EQ(numberOfModule(), 0);
     EXPECT_EQ(CRuntimeClass::FromName("CObArray"), RUNTIME_CLASS(CObArray));
     EXPECT_EQ(CRuntimeClass::FromName("Foo"), RUNTIME_CLASS(Foo));
 }
 
 TEST(ExtensionModule, IsInitialisedOnceAndWithAHandle) {
-    const LoadedGuest guest(1);
-    const CRuntimeClass* const classes = guest.state().pFirstSharedClass;
-    EXPECT_TRUE(AfxInitExtensionModule(guest.state(), guest.handle()));
-    EXPECT_EQ(guest.state().pFirstSharedClass, classes);
+    const LoadedExtension extension(1);
+    const CRuntimeClass* const classes = extension.state().pFirstSharedClass;
+    EXPECT_TRUE(AfxInitExtensionModule(extension.state(), extension.handle()));
+    EXPECT_EQ(extension.state().pFirstSharedClass, classes);
     AFX_EXTENSION_MODULE state = {};
     EXPECT_FALSE(AfxInitExtensionModule(state, nullptr));
     EXPECT_FALSE(state.bInitialized);
     // Nor does it take anybody away.
     AfxTermExtensionModule(state);
     AfxTermExtensionModule(state, TRUE);
-    EXPECT_EQ(numberOfGuest(), 1);
+    EXPECT_EQ(numberOfModule(), 1);
 }
 
 TEST(ExtensionModule, IsNoLongerFoundWhenItsLinkIsDeleted) {
-    const LoadedGuest guest(1);
-    AFX_EXTENSION_MODULE copy = guest.state();
-    guest.dismiss();
-    EXPECT_EQ(numberOfGuest(), 0);
+    const LoadedExtension extension(1);
+    AFX_EXTENSION_MODULE copy = extension.state();
+    extension.remove();
+    EXPECT_EQ(numberOfModule(), 0);
     {
         const CDynLinkLibrary link(copy);
-        EXPECT_EQ(numberOfGuest(), 1);
+        EXPECT_EQ(numberOfModule(), 1);
     }
-    EXPECT_EQ(numberOfGuest(), 0);
+    EXPECT_EQ(numberOfModule(), 0);
 }
 
-TEST(ExtensionModule, ComesAndGoesWhileOthersLookUpClassesAndTexts) {
+TEST(ExtensionModule, MayBeLoadedAndFreedDuringLookUpsOfClassesAndTexts) {
     std::atomic<bool> isDone = false;
     std::atomic<int> wrong = 0;
     std::thread reader([&] {
         while (!isDone) {
             CString text;
-            text.LoadString(IDS_GUESTS);
+            text.LoadString(IDS_MODULES);
             if (CRuntimeClass::FromName("SubFoo") != RUNTIME_CLASS(SubFoo)) ++wrong;
             if (CRuntimeClass::FromName("Nobody") != nullptr) ++wrong;
         }
     });
     for (int i = 0; i < 100; ++i) {
-        const LoadedGuest first(1);
-        const LoadedGuest second(2);
+        const LoadedExtension first(1);
+        const LoadedExtension second(2);
     }
     isDone = true;
     reader.join();

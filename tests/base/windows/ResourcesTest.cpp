@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/base/windows/guest/Guests.h"
+#include "tests/base/windows/extension/LoadedExtension.h"
 #include "tests/support/CStringPrinter.h"
 #include "tests/support/MessageBoxWatch.h"
 
 namespace {
 
-// Two guests, the second the newest; no resource handle set.
+// Two extension modules, the second the newest; no resource handle set.
 class Resources : public testing::Test {
   protected:
     ~Resources() override { AfxSetResourceHandle(nullptr); }
@@ -19,25 +19,25 @@ class Resources : public testing::Test {
         EXPECT_EQ(isLoaded != FALSE, loaded != L"unchanged");
         return loaded;
     }
-    // The text that every guest has, and that the guest's other resource is found with it.
-    CString guestsText() const {
-        const CString loaded = text(IDS_GUESTS);
-        EXPECT_EQ(finder(L"EVERYGUEST"),
-                  loaded == L"a guest's 1" ? m_first.handle() : m_second.handle());
+    // The text that each module has; the other resource is found in the same module.
+    CString modulesText() const {
+        const CString loaded = text(IDS_MODULES);
+        EXPECT_EQ(finder(L"EVERYMODULE"),
+                  loaded == L"a module's 1" ? m_first.handle() : m_second.handle());
         return loaded;
     }
 
     static HMODULE finder(LPCWSTR name) { return AfxFindResourceHandle(name, RT_RCDATA); }
 
-    // Those of the second guest are found when the first has gone.
-    void expectTheFirstGuestsAndThenTheSeconds() {
-        EXPECT_EQ(guestsText(), L"a guest's 1");
+    // Those of the second module are found once the first is freed.
+    void expectTheFirstModulesAndThenTheSeconds() {
+        EXPECT_EQ(modulesText(), L"a module's 1");
         m_first.free();
-        EXPECT_EQ(guestsText(), L"a guest's 2");
+        EXPECT_EQ(modulesText(), L"a module's 2");
     }
 
-    LoadedGuest m_first{1};
-    LoadedGuest m_second{2};
+    LoadedExtension m_first{1};
+    LoadedExtension m_second{2};
     HMODULE m_program = ::GetModuleHandleW(nullptr);
 };
 
@@ -54,56 +54,56 @@ TEST_F(Resources, AreSearchedInTheCurrentModuleFirst) {
     EXPECT_EQ(text(IDS_EVERYWHERE), L"of the program");
     EXPECT_EQ(finder(L"EVERYWHERE"), m_program);
     AfxSetResourceHandle(m_first.handle());
-    EXPECT_EQ(text(IDS_EVERYWHERE), L"of guest 1");
+    EXPECT_EQ(text(IDS_EVERYWHERE), L"of module 1");
     EXPECT_EQ(finder(L"EVERYWHERE"), m_first.handle());
 }
 
 TEST_F(Resources, AreSearchedInTheNewestExtensionModuleNext) {
-    EXPECT_EQ(guestsText(), L"a guest's 2");
+    EXPECT_EQ(modulesText(), L"a module's 2");
     m_second.free();
-    EXPECT_EQ(guestsText(), L"a guest's 1");
+    EXPECT_EQ(modulesText(), L"a module's 1");
 }
 
 TEST_F(Resources, AreSearchedUntilAModuleHasThem) {
-    EXPECT_EQ(text(IDS_FIRST_GUEST), L"of guest 1 alone");
-    EXPECT_EQ(finder(L"FIRSTGUEST"), m_first.handle());
+    EXPECT_EQ(text(IDS_FIRST_MODULE), L"of module 1 alone");
+    EXPECT_EQ(finder(L"FIRSTMODULE"), m_first.handle());
 }
 
 TEST_F(Resources, OfSystemModulesAreSearchedLast) {
     AFX_EXTENSION_MODULE state = m_second.state();
-    m_second.dismiss();
+    m_second.remove();
     const CDynLinkLibrary system(state, TRUE);
-    expectTheFirstGuestsAndThenTheSeconds();
+    expectTheFirstModulesAndThenTheSeconds();
 }
 
 TEST_F(Resources, OfTheCurrentModuleAreSearchedAfterTheOthersWhenItIsTheSystems) {
     AFX_EXTENSION_MODULE state = m_second.state();
-    m_second.dismiss();
+    m_second.remove();
     AfxSetResourceHandle(m_second.handle());
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(text(IDS_MODULES), L"a module's 2");
     const CDynLinkLibrary system(state, TRUE);
-    expectTheFirstGuestsAndThenTheSeconds();
+    expectTheFirstModulesAndThenTheSeconds();
 }
 
 TEST_F(Resources, OfTheCurrentSystemModuleAreSearchedBeforeThoseOfOthers) {
     AFX_EXTENSION_MODULE first = m_first.state();
     AFX_EXTENSION_MODULE second = m_second.state();
-    m_first.dismiss();
-    m_second.dismiss();
+    m_first.remove();
+    m_second.remove();
     AfxSetResourceHandle(m_first.handle());
     const CDynLinkLibrary current(first, TRUE);
     const CDynLinkLibrary newer(second, TRUE);
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 1");
+    EXPECT_EQ(text(IDS_MODULES), L"a module's 1");
     AfxSetResourceHandle(nullptr);
-    EXPECT_EQ(text(IDS_GUESTS), L"a guest's 2");
+    EXPECT_EQ(text(IDS_MODULES), L"a module's 2");
 }
 
-TEST_F(Resources, OfAModuleThatHasGoneAreNotSearched) {
+TEST_F(Resources, OfARemovedModuleAreNotSearched) {
     AFX_EXTENSION_MODULE state = m_second.state();
     state.hResource = m_first.handle();
     const CDynLinkLibrary link(state);
     m_first.free();
-    EXPECT_EQ(guestsText(), L"a guest's 2");
+    EXPECT_EQ(modulesText(), L"a module's 2");
 }
 
 TEST_F(Resources, MayLieInAFileMappedForThemAlone) {
@@ -111,8 +111,8 @@ TEST_F(Resources, MayLieInAFileMappedForThemAlone) {
     ::GetModuleFileNameW(m_first.handle(), path, MAX_PATH);
     const HMODULE file = ::LoadLibraryExW(path, nullptr, LOAD_LIBRARY_AS_DATAFILE);
     AfxSetResourceHandle(file);
-    EXPECT_EQ(text(IDS_FIRST_GUEST), L"of guest 1 alone");
-    EXPECT_EQ(finder(L"FIRSTGUEST"), file);
+    EXPECT_EQ(text(IDS_FIRST_MODULE), L"of module 1 alone");
+    EXPECT_EQ(finder(L"FIRSTMODULE"), file);
     AfxSetResourceHandle(nullptr);
     ::FreeLibrary(file);
 }
@@ -121,10 +121,10 @@ TEST_F(Resources, MayLieInAnotherModuleThanTheClasses) {
     AFX_EXTENSION_MODULE state = m_second.state();
     state.hResource = m_first.handle();
     const CDynLinkLibrary link(state);
-    EXPECT_EQ(guestsText(), L"a guest's 1");
+    EXPECT_EQ(modulesText(), L"a module's 1");
 }
 
-TEST_F(Resources, ThatNobodyHasAreLeftToTheCurrentModule) {
+TEST_F(Resources, ThatNoModuleHasAreLookedUpInTheCurrentOne) {
     EXPECT_EQ(finder(L"NOSUCHTHING"), m_program);
     AfxSetResourceHandle(m_second.handle());
     EXPECT_EQ(finder(L"NOSUCHTHING"), m_second.handle());
@@ -133,10 +133,10 @@ TEST_F(Resources, ThatNobodyHasAreLeftToTheCurrentModule) {
 
 TEST_F(Resources, OfOneModuleAreSearchedThereAlone) {
     CString text = L"unchanged";
-    EXPECT_FALSE(text.LoadString(m_second.handle(), IDS_FIRST_GUEST));
+    EXPECT_FALSE(text.LoadString(m_second.handle(), IDS_FIRST_MODULE));
     EXPECT_EQ(text, L"unchanged");
-    EXPECT_TRUE(text.LoadString(m_first.handle(), IDS_FIRST_GUEST));
-    EXPECT_EQ(text, L"of guest 1 alone");
+    EXPECT_TRUE(text.LoadString(m_first.handle(), IDS_FIRST_MODULE));
+    EXPECT_EQ(text, L"of module 1 alone");
 }
 
 TEST_F(Resources, GiveFormats) {
@@ -149,9 +149,9 @@ TEST_F(Resources, GiveFormats) {
 
 TEST_F(Resources, GiveTheTextsOfMessageBoxes) {
     MessageBoxWatch watch(IDYES);
-    EXPECT_EQ(AfxMessageBox(IDS_GUESTS, MB_YESNO), IDYES);
+    EXPECT_EQ(AfxMessageBox(IDS_MODULES, MB_YESNO), IDYES);
     ASSERT_EQ(watch.boxes().size(), 1u);
-    EXPECT_EQ(watch.boxes()[0].text, L"a guest's 2");
+    EXPECT_EQ(watch.boxes()[0].text, L"a module's 2");
 }
 
 TEST(AfxMessageBox, ShowsTheTextUnderTheProgramsName) {

@@ -19,7 +19,7 @@ TEST(StringFormat, FollowsPrintf) {
     EXPECT_EQ(formatted(L"%s", L"").GetLength(), 0);
 }
 
-TEST(StringFormat, GivesTextsOfAnyLength) {
+TEST(StringFormat, ReturnsTextsOfAnyLength) {
     for (const int length : {1, 255, 256, 4096, 100000}) {
         const CString text = formatted(L"%s.", CString(L'x', length).GetString());
         EXPECT_EQ(text.GetLength(), length + 1);

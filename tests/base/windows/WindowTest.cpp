@@ -110,7 +110,7 @@ TEST_F(Window, HasItsHandleFromTheFirstMessageToTheLast) {
     EXPECT_TRUE(m_window.alwaysHadItsHandle);
 }
 
-TEST_F(Window, EndsOnceAndMayBeMadeAgain) {
+TEST_F(Window, IsDestroyedOnceAndMayBeCreatedAgain) {
     EXPECT_FALSE(m_window.DestroyWindow());
     ASSERT_TRUE(m_window.create());
     EXPECT_TRUE(m_window.DestroyWindow());
@@ -119,14 +119,14 @@ TEST_F(Window, EndsOnceAndMayBeMadeAgain) {
     expectMade();
 }
 
-TEST_F(Window, EndsWhenSomebodyElseDestroysIt) {
+TEST_F(Window, EndsWhenOtherCodeDestroysIt) {
     ASSERT_TRUE(m_window.create());
     ::DestroyWindow(m_window.m_hWnd);
     EXPECT_EQ(m_window.m_hWnd, nullptr);
     EXPECT_EQ(m_window.ends, 1);
 }
 
-TEST_F(Window, MayDeleteItselfInTheEndEvenOfItsMaking) {
+TEST_F(Window, MayDeleteItselfAtItsEndEvenDuringItsCreation) {
     for (const bool isMade : {true, false}) {
         bool wasDeleted = false;
         auto* window = new TestWindow;
@@ -138,7 +138,7 @@ TEST_F(Window, MayDeleteItselfInTheEndEvenOfItsMaking) {
     }
 }
 
-TEST_F(Window, MayRefuseToBeMade) {
+TEST_F(Window, MayRefuseItsCreation) {
     for (const UINT message : {WM_NCCREATE, WM_CREATE}) {
         m_window.refused = message == WM_NCCREATE ? message : 0;
         m_window.at(message, throwNumber);
@@ -151,7 +151,7 @@ TEST_F(Window, MayRefuseToBeMade) {
     expectMade();
 }
 
-TEST_F(Window, OfAnUnknownClassIsNotMade) {
+TEST_F(Window, OfAnUnknownClassIsNotCreated) {
     EXPECT_FALSE(m_window.create(L"no such class"));
     EXPECT_EQ(m_window.m_hWnd, nullptr);
     // Nor does it take the thread's next window for its own.
@@ -168,7 +168,7 @@ class WindowVeto {
         ::SetWindowsHookExW(WH_CBT, &refuse, nullptr, ::GetCurrentThreadId())};
 };
 
-TEST_F(Window, RefusedByAHookIsNotMade) {
+TEST_F(Window, RefusedByAHookIsNotCreated) {
     {
         const WindowVeto veto;
         expectNotMade();
@@ -176,7 +176,7 @@ TEST_F(Window, RefusedByAHookIsNotMade) {
     expectMade();
 }
 
-TEST_F(Window, TellsOtherThreadsItsHandleWhileItComesAndGoes) {
+TEST_F(Window, ReturnsItsHandleToOtherThreadsWhileItIsCreatedAndDestroyed) {
     std::atomic<bool> isDone = false;
     std::atomic<bool> wasSeen = false;
     std::thread reader([&] {
@@ -206,7 +206,7 @@ TEST_F(Window, LetsNoExceptionThrough) {
     }
 }
 
-TEST_F(Window, ThatCannotPaintIsNotAskedAgain) {
+TEST_F(Window, ThatFailsToPaintIsValidated) {
     ASSERT_TRUE(m_window.createVisible());
     m_window.at(WM_PAINT, throwNumber);
     ::InvalidateRect(m_window.m_hWnd, nullptr, FALSE);
@@ -226,7 +226,7 @@ TEST_F(Window, MayBeAControl) {
     EXPECT_STREQ(text, L"third");
 }
 
-TEST_F(Window, MayMakeAnotherWhileItIsMade) {
+TEST_F(Window, MayCreateAnotherDuringItsCreation) {
     TestWindow inner;
     m_window.at(WM_CREATE, [&] { inner.create(); });
     ASSERT_TRUE(m_window.create());
@@ -236,7 +236,7 @@ TEST_F(Window, MayMakeAnotherWhileItIsMade) {
     EXPECT_EQ(m_window.countOf(WM_CREATE), 1);
 }
 
-TEST_F(Window, GoesWithItsObjectUnlessItIsSomebodyElses) {
+TEST_F(Window, IsDestroyedWithItsObjectUnlessItWasCreatedElsewhere) {
     makeAnothers();
     HWND own = nullptr;
     {
@@ -251,7 +251,7 @@ TEST_F(Window, GoesWithItsObjectUnlessItIsSomebodyElses) {
     EXPECT_TRUE(::IsWindow(m_others));
 }
 
-TEST_F(Window, LetGoOfGoesOnAsItsClassHasMadeIt) {
+TEST_F(Window, ThatIsDetachedHasTheProcedureOfItsClass) {
     ASSERT_TRUE(m_window.create(L"EDIT"));
     m_others = m_window.Detach();
     EXPECT_EQ(m_window.m_hWnd, nullptr);

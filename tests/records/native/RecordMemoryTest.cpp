@@ -109,7 +109,7 @@ TEST_P(RecordMemory, IsBoundedByTheBytesPresentWhateverTheyAnnounce) {
 INSTANTIATE_TEST_SUITE_P(Vectors, RecordMemory, ::testing::ValuesIn(goldenRecords()),
                          [](const auto& vector) { return testNameOf(vector.param); });
 
-TEST(RecordMemoryShortage, AnywhereInAReadIsToldAndLeavesNothing) {
+TEST(RecordMemoryShortage, AnywhereInAReadIsReportedAndLeaksNothing) {
     const Bytes bytes = golden("locks-two").bytes;
     for (size_t allocations = 0;; ++allocations) {
         Loading loading(bytes);
@@ -129,7 +129,7 @@ TEST(RecordMemoryShortage, AnywhereInAReadIsToldAndLeavesNothing) {
     }
 }
 
-TEST(RecordMemoryShortage, AnywhereInACloneGivesNull) {
+TEST(RecordMemoryShortage, AnywhereInACloneReturnsNull) {
     NySeUserPtrArray users;
     for (int i = 0; i < 3; ++i) {
         NySeUser user;
@@ -145,7 +145,7 @@ TEST(RecordMemoryShortage, AnywhereInACloneGivesNull) {
     }
 }
 
-TEST(RecordMemoryShortage, LeavesEveryFinderItsAnswers) {
+TEST(RecordMemoryShortage, DoesNotChangeTheResultsOfFinders) {
     const FilledTables tables;
     for (int i = 0; i < FilledTables::kRecords; ++i) {
         AllocationCount count;
@@ -155,7 +155,7 @@ TEST(RecordMemoryShortage, LeavesEveryFinderItsAnswers) {
     }
 }
 
-TEST(RecordMemoryShortage, GivesNobodyALockThatAnotherHolds) {
+TEST(RecordMemoryShortage, DoesNotGrantALockThatAnotherHolds) {
     FilledTables tables;
     NySeUser second;
     second.setSessionNumber(-7);

@@ -13,7 +13,7 @@ namespace {
 constexpr int kThreads = 4;
 constexpr int kRounds = 20;
 
-TEST(SharedTables, GiveEveryReaderTheRightAnswers) {
+TEST(SharedTables, GiveEveryReaderTheRightResults) {
     const FilledTables tables;
     std::atomic<int> wrong = 0;
     std::vector<std::thread> readers;

@@ -10,9 +10,9 @@ using NyFctWebService::pingWebServer;
 const std::string kVersion = "<VERSION>2.1</VERSION>";
 
 // No failure but that of a read may show a box.
-class OnlineAnswers : public OnlineTest {
+class OnlineReplies : public OnlineTest {
   protected:
-    ~OnlineAnswers() override { EXPECT_EQ(0u, m_watch.boxes().size()); }
+    ~OnlineReplies() override { EXPECT_EQ(0u, m_watch.boxes().size()); }
 
     // The version when `rest` follows `first` only after the library has answered.
     static CString versionBefore(const std::string& first, const std::string& rest) {
@@ -31,7 +31,7 @@ class OnlineAnswers : public OnlineTest {
     MessageBoxWatch m_watch{IDOK};
 };
 
-TEST_F(OnlineAnswers, OfAnyStatusShowThatTheServiceIsThere) {
+TEST_F(OnlineReplies, OfAnyStatusShowThatTheServiceIsRunning) {
     for (const char* status : {"200 OK", "404 Not Found", "500 Internal Server Error"}) {
         const WebServer server(page("", status));
         addresses::production = server.address();
@@ -39,7 +39,7 @@ TEST_F(OnlineAnswers, OfAnyStatusShowThatTheServiceIsThere) {
     }
 }
 
-TEST_F(OnlineAnswers, AreMissingWhereNobodyListensAndWithoutAnAddressThatResolves) {
+TEST_F(OnlineReplies, AreMissingWithoutAListenerOrAnAddressThatResolves) {
     const peers::RefusingPort nobody;
     for (const CString& address :
          {refusingAddress(nobody), CString(L"http://service.nyserver.invalid/"), CString()}) {
@@ -49,7 +49,7 @@ TEST_F(OnlineAnswers, AreMissingWhereNobodyListensAndWithoutAnAddressThatResolve
     }
 }
 
-TEST_F(OnlineAnswers, HoldTheVersionInAnElement) {
+TEST_F(OnlineReplies, HoldTheVersionInAnElement) {
     const std::pair<peers::Script, CString> rows[] = {
         {page("<ANSWER>" + kVersion + "</ANSWER>"), L"2.1"},
         {page(kVersion, "404 Not Found"), L"2.1"},
@@ -62,18 +62,18 @@ TEST_F(OnlineAnswers, HoldTheVersionInAnElement) {
     for (const auto& [answer, version] : rows) EXPECT_EQ(version, versionBy(answer));
 }
 
-TEST_F(OnlineAnswers, CountAsFarAsTheyCameBeforeTheConnectionBroke) {
+TEST_F(OnlineReplies, AreReadAsFarAsTheyArrivedBeforeTheConnectionWasLost) {
     EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 1000)));
     EXPECT_EQ(L"", versionBy(cutPage("<VERSION>2.1", 1000)));
     EXPECT_EQ(L"", versionBy(cutPage("", 1000)));
 }
 
-TEST_F(OnlineAnswers, AreNotBelievedAboutTheirLength) {
+TEST_F(OnlineReplies, MayAnnounceAFalseLength) {
     EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 4000000000)));
     EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 8589934592)));
 }
 
-TEST_F(OnlineAnswers, AreAwaitedUpToTheirFirstBytesAndNoFurther) {
+TEST_F(OnlineReplies, AreAwaitedUpToTheirFirstBytesAndNoFurther) {
     const std::string megabyte(1 << 20, 'x');
     EXPECT_EQ(L"2.1", versionBy(pageInPieces({"", kVersion}, 200)));
     EXPECT_EQ(L"2.1", versionBy(page(kVersion + megabyte)));
@@ -82,7 +82,7 @@ TEST_F(OnlineAnswers, AreAwaitedUpToTheirFirstBytesAndNoFurther) {
     EXPECT_EQ(L"", versionBefore(megabyte, kVersion)) << "only what the first look finds is read";
 }
 
-TEST_F(OnlineAnswers, GiveNoVersionWhenProductionIsDown) {
+TEST_F(OnlineReplies, HaveNoVersionWhenProductionIsDown) {
     const peers::RefusingPort nobody;
     addresses::production = refusingAddress(nobody);
     const WebServer custom(page(kVersion));
@@ -90,19 +90,19 @@ TEST_F(OnlineAnswers, GiveNoVersionWhenProductionIsDown) {
     EXPECT_EQ(0, custom.connections());
 }
 
-TEST_F(OnlineAnswers, GiveNoVersionWhenOnlyProductionIsUp) {
+TEST_F(OnlineReplies, HaveNoVersionWhenOnlyProductionIsUp) {
     const peers::RefusingPort nobody;
     EXPECT_EQ(L"", versionAt(refusingAddress(nobody)));
     EXPECT_EQ((Paths{"/"}), m_production.paths());
 }
 
-TEST_F(OnlineAnswers, GiveAVersionWhateverProductionSays) {
+TEST_F(OnlineReplies, HaveAVersionWhateverProductionReplies) {
     const WebServer production(page("", "503 Service Unavailable"));
     addresses::production = production.address();
     EXPECT_EQ(L"2.1", versionBy(page(kVersion)));
 }
 
-TEST_F(OnlineAnswers, AreMissingWhenMemoryRunsOut) {
+TEST_F(OnlineReplies, AreMissingWhenOutOfMemory) {
     addresses::isMemoryLeft = false;
     EXPECT_FALSE(pingWebServer());
     EXPECT_EQ(L"", version());

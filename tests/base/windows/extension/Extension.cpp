@@ -9,8 +9,8 @@ AFX_EXTENSION_MODULE state = {};
 }  // namespace
 
 // Archives its one number.
-class Guest : public CObject {
-    DECLARE_SERIAL(Guest)
+class Extension : public CObject {
+    DECLARE_SERIAL(Extension)
   public:
     void Serialize(CArchive& ar) override {
         if (ar.IsStoring()) {
@@ -21,26 +21,26 @@ class Guest : public CObject {
     }
 
   private:
-    int m_value = GUEST_NUMBER;
-    char m_bulk[100 * GUEST_NUMBER] = {};
+    int m_value = MODULE_NUMBER;
+    char m_bulk[100 * MODULE_NUMBER] = {};
 };
-IMPLEMENT_SERIAL(Guest, CObject, VERSIONABLE_SCHEMA | 3)
+IMPLEMENT_SERIAL(Extension, CObject, VERSIONABLE_SCHEMA | 3)
 
-// Registered after Guest.
-class LateGuest : public CObject {
-    DECLARE_SERIAL(LateGuest)
+// Registered after Extension.
+class LateExtension : public CObject {
+    DECLARE_SERIAL(LateExtension)
 };
-IMPLEMENT_SERIAL(LateGuest, CObject, 1)
+IMPLEMENT_SERIAL(LateExtension, CObject, 1)
 
 namespace {
 
 // Bears the name of a class that the test program has.
-CRuntimeClass shadow = {"Foo", GUEST_NUMBER, 1, nullptr, nullptr, nullptr};
+CRuntimeClass shadow = {"Foo", MODULE_NUMBER, 1, nullptr, nullptr, nullptr};
 const AFX_CLASSINIT initShadow(&shadow);
 
-#if GUEST_NUMBER == 2
+#if MODULE_NUMBER == 2
 // Bears the name of one that the class library has.
-CRuntimeClass impostor = {"CObArray", GUEST_NUMBER, 1, nullptr, nullptr, nullptr};
+CRuntimeClass impostor = {"CObArray", MODULE_NUMBER, 1, nullptr, nullptr, nullptr};
 const AFX_CLASSINIT initImpostor(&impostor);
 #endif
 
@@ -57,14 +57,14 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
 }
 
 // What a host that is a DLL itself calls.
-extern "C" __declspec(dllexport) void joinGuest() {
+extern "C" __declspec(dllexport) void addModule() {
     new CDynLinkLibrary(state);
 }
 
-extern "C" __declspec(dllexport) void dismissGuest(BOOL all) {
+extern "C" __declspec(dllexport) void removeModule(BOOL all) {
     AfxTermExtensionModule(state, all);
 }
 
-extern "C" __declspec(dllexport) AFX_EXTENSION_MODULE* guestState() {
+extern "C" __declspec(dllexport) AFX_EXTENSION_MODULE* moduleState() {
     return &state;
 }

@@ -1,8 +1,0 @@
-// Identifiers of the texts that the test program and its guests have.
-#pragma once
-
-#define IDS_EVERYWHERE 52000
-#define IDS_FIRST_GUEST 52001  // in the same block of the table as the one above
-#define IDS_GUESTS 52100
-#define IDS_PATTERN 52101
-#define IDS_NOWHERE 52200
