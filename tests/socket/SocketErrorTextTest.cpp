@@ -46,7 +46,9 @@ class SocketErrorTextOf : public testing::Test {
         EXPECT_EQ(::select(0, nullptr, nullptr, &failed, &timeOut), 1);
         return socket;
     }
-    static NySe::UniqueSocket healthy() { return NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0)); }
+    static NySe::UniqueSocket healthy() {
+        return NySe::UniqueSocket(::socket(AF_INET, SOCK_STREAM, 0));
+    }
 
     // The text is the same whether or not the code is asked for.
     static void expectText(NySe::UniqueSocket (*make)(), int code, const wchar_t* text) {
