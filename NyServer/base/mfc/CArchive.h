@@ -56,7 +56,7 @@ class NYBASE_API CArchive {
     // Returns the number of bytes read, less than `count` at the end of the data.
     UINT Read(void* buffer, UINT count);
     // Reads all `count` bytes or throws CArchiveException endOfFile.
-    void EnsureRead(void* buffer, UINT count) {
+    NYBASE_INLINE void EnsureRead(void* buffer, UINT count) {
         if (unreadBytes() < count) [[unlikely]]
             return readInParts(buffer, count);
         std::memcpy(buffer, m_in, count);

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/Mutex.h"
 
 IMPLEMENT_DYNAMIC(CWnd, CObject)
