@@ -4,7 +4,7 @@ void NySeSessionLock::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         ar.Write(&m_fields, sizeof m_fields);
     } else {
-        ar.EnsureRead(&m_fields, sizeof m_fields);
+        ar >> m_fields.lockState >> m_fields.sessionNumber;
     }
 }
 

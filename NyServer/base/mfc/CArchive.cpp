@@ -156,7 +156,7 @@ UINT CArchive::Read(void* buffer, UINT count) {
     return count - left;
 }
 
-void CArchive::readInParts(void* buffer, UINT count) {
+void CArchive::EnsureRead(void* buffer, UINT count) {
     if (Read(buffer, count) != count) {
         AfxThrowArchiveException(CArchiveException::endOfFile, m_strFileName);
     }

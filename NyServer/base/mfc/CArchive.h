@@ -56,12 +56,7 @@ class NYBASE_API CArchive {
     // Returns the number of bytes read, less than `count` at the end of the data.
     UINT Read(void* buffer, UINT count);
     // Reads all `count` bytes or throws CArchiveException endOfFile.
-    NYBASE_INLINE void EnsureRead(void* buffer, UINT count) {
-        if (unreadBytes() < count) [[unlikely]]
-            return readInParts(buffer, count);
-        std::memcpy(buffer, m_in, count);
-        m_in += count;
-    }
+    void EnsureRead(void* buffer, UINT count);
     void Write(const void* buffer, int count);
 
     template <class T>
@@ -163,7 +158,6 @@ class NYBASE_API CArchive {
     // Provides at least `count` unread bytes at m_in, or throws endOfFile; writeOnly when storing.
     void fetch(size_t count);
     bool tryFetch(size_t count);
-    void readInParts(void* buffer, UINT count);
     void openWindow(size_t count);
     void useOwnBuffer();
     void closeWindow() noexcept { m_start = m_in = m_inEnd = m_out = m_outEnd = nullptr; }

@@ -12,10 +12,3 @@
 #else
 #define NYBASE_API __declspec(dllimport)
 #endif
-
-// Exports a member that is defined in the header. GCC exports a class without its inline members.
-#if defined(NYBASE_EXPORTS) && defined(__GNUC__)
-#define NYBASE_INLINE __declspec(dllexport)
-#else
-#define NYBASE_INLINE
-#endif
