@@ -16,5 +16,9 @@ size() { pngtopnm "$1" | pnmfile | sed 's/.*, \(.* by [0-9]*\).*/\1/'; }
 documented=$(size "$root/docs/images/nymonitor.png")
 taken=$(size "$project/picture.png")
 [ "$taken" = "$documented" ] || fail "the picture has $taken points, that of the documents $documented"
+# A window that is not painted compresses to a small file.
+bytes() { stat -c %s "$1"; }
+[ $((2 * $(bytes "$project/picture.png"))) -gt "$(bytes "$root/docs/images/nymonitor.png")" ] ||
+  fail "the picture has $(bytes "$project/picture.png") bytes: its window is not painted"
 
 finish

@@ -206,6 +206,16 @@ TEST_F(Window, LetsNoExceptionThrough) {
     }
 }
 
+TEST_F(Window, FindsItsInvalidAreaWhenItPaints) {
+    ASSERT_TRUE(m_window.createVisible());
+    BOOL isInvalid = FALSE;
+    m_window.at(WM_PAINT, [&] { isInvalid = ::GetUpdateRect(m_window.m_hWnd, nullptr, FALSE); });
+    ::InvalidateRect(m_window.m_hWnd, nullptr, FALSE);
+    ::SendMessageW(m_window.m_hWnd, WM_PAINT, 0, 0);
+    EXPECT_TRUE(isInvalid);
+    m_window.DestroyWindow();
+}
+
 TEST_F(Window, ThatFailsToPaintIsValidated) {
     ASSERT_TRUE(m_window.createVisible());
     m_window.at(WM_PAINT, throwNumber);

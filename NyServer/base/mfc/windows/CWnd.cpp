@@ -79,8 +79,9 @@ struct AfxWindowProcedure {
 
     static LRESULT callSafely(CWnd& object, HWND window, UINT message, WPARAM wParam,
                               LPARAM lParam) noexcept {
-        return NySe::resultOr(answerToException(window, message),
-                              [&] { return object.WindowProc(message, wParam, lParam); });
+        LRESULT result = 0;
+        const auto call = [&] { result = object.WindowProc(message, wParam, lParam); };
+        return NySe::succeeds(call) ? result : answerToException(window, message);
     }
 
     static void attach(CWnd& object, HWND window) {
