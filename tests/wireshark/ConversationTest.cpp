@@ -297,7 +297,7 @@ const Talk listener({asks(request(50)), asks(wireOf<LONG>(52) + wireOf<LONG>(-1)
 
 TEST(WiresharkNotifications, AreReadAsAListenerReadsThem) {
     EXPECT_THAT(listener.lines(), ElementsAre("notification 50",
-                                              "notification 52 of impossible length; getVersion; "
+                                              "notification 52 with an invalid length; getVersion; "
                                               "unknown action; notification 53"));
     EXPECT_TRUE(listener[1].has("bad_length"));
 }
