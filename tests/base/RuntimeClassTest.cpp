@@ -42,6 +42,10 @@ CObject* PASCAL runOutOfMemory() {
     throw std::bad_alloc();
 }
 
+CObject* PASCAL throwMemoryException() {
+    AfxThrowMemoryException();
+}
+
 TEST(RuntimeClass, CreatesObjectsInTheirDefaultStateOrNothing) {
     const std::unique_ptr<CObject> object(RUNTIME_CLASS(SubFoo)->CreateObject());
     ASSERT_NE(object, nullptr);
@@ -52,8 +56,10 @@ TEST(RuntimeClass, CreatesObjectsInTheirDefaultStateOrNothing) {
     EXPECT_EQ(RUNTIME_CLASS(DynamicOnly)->CreateObject(), nullptr);
     EXPECT_EQ(RUNTIME_CLASS(CObject)->CreateObject(), nullptr);
     EXPECT_EQ(RUNTIME_CLASS(Unmakeable)->CreateObject(), nullptr);
-    const CRuntimeClass poor = {"Poor", 8, 1, &runOutOfMemory, nullptr, nullptr};
-    EXPECT_EQ(poor.CreateObject(), nullptr);
+    for (const auto create : {&runOutOfMemory, &throwMemoryException}) {
+        const CRuntimeClass poor = {"Poor", 8, 1, create, nullptr, nullptr};
+        EXPECT_EQ(poor.CreateObject(), nullptr);
+    }
 }
 
 TEST(Objects, AreAllocatedByEveryFormOfNew) {
