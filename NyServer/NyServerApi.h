@@ -1,4 +1,4 @@
-// What every header of NyServerDll shares: the export macro and the rules of the module's boundary.
+// What every header of the library shares: the export macro and the rules of the module's boundary.
 //
 //  1. No exception leaves an exported function that talks to a socket, a window or a file: failures
 //     are return values. The archive operations of records and tables throw the class library's own
@@ -18,6 +18,8 @@
 #define NYSERVER_API __declspec(dllexport)
 #elif defined(NYSERVER_STATIC)
 #define NYSERVER_API
+#elif defined(NYSERVER_VISIBLE)
+#define NYSERVER_API __attribute__((visibility("default")))
 #else
 #define NYSERVER_API __declspec(dllimport)
 #endif

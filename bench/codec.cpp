@@ -198,12 +198,10 @@ void addLocks() {
     addBorrowedLocks("W1/encode/library-borrowed", &BorrowedLocks::borrow);
     addBorrowedLocks("W1/encode/library-shuffled", &BorrowedLocks::borrowShuffled);
     addLockEncoding<LocksAfterALock>("W1/encode/library-after-lock", [](const auto&) { return 0; });
-#ifndef _WIN32
     addLockEncoding<LockCodec>("W1/encode/library-among-4", [](const NySeLockArray& table) {
         constexpr size_t others = 3;
         return Writers(table, others);
     });
-#endif
 }
 
 template <class Codec>

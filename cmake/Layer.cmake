@@ -6,15 +6,15 @@
 #
 # Objects, not archives: a linker would omit the records, whose classes register themselves.
 
-# ny_module(MODULE): NY<MODULE>_EXPORTS and NY<MODULE>_STATIC are the values of its export macro in this build; a user
-# of the DLL defines neither.
+# ny_module(MODULE): NY<MODULE>_EXPORTS, in the DLL, and NY<MODULE>_VISIBLE, where libraries export by visibility, select
+# the export macro of this build; a user of the DLL defines neither.
 function(ny_module module)
   add_library(ny${module}_headers INTERFACE)
   add_library(ny${module} INTERFACE)
   target_link_libraries(ny${module} INTERFACE ny${module}_headers)
   if(NOT WIN32)
-    string(TOUPPER ny${module}_STATIC static)
-    target_compile_definitions(ny${module}_headers INTERFACE ${static})
+    string(TOUPPER ny${module}_VISIBLE visible)
+    target_compile_definitions(ny${module}_headers INTERFACE ${visible})
   endif()
 endfunction()
 
@@ -38,8 +38,10 @@ function(ny_layer layer module)
   cmake_parse_arguments(arg "" "" "SOURCES;HEADERS" ${ARGN})
   if(NOT TARGET ny_${layer})
     add_library(ny_${layer} OBJECT)
-    set_target_properties(ny_${layer} PROPERTIES UNITY_BUILD ${NY_UNITY})
-    if(WIN32)
+    set_target_properties(ny_${layer} PROPERTIES UNITY_BUILD ${NY_UNITY} POSITION_INDEPENDENT_CODE ON)
+    if(NOT WIN32)
+      set_target_properties(ny_${layer} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    else()
       string(TOUPPER ny${module}_EXPORTS exports)
       target_compile_definitions(ny_${layer} PRIVATE ${exports})
     endif()

@@ -9,12 +9,6 @@ namespace {
 constexpr int kConnected = 0;
 constexpr int kNotConnected = 90;
 
-void switchOffNagle(SOCKET socket) {
-    // A request without a reply must not delay the next one.
-    const BOOL on = TRUE;
-    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
-}
-
 // Suspends a table's ownership of its records until the scope ends.
 class OwnershipPause {
   public:
@@ -46,7 +40,8 @@ int NySeClientApp::connect(int port, const char* address, int) {
     const int result =
         m_socket->Connect(static_cast<unsigned int>(port), address, -1, AF_INET, SOCK_STREAM);
     if (result != UTE_SUCCESS) return kNotConnected;
-    switchOffNagle(m_socket->GetSocket());
+    // A request without a reply must not delay the next one.
+    port::setNoDelay(m_socket->GetSocket());
     return kConnected;
 }
 
@@ -61,7 +56,7 @@ int NySeClientApp::IsConnected() {
 }
 
 unsigned NySeClientApp::getPort() const {
-    return ::ntohs(m_socket->getsockAddr().sin_port);
+    return ntohs(m_socket->getsockAddr().sin_port);
 }
 
 CString NySeClientApp::getStrAddress() const {
@@ -69,9 +64,7 @@ CString NySeClientApp::getStrAddress() const {
 }
 
 CString NySeClientApp::getHostName() const {
-    WCHAR name[255];
-    DWORD length = 255;
-    return ::GetComputerNameW(name, &length) ? CString(name) : CString();
+    return NySe::resultOr(CString(), [] { return CString(port::computerName().c_str()); });
 }
 
 int NySeClientApp::sendBinary(const void* data, int length) {

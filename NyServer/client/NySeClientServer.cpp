@@ -1,6 +1,15 @@
 // The requests about the server itself: its information and its administration.
+#include <algorithm>
+#include <string>
+
 #include "NyServer/client/ClientExchange.h"
 #include "NyServer/client/ServerInformation.h"
+
+CString serverinformation::labelledLine(const CString& label, const CString& value) {
+    constexpr int kLabelWidth = 30;
+    const CString padding(_T(' '), std::max(kLabelWidth - label.GetLength(), 0));
+    return label + padding + _T("\t: ") + value;
+}
 
 long NySeClientApp::getCurrentTime() {
     return request(NySe::actionGetCurrentTime) ? receiveScalar<LONG>(0) : 0;
@@ -15,8 +24,7 @@ CString NySeClientApp::getMachineIdentifiant() {
 void NySeClientApp::getServerInformation(CStringArray& report) {
     using serverinformation::labelledLine;
     const CString time = serverinformation::timeText(getCurrentTime());
-    CString port;
-    port.Format(_T("%ld"), static_cast<long>(getPort()));
+    const CString port(std::to_string(getPort()).c_str());
     const CString rule(_T('#'), 52);
 
     report.RemoveAll();

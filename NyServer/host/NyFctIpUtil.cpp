@@ -1,22 +1,23 @@
 #include "NyServer/host/NyFctIpUtil.h"
 
+#include "NyServer/base/port/Port.h"
 #include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/host/MachineIdentity.h"
 
 namespace {
 
-// One start of Windows Sockets, cleaned up if it succeeded.
-class WinsockStart {
+// One start of the socket functions, balanced if it succeeded.
+class SocketStart {
   public:
-    WinsockStart() {
+    SocketStart() {
         WSADATA data;
-        m_isStarted = ::WSAStartup(MAKEWORD(2, 0), &data) == 0;
+        m_isStarted = port::startSockets(data);
     }
-    ~WinsockStart() {
-        if (m_isStarted) ::WSACleanup();
+    ~SocketStart() {
+        if (m_isStarted) port::stopSockets();
     }
-    WinsockStart(const WinsockStart&) = delete;
-    WinsockStart& operator=(const WinsockStart&) = delete;
+    SocketStart(const SocketStart&) = delete;
+    SocketStart& operator=(const SocketStart&) = delete;
 
     explicit operator bool() const { return m_isStarted; }
 
@@ -24,55 +25,31 @@ class WinsockStart {
     bool m_isStarted;
 };
 
-// REQUIRES: Windows Sockets are started.
+// REQUIRES: the socket functions are started.
 CString firstAddressOf(const char* hostName) {
-    const hostent* host = ::gethostbyname(hostName);
-    if (host == nullptr || host->h_addr_list[0] == nullptr) return {};
-    in_addr address;
-    memcpy(&address, host->h_addr_list[0], sizeof address);
-    return CString(::inet_ntoa(address));
+    in_addr address{};
+    return port::lookUpAddress(hostName, address) ? CString(inet_ntoa(address)) : CString();
 }
 
-// A host name in the form that look-ups take.
-struct HostName {
-    static constexpr int kSize = 256;  // bytes, with the terminator
-
-    // Returns false if it does not fit.
-    bool convert(const CString& name) {
-        return ::WideCharToMultiByte(CP_ACP, 0, name, -1, text, kSize, nullptr, nullptr) != 0;
-    }
-
-    // No effect while Windows Sockets are not started.
-    void takeLocal() { ::gethostname(text, kSize); }
-
-    char text[kSize] = "";
-};
-
-CString computerName() {
-    wchar_t name[255] = L"";
-    DWORD size = 255;
-    ::GetComputerNameW(name, &size);
-    return CString(name);
-}
+constexpr int kNameSize = 256;  // bytes of a host name, with the terminator
 
 CString localAddress() {
-    const WinsockStart winsock;
-    if (!winsock) return {};
-    char name[255];
-    if (::gethostname(name, sizeof name) != 0) return {};
-    return firstAddressOf(name);
+    const SocketStart sockets;
+    if (!sockets) return {};
+    char name[kNameSize - 1];
+    return port::localHostName(name, sizeof name) ? firstAddressOf(name) : CString();
 }
 
 CString addressOf(const CString& hostName) {
-    HostName name;
-    if (hostName.CompareNoCase(L"localhost") == 0) {
-        name.takeLocal();
-    } else if (!name.convert(hostName)) {
+    char name[kNameSize] = "";
+    if (hostName.CompareNoCase(_T("localhost")) == 0) {
+        // Has no effect while the socket functions are not started.
+        port::localHostName(name, sizeof name);
+    } else if (!port::toSystemText(hostName.GetString(), name, sizeof name)) {
         return {};
     }
-    const WinsockStart winsock;
-    if (!winsock) return {};
-    return firstAddressOf(name.text);
+    const SocketStart sockets;
+    return sockets ? firstAddressOf(name) : CString();
 }
 
 }  // namespace
@@ -87,13 +64,11 @@ CString NyFctIpUtil::_getIpAddressFromHostName(const CString& hostName) {
 
 CString NyFctIpUtil::getStrMachineID() {
     // The result is not used; the query itself is visible to name services and must be made.
-    NySe::resultOr(CString(), [] { return addressOf(computerName()); });
+    NySe::resultOr(CString(), [] { return addressOf(CString(port::computerName().c_str())); });
     CString identity = NySe::resultOr(CString(), [] {
-        const auto adapters = machineidentity::readAdapters();
-        return machineidentity::identityOf(adapters.data(), _getIpAddress(), L"C");
+        return machineidentity::hardwareAddress(port::adapters(), _getIpAddress(), _T("-"));
     });
-    // This needs less memory than the adapters do.
-    if (identity.IsEmpty())
-        identity = NySe::resultOr(CString(), [] { return machineidentity::volumeSerial(L"C"); });
-    return identity;
+    if (!identity.IsEmpty()) return identity;
+    return NySe::resultOr(CString(),
+                          [] { return machineidentity::serialText(port::systemVolumeSerial()); });
 }

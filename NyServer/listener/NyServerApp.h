@@ -14,15 +14,21 @@
 // and ignored.
 #pragma once
 
-#include <afxwin.h>
+#include <afx.h>
 
 #include <atomic>
+#include <functional>
+#include <memory>
 
 #include "NyServer/detail/ThreadAnnotations.h"
+#include "NyServer/framing/NySeActions.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSServer.h"
 
-// The host sets a window and a port, and then calls Start.
+class CWnd;
+class NotificationQueue;
+
+// The host sets a window, or a function, and a port, and then calls Start.
 //
 // For a message NySe::_TM_NYSERVERMESSAGE, wParam is the size of a block in bytes and lParam its
 // address. The window procedure reads the message file there, frees the block with
@@ -43,8 +49,8 @@
 // to the window. Messages may still be in the window's queue when the listener is destroyed: the
 // host first empties the queue, or passes NyServerNotification a null listener from then on.
 //
-// REQUIRES: the destructor of a derived class that overrides a virtual function calls
-// endConnections.
+// REQUIRES: the destructor of a derived class that overrides a virtual function, or whose members
+// the receiver uses, calls endConnections.
 class NYSERVER_API NyServerApp : public CUT_WSServer {
   public:
     NyServerApp();
@@ -52,7 +58,8 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // Waits for all workers, without a limit. A worker between messages ends within 100 ms. One
     // whose peer leaves a message unfinished ends 30 s after the last byte, so a peer that sends
     // single bytes delays it for as long as it does so; an answer that the peer does not read takes
-    // up to 30 s more. REQUIRES: not called on the thread of a worker.
+    // up to 30 s more. Then waits until the receiver, if one is set, has been called with every
+    // notification that waits. REQUIRES: not called on the thread of a worker or by the receiver.
     ~NyServerApp() override;
 
     // Listens at the port number on all interfaces, with a queue of 5, and accepts. Returns
@@ -60,13 +67,28 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // successful Start until StopAccept, returns UTE_ERROR and changes nothing.
     int Start();
 
-    // Sets the window that receives the notifications. If it is null or has no window handle,
-    // notifications are discarded. Each call resets the count of messages to 0 and lets the workers
-    // continue, even for the same object, whose window may be a new one: messages that the old
-    // window has not consumed are no longer counted. Messages that the old window reports as
+    // Windows only. Sets the window that receives the notifications. If it is null or has no window
+    // handle, notifications are discarded. Each call resets the count of messages to 0 and lets the
+    // workers continue, even for the same object, whose window may be a new one: messages that the
+    // old window has not consumed are no longer counted. Messages that the old window reports as
     // consumed later are subtracted from the count of the new one.
     void setAppWnd(CWnd* window);
     NYSERVER_INLINE CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
+
+    // Receives a notification. `payload` is what the central server sent, positioned at its start;
+    // it cannot grow, and is valid during the call. `action` is noAction, with an empty payload,
+    // for a file that the host posted itself and that contains no notification.
+    using Receiver = std::function<void(NySe::ActionType action, CMemFile& payload)>;
+
+    // Sets the function that receives the notifications in place of a window; null for none. It is
+    // called on a thread of the listener, with one notification at a time, in the order of their
+    // arrival. Exceptions of the function are discarded. A notification counts as consumed when the
+    // function returns, so that back pressure is the same as with a window. Discards notifications
+    // that wait for the previous function, waits for its running call, during which the new one may
+    // be called already, and resets the count as setAppWnd does; what the previous function
+    // consumes is not subtracted from the count of the new one. Returns false, with nothing
+    // changed, if out of memory or threads. REQUIRES: not called by the function.
+    bool setReceiver(Receiver receiver);
 
     // The port on which Start listens, in host order.
     NYSERVER_INLINE void setPortNumber(unsigned short port) { m_portNumber = port; }
@@ -91,11 +113,11 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     static CString _getIpAdress();
     static CString _getIpAdressByName(const CString& name);
 
-    // Moves the content of `file` into a block and posts the block to the window; `file` is empty
-    // afterwards. Without a window, or if the block cannot be allocated, the notification is
-    // discarded and `file` keeps its content; if the window is destroyed during the call, the
-    // content is lost too. A message that the system refuses is counted like a posted one.
-    // REQUIRES: the block of `file` was allocated with malloc, as CMemFile does.
+    // Moves the content of `file` into a block and posts the block to the window, or passes it to
+    // the receiver; `file` is empty afterwards. Without a window or receiver, or if out of memory,
+    // the notification is discarded and `file` keeps its content; if the window is destroyed during
+    // the call, the content is lost too. A message that the system refuses is counted like a posted
+    // one. REQUIRES: the block of `file` was allocated with malloc, as CMemFile does.
     void postMessageToMainFrame(unsigned int message, CMemFile& file);
 
     // Counts one message as posted, and pauses the workers if too many are waiting.
@@ -123,14 +145,19 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     long getPostMessageLimit() NY_REQUIRES(this);
 
     // Sets the shut-down flag, stops accepting, and waits as the destructor does. Afterwards no
-    // thread of the listener calls its virtual functions.
+    // thread of the listener calls its virtual functions or the receiver.
     void endConnections();
 
   private:
     friend class NyServerNotification;
 
+    static DWORD systemPostMessageLimit();
     HWND appWindow();
     bool post(unsigned int message, DWORD size, void* address);
+    void postToWindow(unsigned int message, CMemFile& file);
+    std::unique_ptr<NotificationQueue> replaceQueue(std::unique_ptr<NotificationQueue> next);
+    bool putIntoQueue(CMemFile& file);
+    void countConsumed(const NotificationQueue& queue);
     void resetPostMsgCount() NY_REQUIRES(this);
     void consumeEmptyMessage();
 
@@ -142,4 +169,5 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     long m_postMsgLimit NY_GUARDED_BY(this) = -1;
     int m_emptyMsgCount NY_GUARDED_BY(this) = 0;  // posted messages without a block
     std::atomic<unsigned int> m_longestBody = 64 * 1024 * 1024;
+    std::unique_ptr<NotificationQueue> m_queue NY_GUARDED_BY(this);  // null without a receiver
 };

@@ -2,7 +2,7 @@
 
 #include <afx.h>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/NyServerApi.h"
 

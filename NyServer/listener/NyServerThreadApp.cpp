@@ -18,17 +18,14 @@ constexpr UINT kGrowBytes = 1024;
 }  // namespace
 
 NyServerThreadApp::NyServerThreadApp(NyServerApp* server)
-    : m_server(server),
-      m_currentAction(NySe::noAction),
-      m_isPaused(false),
-      m_released(::CreateEventW(nullptr, TRUE, TRUE, nullptr)) {
-    ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_NORMAL);
+    : m_server(server), m_currentAction(NySe::noAction), m_isPaused(false) {
+    port::useNormalPriority();
 }
 
 void NyServerThreadApp::setPaused(bool isPaused) {
-    if (isPaused) ::ResetEvent(m_released.get());
+    if (isPaused) m_released.reset();
     m_isPaused.store(isPaused, std::memory_order_relaxed);
-    if (!isPaused) ::SetEvent(m_released.get());
+    if (!isPaused) m_released.set();
 }
 
 // Idle rounds are counted from the last check of the peer, not from the last message.
@@ -56,8 +53,7 @@ bool NyServerThreadApp::awaitMessage() {
 // If data is available, waiting for the socket takes no time; then this wait is the length of a
 // round.
 bool NyServerThreadApp::awaitRelease() {
-    const DWORD result = ::WaitForSingleObject(m_released.get(), kRoundMilliseconds);
-    if (result == WAIT_FAILED) ::Sleep(kRoundMilliseconds);  // the event could not be created
+    m_released.wait(kRoundMilliseconds);
     return !isPaused();
 }
 
@@ -75,7 +71,7 @@ NyServerThreadApp::Round NyServerThreadApp::receiveMessage() {
 // A header may arrive in pieces. `firstTimeOut`, in seconds, applies to the first receive;
 // `timeOut`, in milliseconds, to all of them together.
 int NyServerThreadApp::collect(int& value, int firstTimeOut, int timeOut) {
-    const ULONGLONG deadline = ::GetTickCount64() + static_cast<ULONGLONG>(timeOut);
+    const ULONGLONG deadline = port::milliseconds() + static_cast<ULONGLONG>(timeOut);
     return NySe::collect(value, [&](char* buffer, int count) {
         if (count == int{sizeof value}) return Receive(buffer, count, firstTimeOut);
         return awaitRest(deadline) ? Receive(buffer, count, 0) : 0;
@@ -84,7 +80,7 @@ int NyServerThreadApp::collect(int& value, int firstTimeOut, int timeOut) {
 
 // Data that has arrived is received after the deadline, too.
 bool NyServerThreadApp::awaitRest(ULONGLONG deadline) {
-    const ULONGLONG now = ::GetTickCount64();
+    const ULONGLONG now = port::milliseconds();
     const long left = now < deadline ? static_cast<long>(deadline - now) : 0;
     return WaitForReceive(left / 1000, left % 1000 * 1000) == UTE_SUCCESS;
 }

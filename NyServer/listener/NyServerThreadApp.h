@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_WSThread.h"
 
@@ -53,5 +53,5 @@ class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
     NyServerApp* m_server;
     int m_currentAction;
     std::atomic<bool> m_isPaused;
-    NySe::UniqueKernelHandle m_released;  // an event, set while the worker is not paused
+    port::Event m_released{true};  // set while the worker is not paused
 };

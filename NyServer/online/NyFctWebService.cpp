@@ -1,7 +1,8 @@
 #include "NyServer/online/NyFctWebService.h"
 
-#include "NyServer/detail/ExceptionBoundary.h"
+#include <string>
 
+#include "NyServer/detail/ExceptionBoundary.h"
 #include "NyServer/online/ElementText.h"
 #include "NyServer/online/ServiceAddress.h"
 #include "NyServer/online/WebPage.h"
@@ -19,7 +20,7 @@ struct Settings {
 Settings settings;
 
 CString versionIn(const CString& answer) {
-    return answer.IsEmpty() ? CString() : elementText(answer, L"VERSION");
+    return answer.IsEmpty() ? CString() : elementText(answer, _T("VERSION"));
 }
 
 }  // namespace
@@ -27,8 +28,8 @@ CString versionIn(const CString& answer) {
 bool pingWebServer() {
     return NySe::resultOr(false, [] {
         const WebPage page{
-            serviceAddress(settings.type, *settings.customUrl) + L"_Utilities/Ping.aspx",
-            L"nyWebServerPing.xml"};
+            serviceAddress(settings.type, *settings.customUrl) + _T("_Utilities/Ping.aspx"),
+            _T("nyWebServerPing.xml")};
         CString text;
         return fetchPage(page, FetchMode::reachability, text);
     });
@@ -36,9 +37,10 @@ bool pingWebServer() {
 
 CString getOnlineVersionFromSoftwareID(long softwareId) {
     return NySe::resultOr(CString(), [softwareId] {
-        WebPage page{{}, L"nyOnlineVersion.xml"};
-        page.url.Format(L"%s%s%ld", serviceAddress(settings.type, *settings.customUrl).GetString(),
-                        L"_Utilities/Version.aspx?sid=", softwareId);
+        const WebPage page{serviceAddress(settings.type, *settings.customUrl) +
+                               _T("_Utilities/Version.aspx?sid=") +
+                               CString(std::to_string(softwareId).c_str()),
+                           _T("nyOnlineVersion.xml")};
         CString answer;
         return fetchPage(page, FetchMode::download, answer) ? versionIn(answer) : CString();
     });

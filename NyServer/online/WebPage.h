@@ -1,15 +1,9 @@
-// A page of the web service, fetched with WinINet. Not exported.
+// A page of the web service. Not exported. It is fetched with WinINet on Windows, where this is
+// part of the library. Elsewhere it is fetched with libcurl, and this is part of an archive of its
+// own, so that the library depends on nothing but the platform.
 #pragma once
 
 #include <afx.h>
-
-#include "NyServer/base/detail/UniqueHandle.h"
-#include "NyServer/base/WindowsPrelude.h"
-// After windows.h.
-#include <wininet.h>
-
-// Sessions and opened addresses.
-using UniqueInternetHandle = NySe::UniqueHandle<HINTERNET, ::InternetCloseHandle>;
 
 struct WebPage {
     CString url;
@@ -21,7 +15,7 @@ enum class FetchMode {
     download       // the page's text, if the production service can be opened
 };
 
-// Fetches a page and shows the wait cursor. On success returns true, and a download has appended
-// the page's text to `text`. On failure returns false with `text` not changed. Throws
+// Fetches a page and, on Windows, shows the wait cursor. On success returns true, and a download
+// has appended the page's text to `text`. On failure returns false with `text` not changed. Throws
 // std::bad_alloc.
 bool fetchPage(const WebPage& page, FetchMode mode, CString& text);

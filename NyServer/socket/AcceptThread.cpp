@@ -3,25 +3,12 @@
 
 #include "NyServer/socket/AcceptThread.h"
 
-#include <process.h>
-
 #include "NyServer/socket/ServerConnection.h"
 
 namespace {
 
 constexpr DWORD kRetryPause = 20;  // ms
 constexpr unsigned kAbortedWithoutPause = 64;
-
-HANDLE asHandle(uintptr_t thread) {
-    return reinterpret_cast<HANDLE>(thread);
-}
-
-NySe::UniqueKernelHandle duplicate(HANDLE handle) {
-    HANDLE copy = nullptr;
-    ::DuplicateHandle(::GetCurrentProcess(), handle, ::GetCurrentProcess(), &copy, 0, FALSE,
-                      DUPLICATE_SAME_ACCESS);
-    return NySe::UniqueKernelHandle(copy);
-}
 
 bool isOutOfResources(int error) {
     return error == WSAEMFILE || error == WSAENOBUFS;
@@ -36,24 +23,13 @@ bool isAbortedConnection(int error) {
 
 uintptr_t CUT_WSServer::AcceptThread::start(const std::shared_ptr<AcceptThread>& accepting) {
     accepting->m_self = accepting;
-    const uintptr_t thread = ::_beginthread(threadMain, 0, accepting.get());
-    if (thread == kNoThread)
-        accepting->m_self.reset();
-    else
-        accepting->m_thread = duplicate(asHandle(thread));
+    const uintptr_t thread = accepting->m_thread.start(threadMain, accepting.get());
+    if (thread == port::kNoThread) accepting->m_self.reset();
     return thread;
 }
 
 bool CUT_WSServer::AcceptThread::waitForEnd(DWORD milliseconds) const {
-    return ::WaitForSingleObject(m_thread.get(), milliseconds) == WAIT_OBJECT_0;
-}
-
-void CUT_WSServer::AcceptThread::terminate(uintptr_t startedThread, DWORD milliseconds) {
-    if (!::TerminateThread(asHandle(startedThread), 1) || !waitForEnd(milliseconds)) return;
-    const NySe::UniqueKernelHandle notClosedByTheThread(asHandle(startedThread));
-    m_rundown->leave(m_entry);
-    closeAccepted();
-    m_self.reset();
+    return m_thread.waitForEnd(milliseconds);
 }
 
 void CUT_WSServer::AcceptThread::threadMain(void* accepting) {
@@ -70,7 +46,7 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
     if (m_server.m_stopRequested == 1) {
         m_server.m_accepting = 0;
         m_server.m_stopRequested = 0;
-        m_server.m_acceptThreadHandle = kNoThread;
+        m_server.m_acceptThreadHandle = port::kNoThread;
         return false;
     }
     listener = m_server.m_listenSocket;
@@ -80,9 +56,8 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
 // Returns false to end the thread.
 bool CUT_WSServer::AcceptThread::acceptNext(SOCKET listener) {
     sockaddr_in peer{};
-    int length = sizeof peer;
-    m_accepted.reset(::accept(listener, reinterpret_cast<sockaddr*>(&peer), &length));
-    if (!m_accepted && mayAcceptAgain(::WSAGetLastError())) return true;
+    m_accepted.reset(port::acceptFrom(listener, peer));
+    if (!m_accepted && mayAcceptAgain(port::lastSocketError())) return true;
     if (!keepsAccepted()) return false;
     if (isAllowed(peer))
         startConnection(listener, peer);
@@ -96,7 +71,7 @@ bool CUT_WSServer::AcceptThread::acceptNext(SOCKET listener) {
 bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
     if (!isOutOfResources(error) && !isAbortedConnection(error)) return false;
     if (isOutOfResources(error) || ++m_abortedConnections % kAbortedWithoutPause == 0)
-        ::Sleep(kRetryPause);
+        port::sleep(kRetryPause);
     return true;
 }
 
@@ -108,7 +83,7 @@ bool CUT_WSServer::AcceptThread::keepsAccepted() {
     const bool isOurs = isCurrent();
     if (m_accepted && isOurs && m_server.m_stopRequested != 1) return true;
     closeAccepted();
-    if (isOurs) m_server.m_acceptThreadHandle = kNoThread;
+    if (isOurs) m_server.m_acceptThreadHandle = port::kNoThread;
     return false;
 }
 

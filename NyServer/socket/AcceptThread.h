@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/socket/CUT_WSServer.h"
 #include "NyServer/socket/RundownProtection.h"
 #include "NyServer/socket/SocketCalls.h"
@@ -23,17 +23,17 @@ class CUT_WSServer::AcceptThread {
     explicit AcceptThread(CUT_WSServer& server) : m_server(server), m_rundown(server.m_rundown) {}
 
     // Starts the thread, which keeps `accepting` alive. It does nothing before the caller releases
-    // the lock. Returns the result of _beginthread, -1 on failure. REQUIRES: the caller holds the
-    // RundownProtection::Lock.
+    // the lock. Returns the number of the thread, port::kNoThread on failure. REQUIRES: the caller
+    // holds the RundownProtection::Lock.
     static uintptr_t start(const std::shared_ptr<AcceptThread>& accepting);
 
     // Returns whether the thread ended within the time.
     bool waitForEnd(DWORD milliseconds) const;
 
-    // Terminates the thread and, if it ended within the time, releases what it held. Failures are
-    // ignored: the thread then ends by itself, because the listening socket is closed. REQUIRES:
-    // the caller holds the RundownProtection::Lock, and the thread has not removed itself from the
-    // server.
+    // Terminates the thread, where the platform can, and, if it ended within the time, releases
+    // what it held. Failures are ignored: the thread then ends by itself, because the listening
+    // socket is closed. REQUIRES: the caller holds the RundownProtection::Lock, and the thread has
+    // not removed itself from the server.
     void terminate(uintptr_t startedThread, DWORD milliseconds);
 
   private:
@@ -52,8 +52,7 @@ class CUT_WSServer::AcceptThread {
 
     CUT_WSServer& m_server;
     std::shared_ptr<RundownProtection> m_rundown;
-    // A handle of our own: the one that _beginthread returns is closed when the thread ends.
-    NySe::UniqueKernelHandle m_thread;
+    port::Thread m_thread;
     NySe::UniqueSocket m_accepted;
     unsigned m_abortedConnections = 0;
     RundownProtection::Entry m_entry;

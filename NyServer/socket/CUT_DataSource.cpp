@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Platform.h"
 
 namespace {
 

@@ -8,10 +8,10 @@
 
 namespace {
 
-std::wstring withoutOuterSpaces(std::wstring_view path) {
-    size_t first = path.find_first_not_of(L' ');
-    if (first == std::wstring_view::npos) return {};
-    return std::wstring(path.substr(first, path.find_last_not_of(L' ') - first + 1));
+std::basic_string<WCHAR> withoutOuterSpaces(std::basic_string_view<WCHAR> path) {
+    size_t first = path.find_first_not_of(_T(' '));
+    if (first == path.npos) return {};
+    return std::basic_string<WCHAR>(path.substr(first, path.find_last_not_of(_T(' ')) - first + 1));
 }
 
 }  // namespace
@@ -23,12 +23,11 @@ CUT_File::~CUT_File() {
     CUT_File::Close();
 }
 
-int CUT_File::Open(const wchar_t* path, DWORD access, DWORD disposition, int append) {
+int CUT_File::Open(const WCHAR* path, DWORD access, DWORD disposition, int append) {
     Close();
     if (!path) return -1;
-    m_handle = NySe::resultOr(INVALID_HANDLE_VALUE, [&] {
-        return CreateFileW(withoutOuterSpaces(path).c_str(), access, FILE_SHARE_READ, nullptr,
-                           disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+    m_handle = NySe::resultOr(port::FileHandle{port::kNoFile}, [&] {
+        return port::openFile(withoutOuterSpaces(path).c_str(), access, disposition);
     });
     if (!IsOpen()) return -1;
     m_append = append;
@@ -36,31 +35,25 @@ int CUT_File::Open(const wchar_t* path, DWORD access, DWORD disposition, int app
 }
 
 int CUT_File::Close() {
-    if (IsOpen()) CloseHandle(m_handle);
-    m_handle = INVALID_HANDLE_VALUE;
+    if (IsOpen()) port::closeFile(m_handle);
+    m_handle = port::kNoFile;
     return 0;
 }
 
 int CUT_File::Read(void* buffer, DWORD count) {
-    DWORD done = 0;
-    if (!IsOpen() || !ReadFile(m_handle, buffer, count, &done, nullptr)) return -1;
-    return static_cast<int>(done);
+    return IsOpen() ? port::readFile(m_handle, buffer, count) : -1;
 }
 
 int CUT_File::Write(const void* buffer, DWORD count) {
     if (!IsOpen()) return -1;
     if (m_append) Seek(0, FILE_END);
-    DWORD done = 0;
-    if (!WriteFile(m_handle, buffer, count, &done, nullptr)) return -1;
-    return static_cast<int>(done);
+    return port::writeFile(m_handle, buffer, count);
 }
 
 long CUT_File::Seek(long offset, DWORD origin) {
-    if (!IsOpen()) return -1;
-    return static_cast<long>(SetFilePointer(m_handle, offset, nullptr, origin));
+    return IsOpen() ? port::seekFile(m_handle, offset, origin) : -1;
 }
 
 long CUT_File::GetSize() {
-    if (!IsOpen()) return -1;
-    return static_cast<long>(GetFileSize(m_handle, nullptr));
+    return IsOpen() ? port::sizeOfFile(m_handle) : -1;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/NyServerApi.h"
 
 // A file handle with an append mode. Owns the handle. One thread at a time may use an object;
@@ -18,7 +18,7 @@ class NYSERVER_API CUT_File {
     // and the disposition of CreateFileW; others may read the file at the same time. If `append` is
     // not 0, each write appends. Returns 0; on failure, or if `path` is null, returns -1 with the
     // file closed.
-    virtual int Open(const wchar_t* path, DWORD access, DWORD disposition, int append);
+    virtual int Open(const WCHAR* path, DWORD access, DWORD disposition, int append);
 
     // Always returns 0. Has no effect on a closed file.
     virtual int Close();
@@ -38,8 +38,8 @@ class NYSERVER_API CUT_File {
     virtual long GetSize();
 
   private:
-    bool IsOpen() const { return m_handle != INVALID_HANDLE_VALUE; }
+    bool IsOpen() const { return m_handle != port::kNoFile; }
 
-    HANDLE m_handle = INVALID_HANDLE_VALUE;
+    port::FileHandle m_handle = port::kNoFile;
     int m_append = 0;
 };

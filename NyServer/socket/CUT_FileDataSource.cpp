@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
-#include <cwchar>
+#include <iterator>
 #include <new>
+#include <string>
 
 namespace {
 
@@ -16,12 +17,14 @@ bool endsLine(char c) {
 
 }  // namespace
 
-CUT_FileDataSource::CUT_FileDataSource(const wchar_t* path, int bufferSize)
+CUT_FileDataSource::CUT_FileDataSource(const WCHAR* path, int bufferSize)
     : m_buffer(new (std::nothrow) char[static_cast<size_t>(std::max(bufferSize, 1))]),
       m_bufferSize(std::max(bufferSize, 1)) {
-    m_path[0] = L'\0';
+    m_path[0] = 0;
     // A truncated path would name another file.
-    if (path && std::wcslen(path) < std::size(m_path)) std::wcscpy(m_path, path);
+    if (!path) return;
+    const std::size_t length = std::char_traits<WCHAR>::length(path);
+    if (length < std::size(m_path)) std::copy_n(path, length + 1, m_path);
 }
 
 CUT_FileDataSource::~CUT_FileDataSource() = default;
@@ -82,7 +85,7 @@ int CUT_FileDataSource::Write(const char* buffer, unsigned int count) {
 }
 
 long CUT_FileDataSource::Seek(long offset, int origin) {
-    if (origin == FILE_CURRENT && m_held > 0) {
+    if (origin == int{FILE_CURRENT} && m_held > 0) {
         long firstUnread = m_file.Seek(0, FILE_CURRENT) - m_held;
         if (firstUnread > 0) m_file.Seek(firstUnread, FILE_BEGIN);
     }

@@ -14,7 +14,7 @@ class NYSERVER_API CUT_FileDataSource : public CUT_DataSource {
     // `bufferSize`, in bytes, limits the length of a line that ReadLine returns in one piece;
     // socket transfers use 4096. If `path` is null or longer than 259 characters, the source cannot
     // be opened.
-    CUT_FileDataSource(const wchar_t* path, int bufferSize);
+    CUT_FileDataSource(const WCHAR* path, int bufferSize);
     ~CUT_FileDataSource() override;
 
     CUT_DataSource* Clone() override;
@@ -50,5 +50,5 @@ class NYSERVER_API CUT_FileDataSource : public CUT_DataSource {
     std::unique_ptr<char[]> m_buffer;
     int m_bufferSize;
     int m_held = 0;
-    wchar_t m_path[MAX_PATH];
+    WCHAR m_path[MAX_PATH];
 };

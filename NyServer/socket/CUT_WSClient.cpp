@@ -1,17 +1,16 @@
 #include "NyServer/socket/CUT_WSClient.h"
 
-#include "NyServer/socket/HostLookUps.h"
 #include "NyServer/socket/SocketCalls.h"
 
 CUT_WSClient::CUT_WSClient() {
-    if (!socketcalls::startWinsock(m_winsockData)) m_winsockStarted = 0;
+    if (!port::startSockets(m_winsockData)) m_winsockStarted = 0;
     applyTimeOuts();
 }
 
 CUT_WSClient::~CUT_WSClient() {
     CUT_WSClient::CloseConnection();
     endLookUps();
-    ::WSACleanup();
+    port::stopSockets();
     dropNotificationWindow();
 }
 
@@ -49,13 +48,11 @@ void CUT_WSClient::applyTimeOuts() {
 }
 
 int CUT_WSClient::SetMaxReceive(int bytes) {
-    return ::setsockopt(m_socket, SOL_SOCKET, SO_RCVBUF, reinterpret_cast<const char*>(&bytes),
-                        sizeof bytes);
+    return port::setSocketOption(m_socket, SO_RCVBUF, &bytes, sizeof bytes);
 }
 
 int CUT_WSClient::SetMaxSend(int bytes) {
-    return ::setsockopt(m_socket, SOL_SOCKET, SO_SNDBUF, reinterpret_cast<const char*>(&bytes),
-                        sizeof bytes);
+    return port::setSocketOption(m_socket, SO_SNDBUF, &bytes, sizeof bytes);
 }
 
 int CUT_WSClient::GetMaxReceive() {
@@ -69,13 +66,12 @@ int CUT_WSClient::GetMaxSend() {
 }
 
 int CUT_WSClient::GetSocketOption(int option, void* value) {
-    int length = 4;
-    return ::getsockopt(m_socket, SOL_SOCKET, option, static_cast<char*>(value), &length);
+    return port::getSocketOption(m_socket, option, value, 4);
 }
 
 int CUT_WSClient::SetSocketOption(int option, void* value) {
     // Callers pass an 8-byte value for every option.
-    return ::setsockopt(m_socket, SOL_SOCKET, option, static_cast<const char*>(value), 8);
+    return port::setSocketOption(m_socket, option, value, 8);
 }
 
 int CUT_WSClient::SetBlockingMode(int mode) {

@@ -3,12 +3,12 @@
 #include <functional>
 #include <memory>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
 #include "NyServer/socket/SocketCodes.h"
 
-class HostLookUps;
+class HostLookUps;  // defined on Windows only
 
 // A stream or datagram socket that connects or receives an accepted connection, and, for hosts that
 // listen with a client object, one listening socket.
@@ -106,7 +106,7 @@ class NYSERVER_API CUT_WSClient {
     virtual int SendAsLine(const char* data, int len, int lineLen);
 
     // Send(CUT_DataSource&) with the file at `path`.
-    virtual int SendFile(const wchar_t* path);
+    virtual int SendFile(const WCHAR* path);
 
     // Sends one datagram of `len` bytes to the remote address and port. `len` receives the number
     // of bytes sent, -1 on failure. Returns UTE_SUCCESS, UTE_SOCK_NOT_OPEN (`len` is not changed)
@@ -129,7 +129,7 @@ class NYSERVER_API CUT_WSClient {
     virtual int Receive(char* buffer, int len, int timeOut);
 
     // Receive(CUT_DataSource&, ...) with the file at `path`.
-    virtual int ReceiveToFile(const wchar_t* path, OpenMsgType type, int timeOut, long maxBytes);
+    virtual int ReceiveToFile(const WCHAR* path, OpenMsgType type, int timeOut, long maxBytes);
 
     // Receives up to and including a line feed, but at most `maxLen` - 1 bytes, and appends a
     // terminator. Nothing after the line feed is consumed. Returns the number of bytes stored. They
@@ -272,7 +272,7 @@ class NYSERVER_API CUT_WSClient {
     int startConnect(long timeOut);
     int finishConnect(long timeOut);
     void dropSocket();
-    int startLookUp(const std::function<HANDLE()>& request);
+    int startLookUp(const std::function<void*()>& request);
     void endLookUps();
     bool dropAnnouncement();
     void dropNotificationWindow();
@@ -280,9 +280,11 @@ class NYSERVER_API CUT_WSClient {
     void fillPorts(unsigned int remotePort);
     void applyTimeOuts();
     void setAddressText(const char* text);
-    int copyLookedUp(const char* text, char* target, int maxLen);
     bool mayGoOn(int status);
     bool notify(UINT message, WPARAM wParam, LPARAM lParam);
 
-    std::unique_ptr<HostLookUps> m_lookUps;  // null before InitAsync
+    struct LookUpsDeleter {
+        void operator()(HostLookUps* lookUps) const;
+    };
+    std::unique_ptr<HostLookUps, LookUpsDeleter> m_lookUps;  // null before InitAsync
 };

@@ -6,47 +6,49 @@
 #include "NyServer/socket/TimedConnect.h"
 
 int CUT_WSClient::IsIPAddress(const char* text) {
-    return ::inet_addr(text) != INADDR_NONE;
+    return inet_addr(text) != INADDR_NONE;
 }
 
 int CUT_WSClient::GetAddressFromName(const char* name, char* address, int maxLen) {
-    const hostent* host = ::gethostbyname(socketcalls::hostPart(name));
-    const char* text = host ? socketcalls::firstAddress(*host) : nullptr;
-    return copyLookedUp(text, address, maxLen);
+    in_addr found{};
+    if (!port::lookUpAddress(socketcalls::hostPart(name), found))
+        return OnError(UTE_NAME_LOOKUP_FAILED);
+    const char* const text = inet_ntoa(found);
+    const std::size_t size = std::strlen(text) + 1;
+    if (maxLen < 0 || size > static_cast<std::size_t>(maxLen)) return OnError(UTE_BUFFER_TOO_SHORT);
+    std::memcpy(address, text, size);
+    return OnError(UTE_SUCCESS);
 }
 
 int CUT_WSClient::GetNameFromAddress(const char* address, char* name, int maxLen) {
-    const unsigned long value = ::inet_addr(address);
-    const hostent* host =
-        ::gethostbyaddr(reinterpret_cast<const char*>(&value), sizeof value, AF_INET);
-    return copyLookedUp(host ? host->h_name : nullptr, name, maxLen);
-}
-
-// Copies the text that a look-up found, null if none, and returns the result of the look-up.
-int CUT_WSClient::copyLookedUp(const char* text, char* target, int maxLen) {
-    if (!text) return OnError(UTE_NAME_LOOKUP_FAILED);
-    const std::size_t size = std::strlen(text) + 1;
-    if (maxLen < 0 || size > static_cast<std::size_t>(maxLen)) return OnError(UTE_BUFFER_TOO_SHORT);
-    std::memcpy(target, text, size);
-    return OnError(UTE_SUCCESS);
+    in_addr wanted{};
+    wanted.s_addr = inet_addr(address);
+    switch (port::lookUpName(wanted, name, maxLen)) {
+        case port::LookUp::found:
+            return OnError(UTE_SUCCESS);
+        case port::LookUp::notFound:
+            return OnError(UTE_NAME_LOOKUP_FAILED);
+        case port::LookUp::tooLong:
+            break;
+    }
+    return OnError(UTE_BUFFER_TOO_SHORT);
 }
 
 int CUT_WSClient::GetHostAddress(char* address, int maxLen, int useSocket) {
     if (useSocket == 0) {
         char name[256];
-        if (::gethostname(name, sizeof name) == 0 &&
+        if (port::localHostName(name, sizeof name) &&
             GetAddressFromName(name, address, maxLen) == UTE_SUCCESS) {
             return OnError(UTE_SUCCESS);
         }
     }
     if (m_socket == INVALID_SOCKET) return OnError(UTE_ERROR);
-    socketcalls::copyText(socketcalls::dottedText(socketcalls::localAddress(m_socket)), address,
-                          maxLen);
+    socketcalls::copyText(socketcalls::dottedText(port::localAddress(m_socket)), address, maxLen);
     return OnError(UTE_SUCCESS);
 }
 
 int CUT_WSClient::CreateSocket(SOCKET& s, int family, int type, int protocol) {
-    s = ::socket(family, type, protocol);
+    s = port::createSocket(family, type, protocol);
     return OnError(s == INVALID_SOCKET ? UTE_ERROR : UTE_SUCCESS);
 }
 
@@ -60,7 +62,7 @@ int CUT_WSClient::Connect(unsigned int port, const char* address, long timeOut, 
     }
     m_socketType = type;
     m_family = family;
-    m_remoteAddress = socketcalls::makeAddress(family, port, ::inet_addr(m_address));
+    m_remoteAddress = socketcalls::makeAddress(family, port, inet_addr(m_address));
     if (CreateSocket(m_socket, family, type, 0) == UTE_ERROR)
         return OnError(UTE_SOCK_CREATE_FAILED);
     if (timeOut >= 0) SetBlockingMode(1);
@@ -70,12 +72,12 @@ int CUT_WSClient::Connect(unsigned int port, const char* address, long timeOut, 
 // Connects the socket and returns the result of Connect.
 int CUT_WSClient::startConnect(long timeOut) {
     const auto result = socketcalls::startConnect(m_socket, m_remoteAddress);
-    if (result == socketcalls::Readiness::ready) {
+    if (result == port::Readiness::ready) {
         // Callers rely on the mode and the ports not being changed.
         applyTimeOuts();
         return UTE_SUCCESS;
     }
-    if (result == socketcalls::Readiness::failed) {
+    if (result == port::Readiness::failed) {
         dropSocket();
         return UTE_SOCK_CONNECT_FAILED;
     }
@@ -91,7 +93,7 @@ int CUT_WSClient::finishConnect(long timeOut) {
         SetBlockingMode(0);
     }
     applyTimeOuts();
-    fillPorts(::ntohs(m_remoteAddress.sin_port));
+    fillPorts(ntohs(m_remoteAddress.sin_port));
     return UTE_SUCCESS;
 }
 
@@ -103,12 +105,11 @@ int CUT_WSClient::ConnectBound(unsigned int localPort, unsigned int remotePort, 
     m_socketType = type;
     if (CreateSocket(m_socket, family, type, 0) == UTE_ERROR)
         return OnError(UTE_SOCK_CREATE_FAILED);
-    const sockaddr_in local =
-        socketcalls::makeAddress(family, localPort, ::inet_addr(localAddress));
+    const sockaddr_in local = socketcalls::makeAddress(family, localPort, inet_addr(localAddress));
     // On failure the socket stays open until the caller closes it.
-    if (!socketcalls::bindTo(m_socket, local)) return OnError(UTE_SOCK_BIND_FAILED);
-    m_remoteAddress = socketcalls::makeAddress(family, remotePort, ::inet_addr(remoteAddress));
-    if (socketcalls::startConnect(m_socket, m_remoteAddress) != socketcalls::Readiness::ready) {
+    if (!port::bindSocket(m_socket, local)) return OnError(UTE_SOCK_BIND_FAILED);
+    m_remoteAddress = socketcalls::makeAddress(family, remotePort, inet_addr(remoteAddress));
+    if (socketcalls::startConnect(m_socket, m_remoteAddress) != port::Readiness::ready) {
         return OnError(UTE_SOCK_CONNECT_FAILED);
     }
     fillPorts(remotePort);
@@ -133,9 +134,9 @@ int CUT_WSClient::CloseConnection() {
 }
 
 int CUT_WSClient::Reset() {
-    ::WSACleanup();
+    port::stopSockets();
     forgetConnection();
-    return OnError(socketcalls::startWinsock(m_winsockData) ? UTE_SUCCESS : UTE_ERROR);
+    return OnError(port::startSockets(m_winsockData) ? UTE_SUCCESS : UTE_ERROR);
 }
 
 void CUT_WSClient::forgetConnection() {
@@ -168,8 +169,8 @@ int CUT_WSClient::WaitForConnect(unsigned short port, int queueSize, short famil
     if (CreateSocket(m_listenSocket, family, SOCK_STREAM, m_protocol) == UTE_ERROR) {
         return OnError(UTE_SOCK_CREATE_FAILED);
     }
-    if (!socketcalls::bindTo(m_listenSocket, m_listenAddress)) return OnError(UTE_SOCK_BIND_FAILED);
-    if (::listen(m_listenSocket, queueSize) != 0) return OnError(UTE_SOCK_LISTEN_ERROR);
+    if (!port::bindSocket(m_listenSocket, m_listenAddress)) return OnError(UTE_SOCK_BIND_FAILED);
+    if (!port::listenOn(m_listenSocket, queueSize)) return OnError(UTE_SOCK_LISTEN_ERROR);
     applyTimeOuts();
     m_acceptPort = socketcalls::localPort(m_listenSocket);
     return OnError(UTE_SUCCESS);
@@ -186,11 +187,10 @@ int CUT_WSClient::AcceptConnection() {
         m_socket = INVALID_SOCKET;
         if (!isClean) return OnError(UTE_ERROR);
     }
-    int length = sizeof m_remoteAddress;
-    m_socket = ::accept(m_listenSocket, reinterpret_cast<sockaddr*>(&m_remoteAddress), &length);
+    m_socket = port::acceptFrom(m_listenSocket, m_remoteAddress);
     if (m_socket == INVALID_SOCKET) return OnError(UTE_ERROR);
     setAddressText(socketcalls::dottedText(m_remoteAddress));
-    fillPorts(::ntohs(m_remoteAddress.sin_port));
+    fillPorts(ntohs(m_remoteAddress.sin_port));
     applyTimeOuts();
     return OnError(UTE_SUCCESS);
 }
@@ -204,8 +204,8 @@ int CUT_WSClient::CreateUDPSocket(unsigned int localPort, unsigned int remotePor
     if (CreateSocket(m_socket, m_family, m_socketType, 0) == UTE_ERROR) {
         return OnError(UTE_SOCK_CREATE_FAILED);
     }
-    const unsigned long own = localAddress ? ::inet_addr(localAddress) : INADDR_ANY;
-    if (!socketcalls::bindTo(m_socket, socketcalls::makeAddress(m_family, localPort, own))) {
+    const unsigned long own = localAddress ? inet_addr(localAddress) : INADDR_ANY;
+    if (!port::bindSocket(m_socket, socketcalls::makeAddress(m_family, localPort, own))) {
         dropSocket();
         return OnError(UTE_SOCK_BIND_FAILED);
     }

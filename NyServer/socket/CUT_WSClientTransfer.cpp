@@ -19,12 +19,12 @@ int CUT_WSClient::WaitForReceive(long seconds, long microseconds) {
 }
 
 bool CUT_WSClient::IsDataWaiting() {
-    return socketcalls::isDataWaiting(m_socket);
+    return port::waitingBytes(m_socket) > 0;
 }
 
 int CUT_WSClient::Send(const char* data, int len) {
     if (len < 1) len = static_cast<int>(std::strlen(data));
-    const int sent = ::send(m_socket, data, len, 0);
+    const int sent = port::send(m_socket, data, len, 0);
     return sent == SOCKET_ERROR ? 0 : sent;
 }
 
@@ -66,12 +66,12 @@ int CUT_WSClient::Receive(CUT_DataSource& target, OpenMsgType type, int timeOut,
     return OnError(socketcalls::receiveIntoSource(target, type, steps, maxBytes, total));
 }
 
-int CUT_WSClient::SendFile(const wchar_t* path) {
+int CUT_WSClient::SendFile(const WCHAR* path) {
     CUT_FileDataSource source(path, socketcalls::kFileBuffer);
     return Send(source);
 }
 
-int CUT_WSClient::ReceiveToFile(const wchar_t* path, OpenMsgType type, int timeOut, long maxBytes) {
+int CUT_WSClient::ReceiveToFile(const WCHAR* path, OpenMsgType type, int timeOut, long maxBytes) {
     CUT_FileDataSource target(path, socketcalls::kFileBuffer);
     return Receive(target, type, timeOut, maxBytes);
 }
@@ -98,12 +98,12 @@ int CUT_WSClient::ReceiveLine(char* buffer, int maxLen, int timeOut) {
     int stored = 0;
     while (space > 0 && IsAborted() == 0) {
         if (timeOut > 0 && WaitForReceive(timeOut, 0) != UTE_SUCCESS) break;
-        const int count = ::recv(m_socket, peeked.get(), space, MSG_PEEK);
+        const int count = port::receive(m_socket, peeked.get(), space, MSG_PEEK);
         if (count < 1) break;
         const char* lineFeed = std::find(peeked.get(), peeked.get() + count, '\n');
         const bool isLine = lineFeed != peeked.get() + count;
         const int wanted = isLine ? static_cast<int>(lineFeed - peeked.get()) + 1 : count;
-        const int taken = ::recv(m_socket, buffer + stored, wanted, 0);
+        const int taken = port::receive(m_socket, buffer + stored, wanted, 0);
         if (taken < 1) break;
         stored += taken;
         space -= taken;
@@ -116,9 +116,8 @@ int CUT_WSClient::ReceiveLine(char* buffer, int maxLen, int timeOut) {
 int CUT_WSClient::SendTo(const char* data, int& len) {
     if (m_socket == INVALID_SOCKET) return OnError(UTE_SOCK_NOT_OPEN);
     const sockaddr_in destination = socketcalls::makeAddress(
-        m_family, static_cast<unsigned int>(m_remotePort), ::inet_addr(m_address));
-    len = ::sendto(m_socket, data, len, 0, reinterpret_cast<const sockaddr*>(&destination),
-                   sizeof destination);
+        m_family, static_cast<unsigned int>(m_remotePort), inet_addr(m_address));
+    len = port::sendTo(m_socket, data, len, destination);
     return OnError(len == SOCKET_ERROR ? UTE_SOCK_SEND_ERROR : UTE_SUCCESS);
 }
 
@@ -127,8 +126,6 @@ int CUT_WSClient::ReceiveFrom(char* buffer, int& len, unsigned long timeOut) {
     if (WaitForReceive(static_cast<long>(timeOut), 0) != UTE_SUCCESS) {
         return OnError(UTE_SOCK_TIMEOUT);
     }
-    int senderLength = sizeof m_remoteAddress;
-    len = ::recvfrom(m_socket, buffer, len, 0, reinterpret_cast<sockaddr*>(&m_remoteAddress),
-                     &senderLength);
+    len = port::receiveFrom(m_socket, buffer, len, m_remoteAddress);
     return OnError(len == SOCKET_ERROR ? UTE_SOCK_RECEIVE_ERROR : UTE_SUCCESS);
 }

@@ -24,15 +24,14 @@ constexpr DWORD kEndByItselfTime = 500;       // ms
 constexpr ULONGLONG kNever = std::numeric_limits<ULONGLONG>::max();
 
 DWORD leftUntil(ULONGLONG deadline) {
-    const ULONGLONG now = ::GetTickCount64();
+    const ULONGLONG now = port::milliseconds();
     return now < deadline ? static_cast<DWORD>(deadline - now) : 0;
 }
 
 }  // namespace
 
 CUT_WSServer::CUT_WSServer() : m_rundown(std::make_shared<RundownProtection>()) {
-    ::InitializeCriticalSection(&m_threadListLock);
-    socketcalls::startWinsock(m_winsockData);
+    port::startSockets(m_winsockData);
 }
 
 CUT_WSServer::~CUT_WSServer() {
@@ -42,23 +41,20 @@ CUT_WSServer::~CUT_WSServer() {
     CloseListenSocket();
     m_rundown->markDestroyed();
     FreeThreadList();
-    ::DeleteCriticalSection(&m_threadListLock);
-    ::WSACleanup();
+    port::stopSockets();
 }
 
 int CUT_WSServer::ConnectToPort(unsigned short port, int queueSize, short family,
                                 unsigned long address) {
     if (IsAccepting()) return OnError(UTE_ERROR);
     ++m_startUpCount;
-    if (!socketcalls::startWinsock(m_winsockData)) return OnError(UTE_ERROR);
+    if (!port::startSockets(m_winsockData)) return OnError(UTE_ERROR);
     CloseListenSocket();
     m_serverAddress = socketcalls::makeAddress(family, port, address);
-    m_listenSocket = ::socket(AF_INET, SOCK_STREAM, GetProtocol());
+    m_listenSocket = port::createSocket(AF_INET, SOCK_STREAM, GetProtocol());
     if (m_listenSocket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
-    if (::bind(m_listenSocket, reinterpret_cast<sockaddr*>(&m_serverAddress),
-               sizeof m_serverAddress) == SOCKET_ERROR)
-        return OnError(UTE_SOCK_BIND_FAILED);
-    if (::listen(m_listenSocket, queueSize) == SOCKET_ERROR) return OnError(UTE_SOCK_LISTEN_ERROR);
+    if (!port::bindSocket(m_listenSocket, m_serverAddress)) return OnError(UTE_SOCK_BIND_FAILED);
+    if (!port::listenOn(m_listenSocket, queueSize)) return OnError(UTE_SOCK_LISTEN_ERROR);
     m_port.store(port, std::memory_order_relaxed);
     return OnError(UTE_SUCCESS);
 }
@@ -76,7 +72,7 @@ bool CUT_WSServer::StartAcceptThread() {
         NySe::resultOr(nullptr, [this] { return std::make_shared<AcceptThread>(*this); });
     if (!m_acceptThread) return false;
     const uintptr_t thread = AcceptThread::start(m_acceptThread);
-    if (thread == kNoThread) return false;
+    if (thread == port::kNoThread) return false;
     m_acceptThreadHandle = thread;
     m_accepting = 1;
     return true;
@@ -86,7 +82,7 @@ int CUT_WSServer::StopAccept() {
     if (m_accepting == 1) {
         m_accepting = 0;
         m_stopRequested = 1;
-        const ULONGLONG deadline = ::GetTickCount64() + kStopTimeOut;
+        const ULONGLONG deadline = port::milliseconds() + kStopTimeOut;
         if (WakeAcceptThread(deadline - kTerminationTime) == UTE_SUCCESS)
             m_acceptThread->waitForEnd(leftUntil(deadline));
         else
@@ -95,7 +91,7 @@ int CUT_WSServer::StopAccept() {
     }
     if (m_startUpCount >= 1) {
         --m_startUpCount;
-        ::WSACleanup();
+        port::stopSockets();
     }
     return 0;
 }
@@ -107,10 +103,10 @@ void CUT_WSServer::EndAcceptThread(ULONGLONG deadline) {
     CloseListenSocket();
     if (!m_acceptThread->waitForEnd(std::min(kEndByItselfTime, leftUntil(deadline)))) {
         const RundownProtection::Lock lock(*m_rundown);
-        if (m_acceptThreadHandle != kNoThread)
+        if (m_acceptThreadHandle != port::kNoThread)
             m_acceptThread->terminate(m_acceptThreadHandle, leftUntil(deadline));
     }
-    m_acceptThreadHandle = kNoThread;
+    m_acceptThreadHandle = port::kNoThread;
 }
 
 int CUT_WSServer::TempConnect(unsigned int port, char* address) {
@@ -121,28 +117,28 @@ int CUT_WSServer::TempConnect(unsigned int port, char* address) {
 // thread has ended by itself meanwhile, there is none to wake.
 int CUT_WSServer::WakeAcceptThread(ULONGLONG deadline) {
     return ConnectAndClose(GetPort(), "127.0.0.1", deadline,
-                           [this] { return m_acceptThreadHandle == kNoThread; });
+                           [this] { return m_acceptThreadHandle == port::kNoThread; });
 }
 
 int CUT_WSServer::ConnectAndClose(unsigned int port, const char* address, ULONGLONG deadline,
                                   const std::function<bool()>& isCancelled) {
-    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, 0);
+    const SOCKET socket = port::createSocket(AF_INET, SOCK_STREAM, 0);
     if (socket == INVALID_SOCKET) return OnError(UTE_SOCK_CREATE_FAILED);
     auto report = [&](bool succeeded) {
         if (!succeeded) OnStatus(SocketErrorText(&socket, nullptr));
         return succeeded;
     };
-    const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, ::inet_addr(address));
-    const auto isOver = [&] { return ::GetTickCount64() >= deadline || isCancelled(); };
+    const sockaddr_in peer = socketcalls::makeAddress(AF_INET, port, inet_addr(address));
+    const auto isOver = [&] { return port::milliseconds() >= deadline || isCancelled(); };
     const auto result = socketcalls::connectUntil(socket, peer, isOver);
-    if (result == socketcalls::Readiness::pending && isCancelled()) {
-        ::closesocket(socket);
+    if (result == port::Readiness::pending && isCancelled()) {
+        port::closeSocket(socket);
         return OnError(UTE_SUCCESS);
     }
-    const bool isConnected = result == socketcalls::Readiness::ready;
+    const bool isConnected = result == port::Readiness::ready;
     report(isConnected);
-    report(::shutdown(socket, SD_BOTH) == 0);
-    report(::closesocket(socket) == 0);
+    report(port::shutDown(socket));
+    report(port::closeSocket(socket));
     return OnError(isConnected ? UTE_SUCCESS : UTE_SOCK_CONNECT_FAILED);
 }
 
@@ -173,7 +169,7 @@ long CUT_WSServer::OnCanAccept(const char*) {
     return 1;
 }
 
-int CUT_WSServer::OnStatus(const wchar_t*) {
+int CUT_WSServer::OnStatus(const WCHAR*) {
     return 0;
 }
 
@@ -196,12 +192,12 @@ void CUT_WSServer::CloseListenSocket() {
 }
 
 CUT_WSServer::ThreadListLock::ThreadListLock(CUT_WSServer& server)
-    : m_section(server.m_threadListLock) {
-    ::EnterCriticalSection(&m_section);
+    : m_mutex(server.m_threadListLock) {
+    m_mutex.lock();
 }
 
 CUT_WSServer::ThreadListLock::~ThreadListLock() {
-    ::LeaveCriticalSection(&m_section);
+    m_mutex.unlock();
 }
 
 int CUT_WSServer::ThreadListAdd(CUT_WSThread* worker, DWORD threadId, SOCKET socket) {
@@ -234,33 +230,11 @@ int CUT_WSServer::ThreadListGetLength() {
 int CUT_WSServer::ThreadListKill() {
     const ThreadListLock lock(*this);
     ThreadListForEach([](ThreadListEntry& entry) {
-        ::WSACancelBlockingCall();
+        CancelBlockingCall();
         entry.worker->m_abort.store(1, std::memory_order_relaxed);
         entry.worker->OnError(UTE_SUCCESS);
     });
     return FreeThreadList();
-}
-
-// The identifiers are passed as handles on purpose; no handle is opened.
-int CUT_WSServer::ThreadListSuspend() {
-    return ThreadListForEach(
-        [](ThreadListEntry& entry) { ::SuspendThread(UlongToHandle(entry.threadId)); });
-}
-
-int CUT_WSServer::ThreadListResume() {
-    return ThreadListForEach(
-        [](ThreadListEntry& entry) { ::ResumeThread(UlongToHandle(entry.threadId)); });
-}
-
-template <class Action>
-int CUT_WSServer::ThreadListForEach(Action action) {
-    const ThreadListLock lock(*this);
-    int length = 0;
-    for (ThreadListEntry* entry = m_threadList; entry; entry = entry->next) {
-        action(*entry);
-        ++length;
-    }
-    return length;
 }
 
 int CUT_WSServer::FreeThreadList() {

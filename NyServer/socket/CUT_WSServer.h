@@ -4,7 +4,7 @@
 #include <functional>
 #include <memory>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/detail/ThreadAnnotations.h"
 #include "NyServer/NyServerApi.h"
 
@@ -121,7 +121,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     virtual long OnCanAccept(const char* address);
 
     // Receives the texts of failures that have no result code. The base returns 0.
-    virtual int OnStatus(const wchar_t* text);
+    virtual int OnStatus(const WCHAR* text);
 
     // Receives each result code; its own result is what the caller gets. The base returns `code`.
     virtual int OnError(int code);
@@ -144,7 +144,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
         ThreadListLock& operator=(const ThreadListLock&) = delete;
 
       private:
-        CRITICAL_SECTION& m_section;
+        port::RecursiveMutex& m_mutex;
     };
 
     // Returns the entry of the newest worker, or null. REQUIRES: the caller holds a ThreadListLock
@@ -167,7 +167,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     int ThreadListKill();
 
     // Calls SuspendThread or ResumeThread with the thread identifier of each entry in the place of
-    // a handle. Returns the number of entries.
+    // a handle; on other platforms, no function. Returns the number of entries.
     int ThreadListSuspend();
     int ThreadListResume();
 
@@ -182,7 +182,6 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     void RunDown();
 
   private:
-    static constexpr uintptr_t kNoThread = static_cast<uintptr_t>(-1);
     class AcceptThread;
     friend class ServerConnection;
 
@@ -192,6 +191,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
                         const std::function<bool()>& isCancelled);
     void EndAcceptThread(ULONGLONG deadline);
     void CloseListenSocket();
+    static void CancelBlockingCall();
     int FreeThreadList();
     template <class Action>
     int ThreadListForEach(Action action);
@@ -201,7 +201,7 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     std::atomic<SOCKET> m_listenSocket = INVALID_SOCKET;
     ThreadListEntry* m_threadList NY_GUARDED_BY(this) = nullptr;
     // Written under the lock of m_rundown, like m_acceptThread; read without it, too.
-    std::atomic<uintptr_t> m_acceptThreadHandle = kNoThread;
+    std::atomic<uintptr_t> m_acceptThreadHandle = port::kNoThread;
     std::atomic<int> m_accepting = 0;
     std::atomic<int> m_stopRequested = 0;
     // The settings synchronise nothing else: accessed relaxed.
@@ -211,8 +211,19 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     std::atomic<unsigned int> m_port = static_cast<unsigned int>(-1);
     std::atomic<int> m_shutDownFlag = 0;
     int m_startUpCount = 0;
-    CRITICAL_SECTION m_threadListLock;
+    port::RecursiveMutex m_threadListLock;
 
     std::shared_ptr<RundownProtection> m_rundown;
     std::shared_ptr<AcceptThread> m_acceptThread;
 };
+
+template <class Action>
+int CUT_WSServer::ThreadListForEach(Action action) {
+    const ThreadListLock lock(*this);
+    int length = 0;
+    for (ThreadListEntry* entry = m_threadList; entry; entry = entry->next) {
+        action(*entry);
+        ++length;
+    }
+    return length;
+}

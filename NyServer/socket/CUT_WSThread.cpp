@@ -32,7 +32,7 @@ CUT_WSThread::~CUT_WSThread() = default;
 
 int CUT_WSThread::Send(const char* data, int len, int flags) {
     if (len < 0) len = static_cast<int>(std::strlen(data));
-    return ::send(m_socket, data, len, flags);
+    return port::send(m_socket, data, len, flags);
 }
 
 int CUT_WSThread::Send(CUT_DataSource& source, long& bytesSent) {
@@ -66,7 +66,7 @@ int CUT_WSThread::SendAsLine(char* data, int len, int lineLen) {
     });
 }
 
-int CUT_WSThread::SendFile(const wchar_t* path, long& bytesSent) {
+int CUT_WSThread::SendFile(const WCHAR* path, long& bytesSent) {
     CUT_FileDataSource source(path, socketcalls::kFileBuffer);
     return Send(source, bytesSent);
 }
@@ -88,7 +88,7 @@ int CUT_WSThread::Receive(CUT_DataSource& target, long& bytesReceived, OpenMsgTy
     return OnError(socketcalls::receiveIntoSource(target, type, steps, 0, bytesReceived));
 }
 
-int CUT_WSThread::ReceiveToFile(const wchar_t* path, OpenMsgType type, long& bytesReceived,
+int CUT_WSThread::ReceiveToFile(const WCHAR* path, OpenMsgType type, long& bytesReceived,
                                 int timeOut) {
     CUT_FileDataSource target(path, socketcalls::kFileBuffer);
     return Receive(target, bytesReceived, type, timeOut);
@@ -100,10 +100,10 @@ int CUT_WSThread::ReceiveLine(char* buffer, int maxLen, int timeOut) {
          space = maxLen - 1 - stored) {
         if (timeOut > 0 && WaitForReceive(timeOut, 0) != UTE_SUCCESS) break;
         char* part = buffer + stored;
-        const int peeked = ::recv(m_socket, part, space, MSG_PEEK);
+        const int peeked = port::receive(m_socket, part, space, MSG_PEEK);
         if (peeked < 1) break;
         const int lineEnd = findLineEnd(part, peeked, space);
-        const int received = ::recv(m_socket, part, lineEnd < 0 ? peeked : lineEnd + 2, 0);
+        const int received = port::receive(m_socket, part, lineEnd < 0 ? peeked : lineEnd + 2, 0);
         if (lineEnd >= 0) {
             part[lineEnd + 2] = '\0';
             return stored + lineEnd + 2;
@@ -148,7 +148,7 @@ int CUT_WSThread::IsConnected() {
 }
 
 int CUT_WSThread::IsDataWaiting() {
-    return socketcalls::isDataWaiting(m_socket);
+    return port::waitingBytes(m_socket) > 0;
 }
 
 int CUT_WSThread::ClearReceiveBuffer() {

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/NyServerApi.h"
 #include "NyServer/socket/CUT_DataSource.h"
 
@@ -48,7 +48,7 @@ class NYSERVER_API CUT_WSThread {
     virtual int SendAsLine(char* data, int len, int lineLen);
 
     // Send(CUT_DataSource&, long&) with the file at `path`.
-    virtual int SendFile(const wchar_t* path, long& bytesSent);
+    virtual int SendFile(const WCHAR* path, long& bytesSent);
 
     // Waits for data and calls recv once. Returns the number of bytes received; 0 if the peer has
     // closed or nothing arrived in time; -1 on failure.
@@ -62,7 +62,7 @@ class NYSERVER_API CUT_WSThread {
     virtual int Receive(CUT_DataSource& target, long& bytesReceived, OpenMsgType type, int timeOut);
 
     // Receive(CUT_DataSource&, long&, OpenMsgType, int) with the file at `path`.
-    virtual int ReceiveToFile(const wchar_t* path, OpenMsgType type, long& bytesReceived,
+    virtual int ReceiveToFile(const WCHAR* path, OpenMsgType type, long& bytesReceived,
                               int timeOut);
 
     // Receives up to and including "\r\n", but at most `maxLen` - 1 bytes, and appends a

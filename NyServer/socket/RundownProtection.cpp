@@ -1,11 +1,5 @@
 #include "NyServer/socket/RundownProtection.h"
 
-#include <new>
-
-RundownProtection::RundownProtection() : m_mutex(::CreateMutexW(nullptr, FALSE, nullptr)) {
-    if (!m_mutex) throw std::bad_alloc();
-}
-
 bool RundownProtection::tryAttach(Entry& entry) {
     const Lock lock(*this);
     if (m_state != State::Open) return false;
@@ -66,7 +60,7 @@ void RundownProtection::markDestroyed() {
 
 void RundownProtection::enter(Entry& entry, bool isAcceptor) {
     entry.m_isAcceptor = isAcceptor;
-    entry.m_thread = ::GetCurrentThreadId();
+    entry.m_thread = port::currentThreadId();
     entry.m_next = m_entries;
     m_entries = &entry;
 }
@@ -75,11 +69,11 @@ bool RundownProtection::hasOthersInside(Threads threads) const {
     const Lock lock(*this);
     for (const Entry* entry = m_entries; entry; entry = entry->m_next) {
         const bool counts = threads == Threads::All || !entry->m_isAcceptor;
-        if (counts && entry->m_thread != ::GetCurrentThreadId()) return true;
+        if (counts && entry->m_thread != port::currentThreadId()) return true;
     }
     return false;
 }
 
 void RundownProtection::waitForOthers(Threads threads) const {
-    while (hasOthersInside(threads)) ::Sleep(1);
+    while (hasOthersInside(threads)) port::sleep(1);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/detail/ThreadAnnotations.h"
 
 // Run-down protection of a server: tracks which threads are inside the server's code, and admits no
@@ -27,24 +27,21 @@ class NY_LOCK_TYPE("run-down protection") RundownProtection {
         Entry* m_next = nullptr;
     };
 
-    // Holds the lock. The lock is a kernel mutex, because a thread that waits for it or holds it
-    // may be terminated and the lock must stay usable. A thread may lock it recursively.
+    // Holds the lock, which is robust, because a thread that waits for it or holds it may be
+    // terminated. A thread may lock it recursively.
     class NY_SCOPED_LOCK Lock {
       public:
         explicit Lock(const RundownProtection& rundown) NY_ACQUIRES(rundown)
-            : m_mutex(rundown.m_mutex.get()) {
-            ::WaitForSingleObject(m_mutex, INFINITE);
+            : m_mutex(rundown.m_mutex) {
+            m_mutex.lock();
         }
-        ~Lock() NY_RELEASES() { ::ReleaseMutex(m_mutex); }
+        ~Lock() NY_RELEASES() { m_mutex.unlock(); }
         Lock(const Lock&) = delete;
         Lock& operator=(const Lock&) = delete;
 
       private:
-        HANDLE m_mutex;
+        const port::RobustMutex& m_mutex;
     };
-
-    // Throws std::bad_alloc if the mutex cannot be created.
-    RundownProtection();
 
     // Attaches the thread of a connection and enters it, to create the worker. Returns false and
     // changes nothing unless the state is Open.
@@ -87,7 +84,7 @@ class NY_LOCK_TYPE("run-down protection") RundownProtection {
     bool hasOthersInside(Threads threads) const;
     void waitForOthers(Threads threads) const;
 
-    NySe::UniqueKernelHandle m_mutex;
+    port::RobustMutex m_mutex;  // throws std::bad_alloc if it cannot be created
     State m_state NY_GUARDED_BY(this) = State::Open;
     int m_attached NY_GUARDED_BY(this) = 0;
     Entry* m_entries NY_GUARDED_BY(this) = nullptr;

@@ -3,15 +3,13 @@
 
 #include "NyServer/socket/ServerConnection.h"
 
-#include <process.h>
-
 #include <new>
 
 #include "NyServer/socket/CUT_WSThread.h"
 
 void ServerConnection::start(Accepted accepted) {
     auto* connection = new (std::nothrow) ServerConnection(std::move(accepted));
-    if (connection && ::_beginthread(threadMain, 0, connection) == static_cast<uintptr_t>(-1))
+    if (connection && port::startThread(threadMain, connection) == port::kNoThread)
         delete connection;
 }
 
@@ -47,7 +45,7 @@ void ServerConnection::initialize(CUT_WSThread& worker) {
     worker.m_listenSocket = m_accepted.listenSocket;
     worker.m_peerAddress = m_accepted.peer;
     worker.m_owner = m_accepted.server;
-    m_accepted.server->ThreadListAdd(&worker, ::GetCurrentThreadId(), worker.m_socket);
+    m_accepted.server->ThreadListAdd(&worker, port::currentThreadId(), worker.m_socket);
 }
 
 // An exception of a handler ends its connection only.
@@ -60,7 +58,7 @@ void ServerConnection::runHandler(CUT_WSThread& worker) {
 void ServerConnection::removeAndDestroy(CUT_WSThread* worker) {
     const RundownProtection::State state = m_accepted.rundown->reenter(m_entry);
     if (state != RundownProtection::State::Destroyed)
-        m_accepted.server->ThreadListRemove(::GetCurrentThreadId());
+        m_accepted.server->ThreadListRemove(port::currentThreadId());
     if (state == RundownProtection::State::Open)
         release(worker);
     else

@@ -11,19 +11,6 @@ namespace {
 constexpr int kSendPiece = 255;
 constexpr int kReceivePiece = 256;
 
-struct OneSocketSet : fd_set {
-    explicit OneSocketSet(SOCKET socket) : fd_set{} {
-        fd_count = 1;
-        fd_array[0] = socket;
-    }
-};
-
-int selectReadable(SOCKET socket, long seconds, long microseconds) {
-    OneSocketSet set(socket);
-    timeval timeOut{seconds, microseconds};
-    return ::select(0, &set, nullptr, nullptr, &timeOut);
-}
-
 // Returns the result that ends the transfer, or nothing to continue.
 std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& steps, long maxBytes,
                                 long& total) {
@@ -45,43 +32,21 @@ std::optional<int> receivePiece(CUT_DataSource& target, const ReceiveSteps& step
 
 }  // namespace
 
-bool startWinsock(WSADATA& data) {
-    return ::WSAStartup(MAKEWORD(2, 0), &data) == 0;
-}
-
 sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddress) {
     sockaddr_in address{};
-    address.sin_family = static_cast<short>(family);
-    address.sin_port = ::htons(static_cast<u_short>(port));
-    address.sin_addr.s_addr = networkAddress;
-    return address;
-}
-
-bool bindTo(SOCKET socket, const sockaddr_in& address) {
-    return ::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-}
-
-sockaddr_in localAddress(SOCKET socket) {
-    sockaddr_in address{};
-    int length = sizeof address;
-    ::getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length);
+    address.sin_family = static_cast<decltype(address.sin_family)>(family);
+    address.sin_port = htons(static_cast<unsigned short>(port));
+    address.sin_addr.s_addr = static_cast<decltype(address.sin_addr.s_addr)>(networkAddress);
     return address;
 }
 
 int localPort(SOCKET socket) {
-    return ::ntohs(localAddress(socket).sin_port);
+    return ntohs(port::localAddress(socket).sin_port);
 }
 
 const char* dottedText(const sockaddr_in& address) {
     const char* text = ::inet_ntoa(address.sin_addr);
     return text ? text : "";
-}
-
-const char* firstAddress(const hostent& host) {
-    if (host.h_addrtype != AF_INET || !host.h_addr_list[0]) return nullptr;
-    in_addr address{};
-    std::memcpy(&address, host.h_addr_list[0], sizeof address);
-    return ::inet_ntoa(address);
 }
 
 const char* hostPart(const char* name) {
@@ -99,34 +64,25 @@ void copyText(const char* text, char* target, int size) {
 }
 
 bool isReadable(SOCKET socket, long seconds, long microseconds) {
-    return selectReadable(socket, seconds, microseconds) == 1;
+    return port::waitFor(socket, port::Wanted::readable, seconds, microseconds) == 1;
 }
 
 bool isWritable(SOCKET socket, long seconds, long microseconds) {
-    OneSocketSet set(socket);
-    timeval timeOut{seconds, microseconds};
-    return ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
-}
-
-bool isDataWaiting(SOCKET socket) {
-    u_long bytes = 0;
-    return ::ioctlsocket(socket, FIONREAD, &bytes) == 0 && bytes > 0;
+    return port::waitFor(socket, port::Wanted::writable, seconds, microseconds) == 1;
 }
 
 bool closeSocket(SOCKET socket, bool shutDown) {
-    const bool isShutDown = !shutDown || ::shutdown(socket, SD_BOTH) == 0;
-    const bool isClosed = ::closesocket(socket) == 0;
+    const bool isShutDown = !shutDown || port::shutDown(socket);
+    const bool isClosed = port::closeSocket(socket);
     return isShutDown && isClosed;
 }
 
 int setTimeOut(SOCKET socket, int option, int milliseconds) {
-    return ::setsockopt(socket, SOL_SOCKET, option, reinterpret_cast<const char*>(&milliseconds),
-                        sizeof milliseconds);
+    return port::setSocketOption(socket, option, &milliseconds, sizeof milliseconds);
 }
 
 bool setBlockingMode(SOCKET socket, int mode) {
-    u_long nonBlocking = static_cast<u_long>(mode);
-    return ::ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) == 0;
+    return port::setBlocking(socket, mode == 0);
 }
 
 bool isNoSocket(int error) {
@@ -160,14 +116,14 @@ PeekError classifyPeekError(int error) {
 }
 
 bool isConnected(SOCKET socket, const std::function<void(int)>& setMode) {
-    const int ready = selectReadable(socket, 0, 0);
-    if (ready == SOCKET_ERROR && isNoSocket(::WSAGetLastError())) return false;
+    const int ready = port::waitFor(socket, port::Wanted::readable, 0, 0);
+    if (ready == SOCKET_ERROR && isNoSocket(port::lastSocketError())) return false;
 
     setMode(1);
     char byte = 0;
-    int peeked = ::recv(socket, &byte, 1, MSG_PEEK);
+    int peeked = port::receive(socket, &byte, 1, MSG_PEEK);
     if (peeked == SOCKET_ERROR) {
-        const PeekError error = classifyPeekError(::WSAGetLastError());
+        const PeekError error = classifyPeekError(port::lastSocketError());
         if (error == PeekError::dead) return false;
         if (error != PeekError::other) setMode(0);
         if (error == PeekError::reset) return false;
@@ -182,7 +138,7 @@ bool isConnected(SOCKET socket, const std::function<void(int)>& setMode) {
 int receiveWithin(SOCKET socket, char* buffer, int length, int timeOut,
                   const std::function<int()>& wait) {
     if (timeOut > 0 && wait() != 0) return 0;
-    return ::recv(socket, buffer, length, 0);
+    return port::receive(socket, buffer, length, 0);
 }
 
 int sendFromSource(CUT_DataSource& source, const SendPiece& sendPiece) {

@@ -6,9 +6,13 @@
 #include <optional>
 #include <type_traits>
 
-#include "NyServer/base/detail/UniqueHandle.h"
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
+#include "NyServer/detail/UniqueHandle.h"
 #include "NyServer/socket/CUT_DataSource.h"
+
+namespace NySe {
+using UniqueSocket = UniqueHandle<SOCKET, port::closeSocket, INVALID_SOCKET>;
+}
 
 namespace socketcalls {
 
@@ -18,27 +22,13 @@ constexpr long kTimeOut = 30000;
 // The buffer size for files that are sent or received, in bytes.
 constexpr int kFileBuffer = 4096;
 
-// Calls WSAStartup for version 2.0; `data` receives its result. Each call that returns true must be
-// balanced by one WSACleanup.
-bool startWinsock(WSADATA& data);
-
 sockaddr_in makeAddress(int family, unsigned int port, unsigned long networkAddress);
 
-// Returns false on failure.
-bool bindTo(SOCKET socket, const sockaddr_in& address);
-
-// Returns the local address of the socket; all zero on failure.
-sockaddr_in localAddress(SOCKET socket);
-
-// Returns the port of localAddress in host order.
+// Returns the port of the socket's own end in host order; 0 on failure.
 int localPort(SOCKET socket);
 
 // Returns the address as dotted text; "" on failure. Valid until the thread's next call.
 const char* dottedText(const sockaddr_in& address);
-
-// Returns the first address of a look-up as dotted text, or null if there is none. Valid as in
-// dottedText.
-const char* firstAddress(const hostent& host);
 
 // Returns what follows the last '@' of "user@host", or all of `name`. An '@' that is the first
 // character does not count.
@@ -47,12 +37,9 @@ const char* hostPart(const char* name);
 // Copies at most `size` - 1 characters and a terminator; nothing if `size` is below 1.
 void copyText(const char* text, char* target, int size);
 
-// Return whether select reports the socket within the time.
+// Return whether the socket is ready within the time.
 bool isReadable(SOCKET socket, long seconds, long microseconds);
 bool isWritable(SOCKET socket, long seconds, long microseconds);
-
-// Returns whether at least one byte can be read without waiting.
-bool isDataWaiting(SOCKET socket);
 
 // Closes the socket, after a shutdown of both directions if `shutDown`. The socket is closed even
 // if the shutdown fails. Returns false if either call failed.

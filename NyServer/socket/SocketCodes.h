@@ -2,7 +2,7 @@
 // numbers: do not change them, and never give a number a new meaning.
 #pragma once
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/NyServerApi.h"
 
 enum SocketCode : int {
@@ -38,4 +38,4 @@ extern NYSERVER_API const int NY_UTE_SOCK_BIND_FAILED;
 // Returns the English text of the socket's pending error (SO_ERROR), not of the calling thread's
 // last error. If it cannot be read, returns the text of that failure. The text is static. `code`,
 // unless null, receives the error number that the text describes.
-NYSERVER_API const wchar_t* SocketErrorText(const SOCKET* socket, int* code);
+NYSERVER_API const WCHAR* SocketErrorText(const SOCKET* socket, int* code);

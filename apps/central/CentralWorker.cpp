@@ -107,8 +107,7 @@ bool CentralWorker::sendInSteps(const std::string& bytes) {
             continue;
         }
         if (::WSAGetLastError() != WSAEWOULDBLOCK || mustEnd()) break;
-        if (socketcalls::waitWritable(m_socket, kAnswerStep) != socketcalls::Readiness::ready)
-            ++stepsInVain;
+        if (port::waitFor(m_socket, port::Wanted::writable, 0, kAnswerStep) != 1) ++stepsInVain;
     }
     return sent == bytes.size();
 }

@@ -6,6 +6,7 @@
 #include "apps/common/SelfConnect.h"
 #include "NyServer/socket/TimedConnect.h"
 
+using port::Readiness;
 using namespace socketcalls;
 
 namespace {
@@ -85,7 +86,8 @@ ListenerLink::Outcome ListenerLink::sendAll(const std::string& bytes, Patience& 
         }
         if (!isWouldBlock()) return Outcome::lost;
         if (patience.isOver()) return Outcome::tooSlow;
-        if (waitWritable(m_socket.get(), kSendStep) == Readiness::failed) return Outcome::lost;
+        if (port::waitFor(m_socket.get(), port::Wanted::writable, 0, kSendStep) < 0)
+            return Outcome::lost;
     }
     return Outcome::done;
 }

@@ -7,6 +7,7 @@
 #include "apps/central/CentralServer.h"
 #include "apps/common/CommandLine.h"
 #include "apps/common/StopRequest.h"
+#include "apps/common/Utf8.h"
 
 using namespace apps;
 
@@ -63,7 +64,8 @@ bool open(CentralServer& server, const Options& options) {
 int serve(const Options& options) {
     CentralServer server(settingsOf(options));
     if (!open(server, options)) return 1;
-    ::WaitForSingleObject(StopRequest::event(), INFINITE);
+    while (!StopRequest::wait(60'000)) {
+    }
     std::printf("stopping\n");
     server.stop();  // what is queued until then counts as dropped
     if (const size_t dropped = server.pusher().dropped(); dropped != 0)
@@ -94,13 +96,13 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--port-file", options.portFile, "A file to write the port to once it is open");
 }
 
-int run() {
+int run(int count, const char* const* words) {
     CLI::App app("The reference central server: who is connected, and who holds what.",
                  "nycentral");
     Options options;
     addOptions(app, options);
     try {
-        parseCommandLine(app);
+        parseCommandLine(app, count, words);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
     }
@@ -110,9 +112,9 @@ int run() {
 
 }  // namespace
 
-int main() {
+int main(int count, char** words) {
     try {
-        return run();
+        return run(count, words);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "nycentral: %s\n", error.what());
         return 1;

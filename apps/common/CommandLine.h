@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <CLI/CLI.hpp>
 
+#include "apps/common/Program.h"
 #include "apps/common/Session.h"
-#include "apps/common/Utf8.h"
 
 namespace apps {
 
@@ -23,10 +23,10 @@ inline CLI::Option* addUserOption(CLI::App& app, Account& account) {
         ->capture_default_str();
 }
 
-// Parses the arguments of this program. Throws CLI::ParseError; CLI::CallForHelp is derived from
-// it.
-inline void parseCommandLine(CLI::App& app) {
-    std::vector<std::string> arguments = commandLineArguments();
+// Parses the arguments of this program, which are those of main. Throws CLI::ParseError;
+// CLI::CallForHelp is derived from it.
+inline void parseCommandLine(CLI::App& app, int count, const char* const* words) {
+    std::vector<std::string> arguments = commandLineArguments(count, words);
     std::reverse(arguments.begin(), arguments.end());  // the order that the parser expects
     app.parse(arguments);
 }

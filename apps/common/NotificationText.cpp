@@ -1,6 +1,7 @@
 #include "apps/common/NotificationText.h"
 
 #include <cstdio>
+#include <ctime>
 
 #include "apps/common/Utf8.h"
 #include "NyServer/records/NySeConnection.h"
@@ -12,6 +13,19 @@
 namespace apps {
 
 namespace {
+
+using Clock = std::chrono::system_clock;
+
+// Returns the broken-down time and the milliseconds of `time`, as "2026-11-21T16:05:59.123".
+std::string timeText(const std::tm* fields, Clock::time_point time) {
+    using std::chrono::milliseconds;
+    const auto part = std::chrono::floor<milliseconds>(time.time_since_epoch()).count() % 1000;
+    char text[32] = "";
+    std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", fields);
+    char fraction[8];
+    std::snprintf(fraction, sizeof fraction, ".%03d", static_cast<int>(part));
+    return std::string(text) + fraction;
+}
 
 std::string number(LONG value) {
     return std::to_string(value);
@@ -60,13 +74,14 @@ std::string notificationContent(const CObject* object) {
            textIf<NySeMessage>(*object) + textIf<NySeSessionLock>(*object);
 }
 
-std::string timeOfDay(const SYSTEMTIME& utc) {
-    SYSTEMTIME local;
-    ::SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local);
-    char text[32];
-    std::snprintf(text, sizeof text, "%02u:%02u:%02u.%03u", local.wHour, local.wMinute,
-                  local.wSecond, local.wMilliseconds);
-    return text;
+std::string timeOfDay(Clock::time_point time) {
+    const std::time_t seconds = Clock::to_time_t(time);
+    return timeText(std::localtime(&seconds), time).substr(sizeof "2026-11-21");
+}
+
+std::string isoTime(Clock::time_point time) {
+    const std::time_t seconds = Clock::to_time_t(time);
+    return timeText(std::gmtime(&seconds), time) + 'Z';
 }
 
 }  // namespace apps

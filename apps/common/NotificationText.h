@@ -3,6 +3,7 @@
 
 #include <afx.h>
 
+#include <chrono>
 #include <string>
 
 namespace apps {
@@ -12,7 +13,9 @@ namespace apps {
 // server; "no object" for null.
 std::string notificationContent(const CObject* object);
 
-// Returns the local time of day, as "17:05:59.123".
-std::string timeOfDay(const SYSTEMTIME& utc);
+// Return the local time of day, as "17:05:59.123", and the time in UTC, as
+// "2026-11-21T16:05:59.123Z". Not for several threads at once.
+std::string timeOfDay(std::chrono::system_clock::time_point time);
+std::string isoTime(std::chrono::system_clock::time_point time);
 
 }  // namespace apps

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 
 namespace apps {
 
@@ -8,13 +8,10 @@ namespace apps {
 // range from which the system chooses local ports may connect the socket to itself. False for a
 // socket that is not connected.
 inline bool isConnectedToItself(SOCKET socket) {
-    sockaddr_in own{};
-    sockaddr_in peer{};
-    int ownLength = sizeof own;
-    int peerLength = sizeof peer;
-    return ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &ownLength) == 0 &&
-           ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &peerLength) == 0 &&
-           own.sin_port == peer.sin_port && own.sin_addr.s_addr == peer.sin_addr.s_addr;
+    const sockaddr_in own = port::localAddress(socket);
+    const sockaddr_in peer = port::peerAddress(socket);
+    return peer.sin_port != 0 && own.sin_port == peer.sin_port &&
+           own.sin_addr.s_addr == peer.sin_addr.s_addr;
 }
 
 }  // namespace apps

@@ -18,12 +18,6 @@ std::optional<ServerAddress> parseServer(const std::string& server) {
     return address;
 }
 
-std::string loginName() {
-    WCHAR name[256];
-    DWORD length = 256;
-    return ::GetUserNameW(name, &length) ? toUtf8(CString(name)) : std::string("user");
-}
-
 void Session::close() {
     if (m_connected) m_client.disconnect();
     m_connected = m_registered = m_listening = false;

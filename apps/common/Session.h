@@ -18,9 +18,6 @@ struct ServerAddress {
 // Parses HOST:PORT. Returns nothing if `server` has another form.
 std::optional<ServerAddress> parseServer(const std::string& server);
 
-// Returns the login name of the user in UTF-8.
-std::string loginName();
-
 // A user and a server.
 struct Account {
     std::string server = "127.0.0.1:42015";  // HOST:PORT

@@ -1,26 +1,26 @@
-// StopRequest: Ctrl+C and the other events by which the console ends a program, as a kernel event.
+// StopRequest: the requests by which a console, a person or the system ends a program: Ctrl+C and
+// the like on Windows; SIGINT, SIGTERM and SIGHUP elsewhere.
 #pragma once
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Platform.h"
 
 namespace apps {
 
-// While an object exists, such a request sets the event and does not end the program. At most one
-// object exists at a time.
+// While an object exists, such a request is noted and does not end the program. A signal that was
+// ignored before stays ignored. At most one object exists at a time.
 class StopRequest {
   public:
-    // Resets the event. Throws std::runtime_error if the event cannot be created.
+    // Discards earlier requests. Throws std::runtime_error if the system refuses what it needs.
     StopRequest();
     ~StopRequest();
     StopRequest(const StopRequest&) = delete;
     StopRequest& operator=(const StopRequest&) = delete;
 
-    // Returns the event, for waiting. Any thread may call it at any time. Throws as the constructor
-    // does, but not after a constructor has succeeded.
-    static HANDLE event();
-    static bool isRequested() { return ::WaitForSingleObject(event(), 0) == WAIT_OBJECT_0; }
-    // Requests the stop from inside the program.
-    static void request() { ::SetEvent(event()); }
+    // Returns whether a stop is requested, after waiting for that for at most the time.
+    static bool wait(DWORD milliseconds);
+    static bool isRequested() { return wait(0); }
+    // Requests the stop from inside the program. Any thread may call it.
+    static void request();
 };
 
 }  // namespace apps

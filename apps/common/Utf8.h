@@ -4,14 +4,10 @@
 #include <afx.h>
 
 #include <string>
-#include <vector>
 
 namespace apps {
 
 std::string toUtf8(const CString& text);
 CString fromUtf8(const std::string& text);
-
-// Returns the program's arguments in UTF-8, without its own name.
-std::vector<std::string> commandLineArguments();
 
 }  // namespace apps

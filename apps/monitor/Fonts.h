@@ -1,7 +1,7 @@
 // The system's font for windows.
 #pragma once
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/base/WindowsPrelude.h"
 
 namespace apps::monitor {

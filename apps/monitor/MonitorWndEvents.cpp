@@ -13,9 +13,7 @@ namespace apps::monitor {
 namespace {
 
 std::wstring now() {
-    SYSTEMTIME utc;
-    ::GetSystemTime(&utc);
-    return wide(timeOfDay(utc));
+    return wide(timeOfDay(std::chrono::system_clock::now()));
 }
 
 constexpr UINT_PTR kUpdateTimer = 1;

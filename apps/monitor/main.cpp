@@ -5,6 +5,7 @@
 
 #include "apps/common/CommandLine.h"
 #include "apps/common/RunProgram.h"
+#include "apps/common/Utf8.h"
 #include "apps/monitor/Monitor.h"
 
 namespace apps::monitor {
@@ -27,7 +28,7 @@ void endAtOnce() {
     ::TerminateProcess(::GetCurrentProcess(), 0);
 }
 
-int run() {
+int run(int count, const char* const* words) {
     Account account;
     CLI::App app("Shows the users, connections and locks of a central server, and what changes.",
                  "nymonitor");
@@ -36,7 +37,7 @@ int run() {
     app.footer("Example: nymonitor --server 127.0.0.1:40123 --user Anna");
 
     try {
-        parseCommandLine(app);
+        parseCommandLine(app, count, words);
     } catch (const CLI::CallForHelp&) {
         say(app.help());
         return 0;
@@ -50,9 +51,9 @@ int run() {
 }  // namespace
 }  // namespace apps::monitor
 
-int main() {
+int main(int count, char** words) {
     const auto complain = [](const char* reason) {
         apps::monitor::say(std::string("nymonitor: ") + reason + "\n");
     };
-    return apps::runProgram(apps::monitor::run, complain, 1);
+    return apps::runProgram([&] { return apps::monitor::run(count, words); }, complain, 1);
 }

@@ -19,6 +19,7 @@ enum ExitStatus : int {
     exitUsage = 2,    // the command line was wrong
     exitNoReply = 3,  // no connection, or no reply
     exitTimeOut = 4   // timed out
+    // `hold` exits with the status of its command, which may be any number.
 };
 
 struct Context {
@@ -53,6 +54,10 @@ std::shared_ptr<Value> argument(CLI::App& command, const char* name, const char*
     command.add_option(name, *value, help)->required();
     return value;
 }
+
+// The interval at which a command that waits checks for a stop, its time-out and a lost connection,
+// in milliseconds.
+inline constexpr DWORD kRound = 50;
 
 // Reports it and closes the connection. Returns exitNoReply.
 ExitStatus noReply(Context& context);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "apps/nyctl/Doctor.h"
+#include "apps/nyctl/UnknownCommand.h"
 
 namespace apps::nyctl {
 
@@ -52,7 +53,7 @@ ExitStatus runLine(const std::string& line, Session& session, const Output& outp
     try {
         app.parse(line);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? exitYes : exitUsage;
+        return reportUsage(app, error);
     }
     return status;
 }
@@ -67,7 +68,7 @@ void addCommands(CLI::App& app, Session& session, const Output& output, ExitStat
     }
     adder.add(app, kDoctor, Needs::nothing);
     CLI::App* const online =
-        app.add_subcommand("online", "Query the maker's online service, not the central server");
+        app.add_subcommand("online", "Query the vendor's online service, not the central server");
     online->require_subcommand(1);
     online->footer("Example: nyctl online ping");
     adder.add(*online, kOnlineCommands, Needs::nothing);

@@ -19,14 +19,14 @@ Run defineOpen(CLI::App& command) {
 }
 
 Run defineClose(CLI::App& command) {
-    return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
+    return [id = argument<LONG>(command, "ID", "The connection's id")](Context& context) {
         context.client().closeConnection(*id);
         return ifAlive(context, exitYes);
     };
 }
 
 Run defineOpeners(CLI::App& command) {
-    return [id = argument<long>(command, "ID", "The connection's id")](Context& context) {
+    return [id = argument<LONG>(command, "ID", "The connection's id")](Context& context) {
         NySeUserPtrArray users;
         context.client().isOpenConnectionBy(*id, users);
         const ExitStatus status = users.GetSize() > 0 ? exitYes : ifAlive(context, exitNo);

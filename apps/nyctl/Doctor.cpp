@@ -57,7 +57,7 @@ const std::array<Doctor::Check, 7> Doctor::kChecks = {
      {"liveness", &Doctor::checkLiveness},
      {"registration", &Doctor::registerUser},
      {"listener port", &Doctor::awaitServer},
-     {"window message", &Doctor::awaitNotification}}};
+     {"notification", &Doctor::awaitNotification}}};
 
 Doctor::Doctor(const Options& options, std::chrono::seconds timeOut)
     : m_options(withOwnUser(options)),

@@ -53,11 +53,11 @@ class Doctor {
     // Sends a text to this user from another session, which is not registered. Returns false if the
     // server does not accept it.
     bool sendToUser(const std::string& text);
-    // Sends the text and waits until it arrives at a window.
-    Finding passThroughWindow(const std::string& text);
-    // Dispatches messages until `isDone` returns true. Returns false at the time-out.
-    template <class Condition>
-    bool waitFor(Condition isDone) const;
+    // Sends the text and waits until it is received.
+    Finding passThroughReceiver(const std::string& text);
+    // Calls `wait` until `isDone` returns true. Returns false at the time-out.
+    template <class Condition, class Wait>
+    bool waitFor(Condition isDone, Wait wait) const;
     std::string timeOut() const { return std::to_string(m_timeOut.count()) + " s"; }
     const NySeUser& user() const { return m_session.user(); }
 

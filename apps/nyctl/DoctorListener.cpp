@@ -1,8 +1,9 @@
-// The checks from the server to this user's listener and its window.
+// The checks from the server to this user's listener and its receiver.
 #include <memory>
+#include <random>
 
 #include "apps/nyctl/Doctor.h"
-#include "apps/nyctl/WatchWindow.h"
+#include "apps/nyctl/NotificationReceiver.h"
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
 
@@ -15,8 +16,8 @@ constexpr DWORD kWaitRound = 20;
 
 // A text that no other doctor sends.
 std::string ownText() {
-    return "nyctl doctor " + std::to_string(::GetCurrentProcessId()) + ' ' +
-           std::to_string(::GetTickCount64());
+    std::random_device random;
+    return "nyctl doctor " + std::to_string(random()) + ' ' + std::to_string(random());
 }
 
 bool holds(CMemFile& payload, const std::string& text) {
@@ -36,13 +37,12 @@ Finding noSecondSession() {
 
 }  // namespace
 
-template <class Condition>
-bool Doctor::waitFor(Condition isDone) const {
+template <class Condition, class Wait>
+bool Doctor::waitFor(Condition isDone, Wait wait) const {
     const auto end = Clock::now() + m_timeOut;
     while (!isDone()) {
         if (Clock::now() >= end) return false;
-        if (!dispatchNextMessage())
-            ::MsgWaitForMultipleObjects(0, nullptr, FALSE, kWaitRound, QS_ALLINPUT);
+        wait();
     }
     return true;
 }
@@ -57,7 +57,7 @@ bool Doctor::sendToUser(const std::string& text) {
     return other.client().isAlive();
 }
 
-// The server connects when it has a notification. There is no window yet, so it is not shown.
+// The server connects when it has a notification. Nothing receives it yet.
 Finding Doctor::awaitServer() {
     if (!m_session.listenFrom(user().getPort()))
         return {"the server has no port that is free on this machine",
@@ -66,7 +66,8 @@ Finding Doctor::awaitServer() {
     const NyServerApp& listener = m_session.listener();
     const std::string port = std::to_string(listener.getPortNumber());
     if (!sendToUser(ownText())) return noSecondSession();
-    if (waitFor([&listener] { return listener.GetNumConnections() > 0; }))
+    if (waitFor([&listener] { return listener.GetNumConnections() > 0; },
+                [] { port::sleep(kWaitRound); }))
         return Finding::ok("the server connected to port " + port);
     return {
         "no connection to port " + port + " within " + timeOut(),
@@ -79,23 +80,23 @@ Finding Doctor::awaitServer() {
 
 Finding Doctor::awaitNotification() {
     try {
-        return passThroughWindow(ownText());
-    } catch (const std::runtime_error& error) {  // no window
-        return {error.what(),
-                "notifications arrive as messages of a window, and none can be created",
-                "run it in a session that allows windows, with fewer windows open", exitNo};
+        return passThroughReceiver(ownText());
+    } catch (const std::runtime_error& error) {  // no receiver
+        return {error.what(), "nothing can be created that receives the notifications",
+                "close other programs; on Windows run it in a session that allows windows", exitNo};
     }
 }
 
-Finding Doctor::passThroughWindow(const std::string& text) {
+Finding Doctor::passThroughReceiver(const std::string& text) {
     bool isReceived = false;
     NyServerApp& listener = m_session.listener();
-    const WatchWindow window(listener, [&](NySe::ActionType, CMemFile& payload) {
+    NotificationReceiver receiver(listener, [&](NySe::ActionType, CMemFile& payload) {
         isReceived = isReceived || holds(payload, text);
     });
+    const auto receive = [&receiver] { receiver.receive(kWaitRound); };
     const auto begin = Clock::now();
     if (!sendToUser(text)) return noSecondSession();
-    if (!waitFor([&isReceived] { return isReceived; }))
+    if (!waitFor([&isReceived] { return isReceived; }, receive))
         return {
             "no notification within " + timeOut(),
             "the server connected to the listener, but does not forward what was sent to the user",
@@ -104,9 +105,9 @@ Finding Doctor::passThroughWindow(const std::string& text) {
             exitNoReply};
     const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
     // There may be notifications of other users, too.
-    if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }))
+    if (!waitFor([&listener] { return listener.getPostMsgCount() == 0; }, receive))
         return {"messages that are not consumed: " + std::to_string(listener.getPostMsgCount()),
-                "notifications arrive faster than the window consumes them",
+                "notifications arrive faster than they are consumed",
                 "have the other users send less, and retry", exitNo};
     return Finding::ok("a notification arrived after " + std::to_string(taken.count()) +
                        " ms; all are consumed");

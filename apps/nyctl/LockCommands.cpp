@@ -1,5 +1,6 @@
 // The commands about locks.
-#include "apps/nyctl/CommandTools.h"
+#include "apps/nyctl/Hold.h"
+#include "apps/nyctl/ShareModeOption.h"
 #include "NyServer/records/NySeLockArray.h"
 #include "NyServer/records/NySeShareMode.h"
 
@@ -7,20 +8,9 @@ namespace apps::nyctl {
 
 namespace {
 
-// As "Share mode: 0x01 access1, 0x02 access2".
-std::string shareModeHelp() {
-    std::string help = "Share mode:";
-    for (const auto& [bit, word] : NySe::kShareModeBits) {
-        help +=
-            (bit == NySe::kShareModeBits[0].bit ? " " : ", ") + shareModeDigits(bit) + ' ' + word;
-    }
-    return help;
-}
-
 Run defineLock(CLI::App& command) {
     auto name = argument<std::string>(command, "NAME", "The lock's name");
-    auto mode = std::make_shared<unsigned>(NySe::exclude1 | NySe::exclude2);
-    command.add_option("--mode", *mode, shareModeHelp())->default_str(shareModeDigits(*mode));
+    auto mode = shareModeOption(command, NySe::exclude1 | NySe::exclude2);
     return [name, mode](Context& context) {
         if (const ExitStatus status = ensureRegistered(context); status != exitYes) return status;
         const bool granted = context.client().lock(fromUtf8(*name), *mode);
@@ -89,8 +79,11 @@ Run defineLocks(CLI::App&) {
 }  // namespace
 
 const std::vector<Command> kLockCommands = {
-    {"lock", "Request a lock under a share mode", "lock part/42 --mode 0x18", &defineLock},
+    {"lock", "Request a lock under a share mode", "lock part/42 --mode access1+exclude2",
+     &defineLock},
     {"unlock", "Release a lock", "unlock part/42", &defineUnlock},
+    {"hold", "Hold a lock while a command runs, and exit with the command's status",
+     "hold part/42 --wait 10 -- convert part42.igs", &defineHold},
     {"holders", "List the users who hold a lock", "holders part/42", &defineHolders},
     {"locks", "List all locks and their holders", "locks", &defineLocks},
 };

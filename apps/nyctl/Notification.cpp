@@ -1,7 +1,6 @@
 #include "apps/nyctl/Notification.h"
 
 #include <array>
-#include <cstdio>
 #include <memory>
 
 #include "apps/common/NotificationText.h"
@@ -54,25 +53,17 @@ const Kind* findKind(const CObject& object) {
     return nullptr;
 }
 
-std::string isoTime(const SYSTEMTIME& utc) {
-    char text[64];
-    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u:%02u.%03uZ", utc.wYear, utc.wMonth,
-                  utc.wDay, utc.wHour, utc.wMinute, utc.wSecond, utc.wMilliseconds);
-    return text;
-}
-
 }  // namespace
 
 Notification readNotification(NySe::ActionType action, CMemFile& payload) {
-    SYSTEMTIME utc;
-    ::GetSystemTime(&utc);
+    const auto now = std::chrono::system_clock::now();
     const ULONGLONG size = payload.GetLength();
     const std::unique_ptr<CObject> object(NySe::readReplyObject(payload, nullptr));
     const Kind* const kind = object ? findKind(*object) : nullptr;
     const char* const words = NySe::notificationKind(action).words;
-    return {timeOfDay(utc) + "  " + std::to_string(action) + ' ' + words + "  " +
+    return {timeOfDay(now) + "  " + std::to_string(action) + ' ' + words + "  " +
                 notificationContent(object.get()) + "  (" + std::to_string(size) + " bytes)",
-            {{"time", isoTime(utc)},
+            {{"time", isoTime(now)},
              {"action", static_cast<int>(action)},
              {"words", words},
              {"class", object ? Record(object->GetRuntimeClass()->m_lpszClassName) : Record()},

@@ -1,4 +1,4 @@
-// The commands about the maker's online service, which need no central server.
+// The commands about the vendor's online service, which need no central server.
 #include "apps/nyctl/CommandTools.h"
 #include "NyServer/online/NyFctWebService.h"
 
@@ -31,7 +31,7 @@ class ChosenService {
             NyFctWebService::connectToTestBase(service == "test");
             return;
         }
-        if (service.back() != '/') m_address += L'/';
+        if (service.back() != '/') m_address += _T('/');
         NyFctWebService::setCustomServerUrl(m_address);
     }
     ~ChosenService() { NyFctWebService::connectToTestBase(false); }
@@ -58,7 +58,7 @@ Run defineOnlinePing(CLI::App& command) {
 
 Run defineVersion(CLI::App& command) {
     return [service = serviceOption(command),
-            id = argument<long>(command, "ID", "The product's number")](Context& context) {
+            id = argument<LONG>(command, "ID", "The product's number")](Context& context) {
         const ChosenService chosen(*service);
         const CString version = NyFctWebService::getOnlineVersionFromSoftwareID(*id);
         if (!version.IsEmpty()) {

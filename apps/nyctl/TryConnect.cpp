@@ -1,11 +1,12 @@
 #include "apps/nyctl/TryConnect.h"
 
 #include "apps/common/SelfConnect.h"
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/socket/SocketCalls.h"
 #include "NyServer/socket/TimedConnect.h"
 
 namespace apps::nyctl {
 
+using port::Readiness;
 using namespace socketcalls;
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 sockaddr_in addressOf(const std::string& dotted, int port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = ::htons(static_cast<u_short>(port));
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = ::inet_addr(dotted.c_str());
     return address;
 }
@@ -24,22 +25,21 @@ ConnectOutcome outcomeOf(int error) {
 
 int pendingError(SOCKET socket) {
     int error = 0;
-    int size = sizeof error;
-    ::getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &size);
+    port::getSocketOption(socket, SO_ERROR, &error, sizeof error);
     return error;
 }
 
 }  // namespace
 
-ConnectOutcome tryConnect(const std::string& address, int port, std::chrono::seconds timeOut) {
-    const NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
-    u_long nonBlocking = 1;
-    ::ioctlsocket(socket.get(), FIONBIO, &nonBlocking);
-    if (startConnect(socket.get(), addressOf(address, port)) == Readiness::failed)
-        return outcomeOf(::WSAGetLastError());
-    const auto end = std::chrono::steady_clock::now() + timeOut;
-    const Readiness readiness =
-        awaitConnect(socket.get(), [end] { return std::chrono::steady_clock::now() >= end; });
+ConnectOutcome tryConnect(const std::string& address, int portNumber,
+                          std::chrono::seconds timeOut) {
+    using Clock = std::chrono::steady_clock;
+    const NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    port::setBlocking(socket.get(), false);
+    if (startConnect(socket.get(), addressOf(address, portNumber)) == Readiness::failed)
+        return outcomeOf(port::lastSocketError());
+    const auto end = Clock::now() + timeOut;
+    const Readiness readiness = awaitConnect(socket.get(), [end] { return Clock::now() >= end; });
     if (readiness == Readiness::pending) return ConnectOutcome::silent;
     if (const int error = pendingError(socket.get())) return outcomeOf(error);
     return readiness == Readiness::ready && !isConnectedToItself(socket.get())

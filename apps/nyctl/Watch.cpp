@@ -2,47 +2,34 @@
 
 #include "apps/common/StopRequest.h"
 #include "apps/nyctl/Notification.h"
-#include "apps/nyctl/WatchWindow.h"
+#include "apps/nyctl/NotificationReceiver.h"
 
 namespace apps::nyctl {
-
-namespace {
-
-// The interval of the checks of the connection and the time-out, in milliseconds.
-constexpr DWORD kRound = 100;
-
-void awaitMessage() {
-    const HANDLE stop = StopRequest::event();
-    ::MsgWaitForMultipleObjects(1, &stop, FALSE, kRound, QS_ALLINPUT);
-}
-
-}  // namespace
 
 ExitStatus Watch::run() {
     const StopRequest stopRequest;
     const ExitStatus status = follow();
     if (status == exitNo) Output::complain("the server has no port that is free on this machine");
-    // Not earlier: the window uses the listener, which is destroyed with the connection.
+    // Not earlier: the receiver uses the listener, which is destroyed with the connection.
     return status == exitNoReply ? noReply(m_context) : status;
 }
 
-// The window exists before the listener starts, so that no notification is missed.
+// The receiver exists before the listener starts, so that no notification is missed.
 ExitStatus Watch::follow() {
     NyServerApp& listener = m_context.session.listener();
-    const WatchWindow window(
+    NotificationReceiver receiver(
         listener, [this](NySe::ActionType action, CMemFile& payload) { show(action, payload); });
     if (!m_context.session.listen()) return m_context.client().isAlive() ? exitNo : exitNoReply;
     Output::note("listening on port " + std::to_string(listener.getPortNumber()));
     m_end = Clock::now() + std::chrono::duration_cast<Clock::duration>(m_limits.time);
     for (;;) {
         if (const auto end = outcome()) return *end;
-        if (dispatchNextMessage()) continue;
+        if (receiver.receive(kRound)) continue;
         // Checked last, so that notifications received before the connection was lost are shown.
         if (!m_context.client().IsConnected()) {
             Output::complain("the connection to the server was lost");
             return exitNoReply;
         }
-        awaitMessage();
     }
 }
 

@@ -2,11 +2,12 @@
 #include "apps/common/CommandLine.h"
 #include "apps/common/RunProgram.h"
 #include "apps/nyctl/Commands.h"
+#include "apps/nyctl/UnknownCommand.h"
 
 namespace apps::nyctl {
 namespace {
 
-int run() {
+int run(int count, const char* const* words) {
     Options options;
     Session session(options);
     const Output output(options);
@@ -30,12 +31,12 @@ int run() {
     app.footer(
         "Example: nyctl --server 127.0.0.1:40123 --user Anna lock part/42 --mode 0x18\n"
         "Exit status: 0 yes or done, 1 no or refused, 2 wrong usage, 3 no connection or no "
-        "reply, 4 timed out.");
+        "reply, 4 timed out; hold exits with the status of its command.");
 
     try {
-        parseCommandLine(app);
+        parseCommandLine(app, count, words);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? exitYes : exitUsage;
+        return reportUsage(app, error);
     }
     return status;
 }
@@ -43,7 +44,7 @@ int run() {
 }  // namespace
 }  // namespace apps::nyctl
 
-int main() {
+int main(int count, char** words) {
     using namespace apps::nyctl;
-    return apps::runProgram(run, Output::complain, exitNoReply);
+    return apps::runProgram([&] { return run(count, words); }, Output::complain, exitNoReply);
 }

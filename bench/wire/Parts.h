@@ -3,23 +3,25 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <map>
 #include <stdexcept>
+#include <string>
 
 namespace bench {
 
 struct WireOptions {
     std::chrono::duration<double> seconds{3};  // for each row, or for each group of rows
     int connections = 500;
+    int port = 0;
 };
 
-void runRequests(const WireOptions& options);
-void runNotifications(const WireOptions& options);
-void runConnections(const WireOptions& options);
-void runCentral(const WireOptions& options);
+using Part = std::function<void(const WireOptions&)>;
 
-// Opens a connection to a port of 127.0.0.1 for each byte of the input and holds all of them until
-// the input ends.
-void holdConnections(int port);
+// Those that this system has.
+const std::map<std::string, Part>& parts();
+
+void runRequests(const WireOptions& options);
 
 inline void require(bool condition, const char* what) {
     if (!condition) throw std::runtime_error(what);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "bench/wire/RawCalls.h"
 #include "NyServer/framing/NySeActions.h"
 
 namespace {
@@ -19,9 +20,9 @@ size_t answerFirst(SOCKET socket, const char* bytes, size_t held) {
     const LONG alive = NySe::kAliveAnswer;
     const char granted = 1;
     if (header[0] == NySe::actionIsAlive)
-        ::send(socket, reinterpret_cast<const char*>(&alive), sizeof alive, 0);
+        port::send(socket, reinterpret_cast<const char*>(&alive), sizeof alive, 0);
     else if (header[0] == NySe::actionLock)
-        ::send(socket, &granted, sizeof granted, 0);
+        port::send(socket, &granted, sizeof granted, 0);
     return length;
 }
 
@@ -31,8 +32,8 @@ void bench::answerRequests(peers::Connection& connection) {
     std::array<char, 4096> buffer;
     size_t held = 0;
     for (;;) {
-        const int count = ::recv(connection.socket(), buffer.data() + held,
-                                 static_cast<int>(buffer.size() - held), 0);
+        const int count = port::receive(connection.socket(), buffer.data() + held,
+                                        static_cast<int>(buffer.size() - held), 0);
         if (count < 1) return;
         held += static_cast<size_t>(count);
         size_t taken = 0;
@@ -44,17 +45,8 @@ void bench::answerRequests(peers::Connection& connection) {
     }
 }
 
-bool bench::awaitReadable(SOCKET socket, long seconds, long microseconds) {
-    fd_set set{};
-    set.fd_count = 1;
-    set.fd_array[0] = socket;
-    timeval timeOut{seconds, microseconds};
-    return ::select(0, &set, nullptr, nullptr, &timeOut) == 1;
-}
-
 bool bench::exchange(SOCKET socket, const std::string& request, int answerBytes) {
-    const int length = static_cast<int>(request.size());
     char answer[sizeof(LONG)];
-    return ::send(socket, request.data(), length, 0) == length && awaitReadable(socket, kTimeOut) &&
-           ::recv(socket, answer, answerBytes, 0) == answerBytes;
+    return sendRaw(socket, request) && awaitReadable(socket, kTimeOut) &&
+           receiveRaw(socket, answer, answerBytes);
 }

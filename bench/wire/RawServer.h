@@ -10,10 +10,7 @@ namespace bench {
 // Answers isAlive with 512 and lock with a granting byte; other requests get no reply.
 void answerRequests(peers::Connection& connection);
 
-// send, select with a time-out, recv: whether the answer came, in one piece.
+// send, a wait with a time-out, recv: whether the answer came, in one piece.
 bool exchange(SOCKET socket, const std::string& request, int answerBytes);
-
-// The same select as the library's, with a time-out in seconds.
-bool awaitReadable(SOCKET socket, long seconds, long microseconds = 0);
 
 }  // namespace bench

@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "bench/wire/Parts.h"
+#include "bench/wire/RawCalls.h"
 #include "bench/wire/RawServer.h"
 #include "bench/wire/Samples.h"
 #include "tests/client/ClientTest.h"
@@ -54,12 +55,9 @@ class RequestsBench {
     SOCKET socket() const { return NySeClientAppAccess::socket(m_client); }
     bool exchangeAlive() const { return bench::exchange(socket(), m_aliveBytes, sizeof(LONG)); }
     bool exchangeLock() const { return bench::exchange(socket(), m_lockBytes, 1); }
-    bool sendUnlock() const {
-        const int length = static_cast<int>(m_unlockBytes.size());
-        return ::send(socket(), m_unlockBytes.data(), length, 0) == length;
-    }
+    bool sendUnlock() const { return bench::sendRaw(socket(), m_unlockBytes); }
 
-    const CString m_name = L"assembly/part-000001.drw";
+    const CString m_name = _T("assembly/part-000001.drw");
     const LONG m_mode = kMode;
     const std::string m_aliveBytes = requestBytes(NySe::actionIsAlive);
     const std::string m_lockBytes = requestBytes(NySe::actionLock, &m_name, &m_mode);
@@ -76,19 +74,20 @@ void printRow(const char* name, const bench::Samples& samples, double floor, con
 }  // namespace
 
 void bench::runRequests(const WireOptions& options) {
+    useOneCore();
     RequestsBench requests;
     Timed timed;
     for (const auto end = Clock::now() + options.seconds; Clock::now() < end;)
         requests.runOnce(timed);
     const double alone = timed.unlock.median() + timed.lock.median();
     std::printf("| request | median, us | x floor | goal | IQR %% |\n|---|---:|---:|---:|---:|\n");
-    printRow("send, select, recv of isAlive", timed.rawAlive, timed.rawAlive.median(), "-");
+    printRow("send, wait, recv of isAlive", timed.rawAlive, timed.rawAlive.median(), "-");
     printRow("`isAlive`", timed.alive, timed.rawAlive.median(), "1.10");
-    printRow("send, select, recv of lock", timed.rawLock, timed.rawLock.median(), "-");
+    printRow("send, wait, recv of lock", timed.rawLock, timed.rawLock.median(), "-");
     printRow("`lock`", timed.lock, timed.rawLock.median(), "1.10");
     printRow("send of unLock", timed.rawUnlock, timed.rawUnlock.median(), "-");
     printRow("`unLock`", timed.unlock, timed.rawUnlock.median(), "-");
-    printRow("send of unLock, then send, select, recv of lock", timed.rawPair,
+    printRow("send of unLock, then send, wait, recv of lock", timed.rawPair,
              timed.rawUnlock.median() + timed.rawLock.median(), "-");
     printRow("`unLock`, then `lock`; floor: the two alone", timed.pair, alone, "1.15");
     std::printf("\n%zu of each, in turn.\n", timed.alive.count());

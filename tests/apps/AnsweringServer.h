@@ -28,14 +28,14 @@ class AnsweringServer : public CUT_WSServer {
         : m_answers(std::move(answers)), m_requests(requests) {
         int result = 1;
         for (int i = 0; result != 0 && i < 20; ++i)
-            result = ConnectToPort(peers::freePort(), 5, AF_INET, ::htonl(INADDR_LOOPBACK));
+            result = ConnectToPort(peers::freePort(), 5, AF_INET, htonl(INADDR_LOOPBACK));
         EXPECT_EQ(0, result);
         EXPECT_EQ(0, StartAccept());
     }
     ~AnsweringServer() override {
         SetShutDownFlag(1);
         StopAccept();
-        while (!RunDownIfIdle()) ::Sleep(10);
+        while (!RunDownIfIdle()) port::sleep(10);
     }
 
     std::string address() { return "127.0.0.1:" + std::to_string(GetPort()); }

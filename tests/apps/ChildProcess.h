@@ -9,7 +9,7 @@
 #include <chrono>
 #include <string>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 
 class ChildProcess {
   public:

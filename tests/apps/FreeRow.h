@@ -1,20 +1,17 @@
 // Ports that follow each other, and listeners there.
 #pragma once
 
+#include <random>
 #include <stdexcept>
 #include <vector>
 
 #include "tests/socket/Peers.h"
 
 // Listens there, or is invalid when somebody does.
-inline NySe::UniqueSocket listenOn(int port) {
-    NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-    address.sin_port = ::htons(static_cast<unsigned short>(port));
-    if (::bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-        ::listen(socket.get(), 5) != 0)
+inline NySe::UniqueSocket listenOn(int number) {
+    NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, 0));
+    const sockaddr_in address = peers::loopbackAddress(static_cast<unsigned int>(number));
+    if (!port::bindSocket(socket.get(), address) || !port::listenOn(socket.get(), 5))
         socket.reset();
     return socket;
 }
@@ -28,9 +25,9 @@ inline int freeRow(int count) {
     constexpr int kRow = 48;
     static const peers::WinsockSession winsock;
     static std::vector<NySe::UniqueSocket> marks;
-    static int next = static_cast<int>(::GetCurrentProcessId() / 4 * 7 % kRows);
+    static unsigned int next = std::random_device()();
     for (int attempt = 0; attempt < kRows; ++attempt) {
-        const int mark = kFirst + next++ % kRows * kRow;
+        const int mark = kFirst + static_cast<int>(next++ % kRows) * kRow;
         NySe::UniqueSocket marking = listenOn(mark);
         if (!marking) continue;
         int found = 0;

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr const char* kNames[] = {"name look-up", "connect",       "schema",        "liveness",
-                                  "registration", "listener port", "window message"};
+constexpr const char* kNames[] = {"name look-up", "connect",       "schema",      "liveness",
+                                  "registration", "listener port", "notification"};
 constexpr size_t kChecks = std::size(kNames);
 
 enum Check { nameLookUp, connecting, schema, liveness, registration, listenerPort, windowMessage };

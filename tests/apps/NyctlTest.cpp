@@ -18,7 +18,7 @@ class Nyctl : public ::testing::Test {
     }
     ExitStatus run(const std::string& line) { return m_run(m_options, line); }
 
-    Options m_options{"", "Anna", false};
+    Options m_options{{"", "Anna"}};
     std::unique_ptr<AnsweringServer> m_server;
     NyctlRun m_run;
 };

@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "apps/common/StopRequest.h"
-#include "apps/nyctl/WatchWindow.h"
+#include "apps/nyctl/windows/WatchWindow.h"
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "tests/apps/CentralTest.h"

@@ -10,12 +10,8 @@ namespace {
 
 class SelfConnect : public ::testing::Test {
   protected:
-    static bool connect(const NySe::UniqueSocket& socket, int port) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
-        address.sin_port = ::htons(static_cast<unsigned short>(port));
-        return ::connect(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
+    static bool connect(const NySe::UniqueSocket& socket, unsigned int number) {
+        return port::connectTo(socket.get(), peers::loopbackAddress(number));
     }
 
     const peers::WinsockSession winsock;
@@ -23,16 +19,16 @@ class SelfConnect : public ::testing::Test {
 };
 
 TEST_F(SelfConnect, IsDetectedWhenBothEndsAreTheSame) {
-    ASSERT_TRUE(connect(socket, peers::portOf(socket)));
+    ASSERT_TRUE(connect(socket, static_cast<unsigned int>(peers::portOf(socket))));
     char echoed = 0;
-    ASSERT_EQ(1, ::send(socket.get(), "x", 1, 0));
-    ASSERT_EQ(1, ::recv(socket.get(), &echoed, 1, 0));  // as if somebody were there
+    ASSERT_EQ(1, port::send(socket.get(), "x", 1, 0));
+    ASSERT_EQ(1, port::receive(socket.get(), &echoed, 1, 0));  // as if somebody were there
     EXPECT_TRUE(isConnectedToItself(socket.get()));
 }
 
 TEST_F(SelfConnect, IsNotDetectedWithAnotherPeer) {
     const peers::Peer peer(peers::silent());
-    ASSERT_TRUE(connect(socket, static_cast<int>(peer.port())));
+    ASSERT_TRUE(connect(socket, peer.port()));
     EXPECT_FALSE(isConnectedToItself(socket.get()));
 }
 

@@ -15,11 +15,19 @@ fail() {
   failures=$((failures + 1))
 }
 
+# runner PROGRAM: prints what runs a program of its system, in the same process.
+runner() {
+  case $1 in
+    *.exe) echo "$root/tools/run-in-wine" ;;
+    *) echo env ;;
+  esac
+}
+
 # start_central NYCENTRAL ARGUMENT...: starts a server, whose process is then $central, and waits for its port.
 start_central() {
   rm -f "$work/port"
   set -m  # a background program ignores Ctrl+C unless it is a job of its own
-  "$root/tools/run-in-wine" "$@" --port-file "$work/port" > "$work/central.log" 2>&1 &
+  "$(runner "$1")" "$@" --port-file "$work/port" > "$work/central.log" 2>&1 &
   central=$!
   set +m
   await is_open

@@ -33,23 +33,6 @@ TEST(String, TakesAGivenNumberOfCharacters) {
     EXPECT_EQ(CString(WCHAR('x'), -2), _T(""));
 }
 
-// The units that one character of the active code page is, which is Latin-1 off Windows.
-std::basic_string<WCHAR> unitsOf(char narrow) {
-    WCHAR wide[4] = {static_cast<unsigned char>(narrow)};
-    int length = 1;
-#ifdef _WIN32
-    length = ::MultiByteToWideChar(CP_ACP, 0, &narrow, 1, wide, 4);
-#endif
-    return {wide, static_cast<size_t>(length)};
-}
-
-TEST(String, ConvertsNarrowCharactersByTheActiveCodePage) {
-    for (int byte = 0; byte < 256; ++byte) {
-        const char narrow = static_cast<char>(byte);
-        EXPECT_EQ(unitsOf(CString(&narrow, 1)), unitsOf(narrow)) << byte;
-    }
-}
-
 TEST(String, CopiesAreIndependent) {
     CString first(_T("one"));
     CString second = first;

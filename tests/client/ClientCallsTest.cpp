@@ -59,7 +59,7 @@ TEST_P(ClientCalls, FailWhenTheServerResets) {
 TEST_P(ClientCalls, ReturnWithoutAnErrorWhenTheServerHasClosed) {
     serveRequest("", "", Then::close);
     char byte;
-    EXPECT_EQ(0, ::recv(NySeClientAppAccess::socket(client), &byte, 1, 0));
+    EXPECT_EQ(0, port::receive(NySeClientAppAccess::socket(client), &byte, 1, 0));
     for (int i = 0; i < 3; ++i) call();
 }
 
@@ -72,7 +72,7 @@ TEST_P(ClientCalls, ReadNothingWhenTheRequestCannotBeSent) {
     EXPECT_EQ(GetParam().failure, call());
     std::string unread(answer.size() + 1, '\0');
     const int length = static_cast<int>(unread.size());
-    EXPECT_EQ(length - 1, ::recv(socket, unread.data(), length, MSG_WAITALL));
+    EXPECT_EQ(length - 1, port::receive(socket, unread.data(), length, MSG_WAITALL));
     EXPECT_EQ(shown(answer + '\0'), shown(unread));
 }
 

@@ -3,7 +3,6 @@
 #include "NyServer/framing/NySeReply.h"
 #include "NyServer/records/NySeMessage.h"
 #include "tests/client/ClientTest.h"
-#include "tests/support/CStringPrinter.h"
 
 namespace {
 

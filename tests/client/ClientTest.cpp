@@ -1,12 +1,15 @@
 #include "tests/client/ClientTest.h"
 
+#include "tests/support/Exposed.h"
+
 namespace {
 
 // Up to `count` bytes, fewer when the client closes.
 std::string receive(peers::Connection& connection, size_t count) {
     std::string bytes;
     char byte;
-    while (bytes.size() < count && ::recv(connection.socket(), &byte, 1, 0) == 1) bytes += byte;
+    while (bytes.size() < count && port::receive(connection.socket(), &byte, 1, 0) == 1)
+        bytes += byte;
     return bytes;
 }
 
@@ -27,23 +30,11 @@ class CountingTransport : public CUT_WSClient {
 
 }  // namespace
 
-// The arguments of an explicit instantiation may name private members: that of Exposed defines the
-// function that its tag declares.
-template <class Tag, auto Member>
-struct Exposed {
-    friend constexpr auto memberOf(Tag) { return Member; }
-};
-#define EXPOSE(member)                               \
-    struct Of_##member {                             \
-        friend constexpr auto memberOf(Of_##member); \
-    };                                               \
-    template struct Exposed<Of_##member, &NySeClientApp::member>
-
-EXPOSE(sendMemFile);
-EXPOSE(receiveMemfile);
-EXPOSE(receiveString);
-EXPOSE(transfertObject);
-EXPOSE(m_socket);
+NY_EXPOSE(NySeClientApp, sendMemFile);
+NY_EXPOSE(NySeClientApp, receiveMemfile);
+NY_EXPOSE(NySeClientApp, receiveString);
+NY_EXPOSE(NySeClientApp, transfertObject);
+NY_EXPOSE(NySeClientApp, m_socket);
 
 bool NySeClientAppAccess::sendMemFile(NySeClientApp& client, NySeMemFile& message) {
     return (client.*memberOf(Of_sendMemFile()))(message);
@@ -156,15 +147,14 @@ void ClientTest::TearDown() {
 }
 
 void ClientTest::follow(peers::Connection& connection, Then then) {
-    const BOOL on = TRUE;  // no piece waits for the one before it to be acknowledged
-    ::setsockopt(connection.socket(), IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on),
-                 sizeof on);
+    // No piece waits for the one before it to be acknowledged.
+    port::setNoDelay(connection.socket());
     size_t sent = 0;
     for (const Step& step : m_steps) {
         m_received += receive(connection, step.request.size());
         for (size_t i = 0; i < step.answer.size(); ++i) {
             if (i > 0) m_taken.await(sent);
-            if (i > 0) ::Sleep(static_cast<DWORD>(step.pauseMs));
+            if (i > 0) port::sleep(static_cast<DWORD>(step.pauseMs));
             connection.send(step.answer[i]);
             sent += step.answer[i].size();
         }

@@ -12,6 +12,7 @@
 #include "NyServer/client/NySeClientApp.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "tests/socket/Peers.h"
+#include "tests/support/CStringPrinter.h"
 #include "tests/support/Golden.h"
 
 // Reaches the private transport.

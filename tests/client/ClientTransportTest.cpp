@@ -107,7 +107,7 @@ TEST_F(ClientTransport, AReplyFailsWithoutMemory) {
 TEST_F(ClientTransport, AReplyThatIsResetInTheMiddleFails) {
     const peers::Peer peer([](peers::Connection& connection) {
         char byte;
-        ::recv(connection.socket(), &byte, 1, MSG_PEEK);
+        port::receive(connection.socket(), &byte, 1, MSG_PEEK);
         connection.send(wireOf<LONG>(100) + "some");
         // With the request unread, the close is a reset.
     });

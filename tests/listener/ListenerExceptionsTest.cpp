@@ -12,10 +12,10 @@ class ListenerExceptions : public ScriptedListenerTest {
 
     // For each of the failures, while a body that is read fails so once.
     void forEachFailure(const std::vector<Failure>& failures, const std::function<void()>& check) {
-        m_listener.script->receive = [this, failures](char*, int, int timeOut) {
+        m_listener.script->receiveBy([this, failures](char*, int, int timeOut) {
             if (timeOut == 30 && !m_hasFailed.exchange(true)) failures[m_failure]();
             return ProbeListenerWorker::kFromSocket;
-        };
+        });
         for (m_failure = 0; m_failure < failures.size(); ++m_failure) {
             m_hasFailed = false;
             check();

@@ -63,7 +63,7 @@ TEST_F(ListenerFlood, SurvivesASenderOfSingleBytes) {
     auto peer = connect();
     for (const char byte : frame(50, "drip") + frame(0) + frame(51, "drop")) {
         peer.send({&byte, 1});
-        ::Sleep(2);
+        port::sleep(2);
     }
     const auto all = m_window.awaitMessages(2);
     ASSERT_EQ(all.size(), 2u);
@@ -85,7 +85,7 @@ TEST_F(ListenerFlood, SurvivesASenderThatResets) {
         auto peer = connect();
         peer.send(frame(51, "before") + kProbe);
         char answer;
-        ASSERT_EQ(::recv(peer.socket(), &answer, 1, MSG_PEEK), 1);
+        ASSERT_EQ(port::receive(peer.socket(), &answer, 1, MSG_PEEK), 1);
     }  // with the answer unread, the close is a reset
     EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "before");
     EXPECT_TRUE(m_listener.awaitWorkers(0));

@@ -38,7 +38,7 @@ class SplittingRelay {
                 m_listener.send(part.substr(0, count));
                 part.erase(0, count);
                 place = (place + count) % kFrameBytes;
-                if (place == m_split.place) ::Sleep(m_split.pause);
+                if (place == m_split.place) port::sleep(m_split.pause);
             }
         }
         m_listener.close();
@@ -92,6 +92,22 @@ TEST_F(ListenerHeaders, MayBeSplitAtEveryByte) {
     for (size_t i = 0; i < splits.size(); ++i)
         EXPECT_EQ(next[wireOf(static_cast<int>(i))], splits[i].frames)
             << "at byte " << splits[i].place << " for " << splits[i].pause << " ms";
+}
+
+TEST_F(ListenerHeaders, MayArriveByteByByte) {
+    {
+        peers::Connection sender = connect();
+        ASSERT_EQ(port::setNoDelay(sender.socket()), 0);
+        for (const char byte : frame(50, "payload")) {
+            sender.send({&byte, 1});
+            port::sleep(20);
+        }
+    }
+    ASSERT_TRUE(m_listener.awaitWorkers(0));
+    m_window.settle();
+    ASSERT_EQ(m_window.count(), 1u);
+    EXPECT_EQ(m_window.messages()[0].action(), 50);
+    EXPECT_EQ(m_window.messages()[0].payload(), "payload");
 }
 
 }  // namespace

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include "tests/listener/ListenerTest.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -14,11 +18,11 @@ class ListenerRounds : public ScriptedListenerTest {
     // In the first `count` rounds in which there is something to read, nothing comes; `action` is
     // left in the buffer.
     void failRounds(int count, int result, int action = 0) {
-        m_listener.script->receive = [this, count, result, action](char* buffer, int, int timeOut) {
+        m_listener.script->receiveBy([this, count, result, action](char* buffer, int, int timeOut) {
             if (timeOut != 0 || m_listener.script->rounds() > count) return kFromSocket;
             std::memcpy(buffer, &action, sizeof action);
             return result;
-        };
+        });
     }
     // A peer that sends the bytes and closes; the rounds of its worker.
     int roundsOfAPeerThatSends(const std::string& bytes) {
@@ -37,10 +41,10 @@ class ListenerRounds : public ScriptedListenerTest {
             m_listener.SetShutDownFlag(0);
             auto peer = connect();
             prepare(peer);
-            const auto start = ::GetTickCount64();
+            const auto start = port::milliseconds();
             m_listener.SetShutDownFlag(1);
             EXPECT_TRUE(m_listener.awaitWorkers(0));
-            shortest = std::min(shortest, ::GetTickCount64() - start);
+            shortest = std::min(shortest, port::milliseconds() - start);
         }
         return shortest;
     }
@@ -83,10 +87,10 @@ TEST_F(ListenerRounds, AnActionWithoutItsReceiveMakesItCheckThePeerAtOnce) {
 
 TEST_F(ListenerRounds, TheShutDownFlagEndsTheWorkerAfterTheMessage) {
     auto peer = connect();
-    m_listener.script->receive = [this](char*, int, int) {
+    m_listener.script->receiveBy([this](char*, int, int) {
         m_listener.SetShutDownFlag(1);
         return kFromSocket;
-    };
+    });
     peer.send(kProbe + kProbe);
     EXPECT_EQ(peer.receive(), kAlive);
     EXPECT_TRUE(peer.awaitClose());
@@ -99,11 +103,11 @@ TEST_F(ListenerRounds, TheShutDownFlagEndsAnIdleWorkerWithinARound) {
 }
 
 TEST_F(ListenerRounds, AnIdleRoundIsAReportedWaitOfATenthOfASecond) {
-    const auto start = ::GetTickCount64();
+    const auto start = port::milliseconds();
     auto peer = connect();
     const int before = m_listener.script->vainWaits;
     ASSERT_TRUE(eventually([&] { return m_listener.script->vainWaits >= before + 5; }));
-    EXPECT_GE(::GetTickCount64() - start, 400u);
+    EXPECT_GE(port::milliseconds() - start, 400u);
     EXPECT_EQ(m_listener.script->readyWaits, 0);
     EXPECT_TRUE(isAlive(peer));
     EXPECT_GE(m_listener.script->readyWaits, 1);
@@ -126,15 +130,11 @@ TEST_F(ListenerRounds, APausedWorkerDoesNotSpin) {
     m_listener.pause(true);
     peer.send(kProbe);
     closed.close();
-    const auto used = [] {
-        FILETIME made, ended, kernel, user;
-        ::GetProcessTimes(::GetCurrentProcess(), &made, &ended, &kernel, &user);
-        return (kernel.dwLowDateTime + user.dwLowDateTime) / 10000;
-    };
-    ::Sleep(150);
-    const auto before = used();
-    ::Sleep(1000);
-    EXPECT_LT(used() - before, 50u);  // a spinning thread's share on a busy machine is more
+    port::sleep(150);
+    const auto before = processorTime();
+    port::sleep(1000);
+    EXPECT_LT(processorTime() - before,
+              50u);  // a spinning thread's share on a busy machine is more
 }
 
 TEST_F(ListenerRounds, APausedWorkerSeesTheShutDownFlag) {

@@ -43,11 +43,8 @@ TEST_F(ListenerServer, BeginsEmptyAndKeepsWhatItsHostSets) {
     EXPECT_EQ(m_listener.getSessionNumber(), 0);
     EXPECT_EQ(m_listener.getPostMsgCount(), 0);
     EXPECT_EQ(m_listener.GetMaxConnections(), 30000) << "the base's";
-    CWnd window;
-    m_listener.setAppWnd(&window);
     m_listener.setPortNumber(65535);
     m_listener.setSessionNumber(-7);
-    EXPECT_EQ(m_listener.getAppWnd(), &window);
     EXPECT_EQ(m_listener.getPortNumber(), 65535);
     EXPECT_EQ(m_listener.getSessionNumber(), -7);
 }
@@ -82,16 +79,13 @@ TEST_F(ListenerServer, ServesFromItsStartOnAndMayStartAgainOnceItHasStopped) {
 
 TEST_F(ListenerServer, ReportsThatItsPortIsInUse) {
     const NySe::UniqueSocket taken = peers::bindToLoopback();
-    ::listen(taken.get(), 1);
+    port::listenOn(taken.get(), 1);
     m_listener.setPortNumber(static_cast<unsigned short>(peers::portOf(taken)));
     EXPECT_EQ(m_listener.Start(), UTE_SOCK_BIND_FAILED);
 }
 
-TEST_F(ListenerServer, CreatesItsWorkersAtNormalPriority) {
-    ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_ABOVE_NORMAL);
+TEST_F(ListenerServer, CreatesWorkersThatReadAndHaveNoAction) {
     CUT_WSThread* const worker = m_listener.CreateInstance();
-    EXPECT_EQ(::GetThreadPriority(::GetCurrentThread()), THREAD_PRIORITY_NORMAL);
-    ::SetThreadPriority(::GetCurrentThread(), THREAD_PRIORITY_NORMAL);
     auto* const made = dynamic_cast<NyServerThreadApp*>(worker);
     ASSERT_NE(made, nullptr);
     EXPECT_EQ(made->getCurrentAction(), -1);
@@ -112,14 +106,14 @@ TEST_F(ListenerServer, FinishesAHeaderAndABodyWhenItIsDestroyed) {
     for (const size_t sent : {6u, 8u + 3u}) {
         auto listener = std::make_unique<ProbeListener>();
         MainWindow window;
-        listener->setAppWnd(window.wnd());
+        window.attachTo(*listener);
         ASSERT_TRUE(listener->start());
         auto peer = listener->connection();
         peer.send(whole.substr(0, sent));
         ASSERT_TRUE(listener->awaitWorkers(1));
-        ::Sleep(50);
+        port::sleep(50);
         std::thread rest([&] {
-            ::Sleep(400);
+            port::sleep(400);
             peer.send(whole.substr(sent));
         });
         listener.reset();
@@ -131,10 +125,9 @@ TEST_F(ListenerServer, FinishesAHeaderAndABodyWhenItIsDestroyed) {
 
 // Whether the other end of the connection has closed by now.
 bool isClosed(const peers::Connection& peer) {
-    u_long on = 1;
-    ::ioctlsocket(peer.socket(), static_cast<long>(FIONBIO), &on);
+    port::setBlocking(peer.socket(), false);
     char byte;
-    return ::recv(peer.socket(), &byte, 1, 0) == 0;
+    return port::receive(peer.socket(), &byte, 1, 0) == 0;
 }
 
 TEST_F(ListenerServer, EndsItsWorkersWhenItIsDestroyed) {
@@ -158,21 +151,21 @@ TEST_F(ListenerServer, EndsItsWorkersWhenItIsDestroyed) {
 TEST_F(ListenerServer, IsDestroyedWhilePeersKeepConnecting) {
     MainWindow window;
     auto listener = std::make_unique<ProbeListener>();
-    listener->setAppWnd(window.wnd());
+    window.attachTo(*listener);
     ASSERT_TRUE(listener->start());
     std::atomic<bool> isEnding = false;
     std::vector<std::jthread> peers;
     for (int i = 0; i < 10; ++i)
         peers.emplace_back([&, isSilent = i < 8, port = listener->GetBoundPort()] {
-            for (; !isEnding; ::Sleep(1)) {
+            for (; !isEnding; port::sleep(1)) {
                 peers::Connection peer(peers::connectTo(port), isEnding);
                 isSilent ? static_cast<void>(peer.receive()) : peer.send(frame(50, "and going"));
             }
         });
     EXPECT_GE(window.awaitMessages(5).size(), 5u);
-    const auto start = ::GetTickCount64();
+    const auto start = port::milliseconds();
     listener.reset();
-    EXPECT_LT(::GetTickCount64() - start, 30000u);
+    EXPECT_LT(port::milliseconds() - start, 30000u);
     isEnding = true;
 }
 
@@ -181,7 +174,7 @@ TEST_F(ListenerServer, ReturnsTheAddressesOfHosts) {
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("localhost")),
               NyFctIpUtil::_getIpAddressFromHostName(_T("localhost")));
     EXPECT_EQ(NyServerApp::_getIpAdressByName(_T("127.0.0.9")), _T("127.0.0.9"));
-    const CString tooLong(L'x', 64);  // for a part of a host name: nobody needs to be asked
+    const CString tooLong(_T('x'), 64);  // for a part of a host name: nobody needs to be asked
     EXPECT_TRUE(NyServerApp::_getIpAdressByName(tooLong).IsEmpty());
 }
 

@@ -9,8 +9,7 @@
 
 #include "tests/listener/ListenerTest.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Handles.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -22,7 +21,7 @@ class ListenerStress : public testing::Test {
     // One listener from its start to its end, under which its peers vanish in different states.
     void runListener(int number) {
         Guarded<ProbeListener> guarded;
-        guarded->setAppWnd(m_window.wnd());
+        m_window.attachTo(*guarded);
         ASSERT_TRUE(guarded->start());
         auto first = guarded->connection();
         auto second = guarded->connection();
@@ -56,7 +55,7 @@ class ListenerStress : public testing::Test {
 
 TEST_F(ListenerStress, LeaksNeitherHandlesNorThreads) {
     runListeners(3 * kAtATime);  // what the system keeps from the first use does not count
-    ::Sleep(100);
+    port::sleep(100);
     const size_t handles = handleLevel();
     const int threads = countThreadsAtRest();
     runListeners(kListeners);

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,6 +54,13 @@ class ProbeListener : public NyServerApp {
         return peer;
     }
 
+    long postMessageLimit() {
+        const ThreadListLock lock(*this);
+        return getPostMessageLimit();
+    }
+    // In place of the system's.
+    void setPostMessageLimit(long limit);
+
     // The paused flags of the workers, the newest first.
     std::vector<bool> pauses() {
         std::vector<bool> flags;
@@ -92,10 +102,14 @@ class ProbeListenerWorker : public NyServerThreadApp {
     struct Script {
         std::mutex mutex;
         std::vector<Asked> asked;
-        Receiver receive;
+        Receiver receiver;
         // The waits for the socket, by their result.
         std::atomic<int> readyWaits = 0;
         std::atomic<int> vainWaits = 0;
+        void receiveBy(Receiver receive) {
+            const std::lock_guard lock(mutex);
+            receiver = std::move(receive);
+        }
         std::vector<Asked> all() {
             const std::lock_guard lock(mutex);
             return asked;
@@ -114,12 +128,13 @@ class ProbeListenerWorker : public NyServerThreadApp {
 
     using NyServerThreadApp::Receive;
     int Receive(char* buffer, int length, int timeOut) override {
+        Receiver receive;
         {
             const std::lock_guard lock(m_script->mutex);
             m_script->asked.push_back({length, timeOut, getCurrentAction()});
+            receive = m_script->receiver;
         }
-        const int result =
-            m_script->receive ? m_script->receive(buffer, length, timeOut) : kFromSocket;
+        const int result = receive ? receive(buffer, length, timeOut) : kFromSocket;
         return result == kFromSocket ? NyServerThreadApp::Receive(buffer, length, timeOut) : result;
     }
     int OnError(int code) override {
@@ -146,11 +161,11 @@ template <class Listener>
 class ListenerFixture : public testing::Test {
   protected:
     void SetUp() override {
-        m_listener.setAppWnd(m_window.wnd());
+        m_window.attachTo(m_listener);
         ASSERT_TRUE(m_listener.start());
     }
     // The window goes first.
-    void TearDown() override { m_listener.setAppWnd(nullptr); }
+    void TearDown() override { m_window.detachFrom(m_listener); }
 
     peers::Connection connect() {
         const int before = m_listener.GetNumConnections();

@@ -13,19 +13,19 @@ constexpr ULONGLONG kLatest = 15000;
 
 TEST_F(ListenerWaits, ASilentPeerStaysConnected) {
     auto peer = connect();
-    ::Sleep(kChecked + 1000);
+    port::sleep(kChecked + 1000);
     EXPECT_EQ(m_listener.GetNumConnections(), 1);
     EXPECT_TRUE(isAlive(peer));
 }
 
 TEST_F(ListenerWaits, APausedWorkerNoticesThatItsPeerHasClosed) {
-    const auto start = ::GetTickCount64();
+    const auto start = port::milliseconds();
     auto peer = connect();
     auto silent = connect();
     m_listener.pause(true);
     peer.close();
     ASSERT_TRUE(m_listener.awaitWorkers(1));
-    const auto waited = ::GetTickCount64() - start;
+    const auto waited = port::milliseconds() - start;
     EXPECT_GT(waited, kSoonest);
     EXPECT_LT(waited, kLatest);
     m_listener.pause(false);
@@ -34,14 +34,14 @@ TEST_F(ListenerWaits, APausedWorkerNoticesThatItsPeerHasClosed) {
 
 TEST_F(ListenerWaits, ALengthThatIsShortAfter15SecondsIsAnEmptyBodyAndTheStreamContinues) {
     auto peer = connect();
-    const auto start = ::GetTickCount64();
+    const auto start = port::milliseconds();
     peer.send(wireOf(50));
     for (int i = 0; i < 3; ++i) {
         peer.send("\x01");
-        ::Sleep(6000);
+        port::sleep(6000);
     }
     EXPECT_EQ(m_window.awaitMessages(1).at(0).payload(), "");
-    EXPECT_LT(::GetTickCount64() - start, 26000u);
+    EXPECT_LT(port::milliseconds() - start, 26000u);
     peer.send(frame(51, "in step"));
     EXPECT_EQ(postedFor(peer).at(1).payload(), "in step");
 }
@@ -51,7 +51,7 @@ TEST_F(ListenerWaits, ALengthThatArrivesSlowlyIsWhole) {
     const std::string whole = frame(50, "whole");
     peer.send(whole.substr(0, 5));
     for (size_t i = 5; i < 8; ++i) {
-        ::Sleep(3000);
+        port::sleep(3000);
         peer.send(whole.substr(i, i == 7 ? std::string::npos : 1));
     }
     EXPECT_EQ(postedFor(peer).at(0).payload(), "whole");
@@ -60,11 +60,11 @@ TEST_F(ListenerWaits, ALengthThatArrivesSlowlyIsWhole) {
 TEST_F(ListenerWaits, AnUnfinishedHeaderDelaysTheEndBy15SecondsAtMost) {
     auto peer = connect();
     peer.send(wireOf(50) + std::string(3, '\x01'));
-    ::Sleep(1000);
-    const auto start = ::GetTickCount64();
+    port::sleep(1000);
+    const auto start = port::milliseconds();
     m_listener.SetShutDownFlag(1);
     EXPECT_TRUE(m_listener.awaitWorkers(0));
-    EXPECT_LT(::GetTickCount64() - start, 20000u);
+    EXPECT_LT(port::milliseconds() - start, 20000u);
 }
 
 }  // namespace

@@ -1,18 +1,6 @@
 #include "tests/listener/MainWindow.h"
 
 #include <cstring>
-#include <stdexcept>
-
-#include "NyServer/base/detail/UniqueHandle.h"
-#include "NyServer/host/NyServerModule.h"
-
-namespace {
-
-constexpr UINT kDestroy = WM_USER + 1;
-constexpr UINT kSettle = WM_USER + 2;
-constexpr wchar_t kClass[] = L"NyListenerTestWindow";
-
-}  // namespace
 
 int PostedMessage::action() const {
     int action = -1;
@@ -24,89 +12,9 @@ std::string PostedMessage::payload() const {
     return bytes.size() >= 8 ? bytes.substr(8) : std::string();
 }
 
-MainWindow::MainWindow(NyServerApp* listener) : m_listener(listener), m_thread([this] { run(); }) {
-    if (!eventually([this] { return ::IsWindow(m_wnd.GetSafeHwnd()) != FALSE; }, kGenerously))
-        throw std::runtime_error("no window");
-}
-
-MainWindow::~MainWindow() {
-    destroyWindow();
-    m_thread.join();
-}
-
-void MainWindow::destroyWindow() {
-    if (::IsWindow(m_wnd.GetSafeHwnd())) ::SendMessageW(m_wnd.GetSafeHwnd(), kDestroy, 0, 0);
-}
-
-std::vector<PostedMessage> MainWindow::messages() const {
-    const std::lock_guard lock(m_mutex);
-    return m_messages;
-}
-
 std::vector<PostedMessage> MainWindow::awaitMessages(size_t wanted) const {
     for (size_t seen = 0;
          count() < wanted && eventually([&] { return count() > seen; }, kGenerously);)
         seen = count();
     return messages();
-}
-
-size_t MainWindow::count() const {
-    const std::lock_guard lock(m_mutex);
-    return m_messages.size();
-}
-
-// Posted messages are taken in their order.
-void MainWindow::settle() {
-    const NySe::UniqueKernelHandle seen(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    if (::PostMessageW(m_wnd.GetSafeHwnd(), kSettle, 0, reinterpret_cast<LPARAM>(seen.get())))
-        ::WaitForSingleObject(seen.get(),
-                              static_cast<DWORD>(std::chrono::milliseconds(kGenerously).count()));
-}
-
-void MainWindow::forget() {
-    settle();
-    const std::lock_guard lock(m_mutex);
-    m_messages.clear();
-}
-
-void MainWindow::run() {
-    WNDCLASSW description{};
-    description.lpfnWndProc = windowProcedure;
-    description.hInstance = ::GetModuleHandleW(nullptr);
-    description.lpszClassName = kClass;
-    ::RegisterClassW(&description);
-    const HWND window = ::CreateWindowExW(0, kClass, L"", WS_OVERLAPPED, 0, 0, 1, 1, nullptr,
-                                          nullptr, description.hInstance, nullptr);
-    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_wnd.Attach(window);
-    MSG message;
-    while (::GetMessageW(&message, nullptr, 0, 0) > 0) ::DispatchMessageW(&message);
-}
-
-LRESULT CALLBACK MainWindow::windowProcedure(HWND window, UINT message, WPARAM wParam,
-                                             LPARAM lParam) {
-    auto* const self = reinterpret_cast<MainWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (message == kSettle) {
-        ::SetEvent(reinterpret_cast<HANDLE>(lParam));
-        return 0;
-    }
-    if (message == kDestroy) return ::DestroyWindow(window);
-    if (message == WM_DESTROY) ::PostQuitMessage(0);
-    if (message < WM_APP) return ::DefWindowProcW(window, message, wParam, lParam);
-    self->take(message, wParam, lParam);
-    return 0;
-}
-
-void MainWindow::take(UINT message, WPARAM wParam, LPARAM lParam) {
-    const auto* const bytes = reinterpret_cast<const char*>(lParam);
-    const NySe::UniqueGlobalBlock block(bytes ? ::GlobalHandle(bytes) : nullptr);
-    const bool isMoveable = block && block.get() != reinterpret_cast<HGLOBAL>(lParam);
-    const UINT lockCount = block ? ::GlobalFlags(block.get()) & GMEM_LOCKCOUNT : 0;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_messages.push_back({message, wParam, lParam,
-                              block ? std::string(bytes, wParam) : std::string(), isMoveable,
-                              lockCount});
-    }
-    if (m_listener && message == NySe::_TM_NYSERVERMESSAGE) m_listener->decreasePostMsgCount();
 }

@@ -1,12 +1,9 @@
-// A host's main window, on a thread of its own.
+// The part of a host that receives notifications: a window on Windows, a function on other systems.
 #pragma once
 
-#include <afxwin.h>
-
 #include <chrono>
-#include <mutex>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "NyServer/listener/NyServerApp.h"
@@ -15,51 +12,47 @@
 // How long to wait for what must come; a crowded machine takes its time.
 inline constexpr std::chrono::seconds kGenerously{120};
 
-// A message as the window found it; it has freed the block.
+// A notification as the host received it: a message file.
 struct PostedMessage {
-    UINT message;
-    WPARAM size;
-    LPARAM address;
     std::string bytes;
-    bool isMoveable;
-    UINT lockCount;
 
     int action() const;
     std::string payload() const;
 };
 
-// Keeps the messages that it is posted from WM_APP on. The window is destroyed with the object.
+// Keeps the notifications that it receives.
 class MainWindow {
   public:
-    // With a listener it tells that of each notification consumed; the listener must live as long.
+    // Consumes each notification of the listener at once; the listener must live as long. Without
+    // one, what listeners count is not defined.
     explicit MainWindow(NyServerApp* listener = nullptr);
     ~MainWindow();
     MainWindow(const MainWindow&) = delete;
     MainWindow& operator=(const MainWindow&) = delete;
 
-    CWnd* wnd() { return &m_wnd; }
+    // The listener notifies this window from now on, and none.
+    void attachTo(NyServerApp& listener);
+    // Ends a hold, too.
+    void detachFrom(NyServerApp& listener);
 
-    // Destroys the window; the object then has a handle that is no window's.
-    void destroyWindow();
+    // From now on consumes only as many notifications as `consume` is told. Until then, those that
+    // it has received may be fewer than the listener counts.
+    void hold();
+    // REQUIRES: it holds, and was created with the listener.
+    void consume(int count = 1);
 
     std::vector<PostedMessage> messages() const;
     // The messages there are once they are `count`, or when none has come for kGenerously.
     std::vector<PostedMessage> awaitMessages(size_t count) const;
     size_t count() const;
-    // Once the window has seen all that was posted so far.
+    // Once the window has received all that was posted so far. REQUIRES: it was created with the
+    // listener, and does not hold.
     void settle();
     // Forgets its messages once settled.
     void forget();
 
   private:
-    static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam,
-                                            LPARAM lParam);
-    void run();
-    void take(UINT message, WPARAM wParam, LPARAM lParam);
+    struct Receiver;  // the system's
 
-    NyServerApp* m_listener;
-    CWnd m_wnd;
-    mutable std::mutex m_mutex;
-    std::vector<PostedMessage> m_messages;
-    std::thread m_thread;
+    const std::shared_ptr<Receiver> m_receiver;
 };

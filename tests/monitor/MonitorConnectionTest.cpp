@@ -1,5 +1,5 @@
 // What the window does when the server goes, comes back and does not answer.
-#include "tests/listener/LimitSetting.h"
+#include "tests/listener/windows/LimitSetting.h"
 #include "tests/monitor/MonitorTest.h"
 #include "tests/support/MessageHook.h"
 // After windows.h.

@@ -6,7 +6,7 @@ namespace {
 class MonitorProgram : public MonitorTest {
   protected:
     void run(const std::wstring& arguments) {
-        m_output = outputFile(m_folder.path(L"output"));
+        m_output = outputFile(m_folder.path("output"));
         program = std::make_unique<ChildProcess>(L"nymonitor.exe", arguments, nullptr,
                                                  m_output.get(), m_output.get());
     }
@@ -18,7 +18,7 @@ class MonitorProgram : public MonitorTest {
     void expectEnd(DWORD status, const std::string& printed = "") const {
         EXPECT_TRUE(program->hasEnded(kLong));
         EXPECT_EQ(status, program->exitCode());
-        EXPECT_THAT(m_folder.content(L"output"), ::testing::HasSubstr(printed));
+        EXPECT_THAT(m_folder.content("output"), ::testing::HasSubstr(printed));
     }
 
     std::unique_ptr<ChildProcess> program;

@@ -1,5 +1,5 @@
 // What the user asks for by the keyboard.
-#include "apps/nyctl/WatchWindow.h"
+#include "apps/nyctl/windows/WatchWindow.h"
 #include "NyServer/framing/NySeReply.h"
 #include "tests/monitor/MonitorTest.h"
 

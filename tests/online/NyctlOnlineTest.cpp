@@ -8,7 +8,7 @@ class NyctlOnline : public OnlineTest {
   protected:
     // There is no central server, and none is needed.
     ExitStatus run(const std::string& line) {
-        return m_run(Options{"127.0.0.1:1", "Anna", m_json}, line);
+        return m_run(Options{{"127.0.0.1:1", "Anna"}, m_json}, line);
     }
 
     static std::string url(unsigned int port) { return "http://127.0.0.1:" + std::to_string(port); }

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "NyServer/online/NyFctWebService.h"
-#include "tests/online/InternetHandles.h"
+#include "tests/online/System.h"
 #include "tests/online/TestAddresses.h"
 #include "tests/online/WebServer.h"
 #include "tests/support/CStringPrinter.h"
@@ -15,7 +15,7 @@ inline const std::string kPingPath = "/_Utilities/Ping.aspx";
 inline const std::string kVersionPath = "/_Utilities/Version.aspx?sid=42";
 
 // Every test begins with the production service chosen and a production server that answers, and
-// must leave no WinINet handle open.
+// must leave no page open.
 class OnlineTest : public ::testing::Test {
   protected:
     OnlineTest() {
@@ -26,7 +26,7 @@ class OnlineTest : public ::testing::Test {
     ~OnlineTest() override {
         NyFctWebService::connectToTestBase(false);
         addresses::isMemoryLeft = true;
-        EXPECT_EQ(0u, openInternetHandles().size());
+        EXPECT_TRUE(areAllPagesClosed());
     }
 
     static CString version() { return NyFctWebService::getOnlineVersionFromSoftwareID(42); }

@@ -1,6 +1,7 @@
 // Which service is asked for which page, and how.
 #include "NyServer/online/ServiceAddress.h"
 #include "tests/online/OnlineTest.h"
+#include "tests/support/TempFile.h"
 
 namespace {
 
@@ -23,12 +24,12 @@ class OnlineService : public OnlineTest {
 
 // For the version, production is tried first.
 TEST_F(OnlineService, RequestsFromTheChosenOne) {
-    expectAsked(NyFctWebService::serverUrlProduction, L"production");
+    expectAsked(NyFctWebService::serverUrlProduction, _T("production"));
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath}), m_production.paths());
     connectToTestBase(true);
-    expectAsked(NyFctWebService::serverUrlTest, L"test");
+    expectAsked(NyFctWebService::serverUrlTest, _T("test"));
     setCustomServerUrl(m_customAddress);
-    expectAsked(NyFctWebService::serverUrlCustom, L"custom");
+    expectAsked(NyFctWebService::serverUrlCustom, _T("custom"));
     for (const WebServer* one : {&m_test, &m_custom})
         EXPECT_EQ((Paths{kPingPath, kVersionPath}), one->paths());
     EXPECT_EQ((Paths{kPingPath, "/", kVersionPath, "/", "/"}), m_production.paths());
@@ -37,19 +38,19 @@ TEST_F(OnlineService, RequestsFromTheChosenOne) {
 TEST_F(OnlineService, ReturnsToProductionAndClearsTheCustomAddress) {
     setCustomServerUrl(m_customAddress);
     connectToTestBase(false);
-    expectAsked(NyFctWebService::serverUrlProduction, L"production");
+    expectAsked(NyFctWebService::serverUrlProduction, _T("production"));
     EXPECT_EQ(Paths{}, m_custom.paths());
 }
 
 TEST_F(OnlineService, AppendsPagesDirectlyToTheCallersTextAndProductsInDecimal) {
-    CString address = L"no address";
+    CString address = _T("no address");
     setCustomServerUrl(address);
     EXPECT_FALSE(pingWebServer());
-    address = m_customAddress + L"service/x_";
+    address = m_customAddress + _T("service/x_");
     EXPECT_TRUE(pingWebServer());
     EXPECT_EQ("/service/x__Utilities/Ping.aspx", m_custom.paths().back());
     for (const long product : {42L, 0L, -7L, 2147483647L}) {
-        EXPECT_EQ(L"custom", NyFctWebService::getOnlineVersionFromSoftwareID(product));
+        EXPECT_EQ(_T("custom"), NyFctWebService::getOnlineVersionFromSoftwareID(product));
         EXPECT_EQ("/service/x__Utilities/Version.aspx?sid=" + std::to_string(product),
                   m_custom.paths().back());
     }
@@ -71,50 +72,24 @@ TEST_F(OnlineService, CallsItselfQuillmarkOnAConnectionForEachRequest) {
 }
 
 TEST_F(OnlineService, WritesNoFile) {
-    wchar_t folder[MAX_PATH] = L"";
-    ::GetTempPathW(MAX_PATH, folder);
-    NyFctWebService::Util::setStrTempFolderPath(folder);
+    const TempFolder folder;
+    NyFctWebService::Util::setStrTempFolderPath(CString(folder.path("").c_str()));
     pingWebServer();
-    EXPECT_EQ(L"production", version());
-    for (const CString& place : {CString(folder), CString()}) {
-        for (const wchar_t* name : {L"nyWebServerPing.xml", L"nyOnlineVersion.xml"}) {
-            EXPECT_EQ(INVALID_FILE_ATTRIBUTES, ::GetFileAttributesW(place + name));
-        }
+    EXPECT_EQ(_T("production"), version());
+    for (const char* name : {"nyWebServerPing.xml", "nyOnlineVersion.xml"}) {
+        EXPECT_FALSE(folder.has(name));
+        EXPECT_FALSE(std::filesystem::exists(name));
     }
 }
 
-// Answers, and adds the cursor that the thread shows meanwhile.
-peers::Script keepingCursor(DWORD thread, std::vector<HCURSOR>& cursors) {
-    return [thread, &cursors](peers::Connection& connection) {
-        ::AttachThreadInput(::GetCurrentThreadId(), thread, TRUE);
-        cursors.push_back(::GetCursor());
-        ::AttachThreadInput(::GetCurrentThreadId(), thread, FALSE);
-        connection.send(webAnswer("<VERSION>2.1</VERSION>"));
-    };
-}
-
-TEST_F(OnlineService, ShowsTheWaitCursorDuringARequest) {
-    const HCURSOR wait = ::LoadCursorW(nullptr, IDC_WAIT);
-    const HCURSOR cross = ::LoadCursorW(nullptr, IDC_CROSS);
-    ::SetCursor(cross);
-    std::vector<HCURSOR> cursors;
-    const WebServer server(keepingCursor(::GetCurrentThreadId(), cursors));
-    addresses::production = server.address();
-    pingWebServer();
-    EXPECT_EQ(cross, ::GetCursor());
-    version();
-    EXPECT_EQ(cross, ::GetCursor());
-    EXPECT_EQ(std::vector<HCURSOR>(3, wait), cursors);
-}
-
 TEST(ServiceAddress, IsProductionForAnInvalidType) {
-    addresses::production = L"p/";
-    addresses::test = L"t/";
+    addresses::production = _T("p/");
+    addresses::test = _T("t/");
     const std::pair<int, CString> rows[] = {
-        {0, L"p/"}, {1, L"t/"}, {2, L"c/"}, {3, L"p/"}, {-1, L"p/"}};
+        {0, _T("p/")}, {1, _T("t/")}, {2, _T("c/")}, {3, _T("p/")}, {-1, _T("p/")}};
     for (const auto& [type, address] : rows)
         EXPECT_EQ(address,
-                  serviceAddress(static_cast<NyFctWebService::ServerUrlType>(type), L"c/"));
+                  serviceAddress(static_cast<NyFctWebService::ServerUrlType>(type), _T("c/")));
 }
 
 }  // namespace

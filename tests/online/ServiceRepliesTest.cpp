@@ -1,7 +1,6 @@
 // What becomes of what the service answers.
 #include "tests/online/OnlineTest.h"
 #include "tests/support/Gate.h"
-#include "tests/support/MessageBoxWatch.h"
 
 namespace {
 
@@ -12,8 +11,6 @@ const std::string kVersion = "<VERSION>2.1</VERSION>";
 // No failure but that of a read may show a box.
 class OnlineReplies : public OnlineTest {
   protected:
-    ~OnlineReplies() override { EXPECT_EQ(0u, m_watch.boxes().size()); }
-
     // The version when `rest` follows `first` only after the library has answered.
     static CString versionBefore(const std::string& first, const std::string& rest) {
         Gate answered;
@@ -28,7 +25,7 @@ class OnlineReplies : public OnlineTest {
         return found;
     }
 
-    MessageBoxWatch m_watch{IDOK};
+    const NoMessageBoxes m_none;
 };
 
 TEST_F(OnlineReplies, OfAnyStatusShowThatTheServiceIsRunning) {
@@ -42,71 +39,72 @@ TEST_F(OnlineReplies, OfAnyStatusShowThatTheServiceIsRunning) {
 TEST_F(OnlineReplies, AreMissingWithoutAListenerOrAnAddressThatResolves) {
     const peers::RefusingPort nobody;
     for (const CString& address :
-         {refusingAddress(nobody), CString(L"http://service.nyserver.invalid/"), CString()}) {
+         {refusingAddress(nobody), CString(_T("http://service.nyserver.invalid/")), CString()}) {
         addresses::production = address;
         EXPECT_FALSE(pingWebServer());
-        EXPECT_EQ(L"", version());
+        EXPECT_EQ(_T(""), version());
     }
 }
 
 TEST_F(OnlineReplies, HoldTheVersionInAnElement) {
     const std::pair<peers::Script, CString> rows[] = {
-        {page("<ANSWER>" + kVersion + "</ANSWER>"), L"2.1"},
-        {page(kVersion, "404 Not Found"), L"2.1"},
+        {page("<ANSWER>" + kVersion + "</ANSWER>"), _T("2.1")},
+        {page(kVersion, "404 Not Found"), _T("2.1")},
         {page("<VERSION>\xE9\x80</VERSION>"), CString("\xE9\x80")},  // in the ANSI code page
-        {page(kVersion + '\0'), L"2.1"},
-        {page('\0' + kVersion), L""},  // a zero byte ends the text
-        {page("no element"), L""},
-        {page(""), L""},
+        {page(kVersion + '\0'), _T("2.1")},
+        {page('\0' + kVersion), _T("")},  // a zero byte ends the text
+        {page("no element"), _T("")},
+        {page(""), _T("")},
     };
     for (const auto& [answer, version] : rows) EXPECT_EQ(version, versionBy(answer));
 }
 
 TEST_F(OnlineReplies, AreReadAsFarAsTheyArrivedBeforeTheConnectionWasLost) {
-    EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 1000)));
-    EXPECT_EQ(L"", versionBy(cutPage("<VERSION>2.1", 1000)));
-    EXPECT_EQ(L"", versionBy(cutPage("", 1000)));
+    EXPECT_EQ(_T("2.1"), versionBy(cutPage(kVersion, 1000)));
+    EXPECT_EQ(_T(""), versionBy(cutPage("<VERSION>2.1", 1000)));
+    EXPECT_EQ(_T(""), versionBy(cutPage("", 1000)));
 }
 
 TEST_F(OnlineReplies, MayAnnounceAFalseLength) {
-    EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 4000000000)));
-    EXPECT_EQ(L"2.1", versionBy(cutPage(kVersion, 8589934592)));
+    EXPECT_EQ(_T("2.1"), versionBy(cutPage(kVersion, 4000000000)));
+    EXPECT_EQ(_T("2.1"), versionBy(cutPage(kVersion, 8589934592)));
 }
 
 TEST_F(OnlineReplies, AreAwaitedUpToTheirFirstBytesAndNoFurther) {
     const std::string megabyte(1 << 20, 'x');
-    EXPECT_EQ(L"2.1", versionBy(pageInPieces({"", kVersion}, 200)));
-    EXPECT_EQ(L"2.1", versionBy(page(kVersion + megabyte)));
-    EXPECT_EQ(L"2.1", versionBefore(kVersion, "and more"));
-    EXPECT_EQ(L"", versionBefore("<VERSION>2.", "1</VERSION>"));
-    EXPECT_EQ(L"", versionBefore(megabyte, kVersion)) << "only what the first look finds is read";
+    EXPECT_EQ(_T("2.1"), versionBy(pageInPieces({"", kVersion}, 200)));
+    EXPECT_EQ(_T("2.1"), versionBy(page(kVersion + megabyte)));
+    EXPECT_EQ(_T("2.1"), versionBefore(kVersion, "and more"));
+    EXPECT_EQ(_T(""), versionBefore("<VERSION>2.", "1</VERSION>"));
+    EXPECT_EQ(_T(""), versionBefore(megabyte, kVersion))
+        << "only what the first look finds is read";
 }
 
 TEST_F(OnlineReplies, HaveNoVersionWhenProductionIsDown) {
     const peers::RefusingPort nobody;
     addresses::production = refusingAddress(nobody);
     const WebServer custom(page(kVersion));
-    EXPECT_EQ(L"", versionAt(custom.address()));
+    EXPECT_EQ(_T(""), versionAt(custom.address()));
     EXPECT_EQ(0, custom.connections());
 }
 
 TEST_F(OnlineReplies, HaveNoVersionWhenOnlyProductionIsUp) {
     const peers::RefusingPort nobody;
-    EXPECT_EQ(L"", versionAt(refusingAddress(nobody)));
+    EXPECT_EQ(_T(""), versionAt(refusingAddress(nobody)));
     EXPECT_EQ((Paths{"/"}), m_production.paths());
 }
 
 TEST_F(OnlineReplies, HaveAVersionWhateverProductionReplies) {
     const WebServer production(page("", "503 Service Unavailable"));
     addresses::production = production.address();
-    EXPECT_EQ(L"2.1", versionBy(page(kVersion)));
+    EXPECT_EQ(_T("2.1"), versionBy(page(kVersion)));
 }
 
 TEST_F(OnlineReplies, AreMissingWhenOutOfMemory) {
     addresses::isMemoryLeft = false;
     EXPECT_FALSE(pingWebServer());
-    EXPECT_EQ(L"", version());
-    EXPECT_EQ(L"", versionBy(page(kVersion)));
+    EXPECT_EQ(_T(""), version());
+    EXPECT_EQ(_T(""), versionBy(page(kVersion)));
 }
 
 }  // namespace

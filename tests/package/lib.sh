@@ -25,8 +25,41 @@ must() {
   "$@" > "$scratch/$what.log" 2>&1 || { cat "$scratch/$what.log"; echo "FAILED: $what"; exit 1; }
 }
 
-# configure SOURCE BUILD [ARGUMENT...]: a user's project, which has the package and the toolchain.
+# configure SOURCE BUILD [ARGUMENT...]: a user's project, which has the package.
 configure() {
-  must "configure-${2##*/}" cmake -S "$1" -B "$2" -G Ninja -D CMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-toolchain.cmake" \
-    -D NyServer_DIR="$prefix/lib/cmake/NyServer" "${@:3}"
+  must "configure-${2##*/}" cmake -S "$1" -B "$2" -G Ninja -D NyServer_DIR="$prefix/lib/cmake/NyServer" "${@:3}"
+}
+
+# target_of FILE NAME: the header that FILE means by NAME; nothing when it is a header from outside.
+target_of() {
+  local candidate
+  for candidate in "$2" "${1%/*}/$2" "NyServer/base/mfc/$2" "NyServer/base/qo/$2"; do
+    [ ! -e "$root/$candidate" ] || { echo "$candidate"; return; }
+  done
+}
+
+# public_headers FILE...: those, and what they include.
+declare -A public
+add_header() {
+  local included target
+  [ -z "${public[$1]-}" ] || return 0
+  public[$1]=yes
+  for included in $(sed -nE 's/^ *# *include ["<]([^">]+)[">].*/\1/p' "$root/$1"); do
+    target=$(target_of "$1" "$included")
+    [ -z "$target" ] || add_header "$target"
+  done
+}
+public_headers() {
+  local header
+  for header; do add_header "$header"; done
+  printf '%s\n' "${!public[@]}" | LC_ALL=C sort
+}
+
+# expect_no_paths: no file of the package names a folder that nobody else has.
+expect_no_paths() {
+  local folder found
+  for folder in "$root" "$HOME"; do
+    found=$(grep -rlaF -e "$folder/" "$prefix" || true)
+    [ -z "$found" ] || fail "the folder $folder is named in: $found"
+  done
 }

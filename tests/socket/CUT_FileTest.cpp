@@ -8,10 +8,10 @@ namespace {
 
 class File : public testing::Test {
   protected:
-    int openForReading(const std::wstring& path) {
+    int openForReading(const WideText& path) {
         return m_file.Open(path.c_str(), GENERIC_READ, OPEN_EXISTING, 0);
     }
-    int openForWriting(const std::wstring& path, int append) {
+    int openForWriting(const WideText& path, int append) {
         return m_file.Open(path.c_str(), GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS, append);
     }
     std::string read(DWORD count) {
@@ -21,9 +21,11 @@ class File : public testing::Test {
     }
     std::string closedContent() {
         m_file.Close();
-        return m_folder.content(L"f");
+        return m_folder.content("f");
     }
-    bool canBeDeleted() { return ::DeleteFileW(m_folder.path(L"f").c_str()) != 0; }
+    bool canBeWritten() {
+        return CUT_File().Open(m_folder.path("f").c_str(), GENERIC_WRITE, OPEN_EXISTING, 0) == 0;
+    }
 
     TempFolder m_folder;
     CUT_File m_file;
@@ -39,22 +41,22 @@ TEST_F(File, RefusesEverythingWhileClosed) {
 }
 
 TEST_F(File, IsClosedAfterAFailedOpen) {
-    for (const wchar_t* path : {L"missing", L"", L"   "}) {
-        ASSERT_EQ(openForReading(m_folder.file(L"f", "abc")), 0);
+    for (const WCHAR* path : {_T("missing"), _T(""), _T("   ")}) {
+        ASSERT_EQ(openForReading(m_folder.file("f", "abc")), 0);
         EXPECT_EQ(openForReading(path), -1);
         EXPECT_EQ(m_file.GetSize(), -1);
-        EXPECT_TRUE(canBeDeleted());
+        EXPECT_TRUE(canBeWritten());
     }
     EXPECT_EQ(m_file.Open(nullptr, GENERIC_READ, OPEN_EXISTING, 0), -1);
 }
 
 TEST_F(File, FailsToReadWhatMayOnlyBeWritten) {
-    ASSERT_EQ(m_file.Open(m_folder.path(L"f").c_str(), GENERIC_WRITE, CREATE_ALWAYS, 0), 0);
+    ASSERT_EQ(m_file.Open(m_folder.path("f").c_str(), GENERIC_WRITE, CREATE_ALWAYS, 0), 0);
     EXPECT_EQ(read(1), "failed");
 }
 
 TEST_F(File, SeeksFromEachOriginAndReadsUpToTheEnd) {
-    ASSERT_EQ(openForReading(m_folder.file(L"f", "abcdef")), 0);
+    ASSERT_EQ(openForReading(m_folder.file("f", "abcdef")), 0);
     EXPECT_EQ(m_file.GetSize(), 6);
     EXPECT_EQ(m_file.Seek(2, FILE_BEGIN), 2);
     EXPECT_EQ(m_file.Seek(1, FILE_CURRENT), 3);
@@ -65,14 +67,14 @@ TEST_F(File, SeeksFromEachOriginAndReadsUpToTheEnd) {
 }
 
 TEST_F(File, WritesAtThePositionAndInTheModeOfTheLastOpen) {
-    ASSERT_EQ(openForWriting(m_folder.path(L"other"), 1), 0);
-    ASSERT_EQ(openForWriting(m_folder.file(L"f", "abcdef"), 0), 0);
+    ASSERT_EQ(openForWriting(m_folder.path("other"), 1), 0);
+    ASSERT_EQ(openForWriting(m_folder.file("f", "abcdef"), 0), 0);
     EXPECT_EQ(m_file.Write("XY", 2), 2);
     EXPECT_EQ(closedContent(), "XYcdef");
 }
 
 TEST_F(File, AllowsOthersToReadButNotToWrite) {
-    const std::wstring path = m_folder.file(L"f", "abc");
+    const WideText path = m_folder.file("f", "abc");
     ASSERT_EQ(openForReading(path), 0);
     CUT_File other;
     EXPECT_EQ(other.Open(path.c_str(), GENERIC_READ, OPEN_EXISTING, 0), 0);
@@ -82,10 +84,10 @@ TEST_F(File, AllowsOthersToReadButNotToWrite) {
 TEST_F(File, IsClosedByItsDestructor) {
     {
         CUT_File file;
-        file.Open(m_folder.file(L"f", "abc").c_str(), GENERIC_READ, OPEN_EXISTING, 0);
-        EXPECT_FALSE(canBeDeleted());
+        file.Open(m_folder.file("f", "abc").c_str(), GENERIC_READ, OPEN_EXISTING, 0);
+        EXPECT_FALSE(canBeWritten());
     }
-    EXPECT_TRUE(canBeDeleted());
+    EXPECT_TRUE(canBeWritten());
 }
 
 }  // namespace

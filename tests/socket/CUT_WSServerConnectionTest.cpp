@@ -30,7 +30,7 @@ TEST_F(Accepting, CallsItsVirtualFunctionsInOrder) {
     // The whole life of a worker is on one thread.
     const std::vector<DWORD> threads = m_log->threads();
     EXPECT_NE(threads[0], threads[1]);
-    EXPECT_NE(threads[0], ::GetCurrentThreadId());
+    EXPECT_NE(threads[0], port::currentThreadId());
     for (size_t i = 1; i < threads.size(); ++i) EXPECT_EQ(threads[i], threads[1]) << i;
 }
 
@@ -41,7 +41,7 @@ TEST_F(Accepting, SetsTheFieldsOfTheWorkerAndItsEntry) {
     const auto& worker = static_cast<const LoggingWorker&>(*entry->worker);
     EXPECT_EQ(m_server.GetNumConnections(), 1);
     EXPECT_EQ(worker.owner(), &m_server);
-    EXPECT_EQ(worker.peerAddress().sin_port, peers::addressOf(peer.socket()).sin_port);
+    EXPECT_EQ(worker.peerAddress().sin_port, port::localAddress(peer.socket()).sin_port);
     EXPECT_EQ(entry->socket, worker.socket());
     EXPECT_NE(worker.listenSocket(), worker.socket());
     EXPECT_NE(worker.listenSocket(), 0u);
@@ -63,6 +63,7 @@ TEST_F(Accepting, ReleasesAWorkerThatIsOutOfTheListWithItsSocketOpen) {
         isOpen = worker->IsConnected() == 1;
     };
     m_server.connection().receiveAll();
+    ASSERT_TRUE(m_server.onRelease.awaitCalls(1));
     EXPECT_EQ(count, 0);
     EXPECT_EQ(length, 0);
     EXPECT_TRUE(isOpen);
@@ -99,7 +100,7 @@ TEST_F(Accepting, ClosesWhenThereIsNoWorker) {
 }
 
 TEST_F(Accepting, SurvivesAThrowingOnCanAcceptAndAThrowingFactory) {
-    for (std::function<void()>* hook : {&m_server.onCanAccept, &m_server.onCreate}) {
+    for (Hook<>* hook : {&m_server.onCanAccept, &m_server.onCreate}) {
         *hook = [] { throw std::runtime_error("from a hook"); };
         EXPECT_EQ(m_server.connection().receiveAll(), "");
         *hook = [] {};

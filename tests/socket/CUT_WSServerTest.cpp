@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "NyServer/base/detail/UniqueHandle.h"
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/WinsockStarts.h"
 
 namespace {
 
@@ -22,7 +20,7 @@ TEST(ServerHooks, ReturnFixedValues) {
         CUT_WSThread* CreateInstance() override { return nullptr; }
         void ReleaseInstance(CUT_WSThread*) override {}
         std::vector<long> answers() {
-            return {Pause(), Resume(), OnCanAccept("127.0.0.1"), OnStatus(L"text"), OnError(42)};
+            return {Pause(), Resume(), OnCanAccept("127.0.0.1"), OnStatus(_T("text")), OnError(42)};
         }
     } server;
     EXPECT_THAT(server.answers(), ElementsAre(0, 0, 1, 0, 42));
@@ -30,7 +28,7 @@ TEST(ServerHooks, ReturnFixedValues) {
 
 class Server : public ServerTest {
   protected:
-    const peers::RefusingPort m_taken;  // where nobody listens
+    peers::RefusingPort m_taken;  // where nobody listens
     char m_loopback[10] = "127.0.0.1";
 };
 
@@ -127,7 +125,7 @@ TEST_F(Server, TempConnectsToAListenerAndReportsFailures) {
     EXPECT_THAT(m_server.codes, ElementsAre(0, UTE_SOCK_CONNECT_FAILED));
     // The connect, and the shutdown of what is not connected.
     ASSERT_THAT(m_server.statuses, SizeIs(2));
-    EXPECT_EQ(m_server.statuses[0], L"Connection refused.");
+    EXPECT_EQ(m_server.statuses[0], _T("Connection refused."));
 }
 
 TEST_F(Server, StopsWithoutHavingBeenStarted) {
@@ -136,51 +134,6 @@ TEST_F(Server, StopsWithoutHavingBeenStarted) {
     EXPECT_EQ(m_server.StopAccept(), 0);
     EXPECT_TRUE(m_server.isReachable());
     EXPECT_THAT(m_server.codes, IsEmpty());
-}
-
-class ServerAndWinsock : public testing::Test {
-  protected:
-    // How many starts of Winsock in this process, since this was made, are not yet cleaned up.
-    int starts() const { return WinsockStarts::count() - m_before; }
-
-  private:
-    const int m_before = WinsockStarts::count();
-};
-
-TEST_F(ServerAndWinsock, StartsOnceForItselfAndOnceForEachListening) {
-    {
-        ProbeServer server;
-        EXPECT_EQ(starts(), 1);
-        ASSERT_EQ(server.listenOn(0), 0);
-        EXPECT_EQ(starts(), 2);
-        for (int i = 0; i < 2; ++i) {
-            server.StopAccept();
-            EXPECT_EQ(starts(), 1);
-        }
-    }
-    EXPECT_EQ(starts(), 0);
-}
-
-TEST_F(ServerAndWinsock, IsNotStartedForAPortThatIsRefused) {
-    ProbeServer server;
-    ASSERT_EQ(server.listenOn(0), 0);
-    server.SetPort(server.GetBoundPort());
-    ASSERT_EQ(server.StartAccept(), 0);
-    EXPECT_EQ(server.listenOn(0), UTE_ERROR);
-    server.StopAccept();
-    EXPECT_EQ(starts(), 1);
-}
-
-TEST_F(ServerAndWinsock, BalancesOneListeningWithEachStopAndOneWithTheDestructor) {
-    {
-        ProbeServer server;
-        for (int i = 0; i < 3; ++i)
-            EXPECT_EQ(server.ConnectToPort(0, 5, 99, 0), UTE_SOCK_BIND_FAILED) << "no such family";
-        server.StopAccept();
-        EXPECT_EQ(starts(), 3);
-        server.StopAccept();
-    }
-    EXPECT_EQ(starts(), 0);
 }
 
 // How many peers a listening socket holds ready before they are accepted. The stack may add a few
@@ -230,6 +183,7 @@ class ServerList : public Server {
 TEST_F(ServerList, PutsTheNewestFirst) {
     addAll();
     EXPECT_THAT(listed(), ElementsAre(&m_workers[2], &m_workers[1], &m_workers[0]));
+    const ProbeServer::ThreadListLock lock(m_server);
     const auto* first = m_server.ThreadListFirst();
     EXPECT_EQ(first->threadId, kNoHandle + 2);
     EXPECT_EQ(first->socket, 102u);
@@ -243,7 +197,10 @@ TEST_F(ServerList, TakesEntriesOutWhereverTheyStand) {
     EXPECT_THAT(listed(), SizeIs(3));
     EXPECT_EQ(m_server.ThreadListRemove(kNoHandle + 1), 1);
     EXPECT_THAT(listed(), ElementsAre(&m_workers[2], &m_workers[0]));
-    EXPECT_EQ(m_server.ThreadListFirst()->next->previous, m_server.ThreadListFirst());
+    {
+        const ProbeServer::ThreadListLock lock(m_server);
+        EXPECT_EQ(m_server.ThreadListFirst()->next->previous, m_server.ThreadListFirst());
+    }
     m_server.ThreadListRemove(kNoHandle + 2);
     EXPECT_THAT(listed(), ElementsAre(&m_workers[0]));
     m_server.ThreadListRemove(kNoHandle);
@@ -274,17 +231,6 @@ TEST_F(ServerList, CountsWhatItSuspendsAndResumes) {
         EXPECT_EQ(m_server.ThreadListResume(), count);
         if (count == 0) addAll();
     }
-}
-
-// A handle can stand where an identifier does: then, and only then, a thread really stops.
-TEST_F(ServerList, TakesIdentifiersForHandles) {
-    const NySe::UniqueKernelHandle thread(::CreateThread(
-        nullptr, 0, [](void*) -> DWORD { return 0; }, nullptr, CREATE_SUSPENDED, nullptr));
-    m_server.ThreadListAdd(&m_workers[0], HandleToUlong(thread.get()), 1);
-    m_server.ThreadListSuspend();
-    EXPECT_EQ(::ResumeThread(thread.get()), 2u);
-    m_server.ThreadListResume();
-    EXPECT_EQ(::WaitForSingleObject(thread.get(), 10000), WAIT_OBJECT_0);
 }
 
 }  // namespace

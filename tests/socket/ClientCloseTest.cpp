@@ -3,10 +3,9 @@
 
 #include <memory>
 
-#include "tests/socket/OtherHandle.h"
 #include "tests/socket/Peers.h"
 #include "tests/socket/Probes.h"
-#include "tests/support/WinsockStarts.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -50,12 +49,12 @@ TEST_F(ClientClose, ReportsAFailedShutdownAndClosesAnyway) {
     const SOCKET socket = m_client->GetSocket();
     EXPECT_EQ(m_client->CloseConnection(), UTE_ERROR);
     expectForgotten();
-    EXPECT_EQ(::closesocket(socket), SOCKET_ERROR) << "closed already";
+    EXPECT_FALSE(port::closeSocket(socket)) << "closed already";
 }
 
 TEST_F(ClientClose, ReportsAFailedClose) {
     connect();
-    ::closesocket(m_client->GetSocket());
+    port::closeSocket(m_client->GetSocket());
     EXPECT_EQ(m_client->CloseConnection(), UTE_ERROR);
     expectForgotten();
 }
@@ -63,10 +62,10 @@ TEST_F(ClientClose, ReportsAFailedClose) {
 TEST_F(ClientClose, ShutsDownAStreamFirst) {
     connect();
     const NySe::UniqueSocket other = otherHandleOf(m_client->GetSocket());
-    ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
+    ASSERT_EQ(port::send(other.get(), "x", 1, 0), 1);
     EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
     EXPECT_EQ(m_peer.waitForServed(1), 1) << "the peer sees the end";
-    EXPECT_EQ(::send(other.get(), "x", 1, 0), SOCKET_ERROR);
+    EXPECT_EQ(port::send(other.get(), "x", 1, 0), SOCKET_ERROR);
 }
 
 TEST_F(ClientClose, DoesNotShutDownADatagramSocket) {
@@ -74,10 +73,10 @@ TEST_F(ClientClose, DoesNotShutDownADatagramSocket) {
     const auto port = static_cast<unsigned int>(peers::portOf(peer));
     ASSERT_EQ(m_client->Connect(port, m_loopback, -1, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
     const NySe::UniqueSocket other = otherHandleOf(m_client->GetSocket());
-    ASSERT_EQ(::send(other.get(), "x", 1, 0), 1);
+    ASSERT_EQ(port::send(other.get(), "x", 1, 0), 1);
     EXPECT_EQ(m_client->CloseConnection(), UTE_SUCCESS);
     expectForgotten();
-    EXPECT_EQ(::send(other.get(), "x", 1, 0), 1);
+    EXPECT_EQ(port::send(other.get(), "x", 1, 0), 1);
 }
 
 TEST_F(ClientClose, ClosesTheListeningSocketToo) {
@@ -95,7 +94,7 @@ TEST_F(ClientClose, HappensWhenTheObjectIsDestroyed) {
     const SOCKET socket = m_client->GetSocket();
     m_client.reset();
     EXPECT_EQ(m_peer.waitForServed(1), 1);
-    EXPECT_EQ(::closesocket(socket), SOCKET_ERROR);
+    EXPECT_FALSE(port::closeSocket(socket));
 }
 
 using ClientReset = ClientClose;
@@ -108,23 +107,12 @@ TEST_F(ClientReset, ResetsTheSocketsWithoutClosingThem) {
     EXPECT_EQ(m_client->Reset(), UTE_SUCCESS);
     EXPECT_THAT(m_client->codes, ElementsAre(0));
     expectForgotten();
-    EXPECT_EQ(::send(leaked.get(), "still", 5, 0), 5);
+    EXPECT_EQ(port::send(leaked.get(), "still", 5, 0), 5);
     char buffer[8];
-    EXPECT_EQ(::recv(leaked.get(), buffer, sizeof buffer, 0), 5);
+    EXPECT_EQ(port::receive(leaked.get(), buffer, sizeof buffer, 0), 5);
     EXPECT_EQ(listen(), UTE_SUCCESS) << "the listening socket is forgotten too";
     m_client->CloseConnection();
     connect();
-}
-
-TEST(ClientAndWinsock, EachObjectHoldsOneStart) {
-    {
-        CUT_WSClient client;
-        client.Reset();
-        EXPECT_EQ(client.Reset(), UTE_SUCCESS);
-        EXPECT_EQ(WinsockStarts::count(), 1);
-    }
-    EXPECT_EQ(::WSACleanup(), SOCKET_ERROR);
-    EXPECT_EQ(::WSAGetLastError(), WSANOTINITIALISED);
 }
 
 }  // namespace

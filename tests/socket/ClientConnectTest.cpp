@@ -25,7 +25,7 @@ class ClientConnect : public testing::Test {
     bool isBlocking() {
         // Readable by the peer's greeting only after it has come: a non-blocking receive fails.
         char byte = 0;
-        return ::recv(m_client.GetSocket(), &byte, 1, 0) == 1;
+        return port::receive(m_client.GetSocket(), &byte, 1, 0) == 1;
     }
     void expectTimeOuts(int receive, int send) {
         EXPECT_EQ(m_client.optionOf(SO_RCVTIMEO), receive);
@@ -39,7 +39,7 @@ class ClientConnect : public testing::Test {
     void expectPeersAddress() {
         EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1");
         EXPECT_EQ(m_client.getsockAddr().sin_addr.s_addr, ::inet_addr("127.0.0.1"));
-        EXPECT_EQ(::ntohs(m_client.getsockAddr().sin_port), m_peer.port());
+        EXPECT_EQ(ntohs(m_client.getsockAddr().sin_port), m_peer.port());
     }
 
     char m_loopback[10] = "127.0.0.1";
@@ -51,7 +51,7 @@ TEST_F(ClientConnect, FillsAddressAndPorts) {
     EXPECT_EQ(connect(), UTE_SUCCESS);
     expectPeersAddress();
     EXPECT_EQ(m_client.GetRemotePort(), static_cast<int>(m_peer.port()));
-    EXPECT_EQ(m_client.GetLocalPort(), ::ntohs(peers::addressOf(m_client.GetSocket()).sin_port));
+    EXPECT_EQ(m_client.GetLocalPort(), ntohs(port::localAddress(m_client.GetSocket()).sin_port));
     EXPECT_NE(m_client.GetLocalPort(), 0);
 }
 
@@ -125,7 +125,7 @@ TEST_F(ClientConnect, StaysNonBlockingWhenConnectedAtOnceWithATimeOut) {
     ASSERT_EQ(m_client.Connect(m_peer.port(), "127.0.0.1", 10, AF_INET, SOCK_DGRAM), UTE_SUCCESS);
     EXPECT_EQ(m_client.GetBlockingMode(), 1);
     EXPECT_FALSE(isBlocking());
-    EXPECT_EQ(::WSAGetLastError(), WSAEWOULDBLOCK);
+    EXPECT_EQ(port::lastSocketError(), WSAEWOULDBLOCK);
     expectNoPorts();
     expectTimeOuts(30000, 30000);
 }
@@ -163,7 +163,7 @@ TEST_F(ClientConnect, ReportsARefusalAsTheTimeOutIfThereIsOneAndCanConnectAgain)
         EXPECT_EQ(client.Connect(port.port(), "127.0.0.1", timeOut),
                   timeOut < 0 ? UTE_SOCK_CONNECT_FAILED : UTE_CONNECT_TIMEOUT);
         EXPECT_EQ(client.GetSocket(), INVALID_SOCKET);
-        EXPECT_EQ(::closesocket(client.made), SOCKET_ERROR) << "closed already";
+        EXPECT_FALSE(port::closeSocket(client.made)) << "closed already";
     }
     EXPECT_EQ(client.Connect(m_peer.port(), "127.0.0.1", 10), UTE_SUCCESS);
 }
@@ -182,7 +182,7 @@ TEST_F(ClientConnect, BoundTakesTheLocalAddress) {
     char local[] = "127.0.0.2";
     ASSERT_EQ(m_client.ConnectBound(0, m_peer.port(), local, m_loopback, AF_INET, SOCK_STREAM),
               UTE_SUCCESS);
-    EXPECT_EQ(peers::addressOf(m_client.GetSocket()).sin_addr.s_addr, ::inet_addr("127.0.0.2"));
+    EXPECT_EQ(port::localAddress(m_client.GetSocket()).sin_addr.s_addr, ::inet_addr("127.0.0.2"));
     expectPeersAddress();
 }
 

@@ -48,9 +48,9 @@ TEST_F(ClientDatagram, SocketIsBoundAndItsPeerAndTimeOutsStored) {
     m_client.setRecvTimeOut(4000);
     m_client.setSendTimeOut(5000);
     open();
-    const sockaddr_in own = peers::addressOf(m_client.GetSocket());
+    const sockaddr_in own = port::localAddress(m_client.GetSocket());
     EXPECT_EQ(own.sin_addr.s_addr, ::inet_addr("127.0.0.1"));
-    EXPECT_EQ(m_client.GetLocalPort(), ::ntohs(own.sin_port));
+    EXPECT_EQ(m_client.GetLocalPort(), ntohs(own.sin_port));
     EXPECT_NE(m_client.GetLocalPort(), 0);
     EXPECT_EQ(m_client.GetRemotePort(), peers::portOf(m_other));
     EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1");
@@ -62,7 +62,7 @@ TEST_F(ClientDatagram, SocketIsBoundAndItsPeerAndTimeOutsStored) {
 TEST_F(ClientDatagram, NullLocalAddressBindsToAllInterfacesAndALongRemoteOneIsCut) {
     char remote[] = "127.0.0.1 and more than thirty characters";
     EXPECT_EQ(m_client.CreateUDPSocket(0, otherPort(), remote, nullptr), UTE_SUCCESS);
-    EXPECT_EQ(peers::addressOf(m_client.GetSocket()).sin_addr.s_addr,
+    EXPECT_EQ(port::localAddress(m_client.GetSocket()).sin_addr.s_addr,
               static_cast<u_long>(INADDR_ANY));
     EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1 and more than thirt");
 }
@@ -82,7 +82,7 @@ TEST_F(ClientDatagram, SendsToTheStoredPeer) {
     open();
     EXPECT_EQ(send("hello"), UTE_SUCCESS);
     EXPECT_EQ(m_length, 5);
-    EXPECT_EQ(::recv(m_other.get(), m_buffer, sizeof m_buffer, 0), 5);
+    EXPECT_EQ(port::receive(m_other.get(), m_buffer, sizeof m_buffer, 0), 5);
     EXPECT_STREQ(m_buffer, "hello");
     EXPECT_EQ(send(std::string(70000, 'x')), UTE_SOCK_SEND_ERROR) << "too long";
     EXPECT_EQ(m_length, -1);
@@ -94,7 +94,7 @@ TEST_F(ClientDatagram, ReceivesWithTheSendersAddress) {
     EXPECT_EQ(receive(16, 10), UTE_SUCCESS);
     EXPECT_EQ(m_length, 5);
     EXPECT_STREQ(m_buffer, "reply");
-    EXPECT_EQ(::ntohs(m_client.getsockAddr().sin_port), peers::portOf(m_other));
+    EXPECT_EQ(ntohs(m_client.getsockAddr().sin_port), peers::portOf(m_other));
     EXPECT_THAT(m_client.receiveWaits, ElementsAre(10));
     sendFromOther("longer than the buffer");
     EXPECT_EQ(receive(4, 10), UTE_SOCK_RECEIVE_ERROR);

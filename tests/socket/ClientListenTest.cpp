@@ -91,7 +91,7 @@ TEST_F(ClientListen, AcceptedConnectionHasItsAddressAndTheTimeOutsAndCarriesData
     EXPECT_STREQ(m_client.getszAddress(), "127.0.0.1");
     EXPECT_EQ(m_client.GetRemotePort(), m_other.GetLocalPort());
     EXPECT_EQ(m_client.GetLocalPort(), m_client.GetAcceptPort());
-    EXPECT_EQ(::ntohs(m_client.getsockAddr().sin_port), m_other.GetLocalPort());
+    EXPECT_EQ(ntohs(m_client.getsockAddr().sin_port), m_other.GetLocalPort());
     EXPECT_EQ(m_client.optionOf(SO_RCVTIMEO), 4000);
     ASSERT_EQ(m_other.Send("hello", 5), 5);
     char buffer[8];
@@ -111,7 +111,7 @@ TEST_F(ClientListen, AcceptingAgainReplacesTheConnection) {
 TEST_F(ClientListen, AcceptsNothingWhenTheOldConnectionCannotBeClosed) {
     listenAndAccept(m_other);
     connect(m_another);
-    ::closesocket(m_client.GetSocket());
+    port::closeSocket(m_client.GetSocket());
     EXPECT_EQ(m_client.AcceptConnection(), UTE_ERROR);
     EXPECT_EQ(m_client.WaitForAccept(10), UTE_SUCCESS) << "the next peer still waits";
     EXPECT_EQ(m_client.AcceptConnection(), UTE_SUCCESS);

@@ -89,20 +89,6 @@ TEST_F(ClientSettings, AnOptionIsReadIntoFourBytes) {
     EXPECT_THAT(m_client.codes, IsEmpty());
 }
 
-// Only a value of 8 readable bytes can be set: the one that ends at an inaccessible page.
-TEST_F(ClientSettings, AnOptionIsSetFromAllEightBytes) {
-    connect();
-    const SIZE_T page = 4096;
-    auto* pages = static_cast<char*>(::VirtualAlloc(nullptr, 2 * page, MEM_RESERVE, PAGE_NOACCESS));
-    ASSERT_NE(::VirtualAlloc(pages, page, MEM_COMMIT, PAGE_READWRITE), nullptr);
-    pages[page - 8] = 1;
-    EXPECT_EQ(m_client.SetSocketOption(SO_KEEPALIVE, pages + page - 8), 0);
-    EXPECT_NE(m_client.optionOf(SO_KEEPALIVE), 0);
-    EXPECT_EQ(m_client.SetSocketOption(SO_RCVBUF, pages + page - 4), SOCKET_ERROR);
-    EXPECT_THAT(m_client.codes, IsEmpty());
-    ::VirtualFree(pages, 0, MEM_RELEASE);
-}
-
 TEST_F(ClientSettings, ResultsAreWhatTheFunnelReturns) {
     struct Renaming : CUT_WSClient {
         int OnError(int code) override { return code + 1000; }

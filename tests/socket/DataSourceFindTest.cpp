@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "NyServer/base/port/Port.h"
 #include "NyServer/socket/CUT_DataSource.h"
 
 namespace {

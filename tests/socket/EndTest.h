@@ -9,6 +9,7 @@
 
 #include "tests/socket/LocalConnection.h"
 #include "tests/socket/Probes.h"
+#include "tests/support/WideText.h"
 
 class ClientEnd : public ProbeClient {
   public:
@@ -21,11 +22,11 @@ class ClientEnd : public ProbeClient {
 
     int sendBytes(const char* data, int len) { return Send(data, len); }
     int sendSource(CUT_DataSource& source) { return Send(source); }
-    int sendFile(const std::wstring& path) { return SendFile(path.c_str()); }
+    int sendFile(const WideText& path) { return SendFile(path.c_str()); }
     int receiveSource(CUT_DataSource& target, OpenMsgType type, int timeOut) {
         return Receive(target, type, timeOut, 0);
     }
-    int receiveFile(const std::wstring& path, OpenMsgType type, int timeOut) {
+    int receiveFile(const WideText& path, OpenMsgType type, int timeOut) {
         return ReceiveToFile(path.c_str(), type, timeOut, 0);
     }
     // The bytes that the last transfer has told of.
@@ -45,11 +46,11 @@ class WorkerEnd : public ProbeWorker {
 
     int sendBytes(const char* data, int len) { return Send(data, len, 0); }
     int sendSource(CUT_DataSource& source) { return Send(source, m_sent); }
-    int sendFile(const std::wstring& path) { return SendFile(path.c_str(), m_sent); }
+    int sendFile(const WideText& path) { return SendFile(path.c_str(), m_sent); }
     int receiveSource(CUT_DataSource& target, OpenMsgType type, int timeOut) {
         return Receive(target, m_received, type, timeOut);
     }
-    int receiveFile(const std::wstring& path, OpenMsgType type, int timeOut) {
+    int receiveFile(const WideText& path, OpenMsgType type, int timeOut) {
         return ReceiveToFile(path.c_str(), type, m_received, timeOut);
     }
     long sent() const { return m_sent; }
@@ -92,8 +93,7 @@ class EndTest : public testing::Test {
     }
     // Until so many bytes can be read at once.
     void awaitBytes(size_t count) {
-        for (u_long waiting = 0; waiting < count; ::Sleep(1))
-            ASSERT_EQ(::ioctlsocket(m_pair.nearEnd(), FIONREAD, &waiting), 0);
+        while (port::waitingBytes(m_pair.nearEnd()) < count) port::sleep(1);
     }
     void awaitPeersEnd() {
         ASSERT_EQ(m_end.WaitForReceive(10, 0), UTE_SUCCESS);
@@ -105,7 +105,7 @@ class EndTest : public testing::Test {
         char byte = 0;
         m_end.SetReceiveTimeOut(50);
         const auto start = std::chrono::steady_clock::now();
-        return ::recv(m_pair.nearEnd(), &byte, 1, 0) == SOCKET_ERROR &&
+        return port::receive(m_pair.nearEnd(), &byte, 1, 0) == SOCKET_ERROR &&
                std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(40);
     }
 

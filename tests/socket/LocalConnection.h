@@ -9,27 +9,16 @@ namespace peers {
 
 inline const std::atomic<bool> kNeverStopping = false;
 
-// Of the socket's own end.
-inline sockaddr_in addressOf(SOCKET socket) {
-    sockaddr_in own{};
-    int length = sizeof own;
-    ::getsockname(socket, reinterpret_cast<sockaddr*>(&own), &length);
-    return own;
-}
-
 inline int optionOf(SOCKET socket, int option) {
     int value = -1;
-    int length = sizeof value;
-    ::getsockopt(socket, SOL_SOCKET, option, reinterpret_cast<char*>(&value), &length);
+    port::getSocketOption(socket, option, &value, sizeof value);
     return value;
 }
 
 // An invalid socket when nobody listens.
 inline NySe::UniqueSocket connectTo(unsigned int port) {
-    NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-    const sockaddr_in address = loopbackAddress(port);
-    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0)
-        socket.reset();
+    NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, 0));
+    if (!port::connectTo(socket.get(), loopbackAddress(port))) socket.reset();
     return socket;
 }
 
@@ -51,9 +40,10 @@ class SocketPair {
   public:
     SocketPair() {
         const NySe::UniqueSocket listener = bindToLoopback();
-        ::listen(listener.get(), 1);
+        port::listenOn(listener.get(), 1);
         m_near = connectTo(static_cast<unsigned int>(portOf(listener)));
-        m_far.reset(::accept(listener.get(), nullptr, nullptr));
+        sockaddr_in peer{};
+        m_far.reset(port::acceptFrom(listener.get(), peer));
     }
 
     SOCKET nearEnd() const { return m_near.get(); }

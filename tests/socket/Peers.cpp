@@ -10,20 +10,16 @@ using Clock = std::chrono::steady_clock;
 constexpr long kTickMicroseconds = 10000;
 
 bool isReadable(SOCKET socket) {
-    fd_set set{1, {socket}};
-    timeval timeOut{0, kTickMicroseconds};
-    return ::select(0, &set, nullptr, nullptr, &timeOut) == 1;
+    return port::waitFor(socket, port::Wanted::readable, 0, kTickMicroseconds) == 1;
 }
 
 bool isWritable(SOCKET socket, long microseconds) {
-    fd_set set{1, {socket}};
-    timeval timeOut{0, microseconds};
-    return ::select(0, nullptr, &set, nullptr, &timeOut) == 1;
+    return port::waitFor(socket, port::Wanted::writable, 0, microseconds) == 1;
 }
 
 NySe::UniqueSocket listenOnLoopback(int queueSize) {
     NySe::UniqueSocket socket = bindToLoopback();
-    if (::listen(socket.get(), queueSize) != 0) throw std::runtime_error("cannot listen");
+    if (!port::listenOn(socket.get(), queueSize)) throw std::runtime_error("cannot listen");
     return socket;
 }
 
@@ -31,35 +27,31 @@ NySe::UniqueSocket listenOnLoopback(int queueSize) {
 
 WinsockSession::WinsockSession() {
     WSADATA data{};
-    if (::WSAStartup(MAKEWORD(2, 2), &data) != 0) throw std::runtime_error("no Winsock");
+    if (!port::startSockets(data)) throw std::runtime_error("the socket functions do not start");
 }
 
 WinsockSession::~WinsockSession() {
-    ::WSACleanup();
+    port::stopSockets();
 }
 
 sockaddr_in loopbackAddress(unsigned int port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = ::htons(static_cast<u_short>(port));
-    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<unsigned short>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     return address;
 }
 
 NySe::UniqueSocket bindToLoopback(int type) {
-    NySe::UniqueSocket socket(::socket(AF_INET, type, 0));
-    const sockaddr_in address = loopbackAddress(0);
-    if (::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    NySe::UniqueSocket socket(port::createSocket(AF_INET, type, 0));
+    if (!port::bindSocket(socket.get(), loopbackAddress(0))) {
         throw std::runtime_error("cannot bind to 127.0.0.1");
     }
     return socket;
 }
 
 int portOf(const NySe::UniqueSocket& socket) {
-    sockaddr_in address{};
-    int length = sizeof address;
-    ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&address), &length);
-    return ::ntohs(address.sin_port);
+    return ntohs(port::localAddress(socket.get()).sin_port);
 }
 
 bool Connection::waitForData() {
@@ -71,19 +63,19 @@ bool Connection::waitForData() {
 }
 
 void Connection::send(std::string_view data) {
-    ::send(m_socket.get(), data.data(), static_cast<int>(data.size()), 0);
+    port::send(m_socket.get(), data.data(), static_cast<int>(data.size()), 0);
 }
 
 std::string Connection::receive() {
     if (!waitForData()) return {};
     char buffer[65536];
-    const int count = ::recv(m_socket.get(), buffer, sizeof buffer, 0);
+    const int count = port::receive(m_socket.get(), buffer, sizeof buffer, 0);
     return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : std::string();
 }
 
 bool Connection::awaitClose() {
     char byte;
-    return waitForData() && ::recv(m_socket.get(), &byte, sizeof byte, 0) <= 0;
+    return waitForData() && port::receive(m_socket.get(), &byte, sizeof byte, 0) <= 0;
 }
 
 std::string Connection::receiveAll() {
@@ -93,7 +85,7 @@ std::string Connection::receiveAll() {
 }
 
 void Connection::finishSending() {
-    ::shutdown(m_socket.get(), SD_SEND);
+    port::finishSending(m_socket.get());
 }
 
 Peer::Peer(Script script)
@@ -107,7 +99,8 @@ Peer::~Peer() {
 void Peer::run() {
     while (!m_isStopping) {
         if (!isReadable(m_listener.get())) continue;
-        Connection connection(NySe::UniqueSocket(::accept(m_listener.get(), nullptr, nullptr)),
+        sockaddr_in peer{};
+        Connection connection(NySe::UniqueSocket(port::acceptFrom(m_listener.get(), peer)),
                               m_isStopping);
         m_script(connection);
         connection.close();
@@ -164,10 +157,9 @@ std::vector<NySe::UniqueSocket> connectWhileAnswered(unsigned int port, size_t m
     const sockaddr_in address = loopbackAddress(port);
     std::vector<NySe::UniqueSocket> answered;
     while (answered.size() < most) {
-        NySe::UniqueSocket socket(::socket(AF_INET, SOCK_STREAM, 0));
-        u_long nonBlocking = 1;
-        ::ioctlsocket(socket.get(), static_cast<long>(FIONBIO), &nonBlocking);
-        ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, 0));
+        port::setBlocking(socket.get(), false);
+        port::connectTo(socket.get(), address);
         if (!isWritable(socket.get(), 500000)) break;
         answered.push_back(std::move(socket));
     }
@@ -176,7 +168,7 @@ std::vector<NySe::UniqueSocket> connectWhileAnswered(unsigned int port, size_t m
 
 UnansweringPort::UnansweringPort() {
     constexpr size_t kMost = 16;
-    ::listen(m_listener.get(), 0);
+    port::listenOn(m_listener.get(), 0);
     m_queued = connectWhileAnswered(port(), kMost);
     if (m_queued.size() == kMost) throw std::runtime_error("the listener's queue does not fill");
 }

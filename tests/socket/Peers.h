@@ -11,7 +11,6 @@
 #include <thread>
 #include <vector>
 
-#include "NyServer/base/WindowsPrelude.h"
 #include "NyServer/socket/SocketCalls.h"
 
 namespace peers {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -15,6 +16,7 @@
 #include "tests/socket/LocalConnection.h"
 #include "tests/socket/Probes.h"
 #include "tests/support/Gate.h"
+#include "tests/support/WideText.h"
 
 // What happened in a server, in its order. It outlives the server.
 class ServerLog {
@@ -22,7 +24,7 @@ class ServerLog {
     void add(std::string event) {
         const std::lock_guard lock(m_mutex);
         m_events.push_back(std::move(event));
-        m_threads.push_back(::GetCurrentThreadId());
+        m_threads.push_back(port::currentThreadId());
     }
     std::vector<std::string> events() const {
         const std::lock_guard lock(m_mutex);
@@ -69,27 +71,74 @@ class LoggingWorker : public ProbeWorker {
     Handler m_onConnect;
 };
 
+// A function that the test sets while threads of the server call it.
+template <class... Arguments>
+class Hook {
+  public:
+    using Function = std::function<void(Arguments...)>;
+
+    Hook& operator=(Function function) {
+        auto shared = std::make_shared<Function>(std::move(function));
+        const std::lock_guard lock(m_state->mutex);
+        m_state->function.swap(shared);
+        return *this;
+    }
+    // The function may destroy the hook.
+    void operator()(Arguments... arguments) const {
+        const auto state = m_state;
+        if (const auto called = state->get()) (*called)(arguments...);
+        const std::lock_guard lock(state->mutex);
+        ++state->calls;
+    }
+    // A copy of the function.
+    Function function() const {
+        const auto shared = m_state->get();
+        return shared ? *shared : Function();
+    }
+    // Waits until so many calls have returned. What they wrote can then be read.
+    bool awaitCalls(int count) const {
+        return eventually([&] {
+            const std::lock_guard lock(m_state->mutex);
+            return m_state->calls >= count;
+        });
+    }
+
+  private:
+    struct State {
+        std::shared_ptr<Function> get() {
+            const std::lock_guard lock(mutex);
+            return function;
+        }
+
+        std::mutex mutex;
+        std::shared_ptr<Function> function;
+        int calls = 0;
+    };
+
+    std::shared_ptr<State> m_state = std::make_shared<State>();
+};
+
 // A server that records its virtual calls and lets a test take part in them.
 class ProbeServer : public CUT_WSServer {
   public:
     enum class Ending { WaitsForWorkers, RunsDown, StaysOpen };
 
     std::shared_ptr<ServerLog> log = std::make_shared<ServerLog>();
-    std::vector<int> codes;              // all that OnError was given
-    std::vector<std::wstring> statuses;  // all that OnStatus was given
-    LoggingWorker::Handler onConnect;
-    std::function<void()> onCreate = [] {};
-    std::function<void(CUT_WSThread*)> onRelease = [](CUT_WSThread*) {};
-    std::function<void()> onCanAccept = [] {};
-    bool hasWorkers = true;
-    long verdict = 1;
+    std::vector<int> codes;          // all that OnError was given
+    std::vector<WideText> statuses;  // all that OnStatus was given
+    Hook<LoggingWorker&> onConnect;
+    Hook<> onCreate;
+    Hook<CUT_WSThread*> onRelease;
+    Hook<> onCanAccept;
+    std::atomic<bool> hasWorkers = true;
+    std::atomic<long> verdict = 1;
     Ending ending = Ending::WaitsForWorkers;
 
     ~ProbeServer() override {
         if (ending == Ending::RunsDown) RunDown();
         if (ending == Ending::WaitsForWorkers) {
             SetShutDownFlag(1);
-            while (!RunDownIfIdle()) ::Sleep(1);
+            while (!RunDownIfIdle()) port::sleep(1);
         }
     }
 
@@ -107,7 +156,7 @@ class ProbeServer : public CUT_WSServer {
 
     int listenOn(unsigned int port, int queueSize = 5) {
         return ConnectToPort(static_cast<unsigned short>(port), queueSize, AF_INET,
-                             ::htonl(INADDR_LOOPBACK));
+                             htonl(INADDR_LOOPBACK));
     }
     // Listens on a free port of 127.0.0.1. The result of ConnectToPort.
     int listen(int queueSize = 5) {
@@ -134,7 +183,7 @@ class ProbeServer : public CUT_WSServer {
     CUT_WSThread* CreateInstance() override {
         log->add("CreateInstance");
         onCreate();
-        return hasWorkers ? new LoggingWorker(log, onConnect) : nullptr;
+        return hasWorkers ? new LoggingWorker(log, onConnect.function()) : nullptr;
     }
     void ReleaseInstance(CUT_WSThread* worker) override {
         log->add("ReleaseInstance");
@@ -146,7 +195,7 @@ class ProbeServer : public CUT_WSServer {
         onCanAccept();
         return verdict;
     }
-    int OnStatus(const wchar_t* text) override {
+    int OnStatus(const WCHAR* text) override {
         const std::lock_guard lock(m_mutex);
         statuses.push_back(text);
         return 0;
@@ -172,8 +221,8 @@ class ServerTest : public testing::Test {
     void start() { ASSERT_TRUE(m_server.start()); }
     void destroy() { m_owned.reset(); }
     // Threads that come to the hook wait at the gate.
-    template <class Hook>
-    void hold(Hook ProbeServer::*hook) {
+    template <class Member>
+    void hold(Member ProbeServer::*hook) {
         m_server.*hook = [this](auto&&...) { m_gate.pass(); };
     }
     // A connection with a thread of the server at the gate.

@@ -136,7 +136,7 @@ class WorkerReceiveLine : public ReceivingLines<WorkerEnd> {
     std::string lineInTwoParts(const std::string& first, const std::string& second) {
         const std::jthread sender([&] {
             m_peer.send(first);
-            ::Sleep(100);
+            port::sleep(100);
             m_peer.send(second);
         });
         return line();

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 

@@ -4,8 +4,7 @@
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Handles.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -104,7 +103,7 @@ class ServerDestroyed : public testing::TestWithParam<Step> {
             scene.server->ending = ending;
             GetParam().reach(scene);
             std::jthread meanwhile([&scene] {
-                ::Sleep(50);
+                port::sleep(50);
                 scene.gate.open();
                 for (auto& peer : scene.peers) peer.send("x");
             });

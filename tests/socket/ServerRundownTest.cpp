@@ -5,7 +5,7 @@
 #include <thread>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -21,7 +21,7 @@ class ServerRundownTest : public ServerTest {
     void expectWaitsForTheGate(Action action) {
         std::atomic<bool> isOpening = false;
         const std::jthread opener([&] {
-            ::Sleep(100);
+            port::sleep(100);
             isOpening = true;
             m_gate.open();
         });

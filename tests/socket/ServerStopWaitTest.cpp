@@ -7,7 +7,7 @@
 #include <semaphore>
 
 #include "tests/socket/ProbeServer.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -82,7 +82,8 @@ TEST_F(StopWait, EndsAfterThirtySecondsWhenTheQueueIsFull) {
     expectThirtySeconds([this] { EXPECT_EQ(m_server.StopAccept(), 0); });
     EXPECT_THAT(m_server.codes, ElementsAre(19));
     EXPECT_FALSE(peers::isReachable(m_port));
-    EXPECT_EQ(peer.receiveAll(), "") << "OnCanAccept was ended by force";
+    if (!endsThreadsByForce()) m_verdict.release();
+    EXPECT_EQ(peer.receiveAll(), "") << "OnCanAccept was ended by force, or too late";
     expectNoThreadLeft();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(m_server.StopAccept(), 0);

@@ -11,8 +11,7 @@
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
-#include "tests/support/Handles.h"
-#include "tests/support/Threads.h"
+#include "tests/support/System.h"
 
 namespace {
 
@@ -49,7 +48,7 @@ class Flood {
         while (!m_isEnding) {
             NySe::UniqueSocket socket = port ? peers::connectTo(port) : NySe::UniqueSocket();
             if (!socket) {
-                ::Sleep(1);
+                port::sleep(1);
                 continue;
             }
             behave({std::move(socket), m_isEnding}, std::uniform_int_distribution(0, 39)(m_random));
@@ -58,9 +57,9 @@ class Flood {
     static void behave(peers::Connection peer, int manner) {
         if (manner == 0) return;  // vanishes at once
         peer.send("some words");
-        if (manner < 10) return;          // vanishes after sending
-        if (manner < 20) peer.receive();  // waits for the answer
-        if (manner % 3 == 0) ::Sleep(5);  // is slow to leave
+        if (manner < 10) return;              // vanishes after sending
+        if (manner < 20) peer.receive();      // waits for the answer
+        if (manner % 3 == 0) port::sleep(5);  // is slow to leave
         if (manner % 3 == 1) peer.finishSending();
     }
 
@@ -90,7 +89,7 @@ class ServerStress : public testing::Test {
     }
     // For a while only, since a failing accept ends the accepting thread.
     void awaitWorkers(int count) {
-        for (int tick = 0; tick < 100 && made() < count; ++tick) ::Sleep(1);
+        for (int tick = 0; tick < 100 && made() < count; ++tick) port::sleep(1);
     }
 
     // One server from its start to its end. Every third does not wait for its workers, every second
@@ -105,7 +104,7 @@ class ServerStress : public testing::Test {
         if (number % 2 == 0) guarded->StopAccept();
         guarded.destroy();
         // Threads that have not yet noticed get a chance to touch what they must not.
-        ::Sleep(m_random() % 3);
+        port::sleep(m_random() % 3);
     }
 
     void runServers(int count, bool areWakeable) {
@@ -129,7 +128,7 @@ class ServerStress : public testing::Test {
     void SetUp() override {
         runServers(10, true);
         ASSERT_TRUE(areDeleted());
-        ::Sleep(100);
+        port::sleep(100);
         m_threadsBefore = countThreadsAtRest();
         m_handlesBefore = handleLevel();
     }

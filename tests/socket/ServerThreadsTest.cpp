@@ -46,7 +46,7 @@ TEST_F(ServerThreads, KillsWorkersWhileOthersStart) {
     constexpr int kSenders = 3;
     constexpr int kEach = 10;
     start([](LoggingWorker& worker) {
-        while (worker.abortFlag() == 0) ::Sleep(1);
+        while (worker.abortFlag() == 0) port::sleep(1);
     });
     std::vector<std::thread> senders;
     for (int i = 0; i < kSenders; ++i)

@@ -254,7 +254,7 @@ TYPED_TEST(EndSettings, BlockingModeReachesTheSocketAndIsStored) {
     this->m_end.SetBlockingMode(1);
     EXPECT_EQ(this->m_end.blockingMode(), 1);
     EXPECT_EQ(this->m_end.Receive(&byte, 1, 0), -1);
-    EXPECT_EQ(::WSAGetLastError(), WSAEWOULDBLOCK);
+    EXPECT_EQ(port::lastSocketError(), WSAEWOULDBLOCK);
     this->m_end.SetBlockingMode(0);
     EXPECT_EQ(this->m_end.blockingMode(), 0);
     EXPECT_TRUE(this->isBlocking());

@@ -1,4 +1,4 @@
-// The operations that the library needs of the maker's windows library; see QoSort.h.
+// The operations that the library needs of the vendor's windows library; see QoSort.h.
 #pragma once
 
 #include <afxwin.h>

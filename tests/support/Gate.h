@@ -3,8 +3,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-
-#include "NyServer/base/WindowsPrelude.h"
+#include <thread>
 
 // Holds threads back until it is opened, so that a test can look at what happens meanwhile. No wait
 // is longer than 60 s.
@@ -55,7 +54,7 @@ bool eventually(Question question, std::chrono::seconds timeOut = std::chrono::s
     const auto deadline = std::chrono::steady_clock::now() + timeOut;
     while (!question()) {
         if (std::chrono::steady_clock::now() > deadline) return false;
-        ::Sleep(5);
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
     return true;
 }

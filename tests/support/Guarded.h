@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "tests/support/System.h"
 
 // An object in pages of its own, which cannot be touched any more once it is destroyed: whoever
 // does so ends the program.
@@ -12,12 +12,11 @@ class Guarded {
   public:
     template <class... Arguments>
     explicit Guarded(Arguments&&... arguments)
-        : m_pages(
-              ::VirtualAlloc(nullptr, sizeof(Object), MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE)),
+        : m_pages(allocatePages(sizeof(Object))),
           m_object(new (m_pages) Object(std::forward<Arguments>(arguments)...)) {}
     ~Guarded() {
         if (m_object) destroy();
-        ::VirtualFree(m_pages, 0, MEM_RELEASE);
+        freePages(m_pages, sizeof(Object));
     }
     Guarded(const Guarded&) = delete;
     Guarded& operator=(const Guarded&) = delete;
@@ -26,8 +25,7 @@ class Guarded {
     Object* operator->() { return m_object; }
     void destroy() {
         std::exchange(m_object, nullptr)->~Object();
-        DWORD before = 0;
-        ::VirtualProtect(m_pages, sizeof(Object), PAGE_NOACCESS, &before);
+        forbidAccess(m_pages, sizeof(Object));
     }
 
   private:

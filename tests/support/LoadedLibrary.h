@@ -1,7 +1,7 @@
 // A DLL that a test loads and frees.
 #pragma once
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/base/WindowsPrelude.h"
 
 // Loaded while it lives, unless freed earlier.

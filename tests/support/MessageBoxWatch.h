@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/base/WindowsPrelude.h"
 
 // One at a time per process. Boxes that show up while it lives get `answer` (IDOK, ...) as soon as

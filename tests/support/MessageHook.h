@@ -1,6 +1,6 @@
 #pragma once
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/base/WindowsPrelude.h"
 
 // While one lives, a thread calls Watcher::onMessage(MSG&, bool isRemoved) with each message that

@@ -1,13 +1,10 @@
-// Where a virtual function stands in its class's table of virtual functions.
+// Where a virtual function stands in its class's table of virtual functions, read from a pointer to
+// member as the Itanium C++ ABI lays it out.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-
-#if defined(_MSC_VER)
-#error "Slots are read from pointers to members as the Itanium C++ ABI lays them out."
-#endif
 
 // The slot of `function`, counted from 0. The destructor takes slots 0 and 1 (complete and
 // deleting), so that in a class that declares its destructor first the second virtual function has

@@ -1,60 +1,57 @@
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 
-#include "NyServer/base/WindowsPrelude.h"
+#include "tests/support/WideText.h"
 
-// A folder of the test's own, removed with the files in it when it goes.
+// A folder of the test's own, removed with the files in it when it goes. Names are ASCII.
 class TempFolder {
   public:
     // A new one: what an interrupted run has left behind is in others.
     TempFolder() {
-        wchar_t base[MAX_PATH];
-        ::GetTempPathW(MAX_PATH, base);
         std::random_device random;
         for (int tries = 0; m_path.empty(); ++tries) {
-            const std::wstring tried = std::wstring(base) + L"ny" + std::to_wstring(random());
-            if (::CreateDirectoryW(tried.c_str(), nullptr))
+            const auto tried =
+                std::filesystem::temp_directory_path() / ("ny" + std::to_string(random()));
+            if (std::filesystem::create_directory(tried))
                 m_path = tried;
             else if (tries == 100)
                 throw std::runtime_error("no temporary folder");
         }
     }
     ~TempFolder() {
-        WIN32_FIND_DATAW found;
-        HANDLE search = ::FindFirstFileW(path(L"*").c_str(), &found);
-        do ::DeleteFileW(path(found.cFileName).c_str());
-        while (::FindNextFileW(search, &found));
-        ::FindClose(search);
-        ::RemoveDirectoryW(m_path.c_str());
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
     }
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    std::wstring path(std::wstring_view name) const { return m_path + L"\\" + std::wstring(name); }
+    WideText path(std::string_view name) const {
+        const std::string narrow = (m_path / name).string();
+        return WideText(narrow.begin(), narrow.end());
+    }
 
     // The path of a new file with this content.
-    std::wstring file(std::wstring_view name, std::string_view content) const {
-        std::ofstream(narrow(path(name)), std::ios::binary) << content;
+    WideText file(std::string_view name, std::string_view content) const {
+        std::ofstream(m_path / name, std::ios::binary) << content;
         return path(name);
     }
 
-    std::string content(std::wstring_view name) const {
-        std::ifstream in(narrow(path(name)), std::ios::binary);
+    std::string content(std::string_view name) const {
+        std::ifstream in(m_path / name, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
-    bool has(std::wstring_view name) const {
-        return ::GetFileAttributesW(path(name).c_str()) != INVALID_FILE_ATTRIBUTES;
-    }
+    bool has(std::string_view name) const { return std::filesystem::exists(m_path / name); }
+    auto count() const { return std::distance(std::filesystem::directory_iterator(m_path), {}); }
 
   private:
-    static std::string narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
-
-    std::wstring m_path;
+    std::filesystem::path m_path;
 };

@@ -4,7 +4,7 @@ set -eu
 . "$(dirname "$0")/testing.sh"
 
 cd "$project"
-mkdir -p tests NyServer/{base/mfc/windows,base/support,base/qo,records,framing,socket,client,online}
+mkdir -p tests NyServer/{base/mfc/windows,base/port/posix,base/support,base/qo,records,framing,socket/windows,client,online}
 touch tests/Helper.h NyServer/{NyServerApi.h,base/WindowsPrelude.h,base/qo/QoObject2.h} \
   NyServer/base/{mfc/afx.h,mfc/CArchive.h,support/SmallBlocks.h} \
   NyServer/{records/NySeUser.h,framing/NySeMemFile.h}
@@ -21,8 +21,13 @@ after_adding '#include <QoObject2.h>' records/Added.h
 accepts check-layers
 after_adding '#include <vector>' records/Added.h
 accepts check-layers
-after_adding '#include "NyServer/base/WindowsPrelude.h"' socket/Added.cpp
+after_adding '#include "NyServer/base/WindowsPrelude.h"' socket/windows/Added.cpp
 accepts check-layers
+after_adding '#include <unistd.h>' base/port/posix/Added.cpp
+accepts check-layers
+after_adding '#ifdef _WIN32' base/port/Port.h
+accepts check-layers
+rm NyServer/base/port/Port.h
 after_adding '#include "NyServer/base/WindowsPrelude.h"' base/mfc/windows/Added.cpp
 accepts check-layers
 after_adding '#include "NyServer/base/support/SmallBlocks.h"' base/mfc/Added.h
@@ -52,7 +57,11 @@ after_adding '#include "NyServer/base/WindowsPrelude.h"' framing/Added.h
 rejects check-layers 'framing must not include NyServer/base/WindowsPrelude.h'
 after_adding '#include <process.h>' records/Added.h
 rejects check-layers 'is portable and includes <process.h>'
-after_adding '#include <winsock2.h>' socket/Added.cpp
+after_adding '#include "NyServer/base/WindowsPrelude.h"' socket/Added.cpp
+rejects check-layers 'socket must not include NyServer/base/WindowsPrelude.h'
+after_adding '#include <unistd.h>' socket/Added.cpp
+rejects check-layers 'is portable and includes <unistd.h>'
+after_adding '#include <winsock2.h>' socket/windows/Added.cpp
 rejects check-layers 'include "NyServer/base/WindowsPrelude.h" instead'
 echo '#include <wininet.h>' > NyServer/online/ElementText.cpp
 rejects check-layers 'ElementText.cpp is portable and includes <wininet.h>'
@@ -64,12 +73,8 @@ rejects check-layers 'ask for the platform in'
 after_adding '#include "tests/Helper.h"' client/Added.cpp
 rejects check-layers 'of the library includes tests/Helper.h'
 
-find NyServer -name 'Added.*' -delete
-mkdir tests/posix
-echo '#include <winsock2.h>' > tests/posix/Sockets.cpp
-touch tests/posix/winsock2.h
-accepts check-layers
-echo '#include "tests/posix/winsock2.h"' > tests/Reaching.cpp
-rejects check-layers 'include the header that it stands in for'
+after_adding '' records/Added.h
+echo '#if defined(__linux__)' > tests/Asking.cpp
+rejects check-layers 'tests/Asking.cpp: ask for the platform in'
 
 finish

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "NyServer/base/detail/UniqueHandle.h"
+#include "NyServer/base/detail/WindowsHandles.h"
 #include "tests/support/Gate.h"
 
 namespace {

@@ -1,0 +1,215 @@
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+#include <memory>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "NyServer/base/port/Port.h"
+
+namespace port {
+namespace {
+
+// A condition and its mutex, on the monotonic clock.
+class Condition {
+  public:
+    explicit Condition(bool isSet) : m_isSet(isSet) {
+        pthread_condattr_t attributes;
+        ::pthread_condattr_init(&attributes);
+        ::pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+        ::pthread_cond_init(&m_changed, &attributes);
+        ::pthread_condattr_destroy(&attributes);
+    }
+    Condition(const Condition&) = delete;
+    Condition& operator=(const Condition&) = delete;
+    ~Condition() {
+        ::pthread_cond_destroy(&m_changed);
+        ::pthread_mutex_destroy(&m_mutex);
+    }
+
+    void change(bool isSet) {
+        ::pthread_mutex_lock(&m_mutex);
+        m_isSet = isSet;
+        if (isSet) ::pthread_cond_broadcast(&m_changed);
+        ::pthread_mutex_unlock(&m_mutex);
+    }
+
+    bool wait(DWORD milliseconds) {
+        const timespec deadline = after(milliseconds);
+        ::pthread_mutex_lock(&m_mutex);
+        while (!m_isSet && ::pthread_cond_timedwait(&m_changed, &m_mutex, &deadline) == 0) {
+        }
+        const bool isSet = m_isSet;
+        ::pthread_mutex_unlock(&m_mutex);
+        return isSet;
+    }
+
+  private:
+    static timespec after(DWORD milliseconds) {
+        timespec time{};
+        ::clock_gettime(CLOCK_MONOTONIC, &time);
+        time.tv_sec += milliseconds / 1000;
+        time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
+        if (time.tv_nsec >= 1'000'000'000) {
+            ++time.tv_sec;
+            time.tv_nsec -= 1'000'000'000;
+        }
+        return time;
+    }
+
+    pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
+    pthread_cond_t m_changed{};
+    bool m_isSet;
+};
+
+using SharedEnd = std::shared_ptr<Condition>;
+
+void initialise(pthread_mutex_t& mutex, int robustness) {
+    pthread_mutexattr_t attributes;
+    ::pthread_mutexattr_init(&attributes);
+    ::pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    ::pthread_mutexattr_setrobust(&attributes, robustness);
+    ::pthread_mutex_init(&mutex, &attributes);
+    ::pthread_mutexattr_destroy(&attributes);
+}
+
+// While it lives, threads start with signals blocked, except for those that a thread causes itself
+// and that of a profiler: a host's handlers run on the host's threads.
+class BlockedSignals {
+  public:
+    BlockedSignals() {
+        sigset_t blocked;
+        ::sigfillset(&blocked);
+        for (const int own : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGPROF})
+            ::sigdelset(&blocked, own);
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &m_before);
+    }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+    ~BlockedSignals() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+
+  private:
+    sigset_t m_before{};
+};
+
+template <class Procedure>
+std::uintptr_t startDetached(Procedure procedure) try {
+    const BlockedSignals blocked;
+    std::thread thread(std::move(procedure));
+    const auto id = static_cast<std::uintptr_t>(thread.native_handle());
+    thread.detach();
+    return id;
+} catch (const std::system_error&) {
+    return kNoThread;
+} catch (const std::bad_alloc&) {
+    return kNoThread;
+}
+
+}  // namespace
+
+ULONGLONG milliseconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<ULONGLONG>(time.tv_sec) * 1000 +
+           static_cast<ULONGLONG>(time.tv_nsec) / 1'000'000;
+}
+
+void sleep(DWORD milliseconds) {
+    timespec left{static_cast<time_t>(milliseconds / 1000),
+                  static_cast<long>(milliseconds % 1000) * 1'000'000};
+    while (::nanosleep(&left, &left) == -1 && errno == EINTR) {
+    }
+}
+
+DWORD currentThreadId() {
+    return static_cast<DWORD>(::gettid());
+}
+
+void useNormalPriority() {}
+
+std::uintptr_t startThread(void (*procedure)(void*), void* argument) {
+    return startDetached([procedure, argument] { procedure(argument); });
+}
+
+Thread::~Thread() {
+    delete static_cast<SharedEnd*>(m_end);
+}
+
+std::uintptr_t Thread::start(void (*procedure)(void*), void* argument) try {
+    const auto end = std::make_shared<Condition>(false);
+    auto kept = std::make_unique<SharedEnd>(end);
+    const std::uintptr_t thread = startDetached([procedure, argument, end] {
+        procedure(argument);
+        end->change(true);
+    });
+    if (thread != kNoThread) m_end = kept.release();
+    return thread;
+} catch (const std::bad_alloc&) {
+    return kNoThread;
+}
+
+bool Thread::waitForEnd(DWORD milliseconds) const {
+    const auto* const end = static_cast<const SharedEnd*>(m_end);
+    return end && (*end)->wait(milliseconds);
+}
+
+Event::Event(bool isSet) : m_event(new (std::nothrow) Condition(isSet)) {}
+
+Event::~Event() {
+    delete static_cast<Condition*>(m_event);
+}
+
+void Event::set() {
+    if (m_event) static_cast<Condition*>(m_event)->change(true);
+}
+
+void Event::reset() {
+    if (m_event) static_cast<Condition*>(m_event)->change(false);
+}
+
+bool Event::wait(DWORD milliseconds) const {
+    if (m_event) return static_cast<Condition*>(m_event)->wait(milliseconds);
+    sleep(milliseconds);
+    return false;
+}
+
+RecursiveMutex::RecursiveMutex() {
+    initialise(m_mutex, PTHREAD_MUTEX_STALLED);
+}
+
+RecursiveMutex::~RecursiveMutex() {
+    ::pthread_mutex_destroy(&m_mutex);
+}
+
+void RecursiveMutex::lock() {
+    ::pthread_mutex_lock(&m_mutex);
+}
+
+void RecursiveMutex::unlock() {
+    ::pthread_mutex_unlock(&m_mutex);
+}
+
+RobustMutex::RobustMutex() : m_mutex(new pthread_mutex_t) {
+    initialise(*static_cast<pthread_mutex_t*>(m_mutex), PTHREAD_MUTEX_ROBUST);
+}
+
+RobustMutex::~RobustMutex() {
+    auto* const mutex = static_cast<pthread_mutex_t*>(m_mutex);
+    ::pthread_mutex_destroy(mutex);
+    delete mutex;
+}
+
+void RobustMutex::lock() const {
+    auto* const mutex = static_cast<pthread_mutex_t*>(m_mutex);
+    if (::pthread_mutex_lock(mutex) == EOWNERDEAD) ::pthread_mutex_consistent(mutex);
+}
+
+void RobustMutex::unlock() const {
+    ::pthread_mutex_unlock(static_cast<pthread_mutex_t*>(m_mutex));
+}
+
+}  // namespace port

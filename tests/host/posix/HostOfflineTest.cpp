@@ -1,0 +1,15 @@
+#include <gtest/gtest.h>
+
+#include "NyServer/host/MachineIdentity.h"
+#include "NyServer/host/NyFctIpUtil.h"
+#include "tests/support/CStringPrinter.h"
+
+namespace {
+
+TEST(MachineId, IsTheVolumesSerialWithoutAnAdapter) {
+    ASSERT_TRUE(port::adapters().empty());
+    EXPECT_EQ(NyFctIpUtil::getStrMachineID(),
+              machineidentity::serialText(port::systemVolumeSerial()));
+}
+
+}  // namespace

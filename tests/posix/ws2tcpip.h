@@ -1,2 +1,0 @@
-// Nothing beyond <winsock2.h> is used of it.
-#pragma once
