@@ -39,7 +39,9 @@ bool endsThreadsByForce();
 std::string addressOfHost(const char* name);
 
 // The port of the socket's peer; 0 if it has none.
-int peerPortOf(SOCKET socket);
+inline int peerPortOf(SOCKET socket) {
+    return ntohs(port::peerAddress(socket).sin_port);
+}
 
 // This process's socket that is connected to the port; INVALID_SOCKET if there is none.
 SOCKET socketConnectedTo(int port);

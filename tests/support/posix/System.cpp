@@ -40,13 +40,6 @@ std::string addressOfHost(const char* name) {
     return ::inet_ntoa(address);
 }
 
-int peerPortOf(SOCKET socket) {
-    sockaddr_in peer{};
-    socklen_t length = sizeof peer;
-    ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length);
-    return ntohs(peer.sin_port);
-}
-
 SOCKET socketConnectedTo(int port) {
     SOCKET socket = 0;
     while (socket < 1024 && peerPortOf(socket) != port) ++socket;

@@ -45,13 +45,6 @@ std::string addressOfHost(const char* name) {
     return ::inet_ntoa(address);
 }
 
-int peerPortOf(SOCKET socket) {
-    sockaddr_in peer{};
-    int length = sizeof peer;
-    ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length);
-    return ntohs(peer.sin_port);
-}
-
 SOCKET socketConnectedTo(int port) {
     SOCKET socket = 4;
     while (socket < 0x4000 && peerPortOf(socket) != port) socket += 4;
