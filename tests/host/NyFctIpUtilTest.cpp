@@ -5,14 +5,14 @@
 #include "NyServer/host/MachineIdentity.h"
 #include "tests/socket/Peers.h"
 #include "tests/support/CStringPrinter.h"
-#include "tests/support/System.h"
 
 namespace {
 
-// What the system itself says about a host, "" when it says nothing.
+// The first address of a host, "" when it has none.
 CString lookUp(const char* name) {
     const peers::WinsockSession winsock;
-    return CString(addressOfHost(name).c_str());
+    in_addr address{};
+    return port::lookUpAddress(name, address) ? CString(::inet_ntoa(address)) : CString();
 }
 
 CString lookUpLocalHost() {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <thread>
 
 #include "NyServer/socket/SocketCalls.h"
@@ -33,10 +32,6 @@ std::size_t handleLevel();
 
 // Whether a server ends a thread by force that does not stop.
 bool endsThreadsByForce();
-
-// The first IPv4 address of a host as dotted text; empty if there is none. REQUIRES: the socket
-// functions are started.
-std::string addressOfHost(const char* name);
 
 // The port of the socket's peer; 0 if it has none.
 inline int peerPortOf(SOCKET socket) {

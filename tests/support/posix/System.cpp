@@ -1,11 +1,9 @@
 #include "tests/support/System.h"
 
 #include <fcntl.h>
-#include <netdb.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <iterator>
@@ -30,14 +28,6 @@ std::size_t handleLevel() {
 
 bool endsThreadsByForce() {
     return false;
-}
-
-std::string addressOfHost(const char* name) {
-    const hostent* const host = ::gethostbyname(name);
-    if (!host) return {};
-    in_addr address;
-    std::memcpy(&address, host->h_addr_list[0], sizeof address);
-    return ::inet_ntoa(address);
 }
 
 SOCKET socketConnectedTo(int port) {

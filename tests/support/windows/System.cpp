@@ -1,7 +1,6 @@
 #include "tests/support/System.h"
 
 #include <array>
-#include <cstring>
 
 #include "NyServer/base/detail/WindowsHandles.h"
 // After windows.h.
@@ -35,14 +34,6 @@ std::size_t handleLevel() {
 
 bool endsThreadsByForce() {
     return true;
-}
-
-std::string addressOfHost(const char* name) {
-    const hostent* const host = ::gethostbyname(name);
-    if (!host) return {};
-    in_addr address;
-    std::memcpy(&address, host->h_addr_list[0], sizeof address);
-    return ::inet_ntoa(address);
 }
 
 SOCKET socketConnectedTo(int port) {
