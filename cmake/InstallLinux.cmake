@@ -4,8 +4,8 @@
 #   include  the public headers, in their folders
 #   lib      the shared and the static library; in cmake/NyServer the files for find_package
 #   share    the documents, the example and the dissector
-include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
+include(cmake/InstallCommon.cmake)
 
 # Both libraries contain all layers, the class library's included.
 ny_dll(NyServer server)
@@ -32,17 +32,6 @@ install(TARGETS NyServer NyServerArchive NyServerStatic EXPORT NyServerTargets)
 # CMake strips no archives.
 install(CODE "execute_process(COMMAND ${CMAKE_STRIP} --strip-debug
   \$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/libnyserver.a COMMAND_ERROR_IS_FATAL ANY)")
-install(TARGETS nyserver_headers nybase_headers FILE_SET HEADERS DESTINATION include)
 
-set(ny_config_folder ${CMAKE_INSTALL_LIBDIR}/cmake/NyServer)
-configure_package_config_file(cmake/NyServerConfigLinux.cmake.in ${CMAKE_BINARY_DIR}/package/NyServerConfig.cmake
-  INSTALL_DESTINATION ${ny_config_folder})
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/package/NyServerConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES
-  ${CMAKE_BINARY_DIR}/package/NyServerConfig.cmake ${CMAKE_BINARY_DIR}/package/NyServerConfigVersion.cmake
-  DESTINATION ${ny_config_folder})
-install(EXPORT NyServerTargets NAMESPACE NyServer:: DESTINATION ${ny_config_folder})
-
-install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY examples tools/wireshark DESTINATION ${CMAKE_INSTALL_DOCDIR})
+ny_install_common(NyServerConfigLinux.cmake.in ${CMAKE_INSTALL_LIBDIR} ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY tools/wireshark DESTINATION ${CMAKE_INSTALL_DOCDIR})

@@ -5,15 +5,13 @@
 #   lib      the import libraries; in cmake/NyServer the files for find_package
 #   docs     the documents and the example
 #   tools    the dissector
-include(CMakePackageConfigHelpers)
+include(cmake/InstallCommon.cmake)
 
 set(ny_programs nycentral nyctl nymonitor)
 
 install(TARGETS NyServerDll NyBaseDll EXPORT NyServerTargets RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 install(TARGETS ${ny_programs} RUNTIME DESTINATION bin)
 install(FILES ${NY_RUNTIME_DLLS} DESTINATION bin)
-
-install(TARGETS nyserver_headers nybase_headers FILE_SET HEADERS DESTINATION include)
 
 # The build properties that users of the library need. The class library's names belong to NyBaseDll, so that they can
 # be omitted together with it.
@@ -23,24 +21,13 @@ target_include_directories(NyBaseDll INTERFACE
 target_compile_definitions(NyServerDll INTERFACE UNICODE _UNICODE)
 target_compile_features(NyServerDll INTERFACE cxx_std_20)
 
-set(ny_config_folder lib/cmake/NyServer)
 set(ny_shipped_dlls NyServerDll.dll NyBaseDll.dll)
 foreach(dll ${NY_RUNTIME_DLLS})
   cmake_path(GET dll FILENAME name)
   list(APPEND ny_shipped_dlls ${name})
 endforeach()
 list(JOIN ny_shipped_dlls " " ny_shipped_dlls)
-configure_package_config_file(cmake/NyServerConfigWindows.cmake.in ${CMAKE_BINARY_DIR}/package/NyServerConfig.cmake
-  INSTALL_DESTINATION ${ny_config_folder})
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/package/NyServerConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
-install(FILES
-  ${CMAKE_BINARY_DIR}/package/NyServerConfig.cmake ${CMAKE_BINARY_DIR}/package/NyServerConfigVersion.cmake
-  DESTINATION ${ny_config_folder})
-install(EXPORT NyServerTargets NAMESPACE NyServer:: DESTINATION ${ny_config_folder})
-
-install(DIRECTORY docs/ DESTINATION docs)
-install(DIRECTORY examples DESTINATION docs)
+ny_install_common(NyServerConfigWindows.cmake.in lib docs)
 install(DIRECTORY tools/wireshark DESTINATION tools)
 
 set(CPACK_GENERATOR ZIP)
