@@ -1,3 +1,4 @@
+// What sockets promise beyond the calls of the system.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -13,6 +14,8 @@ class PortSocket : public testing::Test {
   protected:
     // A failed call and the number of its error; 0 if it succeeded.
     static int errorOf(bool succeeded) { return succeeded ? 0 : port::lastSocketError(); }
+
+    static int sendOne(SOCKET socket) { return port::send(socket, "x", 1, 0); }
 
     peers::WinsockSession m_winsock;
     char m_buffer[8] = "";
@@ -46,7 +49,7 @@ TEST_F(PortSocket, EndsAnAcceptThatWaitsWhenItIsClosed) {
 TEST_F(PortSocket, SendsNothingOnceItHasFinished) {
     const peers::SocketPair pair;
     ASSERT_TRUE(port::finishSending(pair.nearEnd()));
-    EXPECT_EQ(port::send(pair.nearEnd(), "x", 1, 0), -1);
+    EXPECT_EQ(sendOne(pair.nearEnd()), -1);
     EXPECT_EQ(port::lastSocketError(), WSAESHUTDOWN);
 }
 
@@ -75,6 +78,41 @@ TEST_F(PortSocket, ReportsATimeOutOnlyOfABlockingReceive) {
         EXPECT_EQ(port::receive(pair.nearEnd(), m_buffer, 1, 0), -1);
         EXPECT_EQ(port::lastSocketError(), error);
     }
+}
+
+TEST_F(PortSocket, IsReadyForASendThatFailsOnceThePeerHasReset) {
+    peers::ResettingPort peer;
+    const NySe::UniqueSocket socket = peers::connectTo(peer.port());
+    ASSERT_TRUE(socket);
+    peer.resetConnections();
+    ASSERT_EQ(port::waitFor(socket.get(), port::Wanted::readable, 10, 0), 1);
+    EXPECT_EQ(port::waitFor(socket.get(), port::Wanted::writable, 0, 0), 1);
+    EXPECT_EQ(sendOne(socket.get()), -1);
+    const int error = port::lastSocketError();
+    EXPECT_TRUE(error == WSAECONNRESET || error == WSAECONNABORTED) << error;
+    EXPECT_EQ(sendOne(socket.get()), -1);
+    const int later = port::lastSocketError();
+    EXPECT_TRUE(later == WSAECONNRESET || later == WSAECONNABORTED) << later;
+}
+
+TEST_F(PortSocket, SharesNoPortWithAnother) {
+    const NySe::UniqueSocket bound = peers::bindToLoopback();
+    const sockaddr_in address = peers::loopbackAddress(static_cast<unsigned>(peers::portOf(bound)));
+    const NySe::UniqueSocket other(port::createSocket(AF_INET, SOCK_STREAM, 0));
+    EXPECT_FALSE(port::bindSocket(other.get(), address));
+    EXPECT_EQ(port::lastSocketError(), WSAEADDRINUSE);
+    ASSERT_TRUE(port::listenOn(bound.get(), 1));
+    EXPECT_FALSE(port::bindSocket(other.get(), address));
+    EXPECT_EQ(port::lastSocketError(), WSAEADDRINUSE);
+}
+
+TEST_F(PortSocket, FindsThisHostByNoName) {
+    char name[256] = "";
+    in_addr byName{}, byNoName{};
+    ASSERT_TRUE(port::localHostName(name, sizeof name));
+    if (!port::lookUpAddress(name, byName)) GTEST_SKIP() << "this host's name has no address";
+    EXPECT_TRUE(port::lookUpAddress("", byNoName));
+    EXPECT_EQ(byNoName.s_addr, byName.s_addr);
 }
 
 }  // namespace
