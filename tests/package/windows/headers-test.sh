@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# headers-test.sh BUILD SCRATCH VERSION: each public header compiles by itself, with the warnings that the library is
-# built with, and find_package gives what it says.
+# headers-test.sh BUILD SCRATCH VERSION: the public headers compile with the warnings that the library is built with, and
+# find_package gives what it says. That each compiles by itself is tested with the package for Linux and by the preset
+# strict.
 set -eu
 . "$(dirname "$0")/../lib.sh"
 
