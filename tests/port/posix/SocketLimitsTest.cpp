@@ -75,6 +75,12 @@ TEST(SocketLimits, AnErrorWithoutADescribedNumberTakesNoneOfAnother) {
     EXPECT_EQ(port::lastSocketError(), 0);
 }
 
+TEST(SocketLimits, ASendBeforeAConnectFailsAsNotConnected) {
+    const NySe::UniqueSocket socket = newSocket();
+    EXPECT_EQ(port::send(socket.get(), "x", 1, 0), -1);
+    EXPECT_EQ(port::lastSocketError(), WSAENOTCONN);
+}
+
 TEST(SocketLimits, ASocketThatIsNotConnectedIsNeverReady) {
     const NySe::UniqueSocket socket = newSocket();
     for (const Wanted wanted : {Wanted::readable, Wanted::writable}) {
