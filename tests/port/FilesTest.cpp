@@ -68,11 +68,6 @@ TEST_F(PortFiles, AreCreatedAndTruncatedByTheDisposition) {
     }
 }
 
-TEST_F(PortFiles, AreNotTruncatedForReaders) {
-    m_folder.file("file", "old");
-    EXPECT_EQ(opened("file", GENERIC_READ, TRUNCATE_EXISTING), "refused old");
-}
-
 TEST_F(PortFiles, ThatAreFoldersOrNowhereAreRefused) {
     EXPECT_FALSE(OpenFile(m_folder.path(""), GENERIC_READ, OPEN_EXISTING).isOpen());
     EXPECT_FALSE(OpenFile(m_folder.path("no/file"), kBoth, CREATE_ALWAYS).isOpen());

@@ -19,4 +19,11 @@ TEST(PipeFile, IsOpenedWithoutWaitingForAnotherProcess) {
     port::closeFile(reader);
 }
 
+TEST(TruncatedFile, IsNotOpenedByReaders) {
+    TempFolder folder;
+    const WideText path = folder.file("file", "old");
+    EXPECT_EQ(port::openFile(path.c_str(), GENERIC_READ, TRUNCATE_EXISTING), port::kNoFile);
+    EXPECT_EQ(folder.content("file"), "old");
+}
+
 }  // namespace
