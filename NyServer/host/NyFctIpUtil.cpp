@@ -70,5 +70,5 @@ CString NyFctIpUtil::getStrMachineID() {
     });
     if (!identity.IsEmpty()) return identity;
     return NySe::resultOr(CString(),
-                          [] { return machineidentity::serialText(port::systemVolumeSerial()); });
+                          [] { return machineidentity::serialText(port::systemSerial()); });
 }

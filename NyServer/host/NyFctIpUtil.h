@@ -10,7 +10,8 @@
 // block for as long as the name service takes.
 namespace NyFctIpUtil {
 
-// Returns the first IPv4 address of the local host name as dotted text; empty if unknown.
+// Returns the first IPv4 address of the local host name as dotted text; empty if unknown. On Linux,
+// where that name often has a loopback address alone, it is then that of the first adapter in use.
 NYSERVER_API CString _getIpAddress();
 
 // Returns the first IPv4 address of the named host as dotted text. Empty if the name does not
@@ -21,7 +22,8 @@ NYSERVER_API CString _getIpAddressFromHostName(const CString& hostName);
 // Returns an identifier of this machine: the hardware address of the network adapter that has
 // _getIpAddress(), as pairs of lower-case hex digits joined by "-"; of the last adapter if none has
 // it. Without a hardware address, returns the serial number of the system volume in lower-case hex,
-// "0" if that is unknown too. Returns the serial number or an empty text if out of memory.
+// on Linux a number that is computed from /etc/machine-id or else that of the file system; "0" if
+// that is unknown too. Returns the serial number or an empty text if out of memory.
 NYSERVER_API CString getStrMachineID();
 
 }  // namespace NyFctIpUtil

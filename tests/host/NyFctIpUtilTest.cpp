@@ -15,17 +15,22 @@ CString lookUp(const char* name) {
     return port::lookUpAddress(name, address) ? CString(::inet_ntoa(address)) : CString();
 }
 
+// Where the system only knows a loopback address of the local host, an adapter has the one meant.
 CString lookUpLocalHost() {
     const peers::WinsockSession winsock;
     char name[256] = "";
     ::gethostname(name, sizeof name);
-    return lookUp(name);
+    const CString found = lookUp(name);
+    if (found.Left(4) != _T("127.")) return found;
+    for (const port::Adapter& adapter : port::adapters())
+        for (const std::string& address : adapter.addresses) return CString(address.c_str());
+    return found;
 }
 
 // A part of a host name takes at most 63 bytes, so no name service is asked for this one.
 const CString kNoHost(_T('x'), 64);
 
-TEST(IpAddress, IsTheFirstOfTheLocalHostName) {
+TEST(IpAddress, IsTheFirstOfTheLocalHostNameButOfAnAdapterIfThereIsOne) {
     ASSERT_FALSE(lookUpLocalHost().IsEmpty());
     EXPECT_EQ(NyFctIpUtil::_getIpAddress(), lookUpLocalHost());
 }
@@ -71,11 +76,11 @@ TEST(IpAddressFromHostName, LooksUpAnyOtherNameUnchanged) {
     EXPECT_EQ(NyFctIpUtil::_getIpAddressFromHostName(_T("")), lookUpLocalHost());
 }
 
-TEST(MachineId, IsTheLocalAdaptersHardwareAddressOrElseTheVolumesSerialEachTime) {
+TEST(MachineId, IsTheLocalAdaptersHardwareAddressOrElseTheSystemsSerialEachTime) {
     const CString hardware =
         machineidentity::hardwareAddress(port::adapters(), NyFctIpUtil::_getIpAddress(), _T("-"));
     const CString expected =
-        hardware.IsEmpty() ? machineidentity::serialText(port::systemVolumeSerial()) : hardware;
+        hardware.IsEmpty() ? machineidentity::serialText(port::systemSerial()) : hardware;
     for (int i = 0; i < 2; ++i) EXPECT_EQ(NyFctIpUtil::getStrMachineID(), expected);
     EXPECT_FALSE(expected.IsEmpty());
 }

@@ -184,7 +184,9 @@ bool setBlocking(SOCKET socket, bool isBlocking);
 // Returns the number of bytes that can be received without waiting; 0 on failure, too.
 unsigned long waitingBytes(SOCKET socket);
 
-// Looks up the first IPv4 address of a host. Returns false if there is none.
+// Looks up the first IPv4 address of a host; an empty name is that of this host. For this host,
+// that is the address of an adapter, unless none is in use. Returns false if the name has no
+// address.
 bool lookUpAddress(const char* name, in_addr& address);
 
 // Looks up the name of a host. Returns false, with `name` unchanged, if there is none or `size`
@@ -229,7 +231,9 @@ struct Adapter {
 // Returns the adapters in the order of the system; none on failure.
 std::vector<Adapter> adapters();
 
-// Returns the serial number of the volume that has the system; 0 on failure.
-DWORD systemVolumeSerial();
+// Returns a number of the installed system that stays the same: on Windows the serial number of its
+// volume, elsewhere one that is computed from its machine-id file, or without that the number of
+// its file system. 0 on failure.
+DWORD systemSerial();
 
 }  // namespace port

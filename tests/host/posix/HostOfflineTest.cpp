@@ -6,10 +6,9 @@
 
 namespace {
 
-TEST(MachineId, IsTheVolumesSerialWithoutAnAdapter) {
+TEST(MachineId, IsTheSystemsSerialWithoutAnAdapter) {
     ASSERT_TRUE(port::adapters().empty());
-    EXPECT_EQ(NyFctIpUtil::getStrMachineID(),
-              machineidentity::serialText(port::systemVolumeSerial()));
+    EXPECT_EQ(NyFctIpUtil::getStrMachineID(), machineidentity::serialText(port::systemSerial()));
 }
 
 }  // namespace

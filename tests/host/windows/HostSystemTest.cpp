@@ -39,7 +39,7 @@ TEST(Adapters, AreTheSystemsInItsOrder) {
 TEST(VolumeSerial, IsThatOfDriveC) {
     DWORD serial = 0;
     ::GetVolumeInformationW(L"C:\\", nullptr, 0, &serial, nullptr, nullptr, nullptr, 0);
-    EXPECT_EQ(port::systemVolumeSerial(), serial);
+    EXPECT_EQ(port::systemSerial(), serial);
 }
 
 }  // namespace

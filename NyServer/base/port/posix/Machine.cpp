@@ -1,15 +1,14 @@
 #include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <net/if.h>
 #include <netpacket/packet.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
+#include <fstream>
 
 #include "NyServer/base/port/Port.h"
+#include "NyServer/base/port/posix/Interfaces.h"
 
 namespace port {
 namespace {
@@ -72,13 +71,6 @@ Decoded decode(const char* text, std::size_t length) {
     return {isValid ? character : kReplacement, more + 1};
 }
 
-using Interfaces = std::unique_ptr<ifaddrs, decltype(&::freeifaddrs)>;
-
-Interfaces readInterfaces() {
-    ifaddrs* first = nullptr;
-    return {::getifaddrs(&first) == 0 ? first : nullptr, &::freeifaddrs};
-}
-
 void addAddress(Adapter& adapter, const sockaddr& address) {
     if (address.sa_family == AF_PACKET) {
         const auto& hardware = reinterpret_cast<const sockaddr_ll&>(address);
@@ -90,6 +82,19 @@ void addAddress(Adapter& adapter, const sockaddr& address) {
         char text[INET_ADDRSTRLEN] = "";
         if (::inet_ntop(AF_INET, &number, text, sizeof text)) adapter.addresses.push_back(text);
     }
+}
+
+// A system that is new or has no identity has another text, or none.
+bool isMachineId(const std::string& text) {
+    return text.size() == 32 && text.find_first_not_of("0123456789abcdef") == std::string::npos;
+}
+
+// FNV-1a: the identity itself must not leave the machine. Do not change: others store the result.
+DWORD hashOf(const std::string& text) {
+    DWORD hash = 2166136261;
+    for (const char character : text)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619;
+    return hash;
 }
 
 }  // namespace
@@ -154,7 +159,12 @@ std::vector<Adapter> adapters() {
     return list;
 }
 
-DWORD systemVolumeSerial() {
+// The file identifies an installed system. What names its volume is on many file systems the same
+// on every machine, or another number after each start.
+DWORD systemSerial() {
+    std::ifstream file("/etc/machine-id");
+    std::string id;
+    if (std::getline(file, id) && isMachineId(id)) return hashOf(id);
     struct statvfs volume {};
     return ::statvfs("/", &volume) == 0 ? static_cast<DWORD>(volume.f_fsid) : 0;
 }

@@ -1,5 +1,4 @@
 #include <fcntl.h>
-#include <netdb.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/time.h>
@@ -328,38 +327,6 @@ bool setBlocking(SOCKET socket, bool isBlocking) {
 unsigned long waitingBytes(SOCKET socket) {
     int bytes = 0;
     return ::ioctl(socket, FIONREAD, &bytes) == 0 ? static_cast<unsigned long>(bytes) : 0;
-}
-
-// No name stands for this host.
-bool lookUpAddress(const char* name, in_addr& address) {
-    char own[NI_MAXHOST] = "";
-    if (*name == '\0' && !localHostName(own, sizeof own)) return false;
-    addrinfo wanted{};
-    wanted.ai_family = AF_INET;
-    wanted.ai_socktype = SOCK_STREAM;
-    addrinfo* found = nullptr;
-    if (::getaddrinfo(*name ? name : own, nullptr, &wanted, &found) != 0) return false;
-    address = reinterpret_cast<const sockaddr_in*>(found->ai_addr)->sin_addr;
-    ::freeaddrinfo(found);
-    return true;
-}
-
-LookUp lookUpName(in_addr address, char* name, int size) {
-    sockaddr_in host{};
-    host.sin_family = AF_INET;
-    host.sin_addr = address;
-    char found[NI_MAXHOST];
-    if (::getnameinfo(general(host), sizeof host, found, sizeof found, nullptr, 0, NI_NAMEREQD) !=
-        0)
-        return LookUp::notFound;
-    const std::size_t length = std::strlen(found);
-    if (size < 0 || length >= static_cast<std::size_t>(size)) return LookUp::tooLong;
-    std::memcpy(name, found, length + 1);
-    return LookUp::found;
-}
-
-bool localHostName(char* name, int size) {
-    return size > 0 && ::gethostname(name, static_cast<std::size_t>(size)) == 0;
 }
 
 }  // namespace port

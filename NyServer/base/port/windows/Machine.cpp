@@ -71,7 +71,7 @@ std::vector<Adapter> adapters() {
     return list;
 }
 
-DWORD systemVolumeSerial() {
+DWORD systemSerial() {
     DWORD serial = 0;
     return ::GetVolumeInformationW(L"C:\\", nullptr, 0, &serial, nullptr, nullptr, nullptr, 0)
                ? serial
