@@ -32,6 +32,10 @@ bool CUT_WSServer::AcceptThread::waitForEnd(DWORD milliseconds) const {
     return m_thread.waitForEnd(milliseconds);
 }
 
+void CUT_WSServer::AcceptThread::waitUntilOutsideAccept() const {
+    while (m_isInAccept) port::sleep(1);
+}
+
 void CUT_WSServer::AcceptThread::threadMain(void* accepting) {
     auto* self = static_cast<AcceptThread*>(accepting);
     SOCKET listener = INVALID_SOCKET;
@@ -50,6 +54,7 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
         return false;
     }
     listener = m_server.m_listenSocket;
+    m_isInAccept = true;
     return true;
 }
 
@@ -57,7 +62,9 @@ bool CUT_WSServer::AcceptThread::mayAccept(SOCKET& listener) {
 bool CUT_WSServer::AcceptThread::acceptNext(SOCKET listener) {
     sockaddr_in peer{};
     m_accepted.reset(port::acceptFrom(listener, peer));
-    if (!m_accepted && mayAcceptAgain(port::lastSocketError())) return true;
+    const int error = m_accepted ? 0 : port::lastSocketError();
+    m_isInAccept = false;
+    if (!m_accepted && mayAcceptAgain(error)) return true;
     if (!keepsAccepted()) return false;
     if (isAllowed(peer))
         startConnection(listener, peer);
@@ -76,8 +83,9 @@ bool CUT_WSServer::AcceptThread::mayAcceptAgain(int error) {
 }
 
 // A stop is requested before the listening socket is closed. So a connection that is accepted
-// without such a request is ours, and not that of an unrelated socket that got the same handle. A
-// connection of the latter is closed at worst, because the lock cannot be held during accept.
+// without such a request is ours, and not that of an unrelated socket that got the same handle.
+// Where only the close ends accept, a connection of the latter is closed at worst, because the lock
+// cannot be held during accept.
 bool CUT_WSServer::AcceptThread::keepsAccepted() {
     const RundownProtection::Lock lock(*m_rundown);
     const bool isOurs = isCurrent();

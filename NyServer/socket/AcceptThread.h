@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -30,6 +31,10 @@ class CUT_WSServer::AcceptThread {
     // Returns whether the thread ended within the time.
     bool waitForEnd(DWORD milliseconds) const;
 
+    // Returns when the thread is not about to use, or using, the listening socket. REQUIRES: accept
+    // fails on that socket, and a stop was requested before.
+    void waitUntilOutsideAccept() const;
+
     // Terminates the thread, where the platform can, and, if it ended within the time, releases
     // what it held. Failures are ignored: the thread then ends by itself, because the listening
     // socket is closed. REQUIRES: the caller holds the RundownProtection::Lock, and the thread has
@@ -53,6 +58,7 @@ class CUT_WSServer::AcceptThread {
     CUT_WSServer& m_server;
     std::shared_ptr<RundownProtection> m_rundown;
     port::Thread m_thread;
+    std::atomic<bool> m_isInAccept = false;
     NySe::UniqueSocket m_accepted;
     unsigned m_abortedConnections = 0;
     RundownProtection::Entry m_entry;

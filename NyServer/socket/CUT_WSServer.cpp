@@ -186,9 +186,13 @@ void CUT_WSServer::RunDown() {
     m_rundown->waitUntilEmpty();
 }
 
+// Where accept fails without a close, the thread leaves it first: another thread's socket may get
+// the handle as soon as it is closed.
 void CUT_WSServer::CloseListenSocket() {
     const SOCKET socket = m_listenSocket.exchange(INVALID_SOCKET);
-    if (socket != INVALID_SOCKET) socketcalls::closeSocket(socket);
+    if (socket == INVALID_SOCKET) return;
+    if (m_acceptThread && port::stopListening(socket)) m_acceptThread->waitUntilOutsideAccept();
+    socketcalls::closeSocket(socket);
 }
 
 CUT_WSServer::ThreadListLock::ThreadListLock(CUT_WSServer& server)

@@ -135,6 +135,10 @@ SOCKET createSocket(int family, int type, int protocol);
 bool shutDown(SOCKET socket);
 bool finishSending(SOCKET socket);
 
+// Makes an accept that waits for the listening socket fail, and every later one. Returns false
+// where only closing the socket does so.
+bool stopListening(SOCKET socket);
+
 // Closes the socket. An accept that waits for it fails. Returns false on failure.
 bool closeSocket(SOCKET socket);
 

@@ -2,8 +2,11 @@
 // threads that run out, and a thread that outlives a stop because nobody can end it by force.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/resource.h>
 #include <unistd.h>
+
+#include <thread>
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/System.h"
@@ -51,6 +54,56 @@ double processorSeconds() {
     ::getrusage(RUSAGE_SELF, &usage);
     return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
            static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * 1e-6;
+}
+
+// The thread that receives SIGPROF, which is no thread of the test's, stays in the call that it is
+// in until `release`.
+class HeldThread {
+  public:
+    HeldThread() {
+        s_isHeld = false;
+        EXPECT_EQ(::pipe(s_pipe), 0);
+        struct sigaction action {};
+        action.sa_handler = [](int) {
+            s_isHeld = true;
+            char byte = 0;
+            EXPECT_EQ(::read(s_pipe[0], &byte, 1), 1);
+        };
+        action.sa_flags = SA_RESTART;
+        ::sigaction(SIGPROF, &action, &m_action);
+        sigset_t blocked;
+        ::sigemptyset(&blocked);
+        ::sigaddset(&blocked, SIGPROF);
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &m_mask);
+        ::kill(::getpid(), SIGPROF);
+        EXPECT_TRUE(eventually([] { return s_isHeld.load(); }));
+    }
+    // REQUIRES: after release.
+    ~HeldThread() {
+        ::sigaction(SIGPROF, &m_action, nullptr);
+        ::pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
+        for (const int end : s_pipe) ::close(end);
+    }
+    HeldThread(const HeldThread&) = delete;
+    HeldThread& operator=(const HeldThread&) = delete;
+
+    void release() const { EXPECT_EQ(::write(s_pipe[1], "", 1), 1); }
+
+  private:
+    inline static std::atomic<bool> s_isHeld = false;
+    inline static int s_pipe[2];
+    struct sigaction m_action {};
+    sigset_t m_mask{};
+};
+
+bool isListening(int descriptor) {
+    int value = 0;
+    socklen_t size = sizeof value;
+    return ::getsockopt(descriptor, SOL_SOCKET, SO_ACCEPTCONN, &value, &size) == 0 && value;
+}
+
+bool isOpen(int descriptor) {
+    return ::fcntl(descriptor, F_GETFD) != -1;
 }
 
 class AcceptFaults : public testing::Test {
@@ -133,6 +186,22 @@ TEST_F(AcceptFaults, AConnectionWithoutAThreadIsShutDown) {
     none.reset();
     m_server.onCanAccept = [] {};
     EXPECT_EQ(converse(m_server.connection()), kAnswer);
+}
+
+// Otherwise the thread could accept at another thread's socket that got the descriptor.
+TEST_F(AcceptFaults, TheListeningSocketIsClosedWhenTheThreadHasLeftAccept) {
+    int listener = 3;
+    while (listener < 256 && !isListening(listener)) ++listener;
+    ASSERT_LT(listener, 256);
+    const HeldThread held;
+    m_server.SetPort(m_nobody.port());
+    std::thread stop([this] { m_server.StopAccept(); });
+    EXPECT_TRUE(eventually([&] { return !isListening(listener); }));
+    port::sleep(100);
+    EXPECT_TRUE(isOpen(listener));
+    held.release();
+    stop.join();
+    EXPECT_FALSE(isOpen(listener));
 }
 
 // OnCanAccept holds the thread over the stop and over the next start.

@@ -195,8 +195,12 @@ bool finishSending(SOCKET socket) {
     return ::shutdown(socket, SHUT_WR) == 0;
 }
 
+bool stopListening(SOCKET socket) {
+    return isListening(socket) && ::shutdown(socket, SHUT_RDWR) == 0;
+}
+
 bool closeSocket(SOCKET socket) {
-    if (isListening(socket)) ::shutdown(socket, SHUT_RDWR);  // ends an accept that waits
+    stopListening(socket);
     return ::close(socket) == 0;
 }
 

@@ -46,6 +46,10 @@ bool finishSending(SOCKET socket) {
     return ::shutdown(socket, SD_SEND) == 0;
 }
 
+bool stopListening(SOCKET) {
+    return false;
+}
+
 bool closeSocket(SOCKET socket) {
     return ::closesocket(socket) == 0;
 }
