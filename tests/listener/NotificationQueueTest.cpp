@@ -1,4 +1,4 @@
-// Out of memory at each allocation.
+// The end of the thread, and out of memory at each allocation.
 
 #include "NyServer/listener/NotificationQueue.h"
 
@@ -14,6 +14,26 @@ std::string contentOf(CMemFile& file) {
     file.SeekToBegin();
     file.Read(content.data(), static_cast<UINT>(content.size()));
     return content;
+}
+
+// What a receiver leaves to the end of its thread may use what the host destroys after the queue.
+TEST(NotificationQueue, WaitsForTheThreadLocalObjectsOfItsReceiver) {
+    static std::atomic<bool> isDestroyed = false;
+    struct Slow {
+        ~Slow() {
+            port::sleep(300);
+            isDestroyed = true;
+        }
+    };
+    {
+        const auto receive = [](NySe::ActionType, CMemFile&) { thread_local Slow slow; };
+        NotificationQueue queue(receive, [](const NotificationQueue&) {});
+        ASSERT_TRUE(queue.start());
+        CMemFile file;
+        file.Write("content", 7);
+        ASSERT_TRUE(queue.put(file));
+    }
+    EXPECT_TRUE(isDestroyed);
 }
 
 TEST(NotificationQueue, KeepsAMessageInItsFileWhenOutOfMemory) {

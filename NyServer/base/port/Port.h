@@ -54,15 +54,17 @@ class Thread {
     Thread& operator=(const Thread&) = delete;
     ~Thread();
 
-    // As startThread. REQUIRES: not called before.
+    // As startThread; the number is that of the thread for as long as the object exists. REQUIRES:
+    // not called before.
     std::uintptr_t start(void (*procedure)(void*), void* argument);
 
-    // Returns whether the thread has ended, after waiting for that for at most the time. False if
-    // it was not started.
+    // Returns whether the thread has ended, with its thread-local objects destroyed, after waiting
+    // for that for at most the time; the POSIX port waits for those destructors without a limit.
+    // False if it was not started, or if it is the calling thread.
     bool waitForEnd(DWORD milliseconds) const;
 
   private:
-    void* m_end = nullptr;
+    void* m_thread = nullptr;
 };
 
 // A flag that threads wait for. Any thread may call these functions.

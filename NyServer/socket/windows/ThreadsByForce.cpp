@@ -2,13 +2,11 @@
 // Included first: <afx.h> must precede the Windows headers.
 #include "NyServer/detail/ExceptionBoundary.h"
 
-#include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/socket/AcceptThread.h"
 
 void CUT_WSServer::AcceptThread::terminate(uintptr_t startedThread, DWORD milliseconds) {
-    const HANDLE thread = reinterpret_cast<HANDLE>(startedThread);
-    if (!::TerminateThread(thread, 1) || !waitForEnd(milliseconds)) return;
-    const NySe::UniqueKernelHandle notClosedByTheThread(thread);
+    if (!::TerminateThread(reinterpret_cast<HANDLE>(startedThread), 1) || !waitForEnd(milliseconds))
+        return;
     m_rundown->leave(m_entry);
     closeAccepted();
     m_self.reset();

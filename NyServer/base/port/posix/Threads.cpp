@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <ctime>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
@@ -66,7 +67,26 @@ class Condition {
     bool m_isSet;
 };
 
-using SharedEnd = std::shared_ptr<Condition>;
+// A thread that was started. Both it and the object that started it use `end`, whichever of the two
+// is destroyed first.
+struct Started {
+    ~Started() {
+        if (thread.joinable()) thread.detach();
+    }
+
+    // Waits for the destructors of the thread-local objects, too. Returns false if one of these
+    // calls it. REQUIRES: the procedure has returned.
+    bool join() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (thread.get_id() == std::this_thread::get_id()) return false;
+        if (thread.joinable()) thread.join();
+        return true;
+    }
+
+    const std::shared_ptr<Condition> end = std::make_shared<Condition>(false);
+    std::mutex mutex;
+    std::thread thread;
+};
 
 void initialise(pthread_mutex_t& mutex, int robustness) {
     pthread_mutexattr_t attributes;
@@ -96,17 +116,19 @@ class BlockedSignals {
     sigset_t m_before{};
 };
 
+// Returns no thread if the system has none.
 template <class Procedure>
-std::uintptr_t startDetached(Procedure procedure) try {
+std::thread startBlocked(Procedure procedure) try {
     const BlockedSignals blocked;
-    std::thread thread(std::move(procedure));
-    const auto id = static_cast<std::uintptr_t>(thread.native_handle());
-    thread.detach();
-    return id;
+    return std::thread(std::move(procedure));
 } catch (const std::system_error&) {
-    return kNoThread;
+    return {};
 } catch (const std::bad_alloc&) {
-    return kNoThread;
+    return {};
+}
+
+std::uintptr_t numberOf(std::thread& thread) {
+    return thread.joinable() ? static_cast<std::uintptr_t>(thread.native_handle()) : kNoThread;
 }
 
 }  // namespace
@@ -132,29 +154,32 @@ DWORD currentThreadId() {
 void useNormalPriority() {}
 
 std::uintptr_t startThread(void (*procedure)(void*), void* argument) {
-    return startDetached([procedure, argument] { procedure(argument); });
+    std::thread thread = startBlocked([procedure, argument] { procedure(argument); });
+    const std::uintptr_t number = numberOf(thread);
+    if (thread.joinable()) thread.detach();
+    return number;
 }
 
 Thread::~Thread() {
-    delete static_cast<SharedEnd*>(m_end);
+    delete static_cast<Started*>(m_thread);
 }
 
 std::uintptr_t Thread::start(void (*procedure)(void*), void* argument) try {
-    const auto end = std::make_shared<Condition>(false);
-    auto kept = std::make_unique<SharedEnd>(end);
-    const std::uintptr_t thread = startDetached([procedure, argument, end] {
+    auto started = std::make_unique<Started>();
+    started->thread = startBlocked([procedure, argument, end = started->end] {
         procedure(argument);
         end->change(true);
     });
-    if (thread != kNoThread) m_end = kept.release();
-    return thread;
+    const std::uintptr_t number = numberOf(started->thread);
+    if (number != kNoThread) m_thread = started.release();
+    return number;
 } catch (const std::bad_alloc&) {
     return kNoThread;
 }
 
 bool Thread::waitForEnd(DWORD milliseconds) const {
-    const auto* const end = static_cast<const SharedEnd*>(m_end);
-    return end && (*end)->wait(milliseconds);
+    auto* const started = static_cast<Started*>(m_thread);
+    return started && started->end->wait(milliseconds) && started->join();
 }
 
 Event::Event(bool isSet) : m_event(new (std::nothrow) Condition(isSet)) {}

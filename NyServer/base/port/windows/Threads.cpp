@@ -2,17 +2,22 @@
 
 #include <process.h>
 
+#include <memory>
 #include <new>
 
 namespace port {
 namespace {
 
-// A handle of our own: the one that _beginthread returns is closed when the thread ends.
-HANDLE duplicateOf(std::uintptr_t thread) {
-    HANDLE copy = nullptr;
-    ::DuplicateHandle(::GetCurrentProcess(), reinterpret_cast<HANDLE>(thread),
-                      ::GetCurrentProcess(), &copy, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    return copy;
+struct Start {
+    void (*procedure)(void*);
+    void* argument;
+};
+
+unsigned __stdcall run(void* start) {
+    const Start copy = *static_cast<Start*>(start);
+    delete static_cast<Start*>(start);
+    copy.procedure(copy.argument);
+    return 0;
 }
 
 void closeHandle(HANDLE handle) {
@@ -42,17 +47,23 @@ std::uintptr_t startThread(void (*procedure)(void*), void* argument) {
 }
 
 Thread::~Thread() {
-    closeHandle(m_end);
+    closeHandle(m_thread);
 }
 
+// Not by _beginthread: its handle is closed when the thread ends, perhaps before it could be waited
+// for.
 std::uintptr_t Thread::start(void (*procedure)(void*), void* argument) {
-    const std::uintptr_t thread = startThread(procedure, argument);
-    if (thread != kNoThread) m_end = duplicateOf(thread);
+    std::unique_ptr<Start> start(new (std::nothrow) Start{procedure, argument});
+    if (!start) return kNoThread;
+    const std::uintptr_t thread = ::_beginthreadex(nullptr, 0, &run, start.get(), 0, nullptr);
+    if (thread == 0) return kNoThread;
+    static_cast<void>(start.release());
+    m_thread = reinterpret_cast<HANDLE>(thread);
     return thread;
 }
 
 bool Thread::waitForEnd(DWORD milliseconds) const {
-    return ::WaitForSingleObject(m_end, milliseconds) == WAIT_OBJECT_0;
+    return ::WaitForSingleObject(m_thread, milliseconds) == WAIT_OBJECT_0;
 }
 
 Event::Event(bool isSet) : m_event(::CreateEventW(nullptr, TRUE, isSet, nullptr)) {}
