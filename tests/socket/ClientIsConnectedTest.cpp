@@ -28,6 +28,21 @@ TEST_F(ClientIsConnected, IsFalseOnceThePeerHasReset) {
     EXPECT_EQ(client.GetBlockingMode(), 0);
 }
 
+// Later receives fail on one system, and find the end on another.
+TEST_F(ClientIsConnected, IsFalseAfterTheResetWasReportedToo) {
+    peers::ResettingPort port;
+    ProbeClient client;
+    ASSERT_EQ(client.connectTo(port.port()), UTE_SUCCESS);
+    port.resetConnections();
+    ASSERT_TRUE(client.hasArrived());
+    char text[10] = "";
+    EXPECT_EQ(client.Receive(text, sizeof text, 0), SOCKET_ERROR);
+    EXPECT_LE(client.Receive(text, sizeof text, 0), 0);
+    EXPECT_EQ(client.ReceiveLine(text, sizeof text, 0), 0);
+    EXPECT_EQ(client.IsConnected(), 0);
+    EXPECT_EQ(client.IsConnected(), 0);
+}
+
 // One byte is too small for the peek of a longer datagram.
 TEST_F(ClientIsConnected, IsFalseAndNonBlockingWithALongDatagramWaiting) {
     char loopback[] = "127.0.0.1";

@@ -155,7 +155,9 @@ SOCKET acceptFrom(SOCKET listener, sockaddr_in& peer);
 bool connectTo(SOCKET socket, const sockaddr_in& peer);
 
 // Return the number of bytes, 0 for a receive after the peer has closed, -1 on failure. `flags` is
-// 0 or MSG_PEEK.
+// 0 or MSG_PEEK. The error of a lost connection is reported by the first call after it; later
+// receives return -1 again on Windows, but 0 elsewhere. So a caller ends at either, and none tells
+// the one from the other after an error.
 int send(SOCKET socket, const char* data, int length, int flags);
 int receive(SOCKET socket, char* buffer, int length, int flags);
 int sendTo(SOCKET socket, const char* data, int length, const sockaddr_in& peer);
