@@ -58,6 +58,13 @@ CString NyServerApp::_getIpAdressByName(const CString& name) {
     return NyFctIpUtil::_getIpAddressFromHostName(name);
 }
 
+// Under the lock, so that no thread uses the previous window object after the return.
+void NyServerApp::setAppWnd(CWnd* window) {
+    const ThreadListLock lock(*this);
+    m_appWnd.store(window, std::memory_order_relaxed);
+    resetPostMsgCount();
+}
+
 bool NyServerApp::setReceiver(Receiver receiver) {
     std::unique_ptr<NotificationQueue> next;
     const bool isReady = NySe::resultOr(false, [&] {

@@ -67,11 +67,12 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // successful Start until StopAccept, returns UTE_ERROR and changes nothing.
     int Start();
 
-    // Windows only. Sets the window that receives the notifications. If it is null or has no window
-    // handle, notifications are discarded. Each call resets the count of messages to 0 and lets the
-    // workers continue, even for the same object, whose window may be a new one: messages that the
-    // old window has not consumed are no longer counted. Messages that the old window reports as
-    // consumed later are subtracted from the count of the new one.
+    // Sets the window that receives the notifications. If it is null or has no window handle, as on
+    // every platform but Windows, notifications are discarded, unless there is a receiver. Each
+    // call resets the count of messages to 0 and lets the workers continue, even for the same
+    // object, whose window may be a new one: messages that the old window has not consumed are no
+    // longer counted. Messages that the old window reports as consumed later are subtracted from
+    // the count of the new one.
     void setAppWnd(CWnd* window);
     NYSERVER_INLINE CWnd* getAppWnd() { return m_appWnd.load(std::memory_order_relaxed); }
 

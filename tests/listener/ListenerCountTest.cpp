@@ -32,6 +32,14 @@ TEST(ListenerCount, ReturnsToZeroWithAFastWindow) {
     window.detachFrom(listener);
 }
 
+TEST(ListenerCount, IsResetWithTheWindow) {
+    ProbeListener listener;
+    listener.increasePostMsgCount();
+    listener.setAppWnd(nullptr);
+    EXPECT_EQ(listener.getPostMsgCount(), 0);
+    EXPECT_EQ(listener.getAppWnd(), nullptr);
+}
+
 TEST(ListenerCount, ChangesLikeTheWindowUnderTheLockOfTheWorkers) {
     ProbeListener listener;
     std::atomic<int> done = 0;

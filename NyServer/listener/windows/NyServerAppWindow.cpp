@@ -43,13 +43,6 @@ DWORD NyServerApp::systemPostMessageLimit() {
     return status == ERROR_SUCCESS ? limit : kLimitWithoutSetting;
 }
 
-// Under the lock, so that no thread uses the previous window object after the return.
-void NyServerApp::setAppWnd(CWnd* window) {
-    const ThreadListLock lock(*this);
-    m_appWnd.store(window, std::memory_order_relaxed);
-    resetPostMsgCount();
-}
-
 HWND NyServerApp::appWindow() {
     const ThreadListLock lock(*this);
     const CWnd* const window = getAppWnd();
