@@ -22,8 +22,10 @@ int main(int argc, char** argv) {
     NySeUser user;
     user.setStrUserName(_T("Receiver"));
     user.setSchema(client.getSchemaType());
-    listener.setPortNumber(static_cast<unsigned short>(client.getPortClient(user)));
-    if (!isReady || listener.Start() != 0) return 1;
+    const int port = client.getPortClient(user);
+    if (!isReady || port == 0) return 1;
+    listener.setPortNumber(static_cast<unsigned short>(port));
+    if (listener.Start() != 0) return 1;
 
     for (int i = 0; i < 3; ++i) received.acquire();
     client.disconnect();
