@@ -9,18 +9,31 @@
 namespace {
 
 // In the locale of the environment, whatever the program's own is; in the classic one if there is
-// none of that name.
-std::string formatInUserLocale(const std::tm& local) {
-    std::ostringstream text;
+// none of that name. Wide, because its encoding may be any.
+std::wstring formatInUserLocale(const std::tm& local) {
+    std::wostringstream text;
     try {
         text.imbue(std::locale(""));
     } catch (const std::runtime_error&) {
         text.imbue(std::locale::classic());
     }
-    const std::string format = "%x %X";
-    std::use_facet<std::time_put<char>>(text.getloc())
-        .put(text, text, ' ', &local, format.data(), format.data() + format.size());
+    const std::wstring format = L"%x %X";
+    std::use_facet<std::time_put<wchar_t>>(text.getloc())
+        .put(text, text, L' ', &local, format.data(), format.data() + format.size());
     return text.str();
+}
+
+std::basic_string<WCHAR> toUtf16(const std::wstring& text) {
+    std::basic_string<WCHAR> units;
+    for (const auto character : text) {
+        if (character >= 0x10000) {
+            units += static_cast<WCHAR>(0xD7C0 + (character >> 10));
+            units += static_cast<WCHAR>(0xDC00 | (character & 0x3FF));
+        } else {
+            units += static_cast<WCHAR>(character);
+        }
+    }
+    return units;
 }
 
 }  // namespace
@@ -30,6 +43,5 @@ CString serverinformation::timeText(long seconds) {
     std::tm local{};
     if (seconds < 0 || ::localtime_r(&time, &local) == nullptr)
         return CString(_T("Invalid DateTime"));
-    const std::string text = formatInUserLocale(local);
-    return CString(port::fromUtf8(text.data(), text.size()).c_str());
+    return CString(toUtf16(formatInUserLocale(local)).c_str());
 }
