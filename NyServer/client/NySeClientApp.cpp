@@ -51,6 +51,10 @@ bool NySeClientApp::disconnect() {
     return m_socket->CloseConnection() == UTE_SUCCESS;
 }
 
+void NySeClientApp::interrupt() {
+    port::shutDown(m_socket->GetSocket());
+}
+
 int NySeClientApp::IsConnected() {
     return m_socket->IsConnected();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "apps/common/StopRequest.h"
+#include "apps/nyctl/AliveCheck.h"
 #include "apps/nyctl/HeldCommand.h"
 #include "apps/nyctl/NotificationReceiver.h"
 #include "apps/nyctl/ShareModeOption.h"
@@ -14,9 +15,6 @@ namespace {
 
 // The interval of the requests for a lock when no notification arrives.
 constexpr std::chrono::seconds kRetry(1);
-// The interval of the checks whether the server replies while the command runs. The connection to a
-// machine that no longer runs, or cannot be reached, does not end by itself.
-constexpr std::chrono::seconds kCheck(5);
 
 // Returns whether the notification reports the release of that lock.
 bool isRelease(NySe::ActionType action, CMemFile& payload, const CString& lock) {
@@ -98,23 +96,15 @@ int Hold::runCommand() const {
     if (!command.isStarted())
         Output::complain("the command " + m_request.command.front() + " cannot be started");
     if (StopRequest::isRequested()) command.terminate();  // requested while it was started
-    auto check = Clock::now() + kCheck;
+    AliveCheck check(m_context.client());
     for (bool isHeld = true;;) {
         if (const auto status = command.wait(kRound)) return *status;
-        if (!isHeld || isConnected(check)) continue;
+        if (!isHeld || check.isAlive()) continue;
         isHeld = false;
         Output::complain("the connection to the server was lost, and the lock with it");
         command.terminate();
         m_context.session.close();
     }
-}
-
-bool Hold::isConnected(Clock::time_point& check) const {
-    if (!m_context.client().IsConnected()) return false;
-    if (Clock::now() < check) return true;
-    const bool isAlive = m_context.client().isAlive();
-    check = Clock::now() + kCheck;
-    return isAlive;
 }
 
 Run defineHold(CLI::App& command) {

@@ -38,8 +38,6 @@ class Hold {
 
     ExitStatus runAndRelease() const;
     int runCommand() const;
-    // Returns whether the server is connected and, if it is time for that check, replies.
-    bool isConnected(Clock::time_point& check) const;
 
     Context& m_context;
     const HoldRequest& m_request;

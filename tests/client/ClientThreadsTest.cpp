@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "tests/client/ClientTest.h"
+#include "tests/support/Gate.h"
 
 namespace {
 
@@ -66,6 +67,28 @@ TEST(ClientThreads, MayShareAClientUnderALock) {
     ASSERT_EQ(0, client.connect(static_cast<int>(server.port()), "127.0.0.1", -1));
     std::mutex shared;
     EXPECT_EQ(kThreads * kRounds, onAllThreads([&] { return countAnswers(client, shared); }));
+}
+
+TEST(ClientThreads, MayInterruptACallThatWaits) {
+    Gate asked;
+    Gate closed;
+    const peers::Peer server([&](peers::Connection& connection) {
+        EXPECT_FALSE(connection.receive().empty());
+        asked.meet(2);
+        EXPECT_TRUE(connection.awaitClose());
+        closed.meet(2);
+    });
+    NySeClientApp client;
+    ASSERT_EQ(0, client.connect(static_cast<int>(server.port()), "127.0.0.1", -1));
+    const ULONGLONG begin = port::milliseconds();
+    std::thread thread([&] { EXPECT_FALSE(client.isAlive()); });
+    EXPECT_TRUE(asked.meet(2));
+    client.interrupt();
+    thread.join();
+    EXPECT_FALSE(client.isAlive()) << "later calls fail, too";
+    EXPECT_LT(port::milliseconds() - begin, 10'000U);
+    EXPECT_TRUE(closed.meet(2));
+    client.disconnect();
 }
 
 }  // namespace

@@ -13,6 +13,16 @@ TEST_F(NyctlHold, EndsTheCommandWhenTheServerStopsReplying) {
               m_run.complaint());
 }
 
+// It ends while the reply to the check of every 5 seconds is due.
+TEST_F(NyctlHold, EndsSoonAfterTheCommandAlthoughAReplyIsDue) {
+    m_answers[NySe::actionIsAlive] = [](const std::string&) { return std::string(); };
+    m_command = "sleep 6";
+    const ULONGLONG begin = port::milliseconds();
+    EXPECT_EQ(exitYes, hold(1, ""));
+    EXPECT_LT(port::milliseconds() - begin, 15'000U);
+    EXPECT_EQ("", m_run.complaint());
+}
+
 TEST_F(NyctlHold, ChecksWhileTheCommandRuns) {
     std::atomic<int> checks = 0;
     m_answers[NySe::actionIsAlive] = [&](const std::string&) {
