@@ -6,7 +6,8 @@
 //  2. Objects made with new have one owner. A table deletes its records unless its delete-ownership
 //     flag is cleared; finders return borrowed pointers.
 //  3. A pointer argument may be null only where its comment says so.
-//  4. Text is UTF-16 in CString; the socket layer's char text is in the active ANSI code page.
+//  4. Text is UTF-16 in CString. The socket layer's char text is in the active ANSI code page on
+//     Windows; elsewhere host names are passed on as they are.
 //  5. Every module of a process shares one C++ runtime, so memory and exceptions may cross between
 //     modules.
 #pragma once

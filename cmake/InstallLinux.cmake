@@ -3,7 +3,7 @@
 #   bin      the programs, which contain the library
 #   include  the public headers, in their folders
 #   lib      the shared and the static library; in cmake/NyServer the files for find_package
-#   share    the documents, the example and the dissector
+#   share    the documents, the example, the dissector, and `nyctl`'s manual page and completion
 include(GNUInstallDirs)
 include(cmake/InstallCommon.cmake)
 

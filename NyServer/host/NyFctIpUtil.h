@@ -5,7 +5,7 @@
 
 #include "NyServer/NyServerApi.h"
 
-// Any thread may call these functions. Each starts and cleans up Windows Sockets itself. None
+// Any thread may call these functions. On Windows each starts and cleans up Winsock itself. None
 // throws or reports an error: the result is empty if it is unknown or out of memory. A look-up may
 // block for as long as the name service takes.
 namespace NyFctIpUtil {
@@ -15,8 +15,9 @@ namespace NyFctIpUtil {
 NYSERVER_API CString _getIpAddress();
 
 // Returns the first IPv4 address of the named host as dotted text. Empty if the name does not
-// resolve or is longer than 255 bytes in the active ANSI code page. "localhost", in any case, means
-// the local host name, which is known only while the process has started Windows Sockets elsewhere.
+// resolve or is longer than 255 bytes in the active ANSI code page, in UTF-8 on Linux. "localhost",
+// in any case, means the local host name, which on Windows is known only while the process has
+// started Winsock elsewhere.
 NYSERVER_API CString _getIpAddressFromHostName(const CString& hostName);
 
 // Returns an identifier of this machine: the hardware address of the network adapter that has

@@ -79,8 +79,8 @@ bool NyServerApp::setReceiver(Receiver receiver) {
     return true;
 }
 
-// The previous queue is destroyed by the caller, without the lock, because its receiver may wait
-// for that.
+// The caller destroys the previous queue, without the lock: the destructor waits for the receiver,
+// which may need the lock.
 std::unique_ptr<NotificationQueue> NyServerApp::replaceQueue(
     std::unique_ptr<NotificationQueue> next) {
     const ThreadListLock lock(*this);

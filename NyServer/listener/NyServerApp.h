@@ -87,8 +87,9 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // function returns, so that back pressure is the same as with a window. Discards notifications
     // that wait for the previous function, waits for its running call, during which the new one may
     // be called already, and resets the count as setAppWnd does; what the previous function
-    // consumes is not subtracted from the count of the new one. Returns false, with nothing
-    // changed, if out of memory or threads. REQUIRES: not called by the function.
+    // consumes is not subtracted from the count of the new one. At most 10,000 notifications and
+    // 256 MiB wait; further ones are dropped, which only peers that ignore the back pressure reach.
+    // Returns false, with nothing changed, if out of memory or threads. REQUIRES: not called by the function.
     bool setReceiver(Receiver receiver);
 
     // The port on which Start listens, in host order.

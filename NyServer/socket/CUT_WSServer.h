@@ -58,8 +58,10 @@ class NYSERVER_API NY_LOCK_TYPE("ThreadListLock") CUT_WSServer {
     int StartAccept();
 
     // Stops accepting and closes the listening socket. Connects to the own port to wake the
-    // accept thread, and waits for it. If that connection fails, the thread is terminated. Takes
-    // at most 30 s. Workers continue to run. Always returns 0.
+    // accept thread, and waits for it. If that connection fails, the socket is closed first, which
+    // ends the thread too; one that still runs then is terminated on Windows, and on Linux ends
+    // after its OnCanAccept without using the server. Takes at most 30 s. Workers continue to run.
+    // Always returns 0.
     int StopAccept();
 
     // Connects a socket to `port` of the dotted `address` and closes it. Failures are reported to

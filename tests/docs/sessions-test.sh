@@ -1,21 +1,24 @@
 #!/usr/bin/env bash
-# sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown. A document's sessions are typed into one shell each. Where a document says port 42015, a free
-# one is taken; times, ports, numbers of sessions and the names of this machine are masked.
+# sessions-test.sh NYCENTRAL NYCTL: the sessions in the documents go as they are shown. A document's sessions are typed
+# into one shell each. Where a document says port 42015, a free one is taken; times, ports, numbers of sessions and the
+# names of this machine are masked. Exit status 77: the server is not built.
 set -eu
-programs=$(dirname "$1")
+nycentral=$1
+nyctl=$2
+[ -e "$nycentral" ] || exit 77
 . "$(dirname "$0")/../apps/lib.sh"
 set +e
 shopt -s failglob
 cd "$root"
 
-# GetComputerName's text.
-computer=$(hostname | cut -d . -f 1 | tr '[:lower:]' '[:upper:]' | cut -c 1-15)
+# As Windows and Linux have it.
+computer="$(hostname | cut -d . -f 1 | tr '[:lower:]' '[:upper:]' | cut -c 1-15)|$(hostname | cut -d . -f 1)"
 documented=42015
 
 # masked: standard input without what differs from run to run.
 masked() {
   tr -d '\r' | sed -E \
-    -e "s/\b$computer\b/WS-01/g" \
+    -e "s/\b($computer)\b/WS-01/g" \
     -e 's/[0-9]{4}-[0-9]{2}-[0-9]{2}[T ][0-9:.]{8,12}Z?/DATE/g; s/\b[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}\b/TIME/g' \
     -e 's/\b[0-9]+ (ms|bytes)\b/N \1/g; s/\bsession [0-9]+\b/session N/g' \
     -e 's/\b2015\b/SCHEMA/g; s/\b[0-9]{2,}\b/NUMBER/g' \
@@ -24,8 +27,7 @@ masked() {
 }
 
 # The programs as the documents call them, without what starts them.
-in_wine() { "$root/tools/run-in-wine" "$programs/$1.exe" "${@:2}"; }
-nyctl() { in_wine nyctl "${@/:$documented/:$port}"; }
+nyctl() { "$(runner "$nyctl")" "$nyctl" "${@/:$documented/:$port}"; }
 nycentral() {
   local words=()
   rm -f "$work/port"
@@ -36,7 +38,7 @@ nycentral() {
     esac
     shift
   done
-  exec "$root/tools/run-in-wine" "$programs/nycentral.exe" --port 0 --port-file "$work/port" \
+  exec "$(runner "$nycentral")" "$nycentral" --port 0 --port-file "$work/port" \
     --ports "$(free_row)" "${words[@]}"
 }
 
@@ -136,7 +138,7 @@ for document in README.md docs/*.md examples/*/README.md; do
 done
 
 # Every command has an example.
-for command in $(in_wine nyctl --help 2> /dev/null | tr -d '\r' | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+for command in $(nyctl --help 2> /dev/null | tr -d '\r' | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
   grep -qE "^\\$ .*(\\\\n|[ '\"])$command\b" "$root/docs/nyctl.md" || fail "docs/nyctl.md has no example of $command"
 done
 [ $sessions -gt 0 ] || fail "no document has a session"
