@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <thread>
-
+// The count of notifications that the host has not consumed, and what is stopped by it.
 #include "tests/listener/ListenerTest.h"
 
 namespace {
@@ -21,12 +17,7 @@ class ListenerBackPressure : public ListenerTest {
         ASSERT_TRUE(m_listener.awaitWorkers(static_cast<int>(m_peers.size())));
     }
     void post(int times = 1) {
-        const std::string notification = frame(50, "x");
-        for (int i = 0; i < times; ++i) {
-            CMemFile file;
-            file.Write(notification.data(), static_cast<UINT>(notification.size()));
-            m_listener.postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, file);
-        }
+        for (int i = 0; i < times; ++i) m_listener.post(frame(50, "x"));
     }
     bool awaitBacklog(int count) {
         return eventually([&] { return m_listener.getPostMsgCount() == count; }, kGenerously);
@@ -179,6 +170,50 @@ TEST(ListenerBackPressureOfOthers, DoesNotAffectWorkersOfOtherKinds) {
     listener.pause(true);
     peer.close();
     EXPECT_TRUE(listener.awaitWorkers(0));
+}
+
+// Were a message consumed before it is counted, the count would stay above 0.
+TEST(ListenerCount, ReturnsToZeroWithAFastWindow) {
+    ProbeListener listener;
+    HostWindow window(&listener);
+    window.attachTo(listener);
+    constexpr int kEach = 3000;
+    std::vector<std::thread> senders;
+    for (int i = 0; i < 2; ++i)
+        senders.emplace_back([&] {
+            for (int n = 0; n < kEach; ++n) {
+                listener.post(frame(50));
+                if (n % 8 == 0) port::sleep(0);
+            }
+        });
+    for (auto& sender : senders) sender.join();
+    EXPECT_EQ(window.awaitMessages(2 * kEach).size(), 2u * kEach);
+    EXPECT_TRUE(listener.awaitNoMessages());
+    window.detachFrom(listener);
+}
+
+TEST(ListenerCount, IsResetWithTheWindow) {
+    ProbeListener listener;
+    listener.increasePostMsgCount();
+    listener.setAppWnd(nullptr);
+    EXPECT_EQ(listener.getPostMsgCount(), 0);
+    EXPECT_EQ(listener.getAppWnd(), nullptr);
+}
+
+TEST(ListenerCount, ChangesLikeTheWindowUnderTheLockOfTheWorkers) {
+    ProbeListener listener;
+    std::atomic<int> done = 0;
+    std::vector<std::thread> threads;
+    {
+        const ProbeListener::ThreadListLock lock(listener);
+        threads.emplace_back([&] { listener.increasePostMsgCount(), ++done; });
+        threads.emplace_back([&] { listener.decreasePostMsgCount(), ++done; });
+        threads.emplace_back([&] { HostWindow().detachFrom(listener), ++done; });
+        port::sleep(100);
+        EXPECT_EQ(done, 0);
+    }
+    for (auto& thread : threads) thread.join();
+    EXPECT_EQ(done, 3);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <optional>
 
@@ -23,12 +21,12 @@ class ListenerDispatch : public ListenerTest {
         m_peer.emplace(connect());
     }
     void send(const std::string& bytes) { m_peer->send(bytes); }
-    std::vector<PostedMessage> posted() { return postedFor(*m_peer); }
+    auto posted() { return postedFor(*m_peer); }
     // The one message there is.
     PostedMessage onlyPosted() {
         const auto all = posted();
         EXPECT_EQ(all.size(), 1u);
-        return all.empty() ? PostedMessage{} : all[0];
+        return all.at(0);
     }
     // The actions and payload sizes of what was posted.
     Outline outline() {
@@ -131,7 +129,7 @@ TEST_F(ListenerReading, AcceptsATruncatedAction) {
 }
 
 TEST_F(ListenerReading, FinishesTheCurrentMessageWhenAPauseBegins) {
-    MainWindow consumesNothing;
+    HostWindow consumesNothing;
     consumesNothing.hold();
     consumesNothing.attachTo(m_listener);
     auto peer = connect();

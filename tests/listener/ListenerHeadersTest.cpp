@@ -1,8 +1,4 @@
 // Headers in pieces: TCP ends its segments where it likes.
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <map>
 
 #include "tests/listener/ListenerTest.h"

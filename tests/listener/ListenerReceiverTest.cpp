@@ -1,10 +1,5 @@
 // A function of the host in place of a window.
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <stdexcept>
-#include <thread>
 
 #include "tests/listener/ListenerTest.h"
 
@@ -52,16 +47,16 @@ class HeldRecorder : public Recorder {
 
 class ListenerReceiver : public testing::Test {
   protected:
-    static CMemFile& fill(CMemFile& file, const std::string& content) {
-        file.Write(content.data(), static_cast<UINT>(content.size()));
-        return file;
-    }
-    void post(const std::string& content) {
-        CMemFile file;
-        m_listener->postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, fill(file, content));
-    }
+    // The result is how long the file is afterwards.
+    ULONGLONG post(const std::string& content) { return m_listener->post(content); }
     void postNumbers(int first, int last) {
         for (int i = first; i <= last; ++i) post(numbered(i));
+    }
+    // Numbers for the held function, whose first call is at its gate.
+    void postNumbersToHeld(int first, int last) {
+        m_listener->setReceiver(m_held.receiver());
+        postNumbers(first, last);
+        ASSERT_TRUE(m_held.gate.awaitArrivals());
     }
     static std::string numbered(int number) { return frame(50 + number % 9, wireOf(number)); }
     static std::vector<std::string> numbers(int first, int last) {
@@ -176,9 +171,7 @@ TEST_F(ListenerReceiver, HasNoActionForWhatIsNoNotification) {
 
 TEST_F(ListenerReceiver, TakesTheContentOfTheFile) {
     m_listener->setReceiver(m_recorder.receiver());
-    CMemFile file;
-    m_listener->postMessageToMainFrame(1, fill(file, frame(51, "body")));
-    EXPECT_EQ(file.GetLength(), 0u);
+    EXPECT_EQ(post(frame(51, "body")), 0u);
 }
 
 TEST_F(ListenerReceiver, MayThrowAnything) {
@@ -195,9 +188,7 @@ TEST_F(ListenerReceiver, MayThrowAnything) {
 }
 
 TEST_F(ListenerReceiver, ConsumesANotificationWhenItReturns) {
-    m_listener->setReceiver(m_held.receiver());
-    postNumbers(1, 3);
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 3);
     port::sleep(50);
     EXPECT_EQ(count(), 3);
     m_held.gate.open();
@@ -205,33 +196,12 @@ TEST_F(ListenerReceiver, ConsumesANotificationWhenItReturns) {
     EXPECT_EQ(m_held.frames(), numbers(1, 3));
 }
 
-TEST_F(ListenerReceiver, StopsTheSenderWhileItDoesNotReturn) {
-    m_listener->setPostMessageLimit(10);
-    m_listener->setReceiver(m_held.receiver());
-    ASSERT_TRUE(m_listener->start());
-    auto peer = m_listener->connection();
-    std::string stream;
-    for (const std::string& one : numbers(1, 30)) stream += one;
-    peer.send(stream);
-    ASSERT_TRUE(awaitCount(11));
-    port::sleep(250);
-    EXPECT_EQ(count(), 11);
-    EXPECT_TRUE(m_listener->isPaused());
-    m_held.gate.open();
-    ASSERT_TRUE(m_held.await(30));
-    EXPECT_EQ(m_held.frames(), numbers(1, 30));
-    EXPECT_TRUE(m_listener->awaitNoMessages());
-    EXPECT_FALSE(m_listener->isPaused());
-}
-
 TEST_F(ListenerReceiver, IsReplacedAfterItsRunningCallWithoutWhatWaitsForIt) {
     m_listener->setPostMessageLimit(2);
-    m_listener->setReceiver(m_held.receiver());
     ASSERT_TRUE(m_listener->start());
     auto peer = m_listener->connection();
     ASSERT_TRUE(m_listener->awaitWorkers(1));
-    postNumbers(1, 3);
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 3);
     EXPECT_TRUE(m_listener->isPaused());
     expectWaitsFor(
         m_held.gate, [&] { m_listener->setReceiver(m_recorder.receiver()); },
@@ -247,9 +217,7 @@ TEST_F(ListenerReceiver, IsReplacedAfterItsRunningCallWithoutWhatWaitsForIt) {
 }
 
 TEST_F(ListenerReceiver, ConsumesNothingOfItsSuccessor) {
-    m_listener->setReceiver(m_held.receiver());
-    post(numbered(1));
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 1);
     HeldRecorder next;
     expectWaitsFor(
         m_held.gate, [&] { m_listener->setReceiver(next.receiver()); },
@@ -264,9 +232,7 @@ TEST_F(ListenerReceiver, ConsumesNothingOfItsSuccessor) {
 
 // The first one is with the function.
 TEST_F(ListenerReceiver, HasTenThousandNotificationsWaitAtMost) {
-    m_listener->setReceiver(m_held.receiver());
-    post(numbered(0));
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(0, 0);
     postNumbers(1, 10001);
     EXPECT_EQ(count(), 10001);
     m_held.gate.open();
@@ -276,9 +242,7 @@ TEST_F(ListenerReceiver, HasTenThousandNotificationsWaitAtMost) {
 }
 
 TEST_F(ListenerReceiver, Has256MiBWaitAtMost) {
-    m_listener->setReceiver(m_held.receiver());
-    post(numbered(0));
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(0, 0);
     const std::string part(std::size_t{64} << 20, 'x');
     for (int i = 0; i < 5; ++i) post(part);
     EXPECT_EQ(count(), 5);
@@ -287,29 +251,21 @@ TEST_F(ListenerReceiver, Has256MiBWaitAtMost) {
 }
 
 TEST_F(ListenerReceiver, MayBeNone) {
-    m_listener->setReceiver(m_held.receiver());
-    postNumbers(1, 2);
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 2);
     expectWaitsFor(m_held.gate, [&] { m_listener->setReceiver(nullptr); });
-    CMemFile file;
-    m_listener->postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, fill(file, numbered(3)));
-    EXPECT_EQ(file.GetLength(), numbered(3).size());
+    EXPECT_EQ(post(numbered(3)), numbered(3).size());
     EXPECT_EQ(count(), 0);
     EXPECT_EQ(m_held.frames(), numbers(1, 1));
 }
 
 TEST_F(ListenerReceiver, IsCalledWithAllThatWaitsBeforeTheListenerIsDestroyed) {
-    m_listener->setReceiver(m_held.receiver());
-    postNumbers(1, 100);
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 100);
     expectWaitsFor(m_held.gate, [&] { m_listener.reset(); });
     EXPECT_EQ(m_held.frames(), numbers(1, 100));
 }
 
 TEST_F(ListenerReceiver, IsNotCalledOnceTheConnectionsHaveBeenEnded) {
-    m_listener->setReceiver(m_held.receiver());
-    postNumbers(1, 2);
-    ASSERT_TRUE(m_held.gate.awaitArrivals());
+    postNumbersToHeld(1, 2);
     expectWaitsFor(m_held.gate, [&] { m_listener->endConnections(); });
     EXPECT_EQ(m_held.frames(), numbers(1, 2));
     EXPECT_EQ(count(), 0);

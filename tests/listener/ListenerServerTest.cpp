@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "NyServer/host/NyFctIpUtil.h"
 #include "tests/listener/ListenerTest.h"
 
@@ -77,22 +75,6 @@ TEST_F(ListenerServer, ServesFromItsStartOnAndMayStartAgainOnceItHasStopped) {
     }
 }
 
-TEST_F(ListenerServer, ReportsThatItsPortIsInUse) {
-    const NySe::UniqueSocket taken = peers::bindToLoopback();
-    port::listenOn(taken.get(), 1);
-    m_listener.setPortNumber(static_cast<unsigned short>(peers::portOf(taken)));
-    EXPECT_EQ(m_listener.Start(), UTE_SOCK_BIND_FAILED);
-}
-
-TEST_F(ListenerServer, CreatesWorkersThatReadAndHaveNoAction) {
-    CUT_WSThread* const worker = m_listener.CreateInstance();
-    auto* const made = dynamic_cast<NyServerThreadApp*>(worker);
-    ASSERT_NE(made, nullptr);
-    EXPECT_EQ(made->getCurrentAction(), -1);
-    EXPECT_FALSE(made->isPaused());
-    m_listener.ReleaseInstance(worker);
-}
-
 TEST_F(ListenerServer, DeletesItsReleasedWorkers) {
     int deleted = 0;
     m_listener.ReleaseInstance(new CountingWorker(&m_listener, deleted));
@@ -105,7 +87,7 @@ TEST_F(ListenerServer, FinishesAHeaderAndABodyWhenItIsDestroyed) {
     const std::string whole = frame(50, "abcdef");
     for (const size_t sent : {6u, 8u + 3u}) {
         auto listener = std::make_unique<ProbeListener>();
-        MainWindow window;
+        HostWindow window;
         window.attachTo(*listener);
         ASSERT_TRUE(listener->start());
         auto peer = listener->connection();
@@ -149,7 +131,7 @@ TEST_F(ListenerServer, EndsItsWorkersWhenItIsDestroyed) {
 }
 
 TEST_F(ListenerServer, IsDestroyedWhilePeersKeepConnecting) {
-    MainWindow window;
+    HostWindow window;
     auto listener = std::make_unique<ProbeListener>();
     window.attachTo(*listener);
     ASSERT_TRUE(listener->start());

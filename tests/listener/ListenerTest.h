@@ -1,32 +1,25 @@
-// A running listener with a main window; the test is the central server.
+// A running listener with its host's window; the test is the central server.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "HostWindow.h"  // the system's
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
 #include "NyServer/listener/NyServerThreadApp.h"
 #include "NyServer/socket/SocketCodes.h"
-#include "tests/listener/MainWindow.h"
 #include "tests/socket/LocalConnection.h"
 #include "tests/support/Gate.h"
-
-inline std::string wireOf(int value) {
-    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
-}
-
-// A message as the central server sends it.
-inline std::string frame(int action, const std::string& body = "") {
-    return wireOf(action) + wireOf(static_cast<int>(body.size())) + body;
-}
 
 inline const std::string kProbe = frame(1);
 inline const std::string kAlive = wireOf(512);
@@ -54,6 +47,13 @@ class ProbeListener : public NyServerApp {
         return peer;
     }
 
+    // Posts a message file with this content. The result is how long the file is afterwards.
+    ULONGLONG post(const std::string& content) {
+        CMemFile file;
+        file.Write(content.data(), static_cast<UINT>(content.size()));
+        postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, file);
+        return file.GetLength();
+    }
     long postMessageLimit() {
         const ThreadListLock lock(*this);
         return getPostMessageLimit();
@@ -182,7 +182,7 @@ class ListenerFixture : public testing::Test {
         return answer == kAlive;
     }
     // What was posted, once everything sent over the connection has been handled.
-    std::vector<PostedMessage> postedFor(peers::Connection& peer) {
+    auto postedFor(peers::Connection& peer) {
         EXPECT_TRUE(isAlive(peer));
         m_window.settle();
         return m_window.messages();
@@ -190,7 +190,7 @@ class ListenerFixture : public testing::Test {
 
     peers::WinsockSession m_winsock;
     Listener m_listener;
-    MainWindow m_window{&m_listener};
+    HostWindow m_window{&m_listener};
 };
 
 using ListenerTest = ListenerFixture<ProbeListener>;

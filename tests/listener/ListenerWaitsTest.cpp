@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "tests/listener/ListenerTest.h"
 
 namespace {

@@ -12,7 +12,6 @@
 #include "NyServer/framing/NySeActions.h"
 #include "NyServer/host/NyServerModule.h"
 #include "NyServer/listener/NyServerApp.h"
-#include "tests/listener/MainWindow.h"
 #include "tests/listener/windows/HostWindow.h"
 #include "tests/socket/LocalConnection.h"
 

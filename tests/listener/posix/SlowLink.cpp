@@ -3,7 +3,6 @@
 //
 // slow_link send ADDRESS PORT COUNT: sends them as the central server does, and a probe. Ends with
 // 0 when that is answered.
-
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
@@ -24,7 +23,7 @@ std::string payloadOf(int number) {
 
 int listen(int count) {
     ProbeListener listener;
-    MainWindow window(&listener);
+    HostWindow window(&listener);
     window.attachTo(listener);
     if (!listener.start()) return 1;
     std::cout << listener.GetBoundPort() << std::endl;

@@ -4,7 +4,6 @@
 
 #include "NyServer/base/detail/WindowsHandles.h"
 #include "NyServer/host/NyServerModule.h"
-#include "tests/listener/MainWindow.h"
 
 namespace {
 
@@ -87,8 +86,11 @@ void HostWindow::take(UINT message, WPARAM wParam, LPARAM lParam) {
     const UINT lockCount = block ? ::GlobalFlags(block.get()) & GMEM_LOCKCOUNT : 0;
     {
         const std::lock_guard lock(m_mutex);
-        m_messages.push_back({message, wParam, lParam,
-                              block ? std::string(bytes, wParam) : std::string(), isMoveable,
+        m_messages.push_back({{block ? std::string(bytes, wParam) : std::string()},
+                              message,
+                              wParam,
+                              lParam,
+                              isMoveable,
                               lockCount});
     }
     if (m_listener && !m_isHolding && message == NySe::_TM_NYSERVERMESSAGE)

@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "NyServer/listener/NyServerApp.h"
+#include "tests/listener/PostedMessage.h"
 
 // A message as the window found it; it has freed the block.
-struct PostedBlock {
+struct PostedBlock : PostedMessage {
     UINT message;
     WPARAM size;
     LPARAM address;
-    std::string bytes;
     bool isMoveable;
     UINT lockCount;
 };
@@ -27,18 +27,25 @@ class HostWindow {
     // With a listener it tells that of each notification consumed; the listener must live as long.
     explicit HostWindow(NyServerApp* listener = nullptr);
     ~HostWindow();
-    HostWindow(const HostWindow&) = delete;
-    HostWindow& operator=(const HostWindow&) = delete;
 
     CWnd* wnd() { return &m_wnd; }
 
     // Destroys the window; the object then has a handle that is no window's.
     void destroyWindow();
 
-    // From now on it does not report what it consumes.
+    // The listener notifies this window from now on, and none.
+    void attachTo(NyServerApp& listener) { listener.setAppWnd(&m_wnd); }
+    void detachFrom(NyServerApp& listener) { listener.setAppWnd(nullptr); }
+
+    // From now on it does not report what it consumes, unless `consume` does.
     void hold() { m_isHolding = true; }
+    // REQUIRES: it holds, and was created with the listener.
+    void consume(int count = 1) {
+        for (int i = 0; i < count; ++i) m_listener->decreasePostMsgCount();
+    }
 
     std::vector<PostedBlock> messages() const;
+    auto awaitMessages(size_t count) const { return messagesOnceThereAre(*this, count); }
     size_t count() const;
     // Once the window has seen all that was posted so far.
     void settle();

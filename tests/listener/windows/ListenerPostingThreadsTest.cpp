@@ -1,7 +1,4 @@
 // Posting while other threads post, and while windows go.
-
-#include <gtest/gtest.h>
-
 #include "tests/listener/ListenerTest.h"
 #include "tests/listener/windows/HostWindow.h"
 #include "tests/support/Guarded.h"
@@ -20,13 +17,7 @@ class ListenerPostingThreads : public testing::Test {
 class StreamingSender {
   public:
     explicit StreamingSender(NyServerApp& listener)
-        : m_listener(listener), m_thread([this] { run(); }) {}
-    ~StreamingSender() {
-        m_isEnding = true;
-        m_thread.join();
-    }
-    StreamingSender(const StreamingSender&) = delete;
-    StreamingSender& operator=(const StreamingSender&) = delete;
+        : m_listener(listener), m_thread([this](std::stop_token ending) { run(ending); }) {}
 
     // Once so many more posts have begun and ended.
     bool awaitPosts(int count) {
@@ -35,8 +26,8 @@ class StreamingSender {
     }
 
   private:
-    void run() {
-        for (; !m_isEnding; ++m_posts) {
+    void run(const std::stop_token& ending) {
+        for (; !ending.stop_requested(); ++m_posts) {
             CMemFile file;
             file.Write("stream", 6);
             m_listener.postMessageToMainFrame(kFromThreads, file);
@@ -44,9 +35,8 @@ class StreamingSender {
     }
 
     NyServerApp& m_listener;
-    std::atomic<bool> m_isEnding = false;
     std::atomic<int> m_posts = 0;
-    std::thread m_thread;
+    std::jthread m_thread;
 };
 
 TEST_F(ListenerPostingThreads, CountsOnlyPostedMessagesWhenTheWindowIsDestroyedMeanwhile) {

@@ -1,7 +1,4 @@
 // What a listener does for its window and its window's thread.
-
-#include <gtest/gtest.h>
-
 #include <optional>
 
 #include "tests/listener/ListenerTest.h"
@@ -38,11 +35,7 @@ class ListenerWindows : public testing::Test {
     void TearDown() override { m_listener.setAppWnd(nullptr); }
 
     void post(int times = 1) {
-        for (int i = 0; i < times; ++i) {
-            CMemFile file;
-            file.Write("x", 1);
-            m_listener.postMessageToMainFrame(NySe::_TM_NYSERVERMESSAGE, file);
-        }
+        for (int i = 0; i < times; ++i) m_listener.post("x");
     }
     void consume(int times = 1) {
         for (int i = 0; i < times; ++i) m_listener.decreasePostMsgCount();
@@ -54,18 +47,6 @@ class ListenerWindows : public testing::Test {
     HostWindow m_window;
     std::optional<peers::Connection> m_peer;
 };
-
-TEST_F(ListenerWindows, ReceiveTheRegisteredMessageWithTheSizeOfItsBlock) {
-    m_peer->send(frame(50) + frame(51, "body") + kProbe);
-    EXPECT_EQ(m_peer->receive(), kAlive);
-    m_window.settle();
-    const auto all = m_window.messages();
-    ASSERT_EQ(all.size(), 2u);
-    EXPECT_EQ(all[0].message, NySe::_TM_NYSERVERMESSAGE);
-    EXPECT_EQ(all[0].size, 8u);
-    EXPECT_EQ(all[1].message, NySe::_TM_NYSERVERMESSAGE);
-    EXPECT_EQ(all[1].size, 12u);
-}
 
 TEST_F(ListenerWindows, PauseTheWorkersWithEachMessageWhenTheLimitIsNone) {
     m_setting.set(1);

@@ -1,7 +1,5 @@
 #include "NyServer/listener/NyServerNotification.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 #include "tests/listener/ListenerTest.h"
