@@ -1,8 +1,5 @@
 #include "NyServer/socket/CUT_WSServer.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "tests/socket/ProbeServer.h"
 
 namespace {
@@ -10,10 +7,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-// The type of the address is part of the exported name.
-static_assert(std::is_same_v<decltype(&CUT_WSServer::TempConnect),
-                             int (CUT_WSServer::*)(unsigned int, char*)>);
 
 TEST(ServerHooks, ReturnFixedValues) {
     struct : CUT_WSServer {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/socket/LocalConnection.h"
 #include "tests/socket/Probes.h"
@@ -88,15 +87,6 @@ TEST_F(ClientConnect, LooksUpTheBroadcastAddressLikeAName) {
     EXPECT_EQ(connect("255.255.255.255", 0), UTE_SOCK_CREATE_FAILED);
     EXPECT_THAT(m_client.codes, ElementsAre(UTE_SUCCESS, UTE_ERROR, UTE_SOCK_CREATE_FAILED))
         << "the look-up reports first";
-}
-
-TEST_F(ClientConnect, RefusesASecondConnection) {
-    ASSERT_EQ(connect(), UTE_SUCCESS);
-    const SOCKET socket = m_client.GetSocket();
-    EXPECT_EQ(connect(), UTE_SOCK_ALREADY_OPEN);
-    EXPECT_EQ(connectBound(), UTE_SOCK_ALREADY_OPEN);
-    EXPECT_EQ(m_client.GetSocket(), socket);
-    EXPECT_EQ(m_client.IsConnected(), 1);
 }
 
 TEST_F(ClientConnect, ReportsASocketThatCannotBeCreated) {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 
@@ -84,8 +83,6 @@ TEST_F(ClientDatagram, SendsToTheStoredPeer) {
     EXPECT_EQ(m_length, 5);
     EXPECT_EQ(port::receive(m_other.get(), m_buffer, sizeof m_buffer, 0), 5);
     EXPECT_STREQ(m_buffer, "hello");
-    EXPECT_EQ(send(std::string(70000, 'x')), UTE_SOCK_SEND_ERROR) << "too long";
-    EXPECT_EQ(m_length, -1);
 }
 
 TEST_F(ClientDatagram, ReceivesWithTheSendersAddress) {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 
@@ -39,16 +38,6 @@ class ClientListen : public testing::Test {
     ProbeClient m_other;
     ProbeClient m_another;
 };
-
-TEST_F(ClientListen, ListensOnTheBoundPort) {
-    EXPECT_EQ(listen(), UTE_SUCCESS);
-    // Socket made, two time-outs on the other socket, which is none, the result.
-    EXPECT_THAT(m_client.codes, ElementsAre(0, -1, -1, 0));
-    EXPECT_NE(m_client.GetAcceptPort(), 0);
-    EXPECT_EQ(m_client.GetSocket(), INVALID_SOCKET);
-    connect(m_other);
-    EXPECT_EQ(listen(), UTE_SOCK_ALREADY_OPEN);
-}
 
 TEST_F(ClientListen, ReportsASocketThatCannotBeCreatedOrCannotListen) {
     m_client.createFails = true;

@@ -1,6 +1,4 @@
 // What waits, and how long. Bounds are wide above, for a busy machine, and exact below.
-#include <chrono>
-
 #include "tests/socket/EndTest.h"
 
 namespace {

@@ -1,42 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <string>
-
-#include "NyServer/base/port/Port.h"
-#include "NyServer/socket/CUT_DataSource.h"
+#include "tests/support/ScriptedSource.h"
 
 namespace {
-
-// A data source in memory.
-class TextSource : public CUT_DataSource {
-  public:
-    explicit TextSource(std::string text) : m_text(std::move(text)) {}
-
-    int failingSeek = -1;  // the number, from 0, of the Seek that fails
-    int seeks = 0;
-
-    CUT_DataSource* Clone() override { return nullptr; }
-    int Open(OpenMsgType) override { return 0; }
-    int Close() override { return 0; }
-    int ReadLine(char*, unsigned int) override { return -1; }
-    int WriteLine(const char*) override { return -1; }
-    int Write(const char*, unsigned int) override { return -1; }
-    int Read(char* buffer, unsigned int count) override {
-        const size_t done = m_text.copy(buffer, count, m_position);
-        m_position += done;
-        return static_cast<int>(done);
-    }
-    long Seek(long offset, int origin) override {
-        if (seeks++ == failingSeek || origin != FILE_BEGIN || offset < 0) return -1;
-        m_position = std::min(static_cast<size_t>(offset), m_text.size());
-        return offset;
-    }
-
-  private:
-    std::string m_text;
-    size_t m_position = 0;
-};
 
 // Text of `size` bytes that holds "needle" at `position`.
 std::string hay(size_t size, size_t position) {
@@ -77,7 +43,7 @@ TEST(DataSourceFind, ReturnsThePositionFromTheBeginning) {
         {"after a zero byte", zeroAt50, "needle", 51, 1, 0, 100},
     };
     for (const auto& row : rows) {
-        TextSource source(row.source);
+        ScriptedSource source(row.source);
         EXPECT_EQ(source.Find(row.text.c_str(), row.start, row.isCaseSensitive, row.maxSearch),
                   row.found)
             << row.story;
@@ -85,7 +51,7 @@ TEST(DataSourceFind, ReturnsThePositionFromTheBeginning) {
 }
 
 TEST(DataSourceFind, RefusesTextsThatCannotBeSearched) {
-    TextSource source(std::string(9000, 'a'));
+    ScriptedSource source(std::string(9000, 'a'));
     EXPECT_EQ(source.Find(nullptr, 0, 1, 0), -1);
     EXPECT_EQ(source.Find("", 0, 1, 0), -1);
     EXPECT_EQ(source.Find(std::string(4096, 'a').c_str(), 0, 1, 0), -1);
@@ -95,7 +61,7 @@ TEST(DataSourceFind, RefusesTextsThatCannotBeSearched) {
 
 TEST(DataSourceFind, FindsAcrossTheBoundaryOfItsWindows) {
     for (size_t position = 4080; position <= 4100; ++position) {
-        TextSource source(hay(9000, position));
+        ScriptedSource source(hay(9000, position));
         EXPECT_EQ(source.Find("needle", 0, 1, 0), static_cast<long>(position));
         EXPECT_EQ(source.Find("NEEDLE", 0, 0, 0), static_cast<long>(position));
     }
@@ -103,7 +69,7 @@ TEST(DataSourceFind, FindsAcrossTheBoundaryOfItsWindows) {
 
 TEST(DataSourceFind, EndsAtAFailedSeek) {
     for (const int failing : {0, 1}) {
-        TextSource source(hay(9000, 5000));
+        ScriptedSource source(hay(9000, 5000));
         source.failingSeek = failing;
         EXPECT_EQ(source.Find("needle", 0, 1, 0), -1);
         EXPECT_EQ(source.seeks, failing + 1);

@@ -147,10 +147,6 @@ Script sendingPieces(std::vector<std::string> pieces, int pauseMs) {
     };
 }
 
-Script collecting(std::string& received) {
-    return [&received](Connection& peer) { received = peer.receiveAll(); };
-}
-
 ResettingPort::ResettingPort() : m_listener(listenOnLoopback(5)) {}
 
 std::vector<NySe::UniqueSocket> connectWhileAnswered(unsigned int port, size_t most) {

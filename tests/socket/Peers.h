@@ -70,8 +70,6 @@ class Peer {
   public:
     explicit Peer(Script script);
     ~Peer();
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
 
     unsigned int port() const { return static_cast<unsigned int>(portOf(m_listener)); }
 
@@ -94,7 +92,6 @@ Script echo();                                    // sends back what comes
 Script silent();                                  // reads, never answers, until the client closes
 Script sending(std::string data);                 // sends, then as silent
 Script sendingAndClosing(std::string data = "");  // sends and closes
-Script collecting(std::string& received);         // keeps all that comes until the client closes
 Script sendingPieces(std::vector<std::string> pieces,
                      int pauseMs);  // a pause between pieces, then as silent
 

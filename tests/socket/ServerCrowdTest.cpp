@@ -1,6 +1,4 @@
 // A thousand connections at once.
-#include <gtest/gtest.h>
-
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/System.h"
 
@@ -70,19 +68,6 @@ TEST_F(ServerCrowd, OutlivesItsServerAndLeaksNothing) {
     m_peers.clear();
     EXPECT_TRUE(awaitDeleted(kCrowd));
     EXPECT_TRUE(eventually([&] { return countThreads() <= m_threads; }, kGenerously));
-}
-
-TEST_F(ServerCrowd, IsRefusedBeyondTheMaximumOnly) {
-    constexpr int kMaximum = 100;
-    constexpr int kTooMany = 200;
-    m_server.SetMaxConnections(kMaximum);
-    connect(kMaximum);
-    ASSERT_TRUE(awaitWorkers(kMaximum));
-    connect(kTooMany);
-    sendToAll("hello");
-    EXPECT_EQ(countAnswered("hello"), kMaximum);
-    EXPECT_TRUE(awaitWorkers(kMaximum));
-    EXPECT_EQ(m_log->count("OnMaxConnect"), kTooMany);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // A server is destroyed at each step of its life. It lives in pages of its own, which nobody may
 // touch afterwards.
-#include <gtest/gtest.h>
-
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
 #include "tests/support/System.h"

@@ -1,9 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <thread>
-
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/System.h"
 

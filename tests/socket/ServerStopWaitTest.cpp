@@ -1,8 +1,5 @@
 // How long StopAccept takes while OnCanAccept does not return. The bound is wide above, for a
 // busy machine.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <semaphore>
 

@@ -1,13 +1,7 @@
 // Servers are started, flooded with connections and destroyed, over and over. Each lives in pages
 // of its own, which nobody may touch once it is destroyed: a thread that did so would end the
 // program.
-
-#include <gtest/gtest.h>
-
-#include <atomic>
-#include <iostream>
 #include <random>
-#include <thread>
 
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/Guarded.h"
@@ -38,8 +32,6 @@ class Flood {
         m_isEnding = true;
         m_thread.join();
     }
-    Flood(const Flood&) = delete;
-    Flood& operator=(const Flood&) = delete;
 
     static inline std::atomic<unsigned int> port = 0;
 
@@ -70,8 +62,6 @@ class Flood {
 
 class ServerStress : public testing::Test {
   protected:
-    ServerStress() { std::cout << "seed " << kSeed << std::endl; }
-
     // One server's hooks: every seventh peer may not enter.
     void script(ProbeServer& server, bool waitsForWorkers) {
         server.log = m_log;
@@ -119,9 +109,6 @@ class ServerStress : public testing::Test {
         EXPECT_TRUE(areDeleted());
         EXPECT_TRUE(eventually([&] { return countThreads() <= m_threadsBefore; }));
         EXPECT_TRUE(eventually([&] { return handleLevel() <= m_handlesBefore + 4; }));
-        std::cout << made() << " made, " << released() << " released; handles " << m_handlesBefore
-                  << " to " << handleLevel() << ", threads " << m_threadsBefore << " to "
-                  << countThreads() << std::endl;
     }
 
     // What the system keeps from the first use does not count.

@@ -1,8 +1,4 @@
 // What a server's own thread, its workers' threads and its peers do to it at the same time.
-#include <gtest/gtest.h>
-
-#include <thread>
-
 #include "tests/socket/ProbeServer.h"
 
 namespace {

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "NyServer/socket/SocketCodes.h"
+#include "tests/socket/LocalConnection.h"
 #include "tests/support/ScriptedSource.h"
 
 namespace {
@@ -67,6 +68,43 @@ TEST(TransferTotal, WrapsAroundAndTheTransferContinues) {
     EXPECT_EQ(totals, (std::vector<long>{kHighest - 44, kLowest + 211, kLowest + 467}));
     EXPECT_EQ(total, kLowest + 467);
     EXPECT_EQ(target.content.size(), 768u);
+}
+
+static_assert(UTE_SUCCESS == 0 && UTE_ERROR == 1 && UTE_WORKER_SEND_FAILED == 4);
+static_assert(UTE_CONNECT_TIMEOUT == 5 && UTE_NAME_LOOKUP_FAILED == 7 && UTE_SOCK_NOT_OPEN == 15);
+static_assert(UTE_SOCK_ALREADY_OPEN == 16 && UTE_SOCK_CREATE_FAILED == 17);
+static_assert(UTE_SOCK_BIND_FAILED == 18 && UTE_SOCK_CONNECT_FAILED == 19);
+static_assert(UTE_SOCK_TIMEOUT == 20 && UTE_SOCK_RECEIVE_ERROR == 21 && UTE_SOCK_SEND_ERROR == 22);
+static_assert(UTE_SOCK_LISTEN_ERROR == 23 && UTE_INVALID_OPEN_TYPE == 26);
+static_assert(UTE_BUFFER_TOO_SHORT == 35 && UTE_DS_OPEN_FAILED == 79 && UTE_DS_WRITE_FAILED == 81);
+static_assert(UTE_ABORTED == 90 && UTE_CONNECT_RESOLVE_FAILED == 92);
+
+bool isOpen(SOCKET socket) {
+    return peers::optionOf(socket, SO_TYPE) == SOCK_STREAM;
+}
+
+// What every NySe::UniqueHandle does, shown with sockets.
+TEST(UniqueSocketTest, ClosesTheHandleThatItHasAndNoOther) {
+    const peers::WinsockSession winsock;
+    NySe::UniqueSocket first = peers::bindToLoopback();
+    NySe::UniqueSocket second = peers::bindToLoopback();
+    NySe::UniqueSocket third = peers::bindToLoopback();
+    const SOCKET handles[] = {first.get(), second.get(), third.get()};
+
+    NySe::UniqueSocket& same = first;
+    first = std::move(same);
+    EXPECT_TRUE(isOpen(handles[0])) << "itself assigned";
+    first.reset(second.release());
+    EXPECT_FALSE(isOpen(handles[0])) << "reset";
+    EXPECT_EQ(first.get(), handles[1]);
+    EXPECT_FALSE(second);
+    first = std::move(third);
+    EXPECT_FALSE(isOpen(handles[1])) << "another assigned";
+    EXPECT_TRUE(isOpen(handles[2]));
+    EXPECT_EQ(third.get(), INVALID_SOCKET);
+    { const NySe::UniqueSocket last = std::move(first); }
+    EXPECT_FALSE(isOpen(handles[2])) << "destroyed";
+    EXPECT_FALSE(first);
 }
 
 }  // namespace

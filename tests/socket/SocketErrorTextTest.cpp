@@ -8,8 +8,6 @@
 
 namespace {
 
-using peers::WinsockSession;
-
 // The FNV-1a hash of the codes that have a text of their own, and of these texts.
 unsigned long long hashOfTexts(const WCHAR* (*textOf)(int), const WideText& ofOthers) {
     unsigned long long hash = 14695981039346656037u;
@@ -33,46 +31,24 @@ TEST(SocketErrorTexts, NeverChange) {
     EXPECT_EQ(WideText(queryErrorText(-1)), _T("GetSockOpt error."));
 }
 
-class SocketErrorTextOf : public testing::Test {
-  protected:
-    // A socket whose connect has been refused, without a thread having waited for it.
-    static NySe::UniqueSocket refused() {
-        NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, 0));
+// A connect that no thread has waited for. The text is the same whether or not the code is asked
+// for.
+TEST(SocketErrorText, NamesARefusedConnect) {
+    const peers::WinsockSession winsock;
+    const peers::RefusingPort nobody;
+    for (const bool isAsked : {true, false}) {
+        const NySe::UniqueSocket socket(port::createSocket(AF_INET, SOCK_STREAM, 0));
         port::setBlocking(socket.get(), false);
-        const peers::RefusingPort nobody;
         port::connectTo(socket.get(), peers::loopbackAddress(nobody.port()));
         EXPECT_TRUE(eventually(
             [&] { return port::waitForConnect(socket.get(), 10000) == port::Readiness::failed; }));
-        return socket;
-    }
-    static NySe::UniqueSocket healthy() {
-        return NySe::UniqueSocket(port::createSocket(AF_INET, SOCK_STREAM, 0));
-    }
-
-    // The text is the same whether or not the code is asked for.
-    static void expectText(NySe::UniqueSocket (*make)(), int code, const WCHAR* text) {
-        const NySe::UniqueSocket sockets[] = {make(), make()};
-        const SOCKET plain[] = {sockets[0].get(), sockets[1].get()};
-        int found = -1;
         port::closeSocket(INVALID_SOCKET);  // the thread's own error is of no concern
-        EXPECT_EQ(WideText(SocketErrorText(&plain[0], &found)), text);
-        EXPECT_EQ(found, code);
-        EXPECT_EQ(WideText(SocketErrorText(&plain[1], nullptr)), text);
+        const SOCKET plain = socket.get();
+        int code = -1;
+        EXPECT_EQ(WideText(SocketErrorText(&plain, isAsked ? &code : nullptr)),
+                  _T("Connection refused."));
+        EXPECT_EQ(code, isAsked ? 10061 : -1);
     }
-
-    WinsockSession m_winsock;
-};
-
-TEST_F(SocketErrorTextOf, AHealthySocketIsNotAvailable) {
-    expectText(healthy, 0, _T("Last error not available"));
-}
-
-TEST_F(SocketErrorTextOf, ARefusedConnectIsNamed) {
-    expectText(refused, 10061, _T("Connection refused."));
-}
-
-TEST_F(SocketErrorTextOf, AnInvalidSocketIsThatOfTheFailedQuery) {
-    expectText([] { return NySe::UniqueSocket(); }, 10038, _T("GetSockOpt error: WSAENOTSOCK"));
 }
 
 }  // namespace

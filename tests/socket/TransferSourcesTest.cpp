@@ -1,6 +1,4 @@
 // Transfers of clients and workers between their connection and data sources or files.
-#include <chrono>
-
 #include "NyServer/socket/CUT_FileDataSource.h"
 #include "tests/socket/EndTest.h"
 #include "tests/support/ScriptedSource.h"

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "NyServer/base/port/Port.h"
 #include "NyServer/socket/CUT_DataSource.h"
 
 // A data source in memory that records what a transfer does with it.
@@ -17,6 +19,8 @@ class ScriptedSource : public CUT_DataSource {
     std::vector<unsigned int> asked;    // the counts of all calls of Read
     std::vector<unsigned int> written;  // the counts of all calls of Write
     int closed = 0;
+    int failingSeek = -1;  // the number, from 0, of the Seek that fails
+    int seeks = 0;
 
     CUT_DataSource* Clone() override { return nullptr; }
     int Open(OpenMsgType type) override {
@@ -40,7 +44,11 @@ class ScriptedSource : public CUT_DataSource {
         content.append(buffer, count);
         return writeResult == -2 ? static_cast<int>(count) : writeResult;
     }
-    long Seek(long, int) override { return -1; }
+    long Seek(long offset, int origin) override {
+        if (seeks++ == failingSeek || origin != FILE_BEGIN || offset < 0) return -1;
+        m_position = std::min(static_cast<size_t>(offset), content.size());
+        return offset;
+    }
 
   private:
     size_t m_position = 0;

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "tests/socket/ProbeServer.h"
 #include "tests/support/windows/WinsockStarts.h"
 

@@ -1,8 +1,5 @@
 // What the socket layer answers after the last WSACleanup of the program. In a program of its own,
 // since every socket of the process is dead meanwhile.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "tests/socket/Probes.h"
 #include "tests/socket/ProbeServer.h"
 

@@ -1,14 +1,11 @@
-// Where the data members stand: derived classes of hosts were compiled against this order.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
+// The binary interface: what hosts, and their derived classes, were compiled against.
 #include <cstring>
-#include <functional>
 
+#include "NyServer/socket/CUT_File.h"
 #include "NyServer/socket/CUT_WSClient.h"
 #include "NyServer/socket/SocketCodes.h"
 #include "tests/socket/ProbeServer.h"
+#include "tests/support/SlotOrder.h"
 
 namespace {
 
@@ -116,6 +113,90 @@ TEST_F(ServerMembers, ReportTheRequestedVersionOfWinsock) {
     std::memset(bytes() + kWinsockData, 0, sizeof(WSADATA));
     ASSERT_EQ(m_server.listen(), UTE_SUCCESS);
     EXPECT_EQ(at<WORD>(kWinsockData), kAskedVersion);
+}
+
+// The functions follow each other from slot 2 on, after the destructors.
+template <class... Functions>
+void expectOrder(Functions... functions) {
+    size_t next = 2;
+    for (const size_t slot : {slotOf(functions)...}) EXPECT_EQ(slot, next++);
+    EXPECT_EQ(next, 2 + sizeof...(functions));
+}
+
+TEST(SlotOrder, OfAFile) {
+    using F = CUT_File;
+    expectOrder(&F::Open, &F::Close, &F::Read, &F::Write, &F::Seek, &F::GetSize);
+}
+
+TEST(SlotOrder, OfADataSource) {
+    using D = CUT_DataSource;
+    expectOrder(&D::Clone, &D::Open, &D::Close, &D::ReadLine, &D::WriteLine, &D::Read, &D::Write,
+                &D::Seek, &D::Find);
+}
+
+TEST(SlotOrder, OfAClient) {
+    struct C : CUT_WSClient {
+        static void check() {
+            const auto sendSource = static_cast<int (C::*)(CUT_DataSource&)>(&C::Send);
+            const auto sendBytes = static_cast<int (C::*)(const char*, int)>(&C::Send);
+            const auto receiveSource =
+                static_cast<int (C::*)(CUT_DataSource&, OpenMsgType, int, long)>(&C::Receive);
+            const auto receiveBytes = static_cast<int (C::*)(char*, int, int)>(&C::Receive);
+            expectOrder(&C::Connect, &C::ConnectBound, &C::CreateUDPSocket, &C::CreateSocket,
+                        &C::CloseConnection, &C::InitAsync, &C::WaitForConnect, &C::WaitForAccept,
+                        &C::AcceptConnection, sendSource, sendBytes, &C::SendAsLine, &C::SendFile,
+                        &C::SendTo, &C::WaitForSend, receiveSource, receiveBytes, &C::ReceiveToFile,
+                        &C::ReceiveLine, &C::ClearReceiveBuffer, &C::ReceiveFrom,
+                        &C::WaitForReceive, &C::OnError, &C::ReceiveFileStatus, &C::SendFileStatus,
+                        &C::IsAborted, &C::OnAsyncNotify, &C::OnAsyncGetNameNotify,
+                        &C::OnAsyncGetAddressNotify);
+        }
+    };
+    C::check();
+}
+
+TEST(SlotOrder, OfAWorker) {
+    using W = CUT_WSThread;
+    const auto sendBytes = static_cast<int (W::*)(const char*, int, int)>(&W::Send);
+    const auto sendSource = static_cast<int (W::*)(CUT_DataSource&, long&)>(&W::Send);
+    const auto receiveBytes = static_cast<int (W::*)(char*, int, int)>(&W::Receive);
+    const auto receiveSource =
+        static_cast<int (W::*)(CUT_DataSource&, long&, OpenMsgType, int)>(&W::Receive);
+    expectOrder(sendBytes, sendSource, &W::SendAsLine, &W::SendFile, receiveBytes, receiveSource,
+                &W::ReceiveToFile, &W::ReceiveLine, &W::OnConnect, &W::OnMaxConnect, &W::OnReserved,
+                &W::ReceiveFileStatus, &W::SendFileStatus, &W::OnError);
+}
+
+TEST(SlotOrder, OfAServer) {
+    struct S : CUT_WSServer {
+        static void check() {
+            expectOrder(&S::ConnectToPort, &S::Pause, &S::Resume, &S::CreateInstance,
+                        &S::ReleaseInstance, &S::OnCanAccept, &S::OnStatus, &S::OnError);
+        }
+    };
+    S::check();
+}
+
+// By name from the module, as a caller without a header does.
+int exportedInt(const char* name) {
+    const HMODULE module = ::GetModuleHandleW(L"NyServerDll.dll");
+    const auto address = reinterpret_cast<const void*>(::GetProcAddress(module, name));
+    return address ? *static_cast<const int*>(address) : -1;
+}
+
+TEST(ExportedCodes, AreExportedAndImportedAsData) {
+    EXPECT_EQ(exportedInt("NY_UTE_SUCCESS"), 0);
+    EXPECT_EQ(exportedInt("NY_UTE_ERROR"), 1);
+    EXPECT_EQ(exportedInt("NY_UTE_SOCK_BIND_FAILED"), 18);
+    EXPECT_EQ(NY_UTE_SUCCESS, UTE_SUCCESS);
+    EXPECT_EQ(NY_UTE_ERROR, UTE_ERROR);
+    EXPECT_EQ(NY_UTE_SOCK_BIND_FAILED, UTE_SOCK_BIND_FAILED);
+}
+
+TEST(ExportedCodes, AreReadOnly) {
+    MEMORY_BASIC_INFORMATION page{};
+    ASSERT_NE(::VirtualQuery(&NY_UTE_SOCK_BIND_FAILED, &page, sizeof page), 0u);
+    EXPECT_EQ(page.Protect, static_cast<DWORD>(PAGE_READONLY));
 }
 
 }  // namespace
