@@ -22,6 +22,8 @@ NyServerThreadApp::NyServerThreadApp(NyServerApp* server)
     port::useNormalPriority();
 }
 
+NyServerThreadApp::~NyServerThreadApp() = default;
+
 void NyServerThreadApp::setPaused(bool isPaused) {
     if (isPaused) m_released.reset();
     m_isPaused.store(isPaused, std::memory_order_relaxed);

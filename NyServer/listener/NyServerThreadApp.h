@@ -19,6 +19,8 @@ class NYSERVER_API NyServerThreadApp : public CUT_WSThread {
   public:
     // Sets the priority of the calling thread to normal. `server` is not owned.
     explicit NyServerThreadApp(NyServerApp* server);
+    // In the library, because the port is not exported.
+    ~NyServerThreadApp() override;
 
     // Serves the peer until it disconnects, announces a body that is too long, or the server's
     // shut-down flag is set. The bytes of the action must arrive within 1 s, those of the length

@@ -24,26 +24,24 @@ inline constexpr int kSignalled = 128;
 class HeldCommand {
   public:
     // Starts the command, which is looked for as a shell does.
-    explicit HeldCommand(const std::vector<std::string>& words);
+    static std::unique_ptr<HeldCommand> start(const std::vector<std::string>& words);
     // Ends the command, as terminate does, if it still runs.
-    ~HeldCommand();
+    virtual ~HeldCommand() = default;
     HeldCommand(const HeldCommand&) = delete;
     HeldCommand& operator=(const HeldCommand&) = delete;
 
     // Returns the exit status when the command has ended, after waiting for that for at most the
     // time. kNotFound or kNotExecutable if it was not started. 1 if the system does not report the
     // status.
-    std::optional<int> wait(DWORD milliseconds);
-    bool isStarted() const;
+    virtual std::optional<int> wait(DWORD milliseconds) = 0;
+    virtual bool isStarted() const = 0;
 
     // Ends the command: with SIGTERM, which it may ignore; on Windows by force, with the status of
     // SIGTERM.
-    void terminate();
+    virtual void terminate() = 0;
 
-  private:
-    class Process;
-
-    std::unique_ptr<Process> m_process;
+  protected:
+    HeldCommand() = default;
 };
 
 }  // namespace apps::nyctl

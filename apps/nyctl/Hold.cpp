@@ -92,17 +92,17 @@ ExitStatus Hold::runAndRelease() const {
 }
 
 int Hold::runCommand() const {
-    HeldCommand command(m_request.command);
-    if (!command.isStarted())
+    const auto command = HeldCommand::start(m_request.command);
+    if (!command->isStarted())
         Output::complain("the command " + m_request.command.front() + " cannot be started");
-    if (StopRequest::isRequested()) command.terminate();  // requested while it was started
+    if (StopRequest::isRequested()) command->terminate();  // requested while it was started
     AliveCheck check(m_context.client());
     for (bool isHeld = true;;) {
-        if (const auto status = command.wait(kRound)) return *status;
+        if (const auto status = command->wait(kRound)) return *status;
         if (!isHeld || check.isAlive()) continue;
         isHeld = false;
         Output::complain("the connection to the server was lost, and the lock with it");
-        command.terminate();
+        command->terminate();
         m_context.session.close();
     }
 }

@@ -68,7 +68,7 @@ TEST_P(ClientCalls, ReadNothingWhenTheRequestCannotBeSent) {
     const std::string answer = GetParam().answers.front().pieces.front();
     serveRequest("", answer);
     const SOCKET socket = NySeClientAppAccess::socket(client);
-    ASSERT_EQ(0, ::shutdown(socket, SD_SEND));
+    ASSERT_TRUE(port::finishSending(socket));
     EXPECT_EQ(GetParam().failure, call());
     std::string unread(answer.size() + 1, '\0');
     const int length = static_cast<int>(unread.size());

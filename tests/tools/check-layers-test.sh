@@ -38,6 +38,8 @@ after_adding '#include <afx.h>' base/qo/Added.h
 accepts check-layers
 after_adding '#include "NyServer/base/support/SmallBlocks.h"' base/qo/Added.h
 accepts check-layers
+after_adding '#include <afx.h>' socket/Added.cpp
+accepts check-layers
 
 after_adding '#include "NyServer/framing/NySeMemFile.h"' records/Added.h
 rejects check-layers 'records must not include NyServer/framing/NySeMemFile.h of layer framing'
@@ -51,8 +53,8 @@ after_adding '#include <afx.h>' base/support/Added.h
 rejects check-layers 'base/support must not include NyServer/base/mfc/afx.h'
 after_adding '  #  include "../records/NySeUser.h"' socket/Added.cpp
 rejects check-layers 'socket must not include NyServer/records/NySeUser.h'
-after_adding '#include <afx.h>' socket/Added.cpp
-rejects check-layers 'socket must not include NyServer/base/mfc/afx.h'
+after_adding '#include <afx.h>' base/port/Added.h
+rejects check-layers 'base/port must not include NyServer/base/mfc/afx.h'
 after_adding '#include "NyServer/base/WindowsPrelude.h"' framing/Added.h
 rejects check-layers 'framing must not include NyServer/base/WindowsPrelude.h'
 after_adding '#include <process.h>' records/Added.h

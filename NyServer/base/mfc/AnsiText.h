@@ -1,5 +1,5 @@
 // Converts text in the active ANSI code page to UTF-16. One implementation per platform, in
-// windows/ and native/.
+// windows/ and posix/.
 #pragma once
 
 #include "detail/AfxText.h"

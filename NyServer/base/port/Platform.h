@@ -1,5 +1,5 @@
-// The platform's integer types, characters and socket types, under the names that the described
-// interfaces use. Together with Port.h the only place that tests for the platform.
+// The platform's integer types, characters and socket types, under their names on Windows. Together
+// with Port.h the only place that tests for the platform.
 #pragma once
 
 #include <cstddef>

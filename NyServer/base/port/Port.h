@@ -1,7 +1,6 @@
 // What the library needs of the platform: time, threads, locks, sockets, files, and the identity of
-// the machine. This header declares it, and windows/ and posix/ implement it. The layers
-// `socket`, `client` and `listener` call no other function of the system, except for what only
-// Windows has, which lies in their folders `windows`.
+// the machine. This header declares it, and windows/ and posix/ implement it. The other layers call
+// the system only in their folders `windows` and `posix`.
 //
 // No function throws unless said otherwise.
 #pragma once
@@ -197,9 +196,10 @@ unsigned long waitingBytes(SOCKET socket);
 // address.
 bool lookUpAddress(const char* name, in_addr& address);
 
-// Looks up the name of a host. Returns false, with `name` unchanged, if there is none or `size`
-// bytes are not enough for it.
+// The result of lookUpName. tooLong: `size` bytes are not enough.
 enum class LookUp { found, notFound, tooLong };
+
+// Looks up the name of a host. `name` is changed only if it is found.
 LookUp lookUpName(in_addr address, char* name, int size);
 
 // Stores this host's name with a terminator. Returns false on failure.

@@ -93,10 +93,8 @@ int spawnOrInterpret(const std::vector<std::string>& words, pid_t& command) {
     return spawn(interpreted, command);
 }
 
-}  // namespace
-
 // The handlers of signals are set while it exists.
-class HeldCommand::Process {
+class Process : public HeldCommand {
   public:
     explicit Process(const std::vector<std::string>& words) {
         s_childEvent = m_childEvent;
@@ -106,31 +104,29 @@ class HeldCommand::Process {
         action.sa_flags = SA_RESTART | SA_SIGINFO | SA_NOCLDSTOP;
         for (std::size_t i = 0; i < std::size(kSignals); ++i)
             setHandler(kSignals[i], action, m_earlier[i]);
-        m_error = start(words);
+        m_error = startCommand(words);
     }
-    ~Process() {
-        if (s_command > 0) terminate();
+    ~Process() override {
+        if (s_command > 0) passOn(SIGTERM);
         s_command = 0;
         for (std::size_t i = 0; i < std::size(kSignals); ++i)
             ::sigaction(kSignals[i], &m_earlier[i], nullptr);
         ::close(m_childEvent);
     }
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
 
-    bool isStarted() const { return m_error == 0; }
+    bool isStarted() const override { return m_error == 0; }
 
-    std::optional<int> wait(int milliseconds) {
+    std::optional<int> wait(DWORD milliseconds) override {
         if (!isStarted()) return m_error == ENOENT ? kNotFound : kNotExecutable;
         if (const auto status = ended()) return status;
         pollfd waiting{m_childEvent, POLLIN, 0};
-        ::poll(&waiting, 1, milliseconds);
+        ::poll(&waiting, 1, static_cast<int>(milliseconds));
         eventfd_t discarded;
         ::eventfd_read(m_childEvent, &discarded);
         return ended();
     }
 
-    void terminate() const { passOn(SIGTERM); }
+    void terminate() override { passOn(SIGTERM); }
 
   private:
     // A signal that was ignored stays ignored, also by the command.
@@ -142,7 +138,7 @@ class HeldCommand::Process {
 
     // Returns 0 or the error number. A terminal's signal that arrives meanwhile may reach the
     // command twice; none is lost.
-    static int start(const std::vector<std::string>& words) {
+    static int startCommand(const std::vector<std::string>& words) {
         pid_t command = 0;
         if (const int error = spawnOrInterpret(words, command)) return error;
         const BlockedSignals blocked;
@@ -169,21 +165,10 @@ class HeldCommand::Process {
     int m_error = 0;
 };
 
-HeldCommand::HeldCommand(const std::vector<std::string>& words)
-    : m_process(std::make_unique<Process>(words)) {}
+}  // namespace
 
-HeldCommand::~HeldCommand() = default;
-
-std::optional<int> HeldCommand::wait(DWORD milliseconds) {
-    return m_process->wait(static_cast<int>(milliseconds));
-}
-
-bool HeldCommand::isStarted() const {
-    return m_process->isStarted();
-}
-
-void HeldCommand::terminate() {
-    m_process->terminate();
+std::unique_ptr<HeldCommand> HeldCommand::start(const std::vector<std::string>& words) {
+    return std::make_unique<Process>(words);
 }
 
 }  // namespace apps::nyctl

@@ -86,15 +86,13 @@ NySe::UniqueKernelHandle makeJob() {
     return job;
 }
 
-}  // namespace
-
-class HeldCommand::Process {
+class Process : public HeldCommand {
   public:
-    explicit Process(const std::vector<std::string>& words) : m_error(start(words)) {}
+    explicit Process(const std::vector<std::string>& words) : m_error(startCommand(words)) {}
 
-    bool isStarted() const { return m_error == 0; }
+    bool isStarted() const override { return m_error == 0; }
 
-    std::optional<int> wait(DWORD milliseconds) const {
+    std::optional<int> wait(DWORD milliseconds) override {
         if (!isStarted()) return isNotFound() ? kNotFound : kNotExecutable;
         if (::WaitForSingleObject(m_process.get(), milliseconds) != WAIT_OBJECT_0)
             return std::nullopt;
@@ -103,7 +101,7 @@ class HeldCommand::Process {
         return static_cast<int>(status);
     }
 
-    void terminate() const { ::TerminateJobObject(m_job.get(), kSignalled + kSigterm); }
+    void terminate() override { ::TerminateJobObject(m_job.get(), kSignalled + kSigterm); }
 
   private:
     bool isNotFound() const {
@@ -111,7 +109,7 @@ class HeldCommand::Process {
     }
 
     // It begins to run in the job only. Returns 0 or the error number.
-    DWORD start(const std::vector<std::string>& words) {
+    DWORD startCommand(const std::vector<std::string>& words) {
         CString line = fromUtf8(commandLine(words));
         STARTUPINFOEXW info{};
         info.StartupInfo.cb = sizeof info;
@@ -133,21 +131,10 @@ class HeldCommand::Process {
     const DWORD m_error;
 };
 
-HeldCommand::HeldCommand(const std::vector<std::string>& words)
-    : m_process(std::make_unique<Process>(words)) {}
+}  // namespace
 
-HeldCommand::~HeldCommand() = default;
-
-std::optional<int> HeldCommand::wait(DWORD milliseconds) {
-    return m_process->wait(milliseconds);
-}
-
-bool HeldCommand::isStarted() const {
-    return m_process->isStarted();
-}
-
-void HeldCommand::terminate() {
-    m_process->terminate();
+std::unique_ptr<HeldCommand> HeldCommand::start(const std::vector<std::string>& words) {
+    return std::make_unique<Process>(words);
 }
 
 }  // namespace apps::nyctl

@@ -24,17 +24,17 @@ int statusOf(HeldCommand& command) {
 
 TEST(HeldCommand, ReceivesTheSignalsOfProcesses) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGUSR1, SIGUSR2}) {
-        HeldCommand command({"sleep", "100"});
+        const auto command = HeldCommand::start({"sleep", "100"});
         ::kill(::getpid(), signal);
-        EXPECT_EQ(128 + signal, statusOf(command));
+        EXPECT_EQ(128 + signal, statusOf(*command));
     }
 }
 
 // As after a child that something else has waited for.
 TEST(HeldCommand, FailsWhenItsStatusIsUnknown) {
-    HeldCommand command({"true"});
+    const auto command = HeldCommand::start({"true"});
     ::waitpid(-1, nullptr, 0);
-    EXPECT_EQ(1, statusOf(command));
+    EXPECT_EQ(1, statusOf(*command));
 }
 
 TEST(HeldCommand, MayBeAScriptWithoutAnInterpreter) {
@@ -42,8 +42,8 @@ TEST(HeldCommand, MayBeAScriptWithoutAnInterpreter) {
     const std::string script = std::filesystem::path(folder.path("script")).string();
     std::ofstream(script) << "exit $(($# + $1))\n";
     std::filesystem::permissions(script, std::filesystem::perms::owner_all);
-    HeldCommand byPath({script, "7"});
-    EXPECT_EQ(8, statusOf(byPath));
+    const auto byPath = HeldCommand::start({script, "7"});
+    EXPECT_EQ(8, statusOf(*byPath));
 }
 
 TEST(HeldCommand, MayBeAScriptOfThePath) {
@@ -55,8 +55,8 @@ TEST(HeldCommand, MayBeAScriptOfThePath) {
     ::setenv("PATH", (std::filesystem::path(script).parent_path().string() + ":" + earlier).c_str(),
              1);
     {
-        HeldCommand byName({"ny-test-script"});
-        EXPECT_EQ(9, statusOf(byName));
+        const auto byName = HeldCommand::start({"ny-test-script"});
+        EXPECT_EQ(9, statusOf(*byName));
     }
     ::setenv("PATH", earlier.c_str(), 1);
 }

@@ -7,7 +7,7 @@
 namespace {
 
 // Most of these cannot be provoked at will.
-TEST(ErrorNumber, IsTheDescribedOneOfTheSystems) {
+TEST(ErrorNumber, IsThatOfWinsock) {
     const std::pair<int, int> rows[] = {
         {EINTR, 10004},           {EACCES, 10013},
         {EPERM, 10013},           {EFAULT, 10014},
@@ -31,9 +31,9 @@ TEST(ErrorNumber, IsTheDescribedOneOfTheSystems) {
         {EHOSTUNREACH, 10065},    {0, 0},
         {ELOOP, 10107},  // any other
     };
-    for (const auto& [system, described] : rows) {
+    for (const auto& [system, winsock] : rows) {
         errno = system;
-        EXPECT_EQ(port::lastSocketError(), described) << system;
+        EXPECT_EQ(port::lastSocketError(), winsock) << system;
     }
 }
 

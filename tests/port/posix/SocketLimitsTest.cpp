@@ -1,4 +1,4 @@
-// Arguments and states that POSIX systems treat otherwise than the described interface.
+// Arguments and states that POSIX systems treat otherwise than Winsock.
 #include <gtest/gtest.h>
 
 #include <cerrno>

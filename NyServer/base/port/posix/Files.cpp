@@ -13,7 +13,7 @@
 namespace port {
 namespace {
 
-// Positions and sizes keep their low 32 bits, as the described interface has them.
+// Positions and sizes keep their low 32 bits, as on Windows.
 long lowBits(off_t value) {
     return static_cast<long>(static_cast<std::int32_t>(value));
 }
@@ -48,8 +48,8 @@ int openAtOnce(const char* name, int flags) {
     return file;
 }
 
-// Whether no one else of this library writes the file, or has it open when it is to be written.
-// A file system without locks is used without them.
+// Returns whether the file may be shared: by any number of readers, or by one writer. Only files
+// that this library has open count. A file system without locks is used without them.
 bool isShareable(int file, DWORD access) {
     const int kind = (access & GENERIC_WRITE) ? LOCK_EX : LOCK_SH;
     return ::flock(file, kind | LOCK_NB) == 0 || errno != EWOULDBLOCK;

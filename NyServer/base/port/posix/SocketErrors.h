@@ -1,4 +1,4 @@
-// The described numbers of the system's errors.
+// Winsock's numbers for the system's errors.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace port {
 
 struct ErrorRow {
     int system;
-    int described;
+    int winsock;
 };
 
 inline constexpr ErrorRow kErrors[] = {
@@ -54,13 +54,13 @@ inline constexpr ErrorRow kErrors[] = {
     {EHOSTUNREACH, WSAEHOSTUNREACH},
 };
 
-// An error that has no described number is a failed system call: its own number may be that of
-// another described error.
-inline int describedError(int error) {
+// An error that Winsock has no number for is a failed system call: its own number may be that of
+// another error of Winsock.
+inline int winsockError(int error) {
     if (error == 0) return 0;
     const auto* const row = std::find_if(std::begin(kErrors), std::end(kErrors),
                                          [error](auto& known) { return known.system == error; });
-    return row == std::end(kErrors) ? WSASYSCALLFAILURE : row->described;
+    return row == std::end(kErrors) ? WSASYSCALLFAILURE : row->winsock;
 }
 
 }  // namespace port

@@ -84,8 +84,8 @@ bool isBlocking(SOCKET socket) {
     return (::fcntl(socket, F_GETFL) & O_NONBLOCK) == 0;
 }
 
-// The described number of a send on a connection without a way out. After an own finishSending the
-// number stays, unless the peer has closed, too: that end looks like a reset.
+// Returns the system's error number for a send that failed with EPIPE: not connected, reset by the
+// peer, or ended by finishSending. If the peer has closed too, the last two look the same: reset.
 int errorOfBrokenPipe(SOCKET socket) {
     const Stream stream = streamOf(socket);
     if (stream == Stream::notConnected) return ENOTCONN;
@@ -93,7 +93,7 @@ int errorOfBrokenPipe(SOCKET socket) {
 }
 
 // Returns the result of a transfer. The end of a blocking one at its time-out has an error number
-// of its own in the described interface.
+// of its own in Winsock.
 int transferred(SOCKET socket, ssize_t result) {
     if (result == -1 && errno == EWOULDBLOCK && isBlocking(socket)) errno = ETIMEDOUT;
     if (result == -1 && errno == EPIPE) errno = errorOfBrokenPipe(socket);
@@ -176,7 +176,7 @@ bool startSockets(WSADATA& data) {
 void stopSockets() {}
 
 int lastSocketError() {
-    return describedError(errno);
+    return winsockError(errno);
 }
 
 SOCKET createSocket(int family, int type, int protocol) {
@@ -309,7 +309,7 @@ int getSocketOption(SOCKET socket, int option, void* value, int length) {
     socklen_t size = static_cast<socklen_t>(length);
     if (::getsockopt(socket, SOL_SOCKET, option, value, &size) != 0) return -1;
     if (isBufferSize(option)) number /= 2;  // the system reserves and reports twice the size
-    if (option == SO_ERROR) number = describedError(number);
+    if (option == SO_ERROR) number = winsockError(number);
     return 0;
 }
 

@@ -2,7 +2,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <ctime>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -15,55 +16,26 @@
 namespace port {
 namespace {
 
-// A condition and its mutex, on the monotonic clock.
+// A condition and its mutex. Waits are on the monotonic clock.
 class Condition {
   public:
-    explicit Condition(bool isSet) : m_isSet(isSet) {
-        pthread_condattr_t attributes;
-        ::pthread_condattr_init(&attributes);
-        ::pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-        ::pthread_cond_init(&m_changed, &attributes);
-        ::pthread_condattr_destroy(&attributes);
-    }
-    Condition(const Condition&) = delete;
-    Condition& operator=(const Condition&) = delete;
-    ~Condition() {
-        ::pthread_cond_destroy(&m_changed);
-        ::pthread_mutex_destroy(&m_mutex);
-    }
+    explicit Condition(bool isSet) : m_isSet(isSet) {}
 
     void change(bool isSet) {
-        ::pthread_mutex_lock(&m_mutex);
+        const std::lock_guard<std::mutex> lock(m_mutex);
         m_isSet = isSet;
-        if (isSet) ::pthread_cond_broadcast(&m_changed);
-        ::pthread_mutex_unlock(&m_mutex);
+        if (isSet) m_changed.notify_all();
     }
 
     bool wait(DWORD milliseconds) {
-        const timespec deadline = after(milliseconds);
-        ::pthread_mutex_lock(&m_mutex);
-        while (!m_isSet && ::pthread_cond_timedwait(&m_changed, &m_mutex, &deadline) == 0) {
-        }
-        const bool isSet = m_isSet;
-        ::pthread_mutex_unlock(&m_mutex);
-        return isSet;
+        std::unique_lock<std::mutex> lock(m_mutex);
+        return m_changed.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                                  [this] { return m_isSet; });
     }
 
   private:
-    static timespec after(DWORD milliseconds) {
-        timespec time{};
-        ::clock_gettime(CLOCK_MONOTONIC, &time);
-        time.tv_sec += milliseconds / 1000;
-        time.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
-        if (time.tv_nsec >= 1'000'000'000) {
-            ++time.tv_sec;
-            time.tv_nsec -= 1'000'000'000;
-        }
-        return time;
-    }
-
-    pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
-    pthread_cond_t m_changed{};
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
     bool m_isSet;
 };
 
@@ -134,17 +106,13 @@ std::uintptr_t numberOf(std::thread& thread) {
 }  // namespace
 
 ULONGLONG milliseconds() {
-    timespec time{};
-    ::clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<ULONGLONG>(time.tv_sec) * 1000 +
-           static_cast<ULONGLONG>(time.tv_nsec) / 1'000'000;
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<ULONGLONG>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
 }
 
 void sleep(DWORD milliseconds) {
-    timespec left{static_cast<time_t>(milliseconds / 1000),
-                  static_cast<long>(milliseconds % 1000) * 1'000'000};
-    while (::nanosleep(&left, &left) == -1 && errno == EINTR) {
-    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 DWORD currentThreadId() {

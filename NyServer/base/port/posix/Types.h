@@ -24,7 +24,6 @@ typedef unsigned long long ULONGLONG;
 typedef char16_t WCHAR;
 typedef WCHAR TCHAR;
 typedef const char* LPCSTR;
-typedef char* LPSTR;
 typedef const WCHAR* LPCWSTR;
 typedef WCHAR* LPWSTR;
 typedef LPCWSTR LPCTSTR;
@@ -43,14 +42,11 @@ typedef INT_PTR LPARAM;
 typedef INT_PTR LRESULT;
 #define CALLBACK
 
-// Sockets. The error numbers are those of the described interface (WSAE...), so that results,
-// texts and logs are the same on every platform: do not change them.
+// Sockets. The error numbers are Winsock's (WSAE...), so that results, texts and logs are the same
+// on every platform: do not change them.
 typedef int SOCKET;
 inline constexpr SOCKET INVALID_SOCKET = -1;
 inline constexpr int SOCKET_ERROR = -1;
-inline constexpr int SD_RECEIVE = SHUT_RD;
-inline constexpr int SD_BOTH = SHUT_RDWR;
-inline constexpr int SD_SEND = SHUT_WR;
 
 struct WSADATA {
     WORD wVersion;
