@@ -4,6 +4,7 @@
 #include <memory>
 #include <thread>
 
+#include "NyServer/base/port/Port.h"
 #include "tests/support/Gate.h"
 
 namespace {
