@@ -17,6 +17,18 @@ class RecordingListener : public ProbeListener {
     bool isRefusing = false;
 };
 
+// Leaves it to the destructor of NyServerApp to end the connections.
+class UnendedListener : public NyServerApp {
+  public:
+    explicit UnendedListener(std::shared_ptr<ProbeListenerWorker::Script> script)
+        : m_script(std::move(script)) {}
+
+  private:
+    CUT_WSThread* CreateInstance() override { return new ProbeListenerWorker(this, m_script); }
+
+    std::shared_ptr<ProbeListenerWorker::Script> m_script;
+};
+
 struct CountingWorker : NyServerThreadApp {
     CountingWorker(NyServerApp* server, int& count) : NyServerThreadApp(server), deleted(count) {}
     ~CountingWorker() override { ++deleted; }
@@ -112,19 +124,23 @@ bool isClosed(const peers::Connection& peer) {
     return port::receive(peer.socket(), &byte, 1, 0) == 0;
 }
 
+// The worker waits for a body, so it ends neither at once nor by itself.
 TEST_F(ListenerServer, EndsItsWorkersWhenItIsDestroyed) {
-    auto listener = std::make_unique<NyServerApp>();
+    const auto script = std::make_shared<ProbeListenerWorker::Script>();
+    std::unique_ptr<NyServerApp> listener = std::make_unique<UnendedListener>(script);
     ASSERT_EQ(listener->Start(), UTE_SUCCESS);
     listener->SetPort(listener->GetBoundPort());
     auto peer = peers::connectionTo(listener->GetBoundPort());
-    peer.send(kProbe);
-    ASSERT_EQ(peer.receive(), kAlive);
+    peer.send(frame(50, "a").substr(0, 8));
+    ASSERT_TRUE(eventually([&] { return script->all().size() == 3; }));
     std::atomic<bool> isGone = false;
     std::thread end([&] {
         listener.reset();
         EXPECT_TRUE(isClosed(peer));
         isGone = true;
     });
+    EXPECT_FALSE(eventually([&] { return isGone.load(); }, std::chrono::seconds(1)));
+    peer.send("a");
     EXPECT_TRUE(eventually([&] { return isGone.load(); }, std::chrono::seconds(20)));
     peer.finishSending();  // ends a worker that has not been told
     end.join();
