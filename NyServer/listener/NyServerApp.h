@@ -89,7 +89,8 @@ class NYSERVER_API NyServerApp : public CUT_WSServer {
     // be called already, and resets the count as setAppWnd does; what the previous function
     // consumes is not subtracted from the count of the new one. At most 10,000 notifications and
     // 256 MiB wait; further ones are dropped, which only peers that ignore the back pressure reach.
-    // Returns false, with nothing changed, if out of memory or threads. REQUIRES: not called by the function.
+    // Returns false, with nothing changed, if out of memory or threads. REQUIRES: not called by the
+    // function.
     bool setReceiver(Receiver receiver);
 
     // The port on which Start listens, in host order.

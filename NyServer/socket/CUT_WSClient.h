@@ -26,9 +26,10 @@ class HostLookUps;  // defined on Windows only
 //
 // Results: unless said otherwise, an int result is a code of SocketCodes.h, passed through OnError.
 // No function throws. WSAGetLastError, on Linux errno, has the error number of the system directly
-// after the failed call, and SocketErrorText reads the pending error of GetSocket(). Time-outs of operations are in
-// seconds, those of the socket in milliseconds. Text is in the active ANSI code page, addresses are
-// dotted IPv4, ports are in host order. Pointer arguments must not be null unless said otherwise.
+// after the failed call, and SocketErrorText reads the pending error of GetSocket(). Time-outs of
+// operations are in seconds, those of the socket in milliseconds. Text is in the active ANSI code
+// page, addresses are dotted IPv4, ports are in host order. Pointer arguments must not be null
+// unless said otherwise.
 //
 // All calls within the class to virtual functions are virtual, so an override affects the
 // operations that are built on it. The order of the virtual functions is part of the binary
@@ -235,13 +236,15 @@ class NYSERVER_API CUT_WSClient {
     int GetHostAddress(char* address, int maxLen, int useSocket);
 
     // Makes the socket non-blocking and has OnAsyncNotify called for `events` (FD_ values) of it.
-    // Returns UTE_SUCCESS or UTE_ERROR, on Linux always the latter. REQUIRES: InitAsync has succeeded.
+    // Returns UTE_SUCCESS or UTE_ERROR, on Linux always the latter. REQUIRES: InitAsync has
+    // succeeded.
     int SetAsyncNotify(long events);
 
     // Start a look-up whose end is announced to OnAsyncGetAddressNotify or OnAsyncGetNameNotify.
     // Before that the system writes the HOSTENT into the object's host buffer, which all look-ups
     // share: start one at a time. The last two arguments are not used. Return UTE_SUCCESS if the
-    // system accepted the request, else UTE_ERROR, on Linux always. REQUIRES: InitAsync has succeeded.
+    // system accepted the request, else UTE_ERROR, on Linux always. REQUIRES: InitAsync has
+    // succeeded.
     int AsyncGetAddressFromName(const char* name, char* address, int maxLen);
     int AsyncGetNameFromAddress(const char* address, char* name, int maxLen);
 
