@@ -43,10 +43,10 @@ class NYSERVER_API NySeClientApp {
     int connect(int port, const char* address, int timeout);
     // Sends the disconnect code and closes the connection. Returns false if the close failed.
     bool disconnect();
-    // Ends both directions of the connection: a call that waits on it fails at once, and so do
-    // later ones. Any thread may call it while another is in such a call. The connection is still
-    // to be closed by disconnect. REQUIRES: connected; not called during connect, disconnect or
-    // destruction.
+    // Ends both directions of the connection: a call that waits on it fails at once, on Windows at
+    // the latest when the server has closed its end too, and so do later calls. Any thread may call
+    // it while another is in such a call. The connection is still to be closed by disconnect.
+    // REQUIRES: connected; not called during connect, disconnect or destruction.
     void interrupt();
     // Returns 1 while the server keeps the connection open, else 0.
     int IsConnected();

@@ -71,12 +71,10 @@ TEST(ClientThreads, MayShareAClientUnderALock) {
 
 TEST(ClientThreads, MayInterruptACallThatWaits) {
     Gate asked;
-    Gate closed;
     const peers::Peer server([&](peers::Connection& connection) {
         EXPECT_FALSE(connection.receive().empty());
         asked.meet(2);
         EXPECT_TRUE(connection.awaitClose());
-        closed.meet(2);
     });
     NySeClientApp client;
     ASSERT_EQ(0, client.connect(static_cast<int>(server.port()), "127.0.0.1", -1));
@@ -87,7 +85,6 @@ TEST(ClientThreads, MayInterruptACallThatWaits) {
     thread.join();
     EXPECT_FALSE(client.isAlive()) << "later calls fail, too";
     EXPECT_LT(port::milliseconds() - begin, 10'000U);
-    EXPECT_TRUE(closed.meet(2));
     client.disconnect();
 }
 

@@ -110,7 +110,7 @@ TEST_F(ClientIsConnected, IsFalseAndNonBlockingWithALongDatagramWaiting) {
 }
 
 // Its peek fails as "not connected", which is none of the errors that tell a dead connection.
-// Later receives fail on one system, and find the end on another.
+// Receives fail on one system, and find the end on another.
 TEST_F(ClientIsConnected, IsFalseAfterTheResetWasReportedToo) {
     peers::ResettingPort port;
     ProbeClient client;
@@ -118,8 +118,7 @@ TEST_F(ClientIsConnected, IsFalseAfterTheResetWasReportedToo) {
     port.resetConnections();
     ASSERT_TRUE(client.hasArrived());
     char text[10] = "";
-    EXPECT_EQ(client.Receive(text, sizeof text, 0), SOCKET_ERROR);
-    EXPECT_LE(client.Receive(text, sizeof text, 0), 0);
+    for (int i = 0; i < 2; ++i) EXPECT_LE(client.Receive(text, sizeof text, 0), 0);
     EXPECT_EQ(client.ReceiveLine(text, sizeof text, 0), 0);
     EXPECT_EQ(client.IsConnected(), 0);
     EXPECT_EQ(client.IsConnected(), 0);
