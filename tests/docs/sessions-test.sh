@@ -7,6 +7,7 @@ nycentral=$1
 nyctl=$2
 [ -e "$nycentral" ] || exit 77
 . "$(dirname "$0")/../apps/lib.sh"
+PATH=$(dirname "$nyctl"):$PATH  # for a command that a program starts
 set +e
 shopt -s failglob
 cd "$root"

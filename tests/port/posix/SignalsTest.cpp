@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -63,11 +64,13 @@ class InterruptedCall : public testing::Test {
         ASSERT_EQ(port::setSocketOption(socket, option, &kTimeOut, sizeof kTimeOut), 0);
     }
 
-    // Sends until there is no space for more, and none is found by waiting.
+    // Sends until there is no space for more, and none is found by waiting: the system enlarges the
+    // buffers and moves bytes from one end's to the other's for a while.
     static void fill(SOCKET socket) {
         port::setBlocking(socket, false);
-        for (int failures = 0; failures < 5; port::sleep(failures ? 10 : 0))
-            failures = send(socket) > 0 ? 0 : failures + 1;
+        pollfd space{static_cast<int>(socket), POLLOUT, 0};
+        while (send(socket) > 0 || ::poll(&space, 1, 1000) > 0) {
+        }
         port::setBlocking(socket, true);
     }
     static int send(SOCKET socket) {
