@@ -1,8 +1,8 @@
 // A host's signals interrupt no call of the library, and its handlers run on its own threads.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <poll.h>
+#include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
