@@ -154,21 +154,45 @@ TEST_F(Stopping, KeepsAServerThatDoesNotListenMarkedAsAccepting) {
 
 // OnCanAccept holds the destructor of the base until the worker has seen the flag.
 TEST_F(Stopping, RaisesTheShutDownFlagInTheDestructor) {
-    std::atomic<bool> isSeen = false;
-    m_server.ending = ProbeServer::Ending::StaysOpen;
-    m_server.onConnect = [&](LoggingWorker& worker) {
-        isSeen = eventually([&] { return worker.owner()->GetShutDownFlag() == 1; },
-                            std::chrono::seconds(20));
-        m_gate.open();
+    struct Scene {
+        Gate serving;
+        Gate& gate;
+        std::atomic<bool> isSeen = false;
     };
-    start();
-    peers::Connection served = m_server.connection();
-    ASSERT_TRUE(m_log->await("OnConnect"));
-    m_server.verdict = 0;
-    hold(&ProbeServer::onCanAccept);
-    const peers::Connection asked = connectionAtTheGate();
-    destroy();
-    EXPECT_TRUE(isSeen);
+    struct Worker : CUT_WSThread {
+        explicit Worker(Scene& scene) : m_scene(scene) {}
+        void OnConnect() override {
+            Scene& scene = m_scene;
+            scene.serving.open();
+            scene.isSeen = eventually([this] { return m_owner->GetShutDownFlag() == 1; },
+                                      std::chrono::seconds(20));
+            scene.gate.open();
+        }
+        Scene& m_scene;
+    };
+    struct Server : CUT_WSServer {
+        explicit Server(Scene& scene) : m_scene(scene) {}
+        CUT_WSThread* CreateInstance() override { return new Worker(m_scene); }
+        void ReleaseInstance(CUT_WSThread* worker) override { delete worker; }
+        long OnCanAccept(const char*) override {
+            if (++m_asked == 1) return 1;
+            m_scene.gate.pass();
+            return 0;
+        }
+        Scene& m_scene;
+        int m_asked = 0;
+    };
+    Scene scene{{}, m_gate};
+    auto server = std::make_unique<Server>(scene);
+    ASSERT_EQ(server->ConnectToPort(0, 5, AF_INET, htonl(INADDR_LOOPBACK)), 0);
+    server->SetPort(server->GetBoundPort());
+    ASSERT_EQ(server->StartAccept(), 0);
+    peers::Connection served = peers::connectionTo(server->GetPort());
+    ASSERT_TRUE(scene.serving.pass());
+    const peers::Connection asked = peers::connectionTo(server->GetPort());
+    ASSERT_TRUE(m_gate.awaitArrivals());
+    server.reset();
+    EXPECT_TRUE(scene.isSeen);
     EXPECT_TRUE(served.awaitClose());
 }
 
