@@ -23,6 +23,13 @@ runner() {
   esac
 }
 
+# need_central NYCENTRAL: ends the test as skipped if there is no such server.
+need_central() {
+  [ ! -e "$1" ] || return 0
+  echo "skipped: there is no central server $1; build the preset windows"
+  exit 77
+}
+
 # start_central NYCENTRAL ARGUMENT...: starts a server, whose process is then $central, and waits for its port.
 start_central() {
   rm -f "$work/port"

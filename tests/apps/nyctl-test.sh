@@ -4,10 +4,7 @@ set -eu
 nycentral=$1
 nyctl=$2
 . "$(dirname "$0")/lib.sh"
-if [ ! -e "$nycentral" ]; then
-  echo "skipped: there is no central server $nycentral; build the preset windows"
-  exit 77
-fi
+need_central "$nycentral"
 
 # expect STATUS TEXT ARGUMENT...: nyctl with the arguments ends with the status, and its output holds the text.
 expect() {

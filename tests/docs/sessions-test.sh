@@ -5,8 +5,8 @@
 set -eu
 nycentral=$1
 nyctl=$2
-[ -e "$nycentral" ] || exit 77
 . "$(dirname "$0")/../apps/lib.sh"
+need_central "$nycentral"
 PATH=$(dirname "$nyctl"):$PATH  # for a command that a program starts
 set +e
 shopt -s failglob

@@ -56,7 +56,7 @@ class InterruptedCall : public testing::Test {
         };
         const ULONGLONG taken = interrupted(timed, [] {});
         EXPECT_GE(taken, 199u);
-        EXPECT_LT(taken, 1500u);
+        EXPECT_LT(taken, 3000u);  // for so long signals lengthen a call that begins anew
     }
     static void setTimeOut(SOCKET socket, int option) {
         constexpr int kTimeOut = 200;
