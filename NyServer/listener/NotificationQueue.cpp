@@ -26,15 +26,12 @@ NotificationQueue::~NotificationQueue() {
         m_isEnding = true;
     }
     m_changed.notify_all();
-    constexpr DWORD kHour = 3'600'000;  // ms
-    while (m_isStarted && !m_thread.waitForEnd(kHour)) {
-    }
+    m_thread.join();
     discard();
 }
 
 bool NotificationQueue::start() {
-    m_isStarted = m_thread.start(threadMain, this) != port::kNoThread;
-    return m_isStarted;
+    return m_thread.start(threadMain, this) != port::kNoThread;
 }
 
 bool NotificationQueue::put(CMemFile& message) {

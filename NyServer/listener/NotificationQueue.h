@@ -49,7 +49,6 @@ class NotificationQueue {
     const Receiver m_receiver;
     const std::function<void(const NotificationQueue&)> m_consumed;
     port::Thread m_thread;
-    bool m_isStarted = false;
     NySe::Mutex m_mutex;
     std::condition_variable m_changed;
     std::deque<Message> m_messages NY_GUARDED_BY(m_mutex);

@@ -9,7 +9,6 @@ namespace {
 // The connection to a machine that no longer runs, or cannot be reached, does not end by itself.
 constexpr std::chrono::seconds kInterval(5);
 constexpr DWORD kLastWait = 1000;  // ms
-constexpr DWORD kHour = 3'600'000;
 
 }  // namespace
 
@@ -21,8 +20,7 @@ class AliveCheck::Request {
     }
     ~Request() {
         if (!hasEnded(kLastWait)) m_client.interrupt();
-        while (!hasEnded(kHour)) {
-        }
+        m_thread.join();
     }
     Request(const Request&) = delete;
     Request& operator=(const Request&) = delete;

@@ -62,6 +62,10 @@ class Thread {
     // False if it was not started, or if it is the calling thread.
     bool waitForEnd(DWORD milliseconds) const;
 
+    // As waitForEnd, without a limit; returns at once if the thread was not started. REQUIRES: not
+    // called by the thread.
+    void join() const;
+
   private:
     void* m_thread = nullptr;
 };

@@ -46,8 +46,8 @@ struct Started {
         if (thread.joinable()) thread.detach();
     }
 
-    // Waits for the destructors of the thread-local objects, too. Returns false if one of these
-    // calls it. REQUIRES: the procedure has returned.
+    // Waits for the destructors of the thread-local objects, too. Returns false if the thread
+    // itself calls it.
     bool join() {
         const std::lock_guard<std::mutex> lock(mutex);
         if (thread.get_id() == std::this_thread::get_id()) return false;
@@ -148,6 +148,10 @@ std::uintptr_t Thread::start(void (*procedure)(void*), void* argument) try {
 bool Thread::waitForEnd(DWORD milliseconds) const {
     auto* const started = static_cast<Started*>(m_thread);
     return started && started->end->wait(milliseconds) && started->join();
+}
+
+void Thread::join() const {
+    if (m_thread) static_cast<Started*>(m_thread)->join();
 }
 
 Event::Event(bool isSet) : m_event(new (std::nothrow) Condition(isSet)) {}

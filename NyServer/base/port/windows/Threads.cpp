@@ -66,6 +66,10 @@ bool Thread::waitForEnd(DWORD milliseconds) const {
     return ::WaitForSingleObject(m_thread, milliseconds) == WAIT_OBJECT_0;
 }
 
+void Thread::join() const {
+    ::WaitForSingleObject(m_thread, INFINITE);
+}
+
 Event::Event(bool isSet) : m_event(::CreateEventW(nullptr, TRUE, isSet, nullptr)) {}
 
 Event::~Event() {
