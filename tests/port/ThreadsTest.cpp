@@ -11,16 +11,23 @@ namespace {
 
 constexpr DWORD kLong = 30000;  // ms
 
-// Another thread that takes and releases a lock. It stays behind if it never gets it.
+// Another thread that takes and releases a lock. It stays behind if it never gets it, and only
+// then: where std::thread stands on winpthreads, a thread that starts while a detached one ends may
+// never run.
 template <class Mutex>
 class Rival {
   public:
-    explicit Rival(const std::shared_ptr<Mutex>& mutex) {
-        std::thread([mutex, hasHadIt = m_hasHadIt] {
-            mutex->lock();
-            *hasHadIt = true;
-            mutex->unlock();
-        }).detach();
+    explicit Rival(const std::shared_ptr<Mutex>& mutex)
+        : m_thread([mutex, hasHadIt = m_hasHadIt] {
+              mutex->lock();
+              *hasHadIt = true;
+              mutex->unlock();
+          }) {}
+    ~Rival() {
+        if (*m_hasHadIt)
+            m_thread.join();
+        else
+            m_thread.detach();
     }
 
     bool getsIt() const {
@@ -33,6 +40,7 @@ class Rival {
 
   private:
     std::shared_ptr<std::atomic<bool>> m_hasHadIt = std::make_shared<std::atomic<bool>>(false);
+    std::thread m_thread;
 };
 
 template <class Mutex>
