@@ -70,7 +70,7 @@ std::string fileOf(const std::string& name) {
     if (name.find('/') != std::string::npos || path == nullptr) return name;
     std::istringstream folders(path);
     for (std::string folder; std::getline(folders, folder, ':');) {
-        const std::string file = (folder.empty() ? "." : folder) + "/" + name;
+        std::string file = (folder.empty() ? "." : folder) + "/" + name;
         if (::access(file.c_str(), X_OK) == 0) return file;
     }
     return name;
@@ -79,6 +79,7 @@ std::string fileOf(const std::string& name) {
 // Returns 0 or the error number.
 int spawn(const std::vector<std::string>& words, pid_t& command) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     return ::posix_spawnp(&command, arguments[0], nullptr, nullptr, arguments.data(), environ);

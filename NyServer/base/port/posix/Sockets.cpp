@@ -43,8 +43,9 @@ constexpr long kUnconnectedPause = 10;  // ms
 // Returns the time, cut to what fits every calculation with it.
 ULONGLONG millisecondsOf(long seconds, long microseconds) {
     constexpr long kMost = 1'000'000'000;
-    return static_cast<ULONGLONG>(std::min(seconds, kMost) * 1000 + microseconds / 1000 +
-                                  (microseconds % 1000 > 0));
+    const long milliseconds =
+        std::min(seconds, kMost) * 1000 + microseconds / 1000 + (microseconds % 1000 > 0);
+    return static_cast<ULONGLONG>(milliseconds);
 }
 
 enum class Stream { notConnected, open, ended, none };
